@@ -1,0 +1,168 @@
+// nids.h: the reader of NIDS (WSR-88D Level III) product files.
+//
+// One product is open at a time. NIDS_get_header reads the file from its start
+// up to and including the header of the first symbology packet. The caller
+// then walks on from there:
+//
+//   radial packet (0xAF1F, 16)        NIDS_get_radial, and in it NIDS_get_data
+//   raster packet (0xBA0F, 0xBA07, 17) NIDS_get_rastor, and in it NIDS_get_data
+//   vectors (7, 10)                   NIDS_get_vector
+//   wind barbs (4)                    NIDS_get_wind
+//   text (1, 8)                       NIDS_get_text, once
+//
+// each until it gives a result below 1, then NIDS_packet for the next packet.
+// When NIDS_packet gives 0 or less the symbology block is done: NIDS_graphic,
+// and if it returns 1, NIDS_graphic_layer for each page and in it NIDS_packet
+// and the record routines until NIDS_packet gives 0 or less.
+//
+// The plotter's file routines around this (NIDS_open_file, NIDS_rewind_file,
+// NIDS_close_file, NIDS_print_info) are declared in nids_plt.h.
+#pragma once
+
+#include "zyr.h"
+
+#include <cstdio>
+
+// --- The product ------------------------------------------------------------
+
+// Codes of the packets that are walked.
+constexpr int nids_packet_radial = 0xAF1F;     // run-length radials of 16 levels
+constexpr int nids_packet_raster = 0xBA0F;     // run-length raster of 16 levels
+constexpr int nids_packet_raster_alt = 0xBA07; // the same, another code
+constexpr int nids_packet_dig_radial = 16;     // radials of 256 levels
+constexpr int nids_packet_dig_precip = 17;     // run-length raster of 256 levels
+constexpr int nids_packet_wind = 4;
+constexpr int nids_packet_vector = 7;
+constexpr int nids_packet_vector_val = 10; // vectors with a value
+constexpr int nids_packet_text = 1;
+constexpr int nids_packet_text_val = 8;
+
+// A source above this is a composite of several radars.
+constexpr int nids_max_site = 9999;
+
+constexpr int nids_num_thres = 16;
+
+// What the header of a product tells.
+struct NIDS_info {
+    char info[50] = {};               // product label
+    char misc[50] = {};               // parameter line
+    int src = 0;                      // source identifier
+    int mode = 0;                     // 0 maintenance, 1 clear air, 2 precipitation
+    int code = 0;                     // product code
+    int type = 0;                     // code of the first packet, 0xBA07 as 0xBA0F; 0: none
+    Date date;                        // volume scan
+    Domain domain;                    // map domain of the product
+    int nx = 0, ny = 0;               // size of the data array
+    float res = 0;                    // bin length, nautical miles; composites: cell size, km
+    float alt = 0;                    // height of the site, metres
+    float thres[nids_num_thres] = {}; // decoded thresholds
+    float elev = 0;                   // elevation angle, degrees
+    float elevt = 0;                  // not assigned by the reader
+    float range = 0;                  // range, nautical miles; 0 for composites
+    float max = 0, nmax = 0;          // largest and smallest value, product's unit
+    int beg_date = 0, beg_time = 0;   // not assigned by the reader
+    int end_date = 0, end_time = 0;
+};
+
+// Takes the selector of one product inside a collective file: a character and
+// the product's number, counted from 0; null or empty for none. Returns 0.
+int NIDS_set_ext_info(const char* str);
+
+// Rewinds the file and reads up to the header of the first packet. Failures
+// behind the message header leave the fields behind them unset. Returns 1; 0
+// when the file can't be read as a product (`info` is then unspecified).
+int NIDS_get_header(FILE* ifile, NIDS_info* info);
+
+// The two fixed blocks, read at the stream's position. Return 1; 0 on failure.
+int NIDS_mess_header(FILE* ifile);
+int NIDS_prod_desc(FILE* ifile);
+
+// --- The logical stream -----------------------------------------------------
+
+// The product's bytes, unpacked and without wrapper. NIDS_read returns 1 when
+// all `dsize` bytes were delivered, -1 when the file ends, is refused or goes
+// past the reader's limit, 0 when a decompressor fails; a stream that failed
+// stays failed until the next NIDS_get_header.
+int NIDS_read(unsigned char* data, int dsize, FILE* ifile);
+// 2 or 4 bytes, big-endian in the stream, stored in host order. Result as
+// NIDS_read; `val` is left alone on failure.
+int NIDS_read_short(unsigned char* val, FILE* ifile);
+int NIDS_read_long(unsigned char* val, FILE* ifile);
+// Passes all bytes through the next line feed. Result as NIDS_read.
+int NIDS_skip_line(FILE* ifile);
+
+// --- Number formats ---------------------------------------------------------
+
+// 16-bit float: sign, 5 bits exponent with bias 16, 10 bits fraction.
+float NIDS_float16(int val);
+// IEEE 754 single from its high and low halfword.
+float NIDS_float32(int val1, int val2);
+// Date of a day number, day 1 being 1 January 1970; a number below 1 counts
+// as 1. Returns 0.
+int NIDS_julian_date(int julian, int* year, int* month, int* day);
+// Hours, minutes and seconds of a second of the day. Returns 0.
+int NIDS_dec_time(int secs, int* hour, int* min, int* sec);
+
+// --- Packets ----------------------------------------------------------------
+
+// A run of equal bins of a radial, or cells of a row.
+struct NIDS_data {
+    float run = 0; // how many
+    float val = 0; // value in the product's unit; missing_f: none
+};
+// Coordinates are those of the product's grid: quarter kilometres from the
+// site in symbology blocks, pixels of a 512 by 512 page in graphic blocks.
+struct NIDS_vector_data {
+    float val = 0;
+    float x1 = 0, y1 = 0, x2 = 0, y2 = 0;
+};
+struct NIDS_text_data {
+    float val = 0; // missing_f: no threshold of that index
+    float x = 0, y = 0;
+    char data[100] = {};
+};
+struct NIDS_wind_data {
+    float val = 0; // missing_f: no threshold of that index
+    float x = 0, y = 0;
+    float dir = 0; // degrees
+    float spd = 0;
+};
+
+// Headers of the symbology block and of its first layer. Return 1; 0 for a
+// wrong identifier or divider, the end of the stream or a null file.
+int NIDS_prod_symb(FILE* ifile);
+int NIDS_prod_symb_layer(FILE* ifile);
+
+// Header of the next packet; packets that are not drawn are passed over. The
+// packet before must have been consumed. `*code` takes the code as read.
+// Returns 1; 0 for a null file, a code that is not handled (dividers are) and
+// the end of a page; -1 at the end of the stream.
+int NIDS_packet(FILE* ifile, int* code);
+
+// Result of the last NIDS_packet. NIDS_get_header calls it once: the first
+// packet is there to be walked if this is above 0.
+int NIDS_packet_status();
+
+// Next radial: start angle and width, degrees. Next row. Return 1; 0 when the
+// packet has no more; -1 at the end of the stream.
+int NIDS_get_radial(FILE* ifile, float* sangle, float* dangle);
+int NIDS_get_rastor(FILE* ifile);
+
+// Next run of the radial or row. Returns 1; 0 at its end; -1 at the end of the
+// stream. For a packet of another kind 1, and `data` is left alone.
+int NIDS_get_data(FILE* ifile, NIDS_data* data);
+
+// Next record of the packet. Return 1; 0 when the packet has no more; -1 at
+// the end of the stream.
+int NIDS_get_vector(FILE* ifile, NIDS_vector_data* vect_data);
+int NIDS_get_wind(FILE* ifile, NIDS_wind_data* wind);
+
+// The text of the packet, cut at 99 characters. Returns 1; 0 for a null file;
+// -1 at the end of the stream (`text` then holds what there was).
+int NIDS_get_text(FILE* ifile, NIDS_text_data* text);
+
+// Header of the graphic alphanumeric block. Returns 1; 0 when the product has
+// no symbology block, for a wrong identifier and at the end of the stream.
+int NIDS_graphic(FILE* ifile);
+// Header of the next page. Returns its number; 0 when there are no more.
+int NIDS_graphic_layer(FILE* ifile);
