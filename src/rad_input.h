@@ -14,8 +14,6 @@ constexpr int input_lev2 = 37;
 constexpr int input_lev2z = 38;
 
 // Turns the resources `input` and `in_file` into flags 14, 16 and 17, the
-// naming convention (FILE_set_name) and the model name. `in_file` chooses the
+// naming convention (FILE_set_name) and the model (VAR_set_model_str). `in_file` chooses the
 // convention; the input type only where `input` gave none. Returns 0.
 int RAD_cvt_in_file();
-// Model name that RAD_cvt_in_file settled: "mdr" or "rcm".
-const char* RAD_get_model_str();

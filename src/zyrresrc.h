@@ -230,6 +230,8 @@ int RES_list();
 // the value is null or `out` is null where one is needed. A text that cannot
 // be converted leaves `out` as it was.
 int RES_conv_data(const char* value, void* out, DEF_convert cvt);
+// Date fields that the text of `hour` names; a negative hour or minute is a step.
+Date RES_dec_hour(const char* text);
 // Device type (flag 2) from the first letter of a `device` value.
 int RES_set_device(const char* text);
 

@@ -1,0 +1,111 @@
+// flag.cpp: the switchboard of the program: 30 numbered flags and the 13
+// switches that tell which components of a plot are drawn. It owns both
+// tables and needs nothing to be called first; RES_init unsets all flags.
+#include "zyr.h"
+
+#include <array>
+
+namespace {
+
+constexpr int num_flags = 30;
+constexpr int num_switches = 13;
+constexpr int last_label = 6;  // switches 1 to 6 are the six labels
+constexpr int any_label = 0;   // derived: sum of 1 to 6
+constexpr int any_at_all = 12; // derived: sum of 0 to 11
+
+struct State {
+    std::array<long, num_flags> flags = [] {
+        std::array<long, num_flags> all{};
+        all.fill(missing);
+        return all;
+    }();
+    std::array<int, num_switches> plot_it{1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
+};
+State state;
+
+bool is_flag(int n) {
+    return n >= 0 && n < num_flags;
+}
+
+bool is_switch(int index) {
+    return index >= 0 && index < num_switches;
+}
+
+int sum(const std::array<int, num_switches>& values, int first, int last) {
+    int total = 0;
+    for (int i = first; i <= last; ++i) {
+        total += values[i];
+    }
+    return total;
+}
+
+} // namespace
+
+int FLAG_get(int n) {
+    return static_cast<int>(FLAG_getl(n));
+}
+
+long FLAG_getl(int n) {
+    return is_flag(n) ? state.flags[n] : 0;
+}
+
+int FLAG_set(int n, int value) {
+    return FLAG_setl(n, value);
+}
+
+int FLAG_setl(int n, long value) {
+    if (!is_flag(n)) {
+        return -1;
+    }
+    state.flags[n] = value;
+    return 0;
+}
+
+int FLAG_reset(int value) {
+    return FLAG_resetl(value);
+}
+
+int FLAG_resetl(long value) {
+    state.flags.fill(value);
+    return 0;
+}
+
+int FLAG_batch() {
+    return FLAG_get(flag_batch) > 0 ? 1 : 0;
+}
+
+int FLAG_set_batch(int value) {
+    return FLAG_set(flag_batch, value);
+}
+
+int FLAG_help() {
+    return FLAG_get(flag_help) > 0 ? 1 : 0;
+}
+
+int FLAG_setplot(int index, int value) {
+    if (!is_switch(index)) {
+        return -1;
+    }
+    auto& plot_it = state.plot_it;
+    plot_it[index] = value;
+    if (index == any_at_all) {
+        plot_it.fill(value);
+    }
+    if (index == any_label) {
+        for (int i = 0; i <= last_label; ++i) {
+            plot_it[i] = value;
+        }
+    }
+    plot_it[any_label] = sum(plot_it, any_label + 1, last_label);
+    plot_it[any_at_all] = sum(plot_it, any_label, any_at_all - 1);
+    return 0;
+}
+
+int FLAG_getplot(int index) {
+    return is_switch(index) ? state.plot_it[index] : 0;
+}
+
+int FLAG_resetplot(int value) {
+    state.plot_it.fill(value);
+    return 0;
+}
