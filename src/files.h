@@ -1,0 +1,115 @@
+// files.h: file access, paths, naming conventions, and the selection of files
+// by name, date and age.
+//
+// Order of a run: FILE_set_name, FILE_get_file (which settles the file name,
+// its date and the time step), the reader's set-date routine, FILE_set_date,
+// FILE_first, then FILE_get_next until it gives 0.
+//
+// Every buffer for a file name holds file_name_size bytes. A name that would
+// be longer is cut, with a warning.
+#pragma once
+
+#include "zyr.h"
+
+#include <cstdio>
+#include <memory>
+
+// --- Files and paths (files.cpp) ---------------------------------------------
+
+// The empty text, "-", "std" and "stdn" (any case) stand for a standard stream.
+int FILE_is_stdio(const char* name);
+// 1 if the first character is "/", "." or "~".
+int FILE_fullpath(const char* name);
+// These expand a leading "~".
+int FILE_exist(const char* name);  // 1 if it can be found, or is a standard stream
+int FILE_is_dir(const char* name); // 1 for a directory
+long FILE_size(const char* name);  // bytes, -1 if there is no such file
+int FILE_delete(const char* name); // 0, or -1
+// Opens a file; a standard stream name gives standard input or output, and a
+// name that begins with "|" a pipe to the rest of it. For writing, missing
+// directories are made first. Null on failure: the caller words the error.
+[[nodiscard]] std::FILE* FILE_open(const char* name, const char* mode);
+// Closes what FILE_open gave: pipes are waited for, standard streams stay
+// open. Returns 0, or -1 (a pipe: the status of its command).
+int FILE_close(std::FILE* stream);
+
+struct FILE_closer {
+    void operator()(std::FILE* stream) const { FILE_close(stream); }
+};
+using FILE_ptr = std::unique_ptr<std::FILE, FILE_closer>;
+
+// Appends "/" unless the text is empty or ends with one.
+char* FILE_add_path_delim(char* path);
+// `file` behind `path` (null: none); `file` alone if it is a standard stream
+// or a full path. `out` may be `file`. Returns `out`.
+char* FILE_add_path(const char* path, const char* file, char* out);
+// Replaces a leading "~" or "~user" by that home directory. `out` may be `in`.
+char* FILE_add_user_path(const char* in, char* out);
+// Makes the directories of a path, all parts but the last `drop`. Returns 1 if
+// the parent was there, else 0.
+int FILE_make_dir(const char* path, int drop);
+// What to do about an output file that may exist: 0 refused, 1 overwrite, 2
+// append, 3 use. Asks the user unless `file_param` or batch mode answers; mode
+// 2 offers to append, mode 1 does not, any other is refused.
+int FILE_overwrite(const char* name, int mode);
+
+// --- Naming conventions (files.cpp) -------------------------------------------
+
+// Takes the convention of an input kind from the naming-convention file. Key
+// suffixes (":x=text") set template keys; "@template" is its own template.
+// Returns 1; 0 for "none" and for a kind that has to be its own template.
+int FILE_set_name(const char* kind);
+// One level of saved convention and file name.
+void FILE_save_name_conv();
+void FILE_restore_name_conv();
+void FILE_set_late_off(int seconds);
+int FILE_get_late_off(); // smallest time step of the template, or missing
+int FILE_get_offset();   // the same, 100000 if there is none
+void FILE_set_min_size(int bytes);
+// Template keys: at most 29 characters (the buffer holds 30), blanks as "_".
+void FILE_set_key(char c, const char* text);
+char* FILE_get_key(char c, char* buffer);
+// The current file name, as one the user gave.
+void FILE_set_filename(const char* text);
+// Copies it, if a buffer is given, and returns it.
+const char* FILE_get_filename(char* buffer);
+void FILE_set_time(const Date* date); // clock values and steps of `hour`
+void FILE_get_date(Date* date);       // date of the current file
+
+// --- Selection (file_sel.cpp) ------------------------------------------------
+
+// Settles the first file: from `filename`, from `current`, in batch mode the
+// latest, else by asking. Returns 1 if it exists, 0 if a given name does not;
+// ends the program with 10 when none can be had. `outfile` may be null.
+int FILE_get_file(const char* prompt, char* outfile);
+// How typed names are read: 0 a date behind "#", 1 extra text behind "#", "-",
+// "+" or ":" (FILE_get_ext_info, which begins with that mark).
+void FILE_set_type(int type);
+const char* FILE_get_ext_info();
+// A typed name or request to a full name; takes the file date from it. Returns 0.
+int FILE_set_file(const char* file, char* out_file);
+// The name of a date (null: of the current file date). Returns 0; 1 when there
+// was nothing to build.
+int FILE_set_date(const Date* date, char* out_file);
+// The same by the header template of the convention; -1, with an empty text,
+// if it has none.
+int FILE_set_header_date(const Date* date, char* out_file);
+// A request ("[#date][offset][la[#tries]][offset]"; null: "la") to a name.
+// Returns its time, seconds since 1970, rounded down to the time step.
+long FILE_set_current(const char* request, char* filename);
+// The name of a date plus seconds. Returns offset / step.
+int FILE_set_date_off(const Date* date, int offset, char* out_file);
+// Shows the files of the convention on the terminal.
+void FILE_list_file();
+
+// Sequence of files for a plotter.
+int FILE_num_hour(); // seconds of `num_hour`, negative back in time
+int FILE_get_skip(); // seconds between frames that `num_hour` wants
+void FILE_first(const Date* date);
+int FILE_get_next(char* file); // 1 and a name; 0 at the end
+int FILE_get_num_file();       // not 0 for several frames
+// Move one step from the start of the run and give that name. Return 1.
+int FILE_next_file(char* file);
+int FILE_prev_file(char* file);
+int FILE_get_nsecs(); // offset of the next frame from the first date
+void FILE_set_nsecs(int seconds);
