@@ -18,7 +18,7 @@ using PLT_mouse_func = void(int type, const char* event, float x, float y);
 using PLT_domain_func = int(Domain* domain);
 using PLT_refresh_func = int();
 
-// --- Session (plt_tool.cpp) ---------------------------------------------------
+// --- Session (plt_tool.cpp, plot parameters in plt_parm.cpp) ------------------
 
 // Reads `plot_param` and opens the workstation with a viewport of the given
 // aspect (width by height). Returns 0; -1, with nothing opened, when every
@@ -47,6 +47,7 @@ int PLT_get_view(Glim* view);
 int PLT_border(int value);
 int PLT_get_border();
 // 1: labels stand inside the viewport.
+int PLT_set_full_lab(int value);
 int PLT_get_full_lab();
 // How many times the picture was zoomed by its domain.
 int PLT_get_zoom();
@@ -80,7 +81,7 @@ int PLT_set_dump(int type, const char* filename);
 // Writes the dump of a frame (-4: of all frames). Returns 0; -1 without one.
 int PLT_dump(int frame);
 
-// --- Redraws (plt_tool.cpp) ---------------------------------------------------
+// --- Redraws (plt_evnt.cpp) ---------------------------------------------------
 
 int PLT_set_callback(PLT_mouse_func* func);
 int PLT_set_zoom_func(PLT_domain_func* func);

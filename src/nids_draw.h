@@ -1,0 +1,59 @@
+// nids_draw.h: the parts of the NIDS plotter (nids_plt.h) that draw one frame:
+// colours, symbology packets and the text grid file.
+#pragma once
+
+#include "nids.h"
+#include "zyrgks.h"
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+
+// --- Colours (nids_colr.cpp) --------------------------------------------------
+
+// Levels and colours of a product, by its code: settled anew for each frame,
+// so that nothing of the frame before is left. Returns 0.
+int NIDS_set_colors(const NIDS_info& info);
+
+// How the values of one frame are filled. CONT_get_fill_attrib is asked once
+// for each value met; the answer depends on the value alone while the frame's
+// colours stand. A product holds at most some 256 different values.
+class NIDS_fills {
+public:
+    NIDS_fills();
+    // Null for a value that is not drawn. Valid until the next call.
+    const Gattribs* get(float value);
+
+private:
+    struct Slot {
+        bool used = false;
+        std::uint32_t bits = 0; // of the value
+        Gattribs attrib;
+    };
+    std::array<Slot, 1024> slots_{};
+    int pattern_; // takes the place of each step's own; missing: none
+};
+
+// --- Symbology packets (nids_draw.cpp) ----------------------------------------
+
+// What the packets of one frame are drawn with.
+struct NIDS_frame {
+    std::FILE* ifile = nullptr; // behind the header of the first packet
+    const NIDS_info* info = nullptr;
+    const char* datim = ""; // date label
+    Domain plot;            // the plot's domain, current on entry and exit
+    float x0 = 0, y0 = 0;   // site in the product's domain
+    int clutter_rad = 0;    // bins near the site that are left out
+    Gattribs data, grid;    // attributes of text and of lines
+};
+
+// Draws every packet from the one whose header was read last to the end of the
+// block or of what can be read. Returns 0.
+int NIDS_draw_packets(const NIDS_frame& frame);
+
+// --- Text grid file (nids_grid.cpp) -------------------------------------------
+
+// The grid file if one is asked for (NIDS_grd_out_file), with its heading
+// written; null if none is asked for or it does not open. Close it with
+// FILE_close.
+std::FILE* NIDS_grd_open(const NIDS_info& info, const char* datim);

@@ -1,0 +1,90 @@
+// nids_grid: the text grid file of a raster product, asked for by a value of
+// the resource `out_file` that begins with "zyr". Its lines:
+//
+//   ZYRGRID
+//   date label
+//   product label
+//   projection word, clat clon dx dy nx ny of the product's domain
+//   one value a line, row by row from the top; missing cells hold -9999
+#include "nids_draw.h"
+#include "nids_plt.h"
+
+#include "files.h"
+#include "maptran.h"
+#include "zyrresrc.h"
+
+#include <string>
+
+namespace {
+
+constexpr char default_convention[] = "nids_grd_zyr";
+
+template <typename... Numbers> std::string fields(const char* name, Numbers... numbers) {
+    std::string text = name;
+    for (const float number : {static_cast<float>(numbers)...}) {
+        char field[64];
+        std::snprintf(field, sizeof field, ":%f", static_cast<double>(number));
+        text += field;
+    }
+    return text + " ";
+}
+
+// Empty for projections that the file has no word for.
+std::string projection_word(const Domain& domain) {
+    switch (domain.proj) {
+    case proj_latlon:
+        return "LL ";
+    case proj_merc:
+        return "ME ";
+    case proj_pstereo:
+        return is_set(domain.plon) && domain.plon != domain.clon ? fields("PS", domain.plon)
+                                                                 : "PS ";
+    case proj_lambert:
+        if (is_set(domain.param[0])) {
+            return fields("LC", domain.plat, domain.plon, domain.param[0], domain.param[1],
+                          domain.param[2]);
+        }
+        return is_set(domain.plon) ? fields("LC", domain.plon) : "LC ";
+    default:
+        return "";
+    }
+}
+
+} // namespace
+
+int NIDS_grd_out_file() {
+    int count = 0;
+    char** names = nullptr;
+    int found = 0;
+    RES_getvals("out_file", &count, &names);
+    for (int i = 0; i < count && found == 0; i++) {
+        if (strnicmp(names[i], "zyr", 3) == 0) {
+            const std::string convention = std::string(names[i]).substr(3);
+            FILE_set_name(convention.size() < 2 ? default_convention : convention.c_str() + 1);
+            found = 1;
+        }
+    }
+    free_parsed_array(count, names);
+    return found;
+}
+
+std::FILE* NIDS_grd_open(const NIDS_info& info, const char* datim) {
+    std::FILE* grid = nullptr;
+    FILE_save_name_conv();
+    if (NIDS_grd_out_file() != 0) {
+        Date date = info.date;
+        char name[file_name_size] = "";
+        FILE_set_date(&date, name);
+        MESS_print(mess_mess, "Opening grid file: %s\n", name);
+        grid = FILE_open(name, "w");
+    }
+    FILE_restore_name_conv();
+    if (grid != nullptr) {
+        const Domain& d = info.domain;
+        std::fprintf(grid, "ZYRGRID\n%s\n%s\n%s%f %f %f %f %d %d\n", datim, info.info,
+                     projection_word(d).c_str(), static_cast<double>(d.clat),
+                     static_cast<double>(d.clon), static_cast<double>(d.dx),
+                     static_cast<double>(d.dy), d.nx, d.ny);
+    }
+    return grid;
+}

@@ -1,0 +1,179 @@
+// plt_evnt: what the user's events do to a plot: a rectangle zooms into the
+// domain, a new window size or the clock draws it again, and a key tells where
+// the pointer stands. State: the functions that the plotter registered, and
+// the zoom. The plotter registers them after PLT_open.
+#include "plt_tool.h"
+
+#include "gks.h"
+#include "maptran.h"
+#include "region.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+namespace {
+
+struct Events {
+    PLT_mouse_func* callback = nullptr;
+    PLT_domain_func* zoom_func = nullptr;
+    PLT_domain_func* resize_func = nullptr;
+    PLT_refresh_func* refresh_func = nullptr;
+    int refresh_seconds = 0;
+    int zoom = 0;    // depth of the zoom
+    int code = 0;    // 1: a rectangle is being drawn
+    Gpt press{0, 0}; // its first corner
+    Domain orig_dom; // domain before the first zoom
+};
+Events events;
+
+// Extent of the picture over the steps of its grid.
+float spacing(float extent, int points) {
+    return extent / static_cast<float>(std::max(points - 1, 1));
+}
+
+// The domain of the rectangle between two plot points on a map.
+Domain zoom_map(Domain domain, Gpt a, Gpt b) {
+    MAP_untran((a.x + b.x) / 2, (a.y + b.y) / 2, &domain.clat, &domain.clon);
+    const float height = std::fabs(b.y - a.y);
+    domain.dx = std::max(spacing(std::fabs(b.x - a.x), domain.nx), spacing(height, domain.ny));
+    domain.dy = domain.dx;
+    DOM_set_base_prior(height);
+    return domain;
+}
+
+// The same on a diagram, whose domain is a corner and an extent in data values.
+Domain zoom_diagram(Domain domain, Gpt a, Gpt b) {
+    const Gpt low{std::min(a.x, b.x), std::min(a.y, b.y)};
+    const Gpt high{std::max(a.x, b.x), std::max(a.y, b.y)};
+    const bool polar = domain.proj == proj_hodograph;
+    float first = missing_f;
+    float second = missing_f;
+    MAP_untran(low.x, low.y, &domain.clat, &domain.clon);
+    MAP_untran(high.x, high.y, &first, &second);
+    const bool plot_dx = polar || domain.proj == proj_skewt;
+    domain.dx = plot_dx ? high.x - low.x : first - domain.clat;
+    domain.dy = polar ? high.y - low.y : second - domain.clon;
+    if (polar) {
+        domain.clat = low.x;
+        domain.clon = low.y;
+    }
+    return domain;
+}
+
+int redraw(PLT_domain_func* func, Domain domain) {
+    gsel_norm_tran(0);
+    if (func != nullptr) {
+        func(&domain);
+    }
+    gsel_norm_tran(tran_map);
+    gupdate_window();
+    return 0;
+}
+
+Domain current_domain() {
+    Domain domain;
+    MAP_get_domain(&domain);
+    return domain;
+}
+
+int zoom_in(Gpt release) {
+    if (release.x == events.press.x || release.y == events.press.y) {
+        return -1;
+    }
+    const Domain before = current_domain();
+    const Domain domain = is_map_proj(before.proj) ? zoom_map(before, events.press, release)
+                                                   : zoom_diagram(before, events.press, release);
+    if (events.zoom == 0) {
+        events.orig_dom = before;
+    }
+    events.zoom++;
+    MESS_print(mess_mess, "New domain: ");
+    DOM_print(mess_mess, &domain);
+    redraw(events.zoom_func, domain);
+    events.code = 0;
+    return 0;
+}
+
+int zoom_out() {
+    MESS_print(mess_mess, "Original domain: ");
+    DOM_print(mess_mess, &events.orig_dom);
+    if (is_map_proj(events.orig_dom.proj)) {
+        DOM_set_base_prior(static_cast<float>(events.orig_dom.ny - 1) * events.orig_dom.dy);
+    }
+    redraw(events.zoom_func, events.orig_dom);
+    events.code = 0;
+    events.zoom = 0;
+    return 0;
+}
+
+} // namespace
+
+int PLT_set_callback(PLT_mouse_func* func) {
+    events.callback = func;
+    return 0;
+}
+
+int PLT_set_zoom_func(PLT_domain_func* func) {
+    events.zoom_func = func;
+    return 0;
+}
+
+int PLT_set_resize_func(PLT_domain_func* func) {
+    events.resize_func = func;
+    return 0;
+}
+
+int PLT_set_refresh_func(int seconds, PLT_refresh_func* func) {
+    events.refresh_seconds = seconds;
+    events.refresh_func = func;
+    return 0;
+}
+
+int PLT_get_zoom() {
+    return events.zoom;
+}
+
+int PLT_plot_zoom(const char* event, float x, float y) {
+    if (std::strcmp(event, "B1-P-Shft") == 0) {
+        events.press = {x, y};
+        events.code = 1;
+        return 0;
+    }
+    if (std::strncmp(event, "B1-R", 4) == 0 && events.code == 1) {
+        return zoom_in({x, y});
+    }
+    if (std::strcmp(event, "u-Alt") == 0 && events.zoom > 0) {
+        return zoom_out();
+    }
+    if (std::strcmp(event, "r-Alt") == 0) {
+        return redraw(events.zoom_func, current_domain());
+    }
+    events.code = 0;
+    return -1;
+}
+
+int PLT_plot_resize(const char* event, float, float) {
+    return std::strcmp(event, "size") == 0 ? redraw(events.resize_func, current_domain()) : -1;
+}
+
+void PLT_plot_refresh() {
+    gsel_norm_tran(0);
+    if (events.refresh_func != nullptr) {
+        events.refresh_func();
+    }
+    gsel_norm_tran(tran_map);
+    gupdate_window();
+}
+
+int PLT_print_location(const char* event, float x, float y) {
+    if (std::strcmp(event, "v-Alt") != 0) {
+        return -1;
+    }
+    float lat = missing_f;
+    float lon = missing_f;
+    MAP_untran(x, y, &lat, &lon);
+    MESS_print(mess_print, "Lat: %6.2f Lon: %7.2f XY: %6.2f %6.2f Pixel: %6.2f %6.2f\n", lat, lon,
+               x, y, xW_p(x), yW_p(y));
+    return 0;
+}

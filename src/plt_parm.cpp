@@ -1,0 +1,397 @@
+// plt_parm: the words of the resource `plot_param` that belong to every plot.
+// They set the plot session, the map, the colour bar, the kernel and the file
+// layer; words for modules that read them later are kept in PLT_settings.
+#include "plt_tool.h"
+
+#include "cont.h"
+#include "date.h"
+#include "files.h"
+#include "gks.h"
+#include "map.h"
+#include "maptran.h"
+#include "region.h"
+#include "zyrcty.h"
+#include "zyrgks.h"
+#include "zyrresrc.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+PLT_settings settings;
+
+enum class Word {
+    full,
+    full_labels,
+    page,
+    redraw,
+    id_type,
+    zone,
+    overlay,
+    latlon,
+    grid_factor,
+    skip,
+    plot_offset,
+    plot_limit,
+    location_priority,
+    panel,
+    font,
+    gif_interlace,
+    gif_transparent,
+    inverse,
+    local_colormap,
+    rw_colors,
+    loop_title,
+    ps_color,
+    ps_reverse,
+    pix_mode,
+    bar,
+    no_bar,
+    headers,
+    shadow,
+    max_bad,
+    min_size,
+    grid_format,
+    dump
+};
+
+struct WordRow {
+    const char* text;
+    bool prefix; // a value may follow
+    Word word;
+    int number; // what the word stands for, where one action serves several
+};
+
+// The first row that fits a word counts.
+constexpr std::array<WordRow, 43> words = {
+    {
+     {"full", false, Word::full, 0},
+     {"fullab", false, Word::full_labels, 1},
+     {"nopage", false, Word::page, 0},
+     {"page", false, Word::page, 1},
+     {"noredraw", false, Word::redraw, 0},
+     {"id", false, Word::id_type, 0},
+     {"wmo", false, Word::id_type, 1},
+     {"cod_wmo", false, Word::id_type, 2},
+     {"tz", true, Word::zone, 0},
+     {"over", true, Word::overlay, 0},
+     {"lalo", true, Word::latlon, 0},
+     {"gridx", true, Word::grid_factor, 0},
+     {"plt_skip", true, Word::skip, 0},
+     {"plt_off", true, Word::plot_offset, 0},
+     {"plt_grid", true, Word::plot_limit, 0},
+     {"loc_pr", true, Word::location_priority, 0},
+     {"vp_size", true, Word::panel, 0},
+     {"font", true, Word::font, 0},
+     {"gif_inter", false, Word::gif_interlace, 1},
+     {"gif_norm", false, Word::gif_interlace, 0},
+     {"gif_trans", false, Word::gif_transparent, 1},
+     {"inv", false, Word::inverse, 1},
+     {"lcmap", false, Word::local_colormap, 1},
+     {"nolcmap", false, Word::local_colormap, 0},
+     {"rwclr", false, Word::rw_colors, 1},
+     {"norwclr", false, Word::rw_colors, 0},
+     {"nolooptitle", false, Word::loop_title, 0},
+     {"pscolor", false, Word::ps_color, 1},
+     {"psrev", false, Word::ps_reverse, 1},
+     {"clear", false, Word::pix_mode, 1},
+     {"new", false, Word::pix_mode, 2},
+     {"kill", false, Word::pix_mode, 9},
+     {"bar", true, Word::bar, 2},
+     {"nobar", false, Word::no_bar, -2},
+     {"nohdr", false, Word::headers, 0},
+     {"shadow", true, Word::shadow, 4},
+     {"max_bad", true, Word::max_bad, 5},
+     {"min_size", true, Word::min_size, 0},
+     {"grdfmt", true, Word::grid_format, 0},
+     {"gif", true, Word::dump, 2},
+     {"png", true, Word::dump, 4},
+     {"img", true, Word::dump, 3},
+     {"xwd", true, Word::dump, 1},
+     }
+};
+
+int int_value(const char* text, int if_none) {
+    char* end = nullptr;
+    const long value = std::strtol(text, &end, 10);
+    return end == text ? if_none : static_cast<int>(std::clamp(value, -1000000000L, 1000000000L));
+}
+
+// A number of at least 1, else what the word stands for.
+int positive(const char* text, int otherwise) {
+    const int value = int_value(text, 0);
+    return value < 1 ? otherwise : value;
+}
+
+// Reads numbers with the characters of `separators` between them into `out`,
+// one more than there are separators. Returns how many there were.
+int read_floats(const char* text, const char* separators, float* out) {
+    int count = 0;
+    for (;;) {
+        char* end = nullptr;
+        const float value = std::strtof(text, &end);
+        if (end == text) {
+            return count;
+        }
+        out[count++] = value;
+        if (*separators == '\0' || *end != *separators) {
+            return count;
+        }
+        separators++;
+        text = end + 1;
+    }
+}
+
+int read_ints(const char* text, int* out, int most) {
+    int count = 0;
+    while (count < most) {
+        char* end = nullptr;
+        const long value = std::strtol(text, &end, 10);
+        if (end == text) {
+            return count;
+        }
+        out[count++] = static_cast<int>(std::clamp(value, -1000000000L, 1000000000L));
+        if (*end != ':') {
+            return count;
+        }
+        text = end + 1;
+    }
+    return count;
+}
+
+void set_latlon(const char* value) {
+    std::array<float, 4> numbers{};
+    const int count = read_floats(value, ":::", numbers.data());
+    if (count == 0) {
+        return;
+    }
+    const float lon = count > 1 ? numbers[1] : numbers[0];
+    const auto whole = [&](std::size_t i) {
+        return static_cast<int>(std::clamp(numbers[i], -1000.0F, 1000.0F));
+    };
+    MAP_latlon(numbers[0], lon, whole(2), whole(3));
+}
+
+void set_overlay(const char* value) {
+    std::array<int, 2> numbers{};
+    const int count = read_ints(value, numbers.data(), 2);
+    if (count > 0) {
+        PLT_set_overlay_base(numbers[0]);
+    }
+    if (count > 1) {
+        PLT_set_num_overlay(numbers[1]);
+    }
+}
+
+void set_skip(const char* value) {
+    std::array<int, 2> numbers{};
+    const int count = read_ints(value, numbers.data(), 2);
+    if (count > 0) {
+        CONT_set_skip(numbers[0], count > 1 ? numbers[1] : numbers[0]);
+    }
+}
+
+void set_plot_offset(const char* value) {
+    std::array<float, 2> numbers{};
+    const int count = read_floats(value, ":", numbers.data());
+    if (count > 0) {
+        CONT_set_plot_offset(numbers[0], count > 1 ? numbers[1] : numbers[0]);
+    }
+}
+
+void set_bar(const char* value, int bar) {
+    std::array<float, 2> range{missing_f, missing_f};
+    CONT_set_bar(bar);
+    if (read_floats(value, ":", range.data()) > 0) {
+        CONT_set_bar_range(range[1], range[0]);
+    }
+}
+
+// Words that set something outside the plot session. `rest` is all that stands
+// behind the word, `value` the same without the separator.
+void apply_elsewhere(const WordRow& row, const char* rest, const char* value) {
+    switch (row.word) {
+    case Word::id_type:
+        CTY_set_id_type(row.number);
+        break;
+    case Word::zone:
+        DATE_set_TZ(value);
+        break;
+    case Word::latlon:
+        set_latlon(value);
+        break;
+    case Word::skip:
+        set_skip(value);
+        break;
+    case Word::plot_offset:
+        set_plot_offset(value);
+        break;
+    case Word::plot_limit:
+        MAP_set_plot_limit(int_value(value, 1));
+        break;
+    case Word::location_priority:
+        if (*value != '\0') {
+            DOM_set_loc_prior(int_value(value, 0));
+        }
+        break;
+    case Word::font:
+        GPH_set_def_font(value);
+        break;
+    case Word::inverse:
+        gset_inverse(row.number);
+        break;
+    case Word::ps_color:
+        gps_set_colorPS(row.number);
+        gset_inverse(1);
+        break;
+    case Word::ps_reverse:
+        gps_set_reverse(row.number);
+        break;
+    case Word::bar:
+        set_bar(value, row.number);
+        break;
+    case Word::no_bar:
+        CONT_set_bar(row.number);
+        break;
+    case Word::shadow:
+        gset_font_drop(positive(value, row.number));
+        break;
+    case Word::min_size:
+        FILE_set_min_size(positive(value, row.number));
+        break;
+    case Word::grid_factor:
+        settings.grid_factor = int_value(rest, settings.grid_factor);
+        break;
+    default:
+        break;
+    }
+}
+
+void apply(const WordRow& row, const char* rest) {
+    const char* value = *rest == '\0' ? rest : rest + 1;
+    switch (row.word) {
+    case Word::full_labels:
+        PLT_set_full_lab(row.number);
+        [[fallthrough]];
+    case Word::full:
+        PLT_set_view_offset(0.0F);
+        break;
+    case Word::page:
+        MESS_set_page(row.number);
+        break;
+    case Word::overlay:
+        set_overlay(value);
+        break;
+    case Word::panel:
+        PLT_panel_decode(value);
+        break;
+    case Word::dump:
+        PLT_set_dump(row.number, value);
+        break;
+    case Word::redraw:
+        settings.redraw = row.number;
+        break;
+    case Word::gif_interlace:
+        settings.gif_interlace = row.number;
+        break;
+    case Word::gif_transparent:
+        settings.gif_transparent = row.number;
+        break;
+    case Word::local_colormap:
+        settings.local_colormap = row.number;
+        break;
+    case Word::rw_colors:
+        settings.rw_colors = row.number;
+        break;
+    case Word::loop_title:
+        settings.loop_title = row.number;
+        break;
+    case Word::pix_mode:
+        settings.pix_mode = row.number;
+        break;
+    case Word::headers:
+        settings.headers = row.number;
+        break;
+    case Word::max_bad:
+        settings.max_bad = positive(value, row.number);
+        break;
+    case Word::grid_format:
+        copy_text(settings.grid_format, sizeof settings.grid_format, value);
+        break;
+    default:
+        apply_elsewhere(row, rest, value);
+        break;
+    }
+}
+
+// Whether the row fits the word; `rest` then stands behind it.
+bool fits(const WordRow& row, const char* word, const char** rest) {
+    const std::size_t length = std::strlen(row.text);
+    *rest = word + std::min(length, std::strlen(word));
+    return row.prefix ? strnicmp(word, row.text, static_cast<int>(length)) == 0
+                      : stricmp(word, row.text) == 0;
+}
+
+void decode_word(const char* word) {
+    const char* rest = nullptr;
+    for (const WordRow& row : words) {
+        if (fits(row, word, &rest)) {
+            apply(row, rest);
+            return;
+        }
+    }
+}
+
+// "gif" and "png" (kinds 2 and 4) in the list of output files ask for a dump
+// as well.
+void decode_output(const char* word) {
+    const char* rest = nullptr;
+    for (const WordRow& row : words) {
+        if (row.word == Word::dump && row.number % 2 == 0 && fits(row, word, &rest)) {
+            apply(row, rest);
+            return;
+        }
+    }
+}
+
+void decode_list(const char* resource, void (*decode)(const char*)) {
+    int count = 0;
+    char** list = nullptr;
+    RES_getvals(resource, &count, &list);
+    for (int i = 0; i < count; i++) {
+        decode(list[i]);
+    }
+    free_parsed_array(count, list);
+}
+
+} // namespace
+
+int PLT_param_decode() {
+    decode_list("plot_param", decode_word);
+    decode_list("out_file", decode_output);
+    return 0;
+}
+
+int PLT_panel_decode(const char* text) {
+    std::array<float, 4> panel{1.0F, 1.0F, 0.0F, 0.0F};
+    if (read_floats(text, "x++", panel.data()) < 4) {
+        return -1;
+    }
+    auto [w, h, x, y] = panel;
+    if (w > 1.0F) {
+        w = std::clamp(w, 1.0F, 8.0F);
+        h = std::clamp(h, 1.0F, 8.0F);
+        x = x / w;
+        y = 1.0F - (1.0F + y) / h;
+        w = 1.0F / w;
+        h = 1.0F / h;
+    }
+    return GPH_set_view_size(w, h, x, y);
+}
+
+const PLT_settings& PLT_get_settings() {
+    return settings;
+}

@@ -1,0 +1,218 @@
+// plt_tool: the plot session. It opens the workstation for a plotter, keeps
+// the viewport between the margins of the panel, and writes the image dump of
+// each frame. State: workstation, viewport, margins and what is to be dumped.
+#include "plt_tool.h"
+
+#include "cont.h"
+#include "files.h"
+#include "gks.h"
+#include "zyrgks.h"
+#include "zyrresrc.h"
+
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+
+namespace {
+
+struct Session {
+    int work_id = 1;
+    Gws_type wk_type = ws_none;
+    float aspect = 1.0F;                        // of the viewport, as opened
+    Glim dis_view = {0, 0, 0, 0};               // viewport in use
+    Glim view_off = {0.0F, 0.0F, 0.04F, 0.04F}; // margins: left, right, bottom, top
+    float view_offset = 0.0F;                   // last single margin given
+    int border = 1;                             // draw a frame about the viewport
+    int full_lab = 0;                           // labels inside the viewport
+    int dump = 0;                               // kind of image dump
+    char dump_file[60] = "";                    // its name convention
+};
+Session session;
+
+constexpr int type_none = 99; // plot type that draws nothing
+
+struct DumpKind {
+    int kind;
+    const char* label;     // in messages
+    const char* file_name; // convention when none is given
+};
+constexpr std::array<DumpKind, 4> dump_kinds = {
+    {
+     {1, "xdump", "zyr.xwd"},
+     {2, "GIF", "zyr.gif"},
+     {3, "IMG", "zyr.xwd"},
+     {4, "PNG", "zyr.png"},
+     }
+};
+
+const DumpKind* find_kind(int kind) {
+    for (const DumpKind& row : dump_kinds) {
+        if (row.kind == kind) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+bool nothing_to_draw() {
+    return FLAG_getplot(12) == 0 || FLAG_get(flag_plot_type) == type_none;
+}
+
+// Writes the picture of the selected frame under the name that the dump's
+// convention gives with the key `i`. Only a window has a picture that could be
+// taken, and no writer of image files is part of this build.
+void dump_image(const char* key) {
+    Date date;
+    char name[file_name_size] = "";
+    char path[file_name_size] = "";
+    FILE_get_date(&date);
+    FILE_set_name(session.dump_file);
+    FILE_set_key('i', key);
+    FILE_set_key('p', gget_win_title());
+    FILE_set_date(&date, name);
+    FILE_add_path(RES_get("image_path"), name, path);
+    const DumpKind* kind = find_kind(session.dump);
+    MESS_print(mess_warn, "PLT_dump: Unable to write %s file: %s\n",
+               kind == nullptr ? "" : kind->label, path);
+}
+
+void dump_frame(int number) {
+    char key[16];
+    std::snprintf(key, sizeof key, "%2.2d", number);
+    dump_image(key);
+}
+
+} // namespace
+
+int PLT_open(float aspect) {
+    PLT_param_decode();
+    session.dis_view = session.view_off;
+    session.aspect = aspect;
+    if (nothing_to_draw()) {
+        return -1;
+    }
+    GPH_setup(&session.work_id, &session.wk_type, aspect, &session.dis_view);
+    return 0;
+}
+
+int PLT_reset(float aspect) {
+    session.dis_view = session.view_off;
+    session.aspect = aspect;
+    if (nothing_to_draw()) {
+        return -1;
+    }
+    GPH_reset(&session.work_id, &session.wk_type, aspect, &session.dis_view);
+    const int type = PLT_get_label_type();
+    if (type != 0) {
+        PLT_set_label_type(type < 0 ? -1 : 1);
+    }
+    return 0;
+}
+
+int PLT_panel(float aspect) {
+    if (aspect != 0.0F) {
+        session.aspect = aspect;
+    }
+    session.dis_view = session.view_off;
+    return GPH_panel(&session.work_id, &session.wk_type, session.aspect, &session.dis_view);
+}
+
+int PLT_close() {
+    if (FLAG_batch() != 0 && ZYR_back_proc() == 0) {
+        ZYR_exit(1);
+    }
+    if (FLAG_get(flag_plot_type) == type_none) {
+        return -1;
+    }
+    GPH_trans(tran_map);
+    if (session.dump == 0) {
+        GPH_hold(session.work_id);
+    }
+    gclear_ws(session.work_id, 1);
+    GPH_end(session.work_id);
+    PLT_init_labels();
+    return 0;
+}
+
+void PLT_exit(int code) {
+    GPH_end(session.work_id);
+    ZYR_exit(code);
+}
+
+int PLT_mess(const char* format, ...) {
+    char text[200];
+    va_list args;
+    va_start(args, format);
+    std::vsnprintf(text, sizeof text, format, args);
+    va_end(args);
+    return gmessage(0, text);
+}
+
+int PLT_set_view_offset(float offset) {
+    session.view_offset = offset;
+    session.view_off = {0.0F, 0.0F, offset, offset};
+    return 0;
+}
+
+int PLT_set_view_offsets(float left, float right, float bottom, float top) {
+    session.view_off = {left, right, bottom, top};
+    return 0;
+}
+
+float PLT_get_view_offset() {
+    return session.view_offset;
+}
+
+int PLT_get_view(Glim* view) {
+    *view = session.dis_view;
+    return 0;
+}
+
+int PLT_border(int value) {
+    session.border = value;
+    return 0;
+}
+
+int PLT_get_border() {
+    return session.border;
+}
+
+int PLT_set_full_lab(int value) {
+    session.full_lab = value;
+    return 0;
+}
+
+int PLT_get_full_lab() {
+    return session.full_lab;
+}
+
+int PLT_set_dump(int type, const char* filename) {
+    session.dump = type;
+    if (filename != nullptr && *filename != '\0') {
+        return copy_text(session.dump_file, sizeof session.dump_file, filename);
+    }
+    const DumpKind* kind = find_kind(type);
+    return copy_text(session.dump_file, sizeof session.dump_file,
+                     kind == nullptr ? "" : kind->file_name);
+}
+
+int PLT_dump(int frame) {
+    if (session.dump == 0) {
+        return -1;
+    }
+    FILE_save_name_conv();
+    const int images = gget_num_images();
+    if (frame == -4 && images >= 2) {
+        for (int i = 0; i < images; i++) {
+            gselect_frame(i);
+            dump_frame(i);
+        }
+    } else if (images > 0) {
+        gselect_frame(frame);
+        dump_frame(gget_cur_frame());
+    } else {
+        dump_image("win");
+    }
+    FILE_restore_name_conv();
+    return 0;
+}
