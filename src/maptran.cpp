@@ -246,7 +246,7 @@ Pair gnomonic(const Map& m, double lat, double lon) {
 
 Pair gnomonic_inverse(const Map& m, double x, double y) {
     const double c = std::atan(length(x, y) / R); // (22-16)
-    const double sin_c_rho = std::cos(c) / R;         // sin c / rho
+    const double sin_c_rho = std::cos(c) / R;     // sin c / rho
     const double sin_lat = std::cos(c) * m.sin_lat0 + y * sin_c_rho * m.cos_lat0;
     return {asin_deg(sin_lat), m.domain.plon + atan2_deg(x, R * m.cos_lat0 - y * m.sin_lat0)};
 }

@@ -1,0 +1,162 @@
+// rad_input.cpp: turns the resources `input` and `in_file` into the input type
+// (flag 14), the source (flags 16 and 17), a naming convention and a model.
+// It keeps nothing; RES_init must have run.
+#include "rad_input.h"
+
+#include "files.h"
+#include "var_tool.h"
+#include "zyrresrc.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr int source_raw = 0;
+constexpr int source_converted = 1;
+constexpr int format_native = 3;
+constexpr int format_netcdf = 12;
+
+// How an item is compared.
+enum class How {
+    starts, // begins with the word, in any case
+    equals, // in any case
+    holds   // as it is written
+};
+
+struct Rule {
+    How how;
+    const char* word;
+    int type;          // flag 14; missing: left alone
+    int source;        // flag 16; missing: left alone
+    const char* entry; // naming convention; null: left alone, empty: the item itself
+    const char* model; // null: left alone
+};
+
+constexpr const char* itself = "";
+
+// The first rule that fits an item is taken.
+constexpr Rule input_rules[] = {
+    {How::starts, "raw",     missing,        source_raw,       "rad_dat", nullptr},
+    {How::starts, "cvt",     missing,        source_converted, nullptr,   nullptr},
+    {How::equals, "conv",    missing,        source_converted, nullptr,   nullptr},
+    {How::equals, "site",    input_rrwds,    missing,          "rrwds",   nullptr},
+    {How::equals, "rrwds",   input_rrwds,    missing,          "rrwds",   nullptr},
+    {How::equals, "nids",    input_nids,     missing,          "nids",    nullptr},
+    {How::equals, "lev2z",   input_lev2z,    missing,          "lev2",    nullptr},
+    {How::equals, "lev2",    input_lev2,     missing,          "lev2",    nullptr},
+    {How::equals, "nowrad",  input_nowrad,   missing,          "nowrad",  nullptr},
+    {How::equals, "kavrad",  input_kavrad,   missing,          "kavrad",  nullptr},
+    {How::equals, "rcmsite", input_rcm_site, missing,          "rcm_dat", nullptr},
+    {How::equals, "rcm",     input_summary,  missing,          "rcm_cvt", "rcm"  },
+    {How::holds,  "rad",     missing,        source_converted, nullptr,   nullptr},
+    {How::equals, "mdr",     input_summary,  missing,          "rad_raw", nullptr},
+};
+
+constexpr Rule in_file_rules[] = {
+    {How::starts, "raw",     missing,        source_raw,       "rad_raw", nullptr},
+    {How::starts, "cvt",     missing,        source_converted, "rad_cvt", nullptr},
+    {How::equals, "conv",    missing,        source_converted, "rad_cvt", nullptr},
+    {How::equals, "site",    input_rrwds,    missing,          "rrwds",   nullptr},
+    {How::holds,  "rrwds",   input_rrwds,    missing,          itself,    nullptr},
+    {How::holds,  "nids",    input_nids,     missing,          itself,    nullptr},
+    {How::holds,  "lev2z",   input_lev2z,    missing,          itself,    nullptr},
+    {How::holds,  "lev2",    input_lev2,     missing,          itself,    nullptr},
+    {How::holds,  "nowrad",  input_nowrad,   missing,          itself,    nullptr},
+    {How::equals, "kavrad",  input_kavrad,   missing,          itself,    nullptr},
+    {How::holds,  "rad",     missing,        source_converted, itself,    nullptr},
+    {How::equals, "mdr",     input_summary,  missing,          "rad_raw", "mdr"  },
+    {How::equals, "rcmsite", input_rcm_site, missing,          "rcm_dat", nullptr},
+    {How::equals, "rcm",     input_summary,  missing,          "rcm_cvt", "rcm"  },
+};
+
+constexpr Rule any_in_file = {How::holds, "", missing, missing, itself, nullptr};
+
+bool fits(const Rule& rule, const char* item) {
+    switch (rule.how) {
+    case How::starts:
+        return strnicmp(item, rule.word, static_cast<int>(std::strlen(rule.word))) == 0;
+    case How::equals:
+        return stricmp(item, rule.word) == 0;
+    case How::holds:
+        return std::strstr(item, rule.word) != nullptr;
+    }
+    return false;
+}
+
+template <std::size_t N> const Rule* find_rule(const Rule (&rules)[N], const char* item) {
+    for (const Rule& rule : rules) {
+        if (fits(rule, item)) {
+            return &rule;
+        }
+    }
+    return nullptr;
+}
+
+void set_type(const Rule& rule) {
+    if (is_set(rule.type)) {
+        FLAG_set(flag_input, rule.type);
+    }
+    if (is_set(rule.source)) {
+        FLAG_set(flag_raw_conv, rule.source);
+    }
+}
+
+void set_names(const Rule& rule, const char* item) {
+    if (rule.entry != nullptr) {
+        FILE_set_name(*rule.entry == '\0' ? item : rule.entry);
+    }
+    if (rule.model != nullptr) {
+        VAR_set_model_str(rule.model);
+    }
+}
+
+void set_format(const char* item) {
+    if (std::strstr(item, "zyr") != nullptr) {
+        FLAG_set(flag_format, format_native);
+    }
+    if (std::strstr(item, "nc") != nullptr || std::strstr(item, "cdf") != nullptr) {
+        FLAG_set(flag_format, format_netcdf);
+    }
+}
+
+// Returns whether an item of `input` was known.
+bool read_input() {
+    bool given = false;
+    int count = 0;
+    char** items = nullptr;
+    RES_getvals("input", &count, &items);
+    for (int i = 0; i < count; ++i) {
+        if (const Rule* rule = find_rule(input_rules, items[i])) {
+            set_type(*rule);
+            set_names(*rule, items[i]);
+            given = true;
+        }
+    }
+    free_parsed_array(count, items);
+    return given;
+}
+
+} // namespace
+
+int RAD_cvt_in_file() {
+    FILE_set_name("rad_cvt");
+    FLAG_set(flag_input, input_summary);
+    VAR_set_model_str("mdr");
+    const bool given = read_input();
+    int count = 0;
+    char** items = nullptr;
+    RES_getvals("in_file", &count, &items);
+    for (int i = 0; i < count; ++i) {
+        const Rule* rule = find_rule(in_file_rules, items[i]);
+        if (rule == nullptr) {
+            rule = &any_in_file;
+        }
+        if (!given) {
+            set_type(*rule);
+        }
+        set_names(*rule, items[i]);
+        set_format(items[i]);
+    }
+    free_parsed_array(count, items);
+    return 0;
+}
