@@ -1,0 +1,62 @@
+// nids_impl.h: what the two sources of the NIDS reader share: the decoded
+// header blocks (nids_header.cpp) and the hold on the stream (nids.cpp).
+#pragma once
+
+#include "nids.h"
+
+#include <array>
+#include <cstdint>
+
+struct NidsMessHeader {
+    int code = 0;
+    int date = 0;
+    int time = 0;
+    int len = 0;
+    int src = 0;
+    int dest = 0;
+    int nblock = 0;
+};
+
+struct NidsProdDesc {
+    int divider = 0;
+    int lat = 0, lon = 0; // thousandths of a degree
+    int height = 0;       // feet
+    int code = 0;
+    int op_mode = 0;
+    int vol_cov_pat = 0;
+    int seq_num = 0;
+    int vol_scan_num = 0;
+    int vol_scan_date = 0; // day 1 being 1 January 1970
+    int vol_scan_time = 0; // seconds of the day
+    int prod_gen_date = 0;
+    int prod_gen_time = 0;
+    std::array<int, 11> p{}; // product parameters p[1] to p[10]
+    int elev = 0;            // elevation number
+    std::array<std::uint16_t, nids_num_thres> thres{};
+    int nmaps = 0;
+    int off_symb = 0, off_graph = 0, off_tab = 0; // halfwords; only tested for 0
+};
+
+struct NidsHeader {
+    NidsMessHeader mess;
+    NidsProdDesc pr_desc;
+    std::array<float, nids_num_thres> thres{};
+};
+
+// The header blocks of the open product.
+const NidsHeader& nids_header();
+
+// Starts a new product: the next read takes the file from where it stands.
+void nids_restart();
+// The next bytes may open a compressed stream.
+void nids_expect_compression();
+// Whether the product is inside a zlib stream.
+bool nids_in_zlib();
+// Code of the packet read last, 0xBA07 as 0xBA0F; 0: none.
+int nids_packet_code();
+// Numbers of the open radial or raster header: bins of a radial, rows.
+int nids_num_bins();
+int nids_num_rows();
+
+// Value of one of the 256 levels of a digital radial or precipitation packet.
+float nids_level_value(const NidsHeader& header, int packet, int level);

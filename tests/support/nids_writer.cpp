@@ -1,0 +1,268 @@
+#include "nids_writer.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include <bzlib.h>
+#include <zlib.h>
+
+namespace {
+
+void put(Bytes& out, const Bytes& part) {
+    out.insert(out.end(), part.begin(), part.end());
+}
+void put_text(Bytes& out, const std::string& text) {
+    out.insert(out.end(), text.begin(), text.end());
+}
+void put16(Bytes& out, int value) {
+    out.push_back(static_cast<std::uint8_t>(value >> 8));
+    out.push_back(static_cast<std::uint8_t>(value));
+}
+void put32(Bytes& out, std::size_t value) {
+    put16(out, static_cast<int>(value >> 16));
+    put16(out, static_cast<int>(value & 0xFFFF));
+}
+
+// Divider, identifier, length with this head, and a count.
+Bytes block(int id, std::size_t count, const Bytes& body) {
+    Bytes out = nids_words({-1, id});
+    put32(out, body.size() + 10);
+    put16(out, static_cast<int>(count));
+    put(out, body);
+    return out;
+}
+
+Bytes symbology(const std::vector<Bytes>& layers) {
+    Bytes body;
+    for (const Bytes& layer : layers) {
+        put16(body, -1);
+        put32(body, layer.size());
+        put(body, layer);
+    }
+    return block(1, layers.size(), body);
+}
+
+Bytes graphic(const std::vector<Bytes>& pages) {
+    Bytes body;
+    for (std::size_t i = 0; i < pages.size(); i++) {
+        put(body, nids_words({static_cast<int>(i + 1), static_cast<int>(pages[i].size())}));
+        put(body, pages[i]);
+    }
+    return block(2, pages.size(), body);
+}
+
+// Each line of the page has its length in front; -1 ends the page.
+Bytes tabular(const std::string& text) {
+    Bytes body = nids_words({-1, 1});
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        put16(body, 80);
+        std::string line = text.substr(at, end - at);
+        line.resize(80, ' ');
+        put_text(body, line);
+        at = end + 1;
+    }
+    put16(body, -1);
+    return block(3, 1, body);
+}
+
+} // namespace
+
+Bytes nids_words(std::initializer_list<int> values) {
+    Bytes out;
+    for (const int value : values) {
+        put16(out, value);
+    }
+    return out;
+}
+
+Bytes nids_join(std::initializer_list<Bytes> parts) {
+    Bytes out;
+    for (const Bytes& part : parts) {
+        put(out, part);
+    }
+    return out;
+}
+
+Bytes nids_radial_packet(int code, int bins, const std::vector<Bytes>& radials) {
+    const int count = static_cast<int>(radials.size());
+    Bytes out = nids_words({code, 0, bins, 0, 0, 1000, count});
+    for (int i = 0; i < count; i++) {
+        const Bytes& data = radials[static_cast<std::size_t>(i)];
+        const int len = static_cast<int>(data.size());
+        put(out, nids_words({code == 16 ? len : len / 2, 3600 * i / count, 3600 / count}));
+        put(out, data);
+    }
+    return out;
+}
+
+Bytes nids_raster_packet(int code, int pack, const std::vector<Bytes>& rows) {
+    const int count = static_cast<int>(rows.size());
+    Bytes out = code == 17 ? nids_words({17, 0, 0, count, count})
+                           : nids_words({code, 0x8000, 0xC0, 0, 0, 1, 0, 1, 0, count, pack});
+    for (const Bytes& row : rows) {
+        put16(out, static_cast<int>(row.size()));
+        put(out, row);
+        if (row.size() % 2 != 0 && pack != 1) {
+            out.push_back(0);
+        }
+    }
+    return out;
+}
+
+Bytes nids_text_packet(int code, int value, int i, int j, const std::string& text) {
+    Bytes out = nids_words({code, static_cast<int>(text.size()) + 6, value, i, j});
+    put_text(out, text);
+    return out;
+}
+
+Bytes nids_message(const NidsSample& s) {
+    constexpr int head = 18 + 102;
+    Bytes symb = s.layers.empty() ? Bytes{} : symbology(s.layers);
+    const Bytes graph = s.pages.empty() ? Bytes{} : graphic(s.pages);
+    const Bytes tab = s.tabular.empty() ? Bytes{} : tabular(s.tabular);
+    const auto offset = [&](const Bytes& part, std::size_t before) {
+        return part.empty() ? 0 : (head + before) / 2;
+    };
+    const std::size_t off_symb = offset(symb, 0);
+    const std::size_t off_graph = offset(graph, symb.size());
+    const std::size_t off_tab = offset(tab, symb.size() + graph.size());
+    put(symb, graph);
+    put(symb, tab);
+    const std::size_t unpacked = symb.size();
+    symb = s.bzip2 ? nids_bzip2(symb) : symb;
+
+    Bytes out = nids_words({s.code, s.days});
+    put32(out, static_cast<std::size_t>(s.seconds));
+    put32(out, head + symb.size());
+    put(out, nids_words({s.src, 0, symb.empty() ? 2 : 3}));
+    put16(out, -1);
+    put32(out, static_cast<std::size_t>(s.lat));
+    put32(out, static_cast<std::size_t>(s.lon));
+    put(out, nids_words({s.height, s.code, s.mode, s.vcp, 0, 41, s.days}));
+    put32(out, static_cast<std::size_t>(s.seconds));
+    put16(out, s.days);
+    put32(out, static_cast<std::size_t>(s.seconds) + 130);
+    put(out, nids_words({s.p[1], s.p[2], 1, s.p[3]}));
+    for (const int t : s.thres) {
+        put16(out, t);
+    }
+    const int packed = static_cast<int>(unpacked);
+    put(out, nids_words({s.p[4], s.p[5], s.p[6], s.p[7], s.bzip2 ? 1 : s.p[8],
+                         s.bzip2 ? packed >> 16 : s.p[9], s.bzip2 ? packed : s.p[10], 0}));
+    put32(out, off_symb);
+    put32(out, off_graph);
+    put32(out, off_tab);
+    put(out, symb);
+    return out;
+}
+
+Bytes nids_bzip2(const Bytes& data) {
+    auto size = static_cast<unsigned>(data.size() + data.size() / 100 + 600);
+    Bytes out(size);
+    Bytes source = data;
+    BZ2_bzBuffToBuffCompress(reinterpret_cast<char*>(out.data()), &size,
+                             reinterpret_cast<char*>(source.data()),
+                             static_cast<unsigned>(source.size()), 9, 0, 0);
+    out.resize(size);
+    return out;
+}
+
+Bytes nids_wrapped(const std::string& mark, const Bytes& message) {
+    Bytes out;
+    if (mark[0] == '\x01') {
+        put_text(out, mark + "\r\n123 \r\r\nSDUS54 KOUN 202231\r\r\nN0QTLX\r\r\n");
+    } else {
+        put_text(out, mark + "US54 KOUN 202231\r\r\nN0QTLX\r\r\n");
+    }
+    put(out, message);
+    return out;
+}
+
+Bytes nids_zlib(const Bytes& message, int streams) {
+    Bytes whole(54, ' ');
+    put(whole, message);
+    Bytes out;
+    const std::size_t part = whole.size() / static_cast<std::size_t>(streams) + 1;
+    for (std::size_t at = 0; at < whole.size(); at += part) {
+        const std::size_t size = std::min(part, whole.size() - at);
+        uLongf packed_size = compressBound(size);
+        Bytes packed(packed_size);
+        compress2(packed.data(), &packed_size, whole.data() + at, size, 9);
+        packed.resize(packed_size);
+        put(out, packed);
+    }
+    return out;
+}
+
+Bytes nids_collective(const std::vector<Bytes>& messages) {
+    Bytes out;
+    for (const Bytes& message : messages) {
+        put_text(out, "** SDUS97 KTLX 202231 ***\nSDUS54 KOUN 202231\nN0QTLX\n ");
+        put(out, message);
+        out.push_back('\n');
+    }
+    return out;
+}
+
+std::vector<std::pair<std::string, Bytes>> nids_samples() {
+    const Bytes vectors = nids_words({7, 16, 0, 0, 511, 511, 10, 20, 30, 40});
+    const Bytes barb = nids_words({4, 10, 3, 100, 200, 270, 45});
+    NidsSample radial;
+    radial.code = 19;
+    radial.thres = {0x8002, 5, 10, 15, 20, 25, 30, 35, 40, 45, 50, 55, 60, 65, 70, 75};
+    radial.layers = {
+        nids_radial_packet(0xAF1F, 24, {{0xF0, 0x94}, {0xF5, 0x9A}, {}, {0x8F, 0xF1}}
+          )
+    };
+    NidsSample digital;
+    digital.thres = {-320, 5, 254};
+    digital.p[3] = 5;
+    digital.p[4] = 61;
+    digital.layers = {
+        nids_radial_packet(16, 8, std::vector<Bytes>(8, {0, 1, 2, 66, 90, 120, 150, 255}))};
+    digital.bzip2 = true;
+    NidsSample raster = radial;
+    raster.code = 38;
+    raster.layers = {
+        nids_join({nids_raster_packet(0xBA07, 2, {{0xF1, 0x52}, {0x3A}, {}}),
+                   nids_raster_packet(0xBA0F, 1, {{9, 0x13}, {4, 0x0F}})}
+        )
+    };
+    raster.pages = {
+        nids_join({nids_words({10, 10, 2, 0, 0, 511, 0}), vectors,
+                   nids_text_packet(8, 0, 1, 1, " STM ID  AZ/RAN TVS  MESO POSH/POH/MX SIZE VIL")}),
+        nids_text_packet(1, 0, 1, 11, "   A0    211/ 32 NONE MESO  70/ 90/ 1.50  55  62 12.9")};
+    raster.tabular = "STORM POSITION\n A0 211/32";
+    NidsSample precip = radial;
+    precip.code = 81;
+    precip.thres = {-6000, 125, 254};
+    precip.layers = {
+        nids_raster_packet(17, 0, {{100, 0, 31, 255},   {131, 40}         }
+          ),
+        nids_join({nids_words({18, 4}), nids_words({1, 2})}
+          )
+    };
+    NidsSample wind = radial;
+    wind.code = 48;
+    wind.layers = {nids_join({nids_words({10, 10, 5, 0, 0, 511, 511}), barb,
+                              nids_text_packet(8, 5, 20, 30, "ALT KFT")})};
+    NidsSample symbols = radial;
+    symbols.code = 141;
+    symbols.layers = {
+        nids_join({nids_words({3, 6, 10, 20, 30}), nids_words({5, 4, 1, 2}),
+                   nids_words({6, 8, 0, 0, 9, 9}), nids_words({9, 6, 1, 2, 3}),
+                   nids_words({15, 6, 10, 20, 0x4130}), vectors, barb, nids_words({19, 4, 1, 2})})};
+    const Bytes message = nids_message(radial);
+    return {
+        {"radial",                nids_wrapped("SD",  message)},
+        {"digital",                       nids_wrapped({'\x01', '\r'},                                 nids_message(digital))},
+        {"raster", nids_message(raster)},
+        {"precip",   nids_wrapped("**",                                   nids_message(precip))},
+        {"wind",    nids_wrapped("DS",nids_message(wind))},
+        {"symbols",                  nids_message(symbols)               },
+        {"zlib",                       nids_wrapped("SD",                                 nids_zlib(message, 1))},
+        {"zlib_parts",                       nids_wrapped({'\x01', '\r'},                     nids_zlib(nids_message(raster), 3))},
+        {"collective",      nids_collective({message, nids_message(digital)})}
+    };
+}
