@@ -66,9 +66,15 @@ int CTY_rewind(int city_fd);
 int CTY_close(int city_fd);
 int CTY_getinfo(int city_fd, CTY_info* info);
 // Reads one line: 10 fields, or 9, which leave `num` 0. Returns the number of
-// fields read (below 9: a damaged line, the fields behind it are cleared), or
-// -1 at the end of the file or with no file.
+// fields read (below cty_fields: a damaged line, the other fields are as at
+// start), or -1 at the end of the file or with no file.
 int CTY_read(int city_fd, CTY_data* city);
+// Number of stations in a file, estimated from its size; at most 4000, which
+// is also the answer for a pipe.
+int CTY_estimate(const char* filename);
+
+// Fields of a whole line; the tenth may be absent.
+constexpr int cty_fields = 9;
 
 // --- Lookups and the table of the picture (cty_tool.cpp) --------------------
 
@@ -102,8 +108,8 @@ int CTY_enter_func(CTY_enter func);
 // Builds the table of the stations in the picture of `domain` (made the
 // current domain) and up to 3 grid lengths about it, with a priority of at
 // most `prior` (missing: CTY_get_prior), limited by the selection strings of
-// the resource `identifier`. `type` is one of the kinds above. Returns the
-// number of stations, 0 if there is none or the file cannot be opened.
+// the resource `identifier`. `type` is one of the kinds above. Returns 1; 0
+// for another kind, if the file cannot be opened, or without memory.
 int CTY_store(const char* city_file, int type, const Domain* domain, int prior);
 
 // Looks `id` up in that table: five digits, or six characters that begin with
