@@ -225,7 +225,6 @@ int gset_linetype(int type);         // 1 solid, 2 to 5 dashed
 int gset_line_print_bold(int value); // extra factor on widths in print
 int gget_line_print_bold();
 int gget_line_colr();
-int ginit_line(int type);
 int greset_line();
 
 // --- Fills (gks_fill.cpp) -----------------------------------------------------
@@ -238,7 +237,6 @@ int gset_fill_style_ind(int ind);     // pattern 0 to 19
 int gset_fill_print_solid(int value); // 1: fills print black
 int gget_fill_print_solid();
 int gget_fill_colr();
-int ginit_fill(int type);
 int greset_fill();
 // Paints the rectangle (world coordinates) in the background colour.
 int gclear_region(const Glim* lim);
@@ -251,7 +249,6 @@ int gset_marker_size(float height); // one unit is 10 pixels on a display
 int gset_marker_type(int type);     // 1 to 9; others draw nothing
 int gset_marker_width(float width);
 int gget_marker_colr();
-int ginit_marker(int type);
 int greset_marker();
 
 // --- Stroke text (gks_text.cpp) -----------------------------------------------
@@ -279,7 +276,6 @@ int gget_font_index(const char* name);
 int gset_font_drop(int depth); // drop shadow, pixels, on a display
 int gget_font_drop();
 int gget_text_colr();
-int ginit_text(int type);
 int greset_text();
 
 // --- Colours (gks_colr.cpp) ---------------------------------------------------
@@ -312,6 +308,9 @@ int gps_init_file();
 // Ends and closes the file; -1 without one.
 int gps_close_file();
 [[gnu::format(printf, 1, 2)]] int gps_printf(const char* format, ...);
+// One line of comment: control characters in it become blanks, so that no
+// text reaches the printer as commands. Cut at 250 characters.
+[[gnu::format(printf, 1, 2)]] int gps_comment(const char* format, ...);
 
 // Path elements in world coordinates, and the same in points.
 int gps_move(float x, float y);

@@ -1,0 +1,455 @@
+// colors.cpp: the colour table and the attribute language. Owns the table of
+// 256 colours, which CLR_read_table fills when the workstation opens.
+
+#include "text_num.h"
+#include "zyrgks.h"
+#include "zyrresrc.h"
+
+#include "files.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cmath>
+#include <cstring>
+#include <span>
+
+namespace {
+
+struct Rgb {
+    std::array<char, 20> name{};
+    float red = 0.0F; // 0.0 to 1.0
+    float grn = 0.0F;
+    float blu = 0.0F;
+};
+
+constexpr int max_colors = 256;
+constexpr int kept_names = 16; // slots whose names survive a new table
+
+struct ColorTable {
+    std::array<Rgb, max_colors> colors{};
+    int num_colors = 0;
+    int num_fill = 0; // colours meant for fills
+};
+ColorTable table;
+
+struct Word {
+    const char* text;
+    int value;
+};
+constexpr std::array special_colors = {
+    Word{"end",   -2 },
+    Word{"none",  -1 },
+    Word{"off",   -1 },
+    Word{"back",  -1 },
+    Word{"pblk",  500},
+    Word{"pbblk", 501},
+    Word{"ptblk", 502},
+    Word{"pwht",  503},
+    Word{"pbwht", 504},
+    Word{"ptwht", 505},
+    Word{"pgry",  506},
+    Word{"pbgry", 507},
+    Word{"ptgry", 508},
+};
+constexpr std::array line_styles = {
+    Word{"sol",    1},
+    Word{"dsh",    2},
+    Word{"lsdsh",  3},
+    Word{"llsdsh", 4},
+    Word{"dot",    5},
+};
+constexpr std::array fill_patterns = {
+    Word{"sol",  0 },
+    Word{"st",   1 },
+    Word{"ost",  2 },
+    Word{"rst",  3 },
+    Word{"lst",  4 },
+    Word{"vln",  5 },
+    Word{"||",   5 },
+    Word{"dlr",  6 },
+    Word{"\\\\", 6 },
+    Word{"drl",  7 },
+    Word{"//",   7 },
+    Word{"hln",  8 },
+    Word{"--",   8 },
+    Word{"hat",  9 },
+    Word{"XX",   9 },
+    Word{"clr",  10},
+    Word{"0%",   10},
+    Word{"1%",   11},
+    Word{"2%",   12},
+    Word{"3%",   13},
+    Word{"4%",   14},
+    Word{"5%",   15},
+    Word{"6%",   16},
+    Word{"7%",   17},
+    Word{"8%",   18},
+    Word{"9%",   19},
+};
+// By prefix: the first that fits wins.
+constexpr std::array markers = {
+    Word{"pnt",    1},
+    Word{".",      1},
+    Word{"plus",   2},
+    Word{"+",      2},
+    Word{"star",   3},
+    Word{"*",      3},
+    Word{"crcl",   4},
+    Word{"circle", 4},
+    Word{"o",      4},
+    Word{"x",      5},
+    Word{"sqr",    6},
+    Word{"square", 6},
+    Word{"#",      6},
+    Word{"tri",    7},
+    Word{"^",      7},
+    Word{"itri",   9},
+    Word{"v",      9},
+    Word{"dot",    8},
+};
+
+// Whole words, any case.
+const Word* find_word(std::span<const Word> words, const char* text) {
+    const auto at = std::find_if(words.begin(), words.end(),
+                                 [&](const Word& w) { return stricmp(w.text, text) == 0; });
+    return at == words.end() ? nullptr : &*at;
+}
+
+int word_or_number(std::span<const Word> words, const char* text) {
+    const Word* word = find_word(words, text);
+    return word != nullptr ? word->value : text_int(text);
+}
+
+// --- Colour table file --------------------------------------------------------
+
+float unit_range(float v) {
+    return std::clamp(v, 0.0F, 1.0F);
+}
+
+float component(int byte) {
+    return unit_range(static_cast<float>(byte) / 255.0F);
+}
+
+void skip_blanks(const char** text) {
+    while (std::isspace(static_cast<unsigned char>(**text)) != 0)
+        ++*text;
+}
+
+// Three components of `width` digits; how many there were.
+int take_components(const char** text, int width, int base, Rgb* color) {
+    int count = 0;
+    for (float* part : {&color->red, &color->grn, &color->blu}) {
+        int value = 0;
+        if (!take_digits(text, width, base, &value))
+            break;
+        *part = component(value);
+        ++count;
+    }
+    return count;
+}
+
+// "name r g b" or "name #RRGGBB", as far as it scans.
+void parse_entry(const char* text, Rgb* color) {
+    skip_blanks(&text);
+    const char* end = text;
+    while (*end != '\0' && std::isspace(static_cast<unsigned char>(*end)) == 0)
+        ++end;
+    if (end == text)
+        return;
+    const auto length = std::min<std::size_t>(end - text, color->name.size() - 1);
+    color->name = {};
+    std::memcpy(color->name.data(), text, length);
+    text += length; // a longer name goes on where the numbers should be
+    for (float* part : {&color->red, &color->grn, &color->blu}) {
+        float value = 0.0F;
+        if (!take_float(&text, &value))
+            break;
+        *part = unit_range(value);
+    }
+    skip_blanks(&text);
+    if (take_char(&text, '#'))
+        take_components(&text, 2, 16, color);
+}
+
+// Where the lines of one file go.
+struct Slots {
+    int base;          // first slot of the file
+    int slot = 0;      // of the next entry, from the base
+    int highest = -1;  // seen, from the base
+    int end_slot = -1; // at "END"
+};
+
+void read_line(char* line, bool first_file, Slots* at) {
+    trim_cr_string(line);
+    wstrim_string(line);
+    at->highest = std::max(at->highest, at->slot);
+    if (*line == '#')
+        return;
+    if (stricmp(line, "END") == 0) {
+        if (first_file)
+            at->end_slot = at->slot;
+        return;
+    }
+    const char* text = line;
+    int number = 0;
+    if (take_int(&text, &number))
+        at->slot = std::clamp(number, -1, max_colors);
+    const int slot = at->base + at->slot;
+    if (at->slot >= 0 && slot < max_colors) {
+        at->highest = std::max(at->highest, at->slot);
+        parse_entry(text, &table.colors[slot]);
+    }
+    at->slot = std::min(at->slot + 1, max_colors);
+}
+
+void read_table_file(std::FILE* file, bool first_file, bool count_fills) {
+    Slots at{first_file ? 0 : table.num_colors};
+    std::array<char, 101> line{};
+    while (std::fgets(line.data(), line.size(), file) != nullptr)
+        read_line(line.data(), first_file, &at);
+    table.num_colors = std::min(at.base + at.highest + 1, max_colors);
+    if (first_file && count_fills)
+        table.num_fill = std::clamp(at.end_slot >= 0 ? at.end_slot : at.highest, 0, max_colors);
+}
+
+// --- Names --------------------------------------------------------------------
+
+int find_color(const char* name) {
+    for (int i = 0; i < table.num_colors; ++i) {
+        if (stricmp(table.colors[i].name.data(), name) == 0)
+            return i;
+    }
+    return -1;
+}
+
+// "#RRGGBB" and "#rrrgggbbb": a new entry under that name.
+int add_numeric(const char* name) {
+    const std::size_t length = std::strlen(name);
+    const bool hex = length == 7;
+    if (*name != '#' || (!hex && length != 10))
+        return -1;
+    Rgb color;
+    const char* text = name + 1;
+    if (take_components(&text, hex ? 2 : 3, hex ? 16 : 10, &color) != 3)
+        return -1;
+    return CLR_add(name, color.red, color.grn, color.blu);
+}
+
+const Rgb& color_at(int ind) {
+    return table.colors[ind >= 0 && ind < max_colors ? ind : max_colors - 1];
+}
+
+// --- Attribute language -------------------------------------------------------
+
+bool parse_long_form(const char* field, Gattribs* attrib) {
+    if (std::strlen(field) < 3 || field[2] != '=')
+        return false;
+    const auto is = [field](const char* word) { return strnicmp(field, word, 2) == 0; };
+    const char* value = field + 3;
+    if (is("co"))
+        attrib->color = CLR_get_ind(value);
+    else if (is("wi"))
+        attrib->width = text_float(value);
+    else if (is("st"))
+        attrib->style = word_or_number(line_styles, value);
+    else if (is("fo"))
+        attrib->font = gget_font_index(value);
+    else if (is("fi") || is("fp"))
+        attrib->fill_pat = ATTR_parse_fill_pat(value);
+    else if (is("sc") || is("hi"))
+        attrib->height = text_float(value);
+    else if (is("te"))
+        attrib->expan = text_float(value);
+    else
+        return false;
+    return true;
+}
+
+void parse_short_form(const char* field, Gattribs* attrib) {
+    const char* value = field + 1;
+    switch (*field) {
+    case 'w':
+        attrib->width = text_float(value);
+        break;
+    case 's':
+        attrib->style = text_int(value);
+        break;
+    case 't':
+        attrib->font = text_int(value);
+        break;
+    case 'f':
+        attrib->fill_pat = *value == 'M' ? missing : text_int(value);
+        break;
+    case 'h':
+        attrib->height = text_float(value);
+        break;
+    case 'e':
+        attrib->expan = text_float(value);
+        break;
+    default:
+        break;
+    }
+}
+
+void parse_field(const char* field, bool first, Gattribs* attrib) {
+    if (*field == '\0')
+        return;
+    if (first && std::strchr(field, '=') == nullptr)
+        attrib->color = CLR_get_ind(field);
+    else if (!parse_long_form(field, attrib))
+        parse_short_form(field, attrib);
+}
+
+} // namespace
+
+// --- Colour table -------------------------------------------------------------
+
+int CLR_read_table(const char* filename) {
+    const char* resource = RES_get("color_table");
+    const char* names = "zyr.clr";
+    if (filename != nullptr && *filename != '\0')
+        names = filename;
+    else if (resource != nullptr && *resource != '\0')
+        names = resource;
+    for (int i = kept_names; i < max_colors; ++i)
+        table.colors[i].name = {};
+    int count = 0;
+    char** files = nullptr;
+    parse_string(names, ',', &count, &files);
+    bool first_file = true;
+    for (int i = 0; i < count; ++i) {
+        if (*files[i] == '\0')
+            continue; // would be standard input
+        std::array<char, file_name_size> path{};
+        const FILE_ptr file(
+            FILE_open(FILE_add_path(RES_get("file_path"), files[i], path.data()), "r"));
+        if (!file)
+            continue;
+        read_table_file(file.get(), first_file, filename == nullptr && resource != nullptr);
+        first_file = false;
+    }
+    free_parsed_array(count, files);
+    return 0;
+}
+
+int CLR_clear_table() {
+    table.num_colors = 0;
+    return 0;
+}
+
+int CLR_add(const char* name, float red, float grn, float blu) {
+    if (table.num_colors >= max_colors)
+        return -1;
+    const int ind = table.num_colors++;
+    Rgb& color = table.colors[ind];
+    copy_text(color.name.data(), color.name.size(), name);
+    color.red = red;
+    color.grn = grn;
+    color.blu = blu;
+    GPH_set_color(ind, red, grn, blu);
+    return ind;
+}
+
+int CLR_get_num_fill() {
+    return table.num_fill;
+}
+
+int CLR_get_num() {
+    return table.num_colors;
+}
+
+int CLR_get_ind(const char* name) {
+    if (name == nullptr || *name == '\0')
+        return -1;
+    if (const Word* word = find_word(special_colors, name))
+        return word->value;
+    const int ind = find_color(name);
+    if (ind >= 0)
+        return ind;
+    if (*name == '#')
+        return add_numeric(name);
+    return std::isdigit(static_cast<unsigned char>(*name)) != 0 ? text_int(name) : -1;
+}
+
+const char* CLR_get_name(int ind) {
+    return color_at(ind).name.data();
+}
+
+int CLR_get_rgb(int ind, float* red, float* grn, float* blu) {
+    const Rgb& color = color_at(ind);
+    *red = color.red;
+    *grn = color.grn;
+    *blu = color.blu;
+    return 0;
+}
+
+// --- Attributes ---------------------------------------------------------------
+
+int ATTR_parse_fill_pat(const char* str) {
+    return word_or_number(fill_patterns, str);
+}
+
+int ATTR_parse_marker(const char* str) {
+    for (const Word& word : markers) {
+        if (strnicmp(str, word.text, static_cast<int>(std::strlen(word.text))) == 0)
+            return word.value;
+    }
+    return text_int(str);
+}
+
+int ATTRIB_parse(const char* str, Gattribs* attrib) {
+    if (str == nullptr)
+        return 0;
+    bool first = true;
+    for (;;) {
+        const std::size_t length = std::strcspn(str, ":");
+        std::array<char, res_value_size> field{};
+        std::memcpy(field.data(), str, std::min(length, field.size() - 1));
+        parse_field(field.data(), first, attrib);
+        first = false;
+        if (str[length] == '\0')
+            return 0;
+        str += length + 1;
+    }
+}
+
+int ATTRIB_init(Gattribs* attrib) {
+    *attrib = {};
+    return 0;
+}
+
+int ATTRIB_update(Gattribs* attr1, const Gattribs* attr2) {
+    const auto update = [](auto* to, auto from) {
+        if (is_set(from))
+            *to = from;
+    };
+    update(&attr1->color, attr2->color);
+    update(&attr1->width, attr2->width);
+    update(&attr1->height, attr2->height);
+    update(&attr1->expan, attr2->expan);
+    update(&attr1->style, attr2->style);
+    update(&attr1->fill_pat, attr2->fill_pat);
+    update(&attr1->font, attr2->font);
+    return 0;
+}
+
+int ATTRIB_get(const char* resrc, const char* def, Gattribs* attrib) {
+    ATTRIB_parse(def, attrib);
+    const char* value = RES_get(resrc);
+    if (value == nullptr)
+        return 0;
+    ATTRIB_parse(value, attrib);
+    return 1;
+}
+
+int ATTRIB_print(const Gattribs* attrib) {
+    MESS_print(mess_print, "Color: %d\n", attrib->color);
+    MESS_print(mess_print, "Style: %d\n", attrib->style);
+    MESS_print(mess_print, "Height: %5.2f\n", static_cast<double>(attrib->height));
+    MESS_print(mess_print, "Width: %5.2f\n", static_cast<double>(attrib->width));
+    MESS_print(mess_print, "Expansion: %5.2f\n", static_cast<double>(attrib->expan));
+    MESS_print(mess_print, "Fill: %d\n", attrib->fill_pat);
+    MESS_print(mess_print, "Font: %d\n", attrib->font);
+    return 0;
+}

@@ -1,0 +1,57 @@
+// fixed_format.cpp: two-decimal numbers, byte for byte as "%3.2f". No state.
+
+#include "fixed_format.h"
+
+#include <array>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+// "00" to "99".
+constexpr auto digit_pairs = [] {
+    std::array<char, 200> pairs{};
+    for (std::size_t i = 0; i < 100; ++i) {
+        pairs[2 * i] = static_cast<char>('0' + i / 10);
+        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+    return pairs;
+}();
+
+char* put_pair(char* out, std::uint32_t n) {
+    std::memcpy(out, &digit_pairs[2 * n], 2);
+    return out + 2;
+}
+
+// The whole part, without leading zeros; below 10^7.
+char* put_whole(char* out, std::uint32_t n) {
+    if (n < 10) {
+        *out = static_cast<char>('0' + n);
+        return out + 1;
+    }
+    if (n < 100)
+        return put_pair(out, n);
+    return put_pair(put_whole(out, n / 100), n % 100);
+}
+
+} // namespace
+
+char* format_fixed2(char* out, float value) {
+    // A float times 100 has at most 31 significant bits, so this is exact.
+    const double hundredths = std::fabs(static_cast<double>(value) * 100.0);
+    // False for NaN too.
+    if (!(hundredths < 1.0e9))
+        return out + std::snprintf(out, fixed2_size, "%3.2f", static_cast<double>(value));
+    // Adding 2^52 leaves no bits for a fraction: the sum is rounded to a whole
+    // number, ties to even, and its low bits are that number.
+    constexpr double shift = 4503599627370496.0;
+    const auto n = static_cast<std::uint32_t>(std::bit_cast<std::uint64_t>(hundredths + shift));
+    if (std::signbit(value))
+        *out++ = '-';
+    out = put_whole(out, n / 100);
+    *out++ = '.';
+    return put_pair(out, n % 100);
+}

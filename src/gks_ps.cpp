@@ -1,0 +1,706 @@
+// gks_ps.cpp: the PostScript workstation. Device units are points, Y up. The
+// module keeps the printer's graphics state in its own variables and writes a
+// command only when that state changes. gps_open_ws (from gopen_ws) comes
+// first; options set by the plot parameters hold from before it.
+
+#include "fixed_format.h"
+#include "gks.h"
+#include "gks_tran.h"
+#include "text_num.h"
+#include "zyr.h"
+
+#include "date.h"
+#include "files.h"
+#include "zyrresrc.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <csignal>
+#include <cstdarg>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <string_view>
+#include <utility>
+
+namespace {
+
+constexpr float points_per_inch = 72.0F;
+constexpr float points_per_pixel = 0.72F;
+constexpr float color_in_force = -1.0F; // `gray_level` while a colour is in force
+
+struct PageSize {
+    const char* name;
+    float x, y; // inches
+};
+constexpr std::array page_sizes = {
+    PageSize{"letter", 11.0F,  8.5F  },
+    PageSize{"legal",  14.0F,  8.5F  },
+    PageSize{"11x17",  17.0F,  11.0F },
+    PageSize{"ansid",  34.0F,  22.0F },
+    PageSize{"a4",     11.69F, 8.26F },
+    PageSize{"a3",     16.54F, 11.69F},
+    PageSize{"a2",     23.39F, 16.54F},
+    PageSize{"a1",     33.11F, 23.39F},
+    PageSize{"b4",     14.33F, 10.12F},
+    PageSize{"b3",     20.27F, 14.33F},
+    PageSize{"b2",     28.66F, 20.27F},
+    PageSize{"b1",     40.55F, 28.66F},
+};
+
+// How each colour index prints.
+struct PrintColor {
+    float gray = 0.0F;
+    std::array<char, 40> gray_text{"0.000 setgray\n"};
+    std::array<char, 40> rgb_text{"0.00 0.00 0.00 setrgbcolor\n"};
+};
+
+struct Printer {
+    // In force in the file.
+    float gray_level = 0.0F;
+    int ps_col_ind = -1;
+    float line_width = 1.0F; // multiple of the base width
+    float line_type = 1.0F;
+
+    float base_width = 1.0F; // dots
+    int pr_color = 0;
+    int pr_rev = 0;
+    int pr_port = 0;
+    int pr_eps = 0;
+    float pr_scale = 1.0F;
+    float sx = 11.0F; // page, inches
+    float sy = 8.5F;
+    std::array<PrintColor, num_colrs> colors{};
+
+    std::FILE* out_file = nullptr;
+    bool append = false;
+};
+Printer ps;
+
+// Buffer of `out_file`. It has to outlive the file, which an early exit leaves
+// to the library to flush.
+std::array<char, 1 << 20> out_buffer;
+
+// Collects the text of one primitive, so that it goes out in one piece.
+class Text {
+public:
+    Text() = default;
+    ~Text() { flush(); }
+    Text(const Text&) = delete;
+    Text& operator=(const Text&) = delete;
+
+    void put(std::string_view text) {
+        if (text.size() > buf.size() - used)
+            flush();
+        const std::size_t n = std::min(text.size(), buf.size() - used);
+        std::memcpy(buf.data() + used, text.data(), n);
+        used += n;
+    }
+    void number(int n) {
+        std::array<char, 16> text{};
+        std::snprintf(text.data(), text.size(), "%d", n);
+        put(text.data());
+    }
+    // `op` is " mv\n" or " ln\n"; device units.
+    void point(float x, float y, std::string_view op) {
+        if (buf.size() - used < 2 * fixed2_size + op.size() + 1)
+            flush();
+        char* p = format_fixed2(buf.data() + used, x);
+        *p++ = ' ';
+        p = format_fixed2(p, y);
+        used = static_cast<std::size_t>(p - buf.data());
+        put(op);
+    }
+    // World coordinates.
+    void path(int n, const Gpt* pts) {
+        const Gpipe& pipe = gget_pipe();
+        for (int i = 0; i < n; ++i)
+            point(pipe_x(pipe, pts[i].x), pipe_y(pipe, pts[i].y), i == 0 ? move : line);
+    }
+
+    static constexpr std::string_view move = " mv\n";
+    static constexpr std::string_view line = " ln\n";
+
+private:
+    void flush() {
+        if (ps.out_file != nullptr)
+            fwrite_unlocked(buf.data(), 1, used, ps.out_file);
+        used = 0;
+    }
+
+    std::array<char, 1024> buf; // not cleared: written before it is read
+    std::size_t used = 0;
+};
+
+// A grey that is no colour's own: the fixed levels of the print colours.
+void put_gray(Text& out, float level, std::string_view command) {
+    if (ps.gray_level != level)
+        out.put(command);
+    ps.gray_level = level;
+}
+
+bool is_print_colr(int ind) {
+    return ind >= first_print_colr && ind <= last_print_colr;
+}
+
+// Entry of an index, -1 and all that is outside the table being the background.
+const PrintColor& print_color(int ind) {
+    return ps.colors[ind >= 0 && ind < num_colrs ? ind : background_colr];
+}
+
+void put_rgb(Text& out, int ind) {
+    if (ps.ps_col_ind == ind && ps.gray_level < 0.0F)
+        return;
+    out.put(print_color(ind).rgb_text.data());
+    ps.gray_level = color_in_force;
+    ps.ps_col_ind = ind;
+}
+
+void put_print_colr(Text& out, int ind) {
+    if (ind <= 502)
+        put_gray(out, 0.0F, "0 setgray\n");
+    else if (ind <= 505)
+        put_gray(out, 1.0F, "1 setgray\n");
+    else
+        put_gray(out, 0.7F, ".7 setgray\n");
+}
+
+// Lines and text: in grey output always black.
+void put_color(Text& out, int ind) {
+    if (is_print_colr(ind))
+        put_print_colr(out, ind);
+    else if (ps.pr_color != 0)
+        put_rgb(out, ind);
+    else
+        put_gray(out, 0.0F, "0 setgray\n");
+}
+
+void put_fill_color(Text& out, int ind) {
+    if (ps.pr_color != 0) {
+        put_color(out, ind);
+    } else if (gget_fill_print_solid() != 0) {
+        out.put("0 setgray\n");
+        ps.gray_level = 0.0F;
+    } else if (is_print_colr(ind)) {
+        put_print_colr(out, ind);
+    } else if (ind < 0) {
+        put_gray(out, 1.0F, "1 setgray\n");
+    } else {
+        const PrintColor& color = print_color(ind);
+        put_gray(out, color.gray, color.gray_text.data());
+    }
+}
+
+// Print colours of one grey come in three widths.
+int width_factor(int ind) {
+    constexpr std::array factors = {1, 2, 4};
+    return is_print_colr(ind) ? factors[(ind - first_print_colr) % 3] : 1;
+}
+
+void put_width(Text& out, int ind, float width) {
+    const int factor = width_factor(ind);
+    const int bold = factor > 1 ? factor : gget_line_print_bold();
+    const float wanted = static_cast<float>(bold) * width;
+    if (wanted == ps.line_width)
+        return;
+    const float dots = static_cast<float>(bold) * ps.base_width * width;
+    std::array<char, 64> text{};
+    if (factor > 1)
+        std::snprintf(text.data(), text.size(), "%d dot lw\n", trunc_int(dots));
+    else
+        std::snprintf(text.data(), text.size(), "%2.1f dot lw\n", static_cast<double>(dots));
+    out.put(text.data());
+    ps.line_width = wanted;
+}
+
+void put_type(Text& out, int type) {
+    constexpr std::array dashes = {"[] 0 setdash\n", "[6] 0 setdash\n", "[3 6] 0 setdash\n",
+                                   "[6 6 3 6] 0 setdash\n", "[2] 0 setdash\n"};
+    if (static_cast<float>(type) == ps.line_type)
+        return;
+    if (type >= 1 && type <= static_cast<int>(dashes.size()))
+        out.put(dashes[type - 1]);
+    ps.line_type = static_cast<float>(type);
+}
+
+float hold(float v) {
+    return hold_within(v, print_limit);
+}
+
+// --- Options and geometry -----------------------------------------------------
+
+// Page sizes outside this range leave no room or overrun the coordinates.
+bool usable_size(float x, float y) {
+    constexpr float least = 1.0F;
+    constexpr float most = 200.0F;
+    return x >= least && x <= most && y >= least && y <= most;
+}
+
+void decode_size(const char* text, float* x, float* y) {
+    float w = 0.0F;
+    float h = 0.0F;
+    if (take_float(&text, &w) && take_char(&text, 'x') && take_float(&text, &h) &&
+        usable_size(w, h)) {
+        *x = w;
+        *y = h;
+    }
+}
+
+// The value of an option stands behind the word and one separator.
+const char* option_value(const char* option, const char* word) {
+    const std::size_t n = std::strlen(word);
+    if (strnicmp(option, word, static_cast<int>(n)) != 0)
+        return nullptr;
+    return option[n] == '\0' ? option + n : option + n + 1;
+}
+
+bool decode_switch(const char* option) {
+    if (stricmp(option, "port") == 0) {
+        gps_set_orient(1);
+    } else if (stricmp(option, "land") == 0) {
+        gps_set_orient(0);
+    } else if (stricmp(option, "eps") == 0) {
+        gps_set_EPS(1);
+    } else if (stricmp(option, "noeps") == 0) {
+        gps_set_EPS(0);
+    } else if (stricmp(option, "color") == 0) {
+        gps_set_colorPS(1);
+        gset_inverse(1);
+    } else if (stricmp(option, "gray") == 0) {
+        gps_set_colorPS(0);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void decode_option(const char* option, float* x, float* y) {
+    if (decode_switch(option))
+        return;
+    if (const char* scale = option_value(option, "scale")) {
+        gps_set_scale(text_float(scale));
+    } else if (const char* width = option_value(option, "lwidth")) {
+        gps_set_base_width(static_cast<float>(trunc_int(text_float(width))));
+    } else if (const char* size = option_value(option, "sz")) {
+        decode_size(size, x, y);
+    } else {
+        for (const PageSize& page : page_sizes) {
+            if (stricmp(option, page.name) == 0) {
+                *x = page.x;
+                *y = page.y;
+            }
+        }
+    }
+}
+
+// Fields of a text split at commas, from `first` on.
+void decode_options(const char* text, int first, float* x, float* y) {
+    int count = 0;
+    char** fields = nullptr;
+    parse_string(text, ',', &count, &fields);
+    for (int i = first; i < count; ++i)
+        decode_option(fields[i], x, y);
+    free_parsed_array(count, fields);
+}
+
+struct Area {
+    int x, y, width, height; // points
+};
+
+// "wxh+x+y" behind the P: fractions of the page, or with w above 1 a grid of
+// w columns and h rows and the cell x, y in it, row 0 at the top.
+Area panel_area(const char* text, const Area& page) {
+    float sx = 1.0F;
+    float sy = 1.0F;
+    float ox = 0.0F;
+    float oy = 0.0F;
+    if (take_float(&text, &sx) && take_char(&text, 'x') && take_float(&text, &sy) &&
+        take_char(&text, '+') && take_float(&text, &ox) && take_char(&text, '+'))
+        take_float(&text, &oy);
+    if (sx > 1.0F) {
+        sx = std::clamp(sx, 1.0F, 8.0F);
+        sy = std::clamp(sy, 1.0F, 8.0F);
+        ox = ox / sx;
+        oy = 1.0F - (oy + 1.0F) / sy;
+        sx = 1.0F / sx;
+        sy = 1.0F / sy;
+    }
+    const auto w = static_cast<float>(page.width);
+    const auto h = static_cast<float>(page.height);
+    return {trunc_int(w * ox), trunc_int(h * oy), trunc_int(w * sx), trunc_int(h * sy)};
+}
+
+int pixels(int n) {
+    return trunc_int(static_cast<float>(n) * points_per_pixel);
+}
+
+// "wxh+x+y", "wxh" or "+x+y" in pixels.
+Area pixel_area(const char* text, Area area) {
+    const char* cursor = text;
+    int w = 0;
+    int h = 0;
+    int x = 0;
+    int y = 0;
+    if (take_int(&cursor, &w) && take_char(&cursor, 'x') && take_int(&cursor, &h)) {
+        area.width = pixels(w);
+        area.height = pixels(h);
+        if (take_int(&cursor, &x) && take_int(&cursor, &y)) {
+            area.x = pixels(x);
+            area.y = pixels(y);
+        }
+        return area;
+    }
+    cursor = text;
+    if (take_int(&cursor, &x) && take_int(&cursor, &y)) {
+        area.x = pixels(x);
+        area.y = pixels(y);
+    }
+    return area;
+}
+
+void set_geometry(Area page) {
+    const char* text = RES_get("geometry");
+    for (const char* env : {"zyrps_geometry", "PSGEOMETRY"})
+        text = text != nullptr ? text : std::getenv(env);
+    if (text == nullptr || *text == '\0')
+        return;
+    const Area area = std::tolower(static_cast<unsigned char>(*text)) == 'p'
+                          ? panel_area(text + 1, page)
+                          : pixel_area(text, page);
+    constexpr int least = 2; // one point has no extent
+    constexpr int most = 100000;
+    const auto in_range = [](int v, int low) { return v >= low && v <= most; };
+    if (!in_range(area.width, least) || !in_range(area.height, least) || !in_range(area.x, -most) ||
+        !in_range(area.y, -most)) {
+        MESS_print(mess_warn, "gopen_ws: geometry leaves no room: %s\n", text);
+        return;
+    }
+    gset_xsize(area.width, area.height);
+    gset_xoff(area.x, area.y);
+}
+
+// First field of the connection text, else the environment, else the default.
+void output_name(const char* conn_id, char* name, std::size_t size) {
+    std::string_view field = conn_id != nullptr ? conn_id : "";
+    field = field.substr(0, field.find(','));
+    if (!field.empty()) {
+        const std::size_t n = std::min(field.size(), size - 1);
+        std::memcpy(name, field.data(), n);
+        name[n] = '\0';
+        return;
+    }
+    for (const char* env : {"zyrps_print", "PSPRINT"}) {
+        const char* value = std::getenv(env);
+        if (value != nullptr && *value != '\0') {
+            copy_text(name, size, value);
+            return;
+        }
+    }
+    copy_text(name, size, "zyr.ps");
+}
+
+// --- Head of the file ---------------------------------------------------------
+
+void put_heading() {
+    if (ps.pr_eps != 0) {
+        gps_printf("%%!PS-Adobe-3.0 EPSF-3.0\n");
+        gps_printf(ps.pr_port != 0 ? "%%%%BoundingBox: 0 0 756 576\n"
+                                   : "%%%%BoundingBox: 0 0 576 756\n");
+    } else {
+        gps_printf("%%!PS-Adobe-1.0\n");
+    }
+    gps_comment("%%%%Title: ZYR Graphics Display: %s", gget_win_title());
+    gps_printf("%%%%Creator: ZYR Postscript Processor-2.0\n");
+    std::time_t now = 0;
+    DATE_get_time(&now);
+    std::array<char, 32> date{};
+    gps_printf("%%%%CreationDate: %s", ctime_r(&now, date.data()));
+    gps_printf("%%%%EndComments\n%%%%Postscript initialization\n");
+}
+
+void put_page_setup() {
+    if (ps.pr_eps == 0)
+        gps_printf("30 dict begin\n/saveobj save def\n");
+    gps_printf("/inch {72 mul} def\n/dot {.33 mul} def\n/mv {moveto} def\n/ln {lineto} def\n"
+               "/lw {setlinewidth} def\n/np {newpath} def\n/cp {closepath} def\n");
+    if (ps.pr_port == 0) {
+        const auto height = static_cast<double>(ps.sy);
+        gps_printf("90 rotate\n");
+        if (ps.pr_eps != 0)
+            gps_printf("0. inch -%.2f inch translate\n", height);
+        else
+            gps_printf(".25 inch -%.2f inch translate\n", height - 0.25);
+    } else if (ps.pr_eps == 0) {
+        gps_printf(".25 inch .25 inch translate\n");
+    }
+}
+
+} // namespace
+
+// --- Opening and closing ------------------------------------------------------
+
+int gps_open_ws(const char* conn_id) {
+    std::array<char, file_name_size> name{};
+    output_name(conn_id, name.data(), name.size());
+    gset_win_type(ws_postscript);
+    if (gps_open_file(name.data()) == nullptr) {
+        gerr_printf("gopen_ws", "unable to open postscript file\n");
+        return -1;
+    }
+    float x = 11.0F;
+    float y = 8.5F;
+    gps_init();
+    decode_options(std::getenv("zyrps_param"), 0, &x, &y);
+    decode_options(conn_id, 1, &x, &y);
+    const Area page = {0, 0, trunc_int((x - 0.5F) * points_per_inch),
+                       trunc_int((y - 0.5F) * points_per_inch)};
+    gset_xsize(page.width, page.height);
+    gset_xoff(page.x, page.y);
+    gps_set_size(x, y);
+    gps_init_file();
+    set_geometry(page);
+    return 0;
+}
+
+std::FILE* gps_open_file(const char* name) {
+    ps.append = *name == '+';
+    if (ps.append)
+        ++name;
+    if (!ps.append && *name == '|') {
+        MESS_print(mess_mess, "Spooling to: %s\n", name + 1);
+        // A command that ends early must not take the program with it.
+        std::signal(SIGPIPE, SIG_IGN);
+    } else {
+        MESS_print(mess_mess, ps.append ? "Appending to: %s\n" : "Creating: %s\n", name);
+    }
+    ps.out_file = FILE_open(name, ps.append ? "a" : "w");
+    if (std::getenv("PSCOLOR") != nullptr)
+        ps.pr_color = 1;
+    if (ps.out_file != nullptr && ps.out_file != stdout)
+        std::setvbuf(ps.out_file, out_buffer.data(), _IOFBF, out_buffer.size());
+    return ps.out_file;
+}
+
+int gps_init() {
+    ps.gray_level = 0.0F;
+    ps.ps_col_ind = -1;
+    ps.line_width = 1.0F;
+    ps.line_type = 1.0F;
+    return 0;
+}
+
+int gps_set_size(float sx, float sy) {
+    ps.sx = sx;
+    ps.sy = sy;
+    return 0;
+}
+
+int gps_init_file() {
+    if (!ps.append) {
+        put_heading();
+        put_page_setup();
+    }
+    gps_printf(ps.pr_color != 0 ? "0 0 0 setrgbcolor\n" : "0 setgray\n");
+    if (!ps.append)
+        gps_printf("2 setlinejoin\n");
+    gps_printf("1 dot lw\n[] 0 setdash\n");
+    if (!ps.append) {
+        if (ps.pr_scale != 1.0F) {
+            const auto scale = static_cast<double>(ps.pr_scale);
+            gps_printf("%.2f %.2f scale\n", scale, scale);
+        }
+        gps_printf("%%%%Begin plot\n");
+    }
+    gps_comment("%%%%ZYR Plot: %s", gget_win_title());
+    return 0;
+}
+
+int gps_close_file() {
+    if (ps.out_file == nullptr)
+        return -1;
+    gps_printf("%%%%End of plot\n");
+    // An EPS file has saved nothing and begun no dictionary that it could end.
+    if (!ps.append)
+        gps_printf(ps.pr_eps != 0 ? "showpage\n%%%%EOF\n"
+                                  : "saveobj restore\nshowpage\nend\n%%%%EOF\n");
+    std::FILE* file = std::exchange(ps.out_file, nullptr);
+    const bool failed = std::fflush(file) != 0 || std::ferror(file) != 0;
+    if (FILE_close(file) != 0 || failed) {
+        gerr_printf("gps_close_file", "unable to write postscript file\n");
+        return -1;
+    }
+    MESS_print(mess_mess, "Created Postscript file\n");
+    return 0;
+}
+
+int gps_printf(const char* format, ...) {
+    if (ps.out_file == nullptr)
+        return 0;
+    std::va_list args;
+    va_start(args, format);
+    std::vfprintf(ps.out_file, format, args);
+    va_end(args);
+    return 0;
+}
+
+int gps_comment(const char* format, ...) {
+    std::array<char, 251> text{};
+    std::va_list args;
+    va_start(args, format);
+    std::vsnprintf(text.data(), text.size(), format, args);
+    va_end(args);
+    std::replace_if(
+        text.begin(), text.begin() + std::strlen(text.data()),
+        [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');
+    return gps_printf("%s\n", text.data());
+}
+
+// --- Paths --------------------------------------------------------------------
+
+int gps_move(float x, float y) {
+    Text().point(xW_ps(x), yW_ps(y), Text::move);
+    return 0;
+}
+
+int gps_line(float x, float y) {
+    Text().point(xW_ps(x), yW_ps(y), Text::line);
+    return 0;
+}
+
+int gps_move_abs(float x, float y) {
+    Text().point(hold(x), hold(y), Text::move);
+    return 0;
+}
+
+int gps_line_abs(float x, float y) {
+    Text().point(hold(x), hold(y), Text::line);
+    return 0;
+}
+
+int gps_path(int n, const Gpt* pts) {
+    Text().path(n, pts);
+    return 0;
+}
+
+int gps_polyline(int n, const Gpt* pts, int color, float width, int type) {
+    Text out;
+    out.put("%%PL:");
+    out.number(n);
+    out.put("\n");
+    put_width(out, color, width);
+    put_color(out, color);
+    put_type(out, type);
+    out.put("np\n");
+    out.path(n, pts);
+    out.put("stroke\n");
+    return 0;
+}
+
+int gps_fill_area(int n, const Gpt* pts, int color) {
+    Text out;
+    out.put("%%FA:");
+    out.number(n);
+    out.put("\nnp\n");
+    out.path(n, pts);
+    out.put("cp\n");
+    put_fill_color(out, color);
+    out.put("fill\n");
+    return 0;
+}
+
+int gps_set_clip(float x0, float y0, float x1, float y1) {
+    constexpr float margin = 0.1F;
+    Text out;
+    out.put("initclip\nnp\n");
+    out.point(x0 - margin, y0 - margin, Text::move);
+    out.point(x0 - margin, y1 + margin, Text::line);
+    out.point(x1 + margin, y1 + margin, Text::line);
+    out.point(x1 + margin, y0 - margin, Text::line);
+    out.put("cp\nclip\n");
+    return 0;
+}
+
+// --- State --------------------------------------------------------------------
+
+int gps_set_color(int ind) {
+    Text out;
+    put_color(out, ind);
+    return 0;
+}
+
+int gps_set_fill_color(int ind) {
+    Text out;
+    put_fill_color(out, ind);
+    return 0;
+}
+
+int gps_set_width(int ind, float width) {
+    Text out;
+    put_width(out, ind, width);
+    return 0;
+}
+
+int gps_set_type(int type) {
+    Text out;
+    put_type(out, type);
+    return 0;
+}
+
+int gps_set_base_width(float width) {
+    if (!(width >= 0.0F))
+        return -1;
+    ps.base_width = width;
+    return 0;
+}
+
+int gps_set_color_rep(float red, float grn, float blu, int ind) {
+    if (ind < -1 || ind >= num_colrs)
+        return -1;
+    PrintColor& color = ps.colors[ind < 0 ? background_colr : ind];
+    const double sum =
+        0.9 * static_cast<double>(red) + static_cast<double>(grn) + 0.8 * static_cast<double>(blu);
+    const auto gray = static_cast<float>(sum / 2.7);
+    color.gray = ps.pr_rev != 0 ? 1.0F - gray : gray;
+    std::snprintf(color.gray_text.data(), color.gray_text.size(), "%3.3f setgray\n",
+                  static_cast<double>(color.gray));
+    std::snprintf(color.rgb_text.data(), color.rgb_text.size(), "%4.2f %4.2f %4.2f setrgbcolor\n",
+                  static_cast<double>(red), static_cast<double>(grn), static_cast<double>(blu));
+    return 0;
+}
+
+float gps_get_gray(int ind) {
+    return print_color(ind).gray;
+}
+
+int gps_set_EPS(int value) {
+    ps.pr_eps = value;
+    return 0;
+}
+
+int gps_set_orient(int portrait) {
+    ps.pr_port = portrait;
+    return 0;
+}
+
+int gps_set_scale(float scale) {
+    // A scale of nothing would be an error of the printer.
+    if (!(scale >= 0.01F))
+        return -1;
+    ps.pr_scale = scale;
+    return 0;
+}
+
+int gps_set_colorPS(int value) {
+    ps.pr_color = value;
+    return 0;
+}
+
+int gps_get_colorPS() {
+    return ps.pr_color;
+}
+
+int gps_set_reverse(int value) {
+    ps.pr_rev = value;
+    return 0;
+}

@@ -1,0 +1,249 @@
+// gks_tool.cpp: life of the kernel and of the workstation: opening, closing,
+// the type and size of the device, names, and the kernel's reports. gopen_gks
+// comes first, then gopen_ws.
+
+#include "gks.h"
+#include "zyr.h"
+
+#include <array>
+#include <cstdarg>
+#include <cstdlib>
+#include <utility>
+
+namespace {
+
+struct Kernel {
+    std::FILE* err_file = nullptr; // null: kernel not open
+    int open_graphics = 0;         // 1: a workstation is open
+};
+Kernel kernel;
+
+struct Station {
+    Gws_type win_type = ws_none;
+    int win_width = 640; // drawing area, device units
+    int win_height = 512;
+    int win_x = 0; // its offset
+    int win_y = 0;
+    std::array<char, 20> prog_name{"X11_Graph"};
+    std::array<char, 60> win_title{"X11_Graph"};
+};
+Station station;
+
+// What the kernel says when a device cannot be opened at all.
+struct MissingDevice {
+    Gws_type type;
+    const char* text;
+};
+constexpr std::array missing_devices = {
+    MissingDevice{ws_window,   "unable to open window: this build has no window device\n"},
+    MissingDevice{ws_metafile, "unable to open metafile\n"                               },
+    MissingDevice{ws_hpgl,     "unable to open HPGL file\n"                              },
+    MissingDevice{ws_pixmap,   "unable to open pixmap: this build has no window device\n"},
+};
+
+int no_device(Gws_type type) {
+    for (const MissingDevice& device : missing_devices) {
+        if (device.type == type) {
+            gerr_printf("gopen_ws", "%s", device.text);
+            return -1;
+        }
+    }
+    gerr_printf("gopen_ws", "invalid workstation type: %d\n", type);
+    return -1;
+}
+
+} // namespace
+
+int gopen_gks(const char* path, int /*size*/) {
+    kernel.err_file = path != nullptr ? std::fopen(path, "w") : stderr;
+    return kernel.err_file == nullptr ? 1 : 0;
+}
+
+int gclose_gks() {
+    std::FILE* file = std::exchange(kernel.err_file, nullptr);
+    if (file != nullptr && file != stderr)
+        std::fclose(file);
+    return 0;
+}
+
+int gemergency_close_gks() {
+    return 0;
+}
+
+int gactivate_ws(int /*ws_id*/) {
+    return 0;
+}
+
+int gdeactivate_ws(int /*ws_id*/) {
+    return 0;
+}
+
+int gopen_ws(int /*ws_id*/, const char* conn_id, Gws_type ws_type) {
+    const char* print = std::getenv("zyrprint");
+    if (ws_type == ws_postscript && print != nullptr && stricmp(print, "hpgl") == 0)
+        ws_type = ws_hpgl;
+    if (ws_type != ws_postscript)
+        return no_device(ws_type);
+    if (gps_open_ws(conn_id) != 0)
+        return -1;
+    kernel.open_graphics = 1;
+    constexpr int init_postscript = 2;
+    ginit_plot(init_postscript);
+    gsetup_fonts(); // a missing font has been reported: the plot goes on without text
+    ginit_background();
+    return 0;
+}
+
+int gclose_ws(int /*ws_id*/) {
+    if (kernel.open_graphics == 0)
+        return -1;
+    station.win_width = 0;
+    station.win_height = 0;
+    if (gtype_is_PS())
+        gps_close_file();
+    kernel.open_graphics = 0;
+    return 0;
+}
+
+int gclear_ws(int /*ws_id*/, int /*flag*/) {
+    return 0; // a page of a file device begins with its opening
+}
+
+int gchk_graphics() {
+    return kernel.open_graphics;
+}
+
+int gchk_open(const char* func) {
+    if (kernel.open_graphics != 0)
+        return 0;
+    gerr_printf(func, "GKS not opened\n");
+    return -1;
+}
+
+int gget_ws_id() {
+    return 1;
+}
+
+void gerr_printf(const char* func, const char* format, ...) {
+    if (kernel.err_file == nullptr)
+        return;
+    std::array<char, 80> text{};
+    std::va_list args;
+    va_start(args, format);
+    std::vsnprintf(text.data(), text.size(), format, args);
+    va_end(args);
+    MESS_print(mess_warn, "%s: ", func);
+    MESS_print(mess_warn, "%s\n", text.data());
+}
+
+int ginit_plot(int type) {
+    if (type == -1)
+        return -1;
+    greset_text();
+    greset_line();
+    greset_marker();
+    greset_fill();
+    ginit_tran(type);
+    return 0;
+}
+
+Gws_type gget_win_type() {
+    return station.win_type;
+}
+
+int gset_win_type(Gws_type type) {
+    station.win_type = type;
+    return 0;
+}
+
+bool gtype_is_WIN() {
+    return station.win_type == ws_window;
+}
+
+bool gtype_is_PIX() {
+    return station.win_type == ws_pixmap;
+}
+
+bool gtype_is_WIN_PIX() {
+    return gtype_is_WIN() || gtype_is_PIX();
+}
+
+bool gtype_is_PS() {
+    return station.win_type == ws_postscript;
+}
+
+bool gtype_is_HPGL() {
+    return station.win_type == ws_hpgl;
+}
+
+bool gtype_is_META() {
+    return station.win_type == ws_metafile;
+}
+
+int gget_win_size(int* width, int* height) {
+    *width = station.win_width;
+    *height = station.win_height;
+    return 0;
+}
+
+int gget_win_offset(int* x, int* y) {
+    *x = station.win_x;
+    *y = station.win_y;
+    return 0;
+}
+
+int gset_win_size(int width, int height) {
+    gset_xsize(width, height);
+    constexpr int size_changed = 10;
+    return ginit_tran(size_changed);
+}
+
+int gset_xsize(int width, int height) {
+    station.win_width = width;
+    station.win_height = height;
+    return 0;
+}
+
+int gset_xoff(int x, int y) {
+    station.win_x = x;
+    station.win_y = y;
+    return 0;
+}
+
+int gget_win_depth() {
+    constexpr int file_depth = 10; // marks that no display is in use
+    return file_depth;
+}
+
+int ginq_disp_space_size(Gws_type /*ws_type*/, int* err, Gdsp_size* size) {
+    size->coord_units = GOTHER_UNIT;
+    size->coord_size = {static_cast<float>(station.win_width - 1),
+                        static_cast<float>(station.win_height - 1)};
+    size->ras_size = {station.win_width, station.win_height};
+    *err = 0;
+    return 0;
+}
+
+int gset_prog_name(const char* name) {
+    copy_text(station.prog_name.data(), station.prog_name.size(), name);
+    return 0;
+}
+
+const char* gget_prog_name() {
+    return station.prog_name.data();
+}
+
+int gset_win_title(const char* title) {
+    copy_text(station.win_title.data(), station.win_title.size(), title);
+    return -1; // there is no window to show it
+}
+
+const char* gget_win_title() {
+    return station.win_title.data();
+}
+
+int gmessage(int /*level*/, const char* text) {
+    if (gtype_is_PS())
+        gps_comment("%%%%Message: %s", text);
+    return 0;
+}
