@@ -59,6 +59,7 @@ void QueuePeer::reply(int type, const std::string& text) const {
 void QueuePeer::serve(Manner manner) {
     std::ofstream log(log_);
     const std::string query = "query res ";
+    const std::string accepted{'2', '0' + conn_id};
     Message message;
     ssize_t length = 0;
     while ((length = msgrcv(queue_, &message, 120, 1, 0)) > 0) {
@@ -68,7 +69,7 @@ void QueuePeer::serve(Manner manner) {
         }
         if (message.text[0] == '/') {
             log << (text == std::to_string(getuid()) ? "hello" : "stranger") << std::endl;
-            reply(2, manner == refuses ? "1no" : "2" + std::to_string(conn_id));
+            reply(2, manner == refuses ? "1no" : accepted);
             continue;
         }
         log << (message.text[0] == conn_id + '0' ? "" : "wrong connection: ");
