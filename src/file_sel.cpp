@@ -1,0 +1,653 @@
+// file_sel.cpp: which files a run plots: typed names, dates, relative requests
+// ("la", "-3", "#2010050112"), and the sequence of frames. Owns the sequence;
+// the current convention and file name belong to files.cpp. FILE_set_name must
+// have chosen a convention first.
+#include "date.h"
+#include "file_state.h"
+#include "files.h"
+#include "tools.h"
+#include "zyrresrc.h"
+
+#include <algorithm>
+#include <cctype>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include <sys/stat.h>
+
+namespace {
+
+constexpr int attempts = 4;       // at the file prompt
+constexpr int latest_tries = 500; // steps of "la"
+constexpr int def_hours = 0;      // span when num_hour is not set
+constexpr int longest_answer = 78;
+constexpr long day_sec = 86400;
+constexpr long hour_sec = 3600;
+constexpr long minute_sec = 60;
+constexpr unsigned trace_path = 0x40000000;
+
+// The run of frames, from FILE_first on.
+struct Run {
+    char** files = nullptr; // names from the filename resource
+    int numfile = 0;
+    int file_ind = 0; // next of them
+    Date first_date;
+    int num_hour = 0;   // span, seconds; negative reaches back
+    long skip = 0;      // wanted step
+    long offset = 3600; // step used, a multiple of the template's
+    long secs = 0;      // first frame from first_date
+    long nsecs = 0;     // next frame from first_date
+};
+Run run_state;
+
+int clamp_int(long value) {
+    return static_cast<int>(std::clamp<long>(value, -INT_MAX, INT_MAX));
+}
+
+bool begins(const char* text, const char* word) {
+    return std::strncmp(text, word, std::strlen(word)) == 0;
+}
+
+bool is_digit(char c) {
+    return std::isdigit(static_cast<unsigned char>(c)) != 0;
+}
+
+// Whether the name stands for a file of that very name, one that lies there.
+bool is_file(const char* name) {
+    return FILE_is_stdio(name) == 0 && FILE_exist(name) != 0 && FILE_is_dir(name) == 0;
+}
+
+// A relative request, unless it is plainly the name of a file.
+bool is_request(const char* name) {
+    const bool asks = begins(name, "la") || begins(name, "cu");
+    return asks && !(std::strpbrk(name, "/.") != nullptr && is_file(name));
+}
+
+// Digits by position (year 4, month, day, hour, minute 2 each) to the first
+// place that is none. Moves `*text` behind them; returns how many fields it found.
+int read_digits(const char** text, Date* date) {
+    int* const fields[] = {&date->year, &date->month, &date->day, &date->hour, &date->min};
+    int found = 0;
+    for (int* field : fields) {
+        const int width = found == 0 ? 4 : 2;
+        if (!is_digit(**text) || scan_int(text, width, field) == 0) {
+            break;
+        }
+        ++found;
+    }
+    return found;
+}
+
+NameSource source_of(const FileState& s) {
+    NameSource source;
+    source.conv = s.conv;
+    source.keys = &s.keys;
+    source.ext = s.ext;
+    source.set = s.set;
+    source.resource = RES_get;
+    return source;
+}
+
+void take_result(FileState& s, const NameResult& result, const char* routine) {
+    s.late_off = result.late_off;
+    s.file_date = result.date;
+    if (result.cut) {
+        MESS_print(mess_warn, "%s: Name too long: %.40s...\n", routine, result.name);
+    }
+}
+
+void unknown_date(Date* date) {
+    date->year = date->month = date->day = date->hour = date->min = missing;
+}
+
+bool same_file(const char* a, const char* b) {
+    char path[file_name_size];
+    struct stat first {};
+    struct stat second {};
+    return stat(FILE_add_user_path(a, path), &first) == 0 &&
+           stat(FILE_add_user_path(b, path), &second) == 0 && first.st_dev == second.st_dev &&
+           first.st_ino == second.st_ino;
+}
+
+// A file of the whole typed name is that file. Its date counts only if the
+// name of that date is this file again, as the plotters build it anew.
+void take_typed_file(FileState& s, const char* name, char* out_file) {
+    store_name("FILE_set_file", s.filename, name);
+    s.filename_type = 1;
+    char built[file_name_size];
+    if (is_set(s.file_date.year)) {
+        const Date date = s.file_date;
+        const bool no_name = FILE_set_date(&date, built) != 0;
+        const bool again = !no_name && same_file(built, name);
+        copy_text(s.filename, sizeof s.filename, name);
+        s.filename_type = 1;
+        s.file_date = date;
+        if (!again) {
+            unknown_date(&s.file_date);
+        }
+    }
+    copy_text(out_file, file_name_size, name);
+}
+
+// Cuts the date or the extra text off a typed name, by the file type.
+void cut_typed_name(FileState& s, char* name) {
+    if (*name == '\0') {
+        return;
+    }
+    if (s.file_type == 1) {
+        s.ext_info[0] = '\0';
+        const std::size_t length = std::strlen(name);
+        char* mark = length < 4 || is_file(name) ? nullptr : std::strpbrk(name + 3, "#-+:");
+        if (mark != nullptr) {
+            copy_text(s.ext_info, sizeof s.ext_info, mark);
+            *mark = '\0';
+        }
+        return;
+    }
+    char* mark = is_request(name) || is_file(name) ? nullptr : std::strchr(name + 1, '#');
+    if (mark != nullptr) {
+        const char* digits = mark + 1;
+        read_digits(&digits, &s.set);
+        *mark = '\0';
+    }
+}
+
+// --- Relative requests ----------------------------------------------------------
+
+// The date moved so that its clock values are those of `set`, the last such
+// time that has passed.
+std::time_t apply_set(const Date& set, std::time_t seconds) {
+    Date date;
+    const auto to_seconds = [&date, &seconds] { seconds = DATE_num_sec(&date); };
+    DATE_get_gmdate(&seconds, &date);
+    if (set.month >= 0) {
+        date.year -= set.month > date.month ? 1 : 0;
+        date.month = set.month;
+        to_seconds();
+    }
+    if (set.day >= 0) {
+        if (set.day > date.day) {
+            date.year -= date.month == 1 ? 1 : 0;
+            date.month = date.month == 1 ? 12 : date.month - 1;
+        }
+        date.day = set.day;
+        to_seconds();
+    }
+    if (set.hour >= 0) {
+        if (set.hour > date.hour) {
+            seconds -= day_sec;
+            Date before;
+            DATE_get_gmdate(&seconds, &before);
+            date.year = before.year;
+            date.month = before.month;
+            date.day = before.day;
+        }
+        date.hour = set.hour;
+        to_seconds();
+    }
+    if (set.min >= 0) {
+        if (set.min > date.min) {
+            seconds -= hour_sec;
+            Date before;
+            DATE_get_gmdate(&seconds, &before);
+            before.min = date.min;
+            before.sec = date.sec;
+            date = before;
+        }
+        date.min = set.min;
+        to_seconds();
+    }
+    return seconds;
+}
+
+// Digits of a request or of the clock's stand-in as a time; nothing read gives
+// the system time.
+std::time_t base_time(const char** text) {
+    Date date = {.year = 0, .month = 0, .day = 0, .hour = 0, .min = 0, .sec = 0};
+    const char* at = *text;
+    bool given = *at == '#';
+    if (!given) {
+        at = std::getenv("zyrcurtime");
+        given = at != nullptr;
+        text = &at;
+    }
+    if (given) {
+        *text += **text == '#' ? 1 : 0;
+        if (read_digits(text, &date) > 0) {
+            return DATE_num_sec(&date);
+        }
+    }
+    return DATE_get_time(nullptr);
+}
+
+void trace_time(const char* label, std::time_t seconds) {
+    Date date;
+    DATE_get_gmdate(&seconds, &date);
+    MESS_print(mess_debug, "%s%d %d %d %d\n", label, date.year, date.month, date.day, date.hour);
+}
+
+// A relative request being read. `text` moves behind what was read.
+struct Request {
+    const char* text;
+    std::time_t seconds;
+    int direction = -1; // of the next offset or search
+
+    // A sign is "+" forward; "-" or none is backward.
+    void read_sign() {
+        direction = *text == '+' ? 1 : -1;
+        text += *text == '+' || *text == '-' ? 1 : 0;
+    }
+
+    // An offset in days, hours and minutes: "[Nd]H[:M]". Returns whether one stood there.
+    bool read_offset() {
+        if (!is_digit(*text)) {
+            return false;
+        }
+        int days = 0;
+        int hours = 0;
+        int minutes = 0;
+        const char* at = text;
+        if (scan_int(&at, any_width, &days) != 0 && *at == 'd') {
+            text = at + 1;
+        } else {
+            days = 0;
+        }
+        if (scan_int(&text, any_width, &hours) != 0 && *text == ':') {
+            at = text + 1;
+            text = scan_int(&at, any_width, &minutes) != 0 ? at : text;
+        }
+        seconds += direction * (days * day_sec + hours * hour_sec + minutes * minute_sec);
+        return true;
+    }
+
+    // How many names "la[#tries]" may try; 0 if it does not stand there.
+    int read_latest() {
+        if (*text != 'l') {
+            return 0;
+        }
+        ++text;
+        text += *text == 'a' ? 1 : 0;
+        int limit = latest_tries;
+        if (*text == '#') {
+            ++text;
+            scan_int(&text, 4, &limit);
+        }
+        return std::max(limit, 1);
+    }
+};
+
+std::string name_at(std::time_t seconds) {
+    char name[file_name_size];
+    Date date;
+    DATE_get_gmdate(&seconds, &date);
+    FILE_set_date(&date, name);
+    return name;
+}
+
+// Steps through the times until a file is large enough; the last time tried stands.
+std::time_t find_latest(std::time_t seconds, int direction, int limit) {
+    const FileState& s = file_state();
+    for (int i = 0; i < limit; ++i) {
+        const std::string name = name_at(seconds);
+        const long size = FILE_size(name.c_str());
+        MESS_print(mess_debug, "LATE: %s\n", name.c_str());
+        if ((s.rmin_size > 0 && size > s.rmin_size) || size > s.min_size) {
+            MESS_print(mess_debug, "LATEST: %s %s %d\n", s.conv, name.c_str(), clamp_int(size));
+            break;
+        }
+        if (i + 1 < limit) {
+            seconds += static_cast<long>(direction) * FILE_get_offset();
+        }
+    }
+    return seconds;
+}
+
+// --- The first file ---------------------------------------------------------------
+
+void settle_current(const char* request, char* outfile) {
+    FileState& s = file_state();
+    FILE_set_current(request, s.filename);
+    if (outfile != nullptr) {
+        copy_text(outfile, file_name_size, s.filename);
+    }
+    if (FILE_exist(s.filename) == 0) {
+        MESS_print(mess_warn, "File not found: %s\n", s.filename);
+        ZYR_exit(10);
+    }
+    MESS_print(mess_mess, "Current filename: %s\n", s.filename);
+}
+
+// Takes one answer of the file prompt.
+void take_answer(const char* answer) {
+    FileState& s = file_state();
+    s.filename_type = 1;
+    const bool relative = *answer == '#' || is_request(answer);
+    if (!relative) {
+        FILE_set_file(answer, s.filename);
+        return;
+    }
+    FILE_set_current(begins(answer, "cu") ? answer + 2 : answer, s.filename);
+    MESS_print(mess_mess, "Current filename: %s\n", s.filename);
+}
+
+// Asks until a file is found or the attempts are used up. A list counts as none.
+int ask_file(const char* prompt, char* outfile) {
+    FileState& s = file_state();
+    MESS_print(mess_print, "List of available files:\n");
+    FILE_list_file();
+    MESS_print(mess_print, "\n");
+    for (int i = 0; i < attempts;) {
+        char answer[longest_answer + 1];
+        ZYR_prompts(prompt, answer, sizeof answer);
+        if (std::strcmp(answer, "list") == 0) {
+            FILE_list_file();
+            continue;
+        }
+        ++i;
+        take_answer(answer);
+        if (outfile != nullptr) {
+            copy_text(outfile, file_name_size, s.filename);
+        }
+        if (FILE_exist(s.filename) != 0) {
+            return 1;
+        }
+        MESS_print(mess_warn, "File not found: %s\n", s.filename);
+    }
+    ZYR_exit(10);
+}
+
+// Hours and minutes of "hours:minutes" in seconds; the minutes take the sign.
+int span_of(const char* text) {
+    int hours = 0;
+    int minutes = 0;
+    const bool negative = *text == '-';
+    const bool has_hours = scan_int(&text, any_width, &hours) != 0;
+    if (!has_hours && text[0] == '-' && text[1] == ':') {
+        ++text;
+    }
+    if (*text == ':') {
+        ++text;
+        scan_int(&text, any_width, &minutes);
+    }
+    const long sign = hours < 0 || (hours == 0 && negative) ? -1 : 1;
+    return clamp_int(hours * hour_sec + sign * minutes * minute_sec);
+}
+
+} // namespace
+
+int FILE_get_file(const char* prompt, char* outfile) {
+    FileState& s = file_state();
+    char** names = nullptr;
+    int count = 0;
+    if (RES_getvals("filename", &count, &names) > 0) {
+        const std::string first = names[0];
+        free_parsed_array(count, names);
+        if (first == "list") {
+            FILE_list_file();
+            ZYR_exit(0);
+        }
+        s.filename_type = 1;
+        FILE_set_file(first.c_str(), s.filename);
+        if (outfile != nullptr) {
+            copy_text(outfile, file_name_size, s.filename);
+        }
+        return FILE_exist(s.filename);
+    }
+    const char* current = RES_get("current");
+    if (current != nullptr || FLAG_batch() != 0) {
+        settle_current(current == nullptr ? "la" : current, outfile);
+        return 1;
+    }
+    return ask_file(prompt, outfile);
+}
+
+void FILE_set_type(int type) {
+    file_state().file_type = type;
+}
+
+const char* FILE_get_ext_info() {
+    return file_state().ext_info;
+}
+
+int FILE_set_file(const char* file, char* out_file) {
+    FileState& s = file_state();
+    char name[file_name_size];
+    store_name("FILE_set_file", name, file);
+    cut_typed_name(s, name);
+    s.file_date = s.set;
+    if (stricmp(name, "exit") == 0) {
+        ZYR_exit(0);
+    }
+    if (*name == '@') {
+        s.filename_type = 1;
+        copy_text(out_file, file_name_size, name + 1);
+        return 0;
+    }
+    if (FILE_is_stdio(name) != 0 || (*s.conv != '\0' && FILE_is_stdio(s.conv) != 0)) {
+        copy_text(out_file, file_name_size, "-");
+        return 0;
+    }
+    if (*s.conv == '\0') {
+        FILE_set_filename(name);
+        copy_text(out_file, file_name_size, name);
+        return 0;
+    }
+    if (*name == '#' || is_request(name)) {
+        FILE_set_current(begins(name, "cu") ? name + 2 : name, out_file);
+        MESS_print(mess_mess, "Current filename: %s\n", out_file);
+        return 0;
+    }
+    if (stricmp(name, "none") == 0 || (FILE_fullpath(s.conv) != 0 && FILE_fullpath(name) != 0)) {
+        copy_text(out_file, file_name_size, name);
+        return 0;
+    }
+    const NameResult result = match_name(source_of(s), name);
+    take_result(s, result, "FILE_set_file");
+    copy_text(s.ext, sizeof s.ext, result.ext);
+    DATE_print(mess_debug, &s.file_date);
+    // In suffix mode a file of the typed name comes first, else only where the
+    // template leads to none.
+    if (is_file(name) && (s.file_type == 1 || FILE_exist(result.name) == 0)) {
+        take_typed_file(s, name, out_file);
+    } else {
+        copy_text(out_file, file_name_size, result.name);
+    }
+    return 0;
+}
+
+int FILE_set_date(const Date* date, char* out_file) {
+    FileState& s = file_state();
+    if (*s.conv == '\0') {
+        const std::string name = *s.filename == '\0' ? "filename" : s.filename;
+        copy_text(out_file, file_name_size, name.c_str());
+        s.filename_type = 1;
+        return 1;
+    }
+    if (FILE_is_stdio(s.conv) != 0) {
+        copy_text(out_file, file_name_size, "-");
+        s.filename_type = 0;
+        return 1;
+    }
+    std::string path;
+    if (s.filename_type == 1 && FILE_fullpath(s.filename) != 0) {
+        path = path_of_name(s.conv, s.filename);
+        if (!path.empty()) {
+            MESS_print(trace_path, "Extracted path: %s\n", path.c_str());
+        }
+    }
+    s.late_off = missing;
+    const Date wanted = date == nullptr ? s.file_date : *date;
+    if (date != nullptr) {
+        unknown_date(&s.file_date);
+    }
+    if (!is_set(wanted.year) && *s.filename != '\0') {
+        copy_text(out_file, file_name_size, s.filename);
+        s.filename_type = 1;
+        return 1;
+    }
+    NameSource source = source_of(s);
+    source.path = path.c_str();
+    const NameResult result = build_name(source, wanted, s.file_date);
+    take_result(s, result, "FILE_set_date");
+    copy_text(s.filename, sizeof s.filename, result.name);
+    copy_text(out_file, file_name_size, result.name);
+    return 0;
+}
+
+int FILE_set_header_date(const Date* date, char* out_file) {
+    FileState& s = file_state();
+    if (*s.hconv == '\0') {
+        *out_file = '\0';
+        return -1;
+    }
+    const std::string conv = s.conv;
+    copy_text(s.conv, sizeof s.conv, s.hconv);
+    const int result = FILE_set_date(date, out_file);
+    copy_text(s.conv, sizeof s.conv, conv.c_str());
+    return result;
+}
+
+long FILE_set_current(const char* request, char* filename) {
+    file_state().filename_type = 0;
+    const std::string words = request == nullptr ? "la" : request; // may be `filename` itself
+    const char* text = words.c_str();
+    std::time_t base = base_time(&text);
+    trace_time("CUR1:", base);
+    base = apply_set(file_state().set, base);
+    MESS_print(mess_debug, "CUR1:%s %d\n", text, clamp_int(base));
+    Request at = {text, base};
+    at.read_sign();
+    if (at.read_offset()) {
+        at.read_sign();
+    }
+    const int limit = at.read_latest();
+    if (limit > 0) {
+        Date date;
+        DATE_get_gmdate(&at.seconds, &date);
+        MESS_print(mess_debug, "LATE:%d %d %d %d %d\n", date.month, date.day, date.hour, date.min,
+                   limit);
+        at.seconds = find_latest(at.seconds, at.direction, limit);
+        at.read_sign();
+    }
+    trace_time("CUR2:", at.seconds);
+    at.read_offset();
+    MESS_print(mess_debug, "CUR2:%d\n", clamp_int(at.seconds));
+    trace_time("", at.seconds);
+    copy_text(filename, file_name_size, name_at(at.seconds).c_str());
+    const long step = FILE_get_late_off();
+    return step < 1 ? at.seconds : at.seconds - at.seconds % step;
+}
+
+int FILE_set_date_off(const Date* date, int offset, char* out_file) {
+    Date from = *date;
+    const std::time_t seconds = DATE_num_sec(&from) + offset;
+    Date to;
+    DATE_get_gmdate(&seconds, &to);
+    MESS_print(mess_debug, "%d %d = %d %d %d %d\n", from.hour, offset, to.year, to.month, to.day,
+               to.hour);
+    FILE_set_date(&to, out_file);
+    return offset / FILE_get_offset();
+}
+
+void FILE_list_file() {
+    const std::string command = "ls -x " + list_pattern(source_of(file_state()));
+    MESS_print(mess_debug, "SEARCH: %s\n", command.c_str());
+    std::fflush(nullptr);
+    if (std::system(command.c_str()) == -1) {
+        MESS_print(mess_warn, "FILE_list_file: Unable to list files\n");
+    }
+}
+
+// --- Sequence of files -----------------------------------------------------------
+
+int FILE_num_hour() {
+    const char* text = RES_get("num_hour");
+    return text == nullptr ? def_hours : span_of(text);
+}
+
+int FILE_get_skip() {
+    const char* text = RES_get("num_hour");
+    const char* step = text == nullptr ? nullptr : std::strchr(text, ',');
+    if (step == nullptr) {
+        return FILE_get_late_off();
+    }
+    ++step;
+    return *step == ':' ? 0 : std::max(span_of(step), 1);
+}
+
+void FILE_first(const Date* date) {
+    Run& run = run_state;
+    free_parsed_array(run.numfile, run.files);
+    run = {};
+    RES_getvals("filename", &run.numfile, &run.files);
+    if (run.numfile > 0 && is_request(run.files[0])) {
+        free_parsed_array(run.numfile, run.files);
+        run.files = nullptr;
+        run.numfile = 0;
+    }
+    run.first_date = *date;
+    run.num_hour = FILE_num_hour();
+    run.skip = FILE_get_skip();
+    run.offset = FILE_get_offset();
+    if (run.skip > 0 && run.skip / run.offset > 0) {
+        run.offset *= run.skip / run.offset;
+    }
+    if (run.num_hour < 0) {
+        run.secs = run.offset * ((run.num_hour - run.offset + 1) / run.offset);
+    }
+    run.nsecs = run.secs;
+}
+
+int FILE_get_next(char* file) {
+    Run& run = run_state;
+    const bool span_of_one = run.numfile == 1 && run.num_hour != 0;
+    if (run.numfile > 0 && !span_of_one) {
+        if (run.file_ind >= run.numfile) {
+            return 0;
+        }
+        FILE_set_file(run.files[run.file_ind++], file);
+        return 1;
+    }
+    if (run.num_hour < 0 ? run.nsecs > 0 : run.nsecs > run.num_hour) {
+        return 0;
+    }
+    if (run.num_hour == 0) {
+        copy_text(file, file_name_size, file_state().filename);
+    } else {
+        FILE_set_date_off(&run.first_date, clamp_int(run.nsecs), file);
+    }
+    run.nsecs += run.offset;
+    return 1;
+}
+
+int FILE_get_num_file() {
+    const Run& run = run_state;
+    if (run.numfile == 1 && run.num_hour != 0) {
+        return run.num_hour;
+    }
+    return run.numfile > 0 ? run.numfile - 1 : run.num_hour;
+}
+
+int FILE_next_file(char* file) {
+    Run& run = run_state;
+    run.secs = clamp_int(run.secs + run.offset);
+    FILE_set_date_off(&run.first_date, clamp_int(run.secs), file);
+    return 1;
+}
+
+int FILE_prev_file(char* file) {
+    Run& run = run_state;
+    run.secs = clamp_int(run.secs - run.offset);
+    FILE_set_date_off(&run.first_date, clamp_int(run.secs), file);
+    return 1;
+}
+
+int FILE_get_nsecs() {
+    return clamp_int(run_state.nsecs);
+}
+
+void FILE_set_nsecs(int seconds) {
+    run_state.nsecs = seconds;
+}

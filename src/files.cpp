@@ -1,0 +1,430 @@
+// files.cpp: file access, paths and naming conventions. Owns the current
+// convention and file name (file_state.h), one saved copy of them, and the
+// list of open pipes. The resource database must be up for anything that
+// looks at paths.
+//
+// Naming-convention file: one line a kind, fields split at blanks, "#" begins
+// a comment:
+//   kind       word, up to 19 characters, compared without regard to case
+//   template   see name_tmpl.h
+//   header     template of header files, "-" for none
+//   size       a usable file is larger; may be absent
+// The first line whose kind is asked for, or begins what is asked for, counts.
+#include "files.h"
+
+#include "date.h"
+#include "file_state.h"
+#include "tools.h"
+#include "zyrresrc.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int no_step = 100000;             // step of a template without time fields
+constexpr unsigned trace_conv = 0x10000000; // what is looked for and found
+constexpr unsigned trace_keys = 0x80000000;
+constexpr std::size_t kind_size = 20;
+
+struct Saved {
+    char conv[file_name_size] = "";
+    char hconv[file_name_size] = "";
+    char filename[file_name_size] = "";
+    char ext[sizeof FileState::ext] = "";
+    int filename_type = 0;
+    int late_off = 3600;
+    int min_size = 0;
+};
+
+struct Module {
+    FileState state;
+    Saved saved;
+    std::vector<std::FILE*> pipes; // streams that FILE_close must wait for
+};
+Module module;
+
+bool stat_of(const char* name, struct stat* info) {
+    char path[file_name_size];
+    return stat(FILE_add_user_path(name, path), info) == 0;
+}
+
+// Takes the keys out of ":c=text" suffixes; the kind ends at the first of them.
+void take_keys(char* kind) {
+    char* end = nullptr;
+    for (char* at = std::strchr(kind, ':'); at != nullptr; at = std::strchr(at + 1, ':')) {
+        const bool fits = at[1] != '\0' && at[2] == '=' && at[3] != '\0' && at[3] != ':';
+        if (!fits) {
+            continue;
+        }
+        const std::string text(at + 3, std::strcspn(at + 3, ":"));
+        FILE_set_key(at[1], text.c_str());
+        MESS_print(trace_keys, "KEY: %c = %s\n", at[1], text.c_str());
+        end = end == nullptr ? at : end;
+    }
+    if (end != nullptr) {
+        *end = '\0';
+    }
+}
+
+// The next blank-separated word of a line.
+std::string next_word(const char** at) {
+    const char* from = *at;
+    while (std::isspace(static_cast<unsigned char>(*from)) != 0) {
+        ++from;
+    }
+    const char* end = from;
+    while (*end != '\0' && std::isspace(static_cast<unsigned char>(*end)) == 0) {
+        ++end;
+    }
+    *at = end;
+    return {from, end};
+}
+
+// Takes the convention of one line if it is for the kind.
+bool take_line(const char* line, const char* kind) {
+    FileState& s = module.state;
+    const std::string name = next_word(&line).substr(0, kind_size - 1);
+    copy_text(s.conv, sizeof s.conv, next_word(&line).c_str());
+    const std::string header = next_word(&line);
+    copy_text(s.hconv, sizeof s.hconv, header.starts_with('-') ? "" : header.c_str());
+    s.min_size = 0;
+    scan_int(&line, any_width, &s.min_size);
+    if (name.empty()) {
+        return false;
+    }
+    if (stricmp(kind, name.c_str()) == 0) {
+        MESS_print(trace_conv, "File name match for: %s\n", kind);
+        return true;
+    }
+    if (strnicmp(kind, name.c_str(), static_cast<int>(name.size())) != 0) {
+        return false;
+    }
+    const char* code = std::strrchr(kind, '_');
+    copy_text(s.ext, sizeof s.ext, code == nullptr ? "" : code + 1);
+    MESS_print(trace_conv, "File name partial match for: %s-%s ext: %s\n", kind, name.c_str(),
+               s.ext);
+    return true;
+}
+
+bool search_convention(std::FILE* file, const char* kind) {
+    char line[line_length + 2]; // one more, to see that a line is too long
+    while (fgetnline(file, line, line_length + 1) >= 0) {
+        if (line[0] == '#') {
+            continue;
+        }
+        if (std::strlen(line) > line_length) {
+            MESS_print(mess_warn, "FILE_set_name: Line too long: %.40s...\n", line);
+            line[line_length] = '\0';
+        }
+        if (take_line(line, kind)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+FileState& file_state() {
+    return module.state;
+}
+
+void store_name(const char* routine, char* out, const char* text) {
+    if (copy_text(out, file_name_size, text) != 0) {
+        MESS_print(mess_warn, "%s: Name too long: %.40s...\n", routine, out);
+    }
+}
+
+// --- Files and paths ---------------------------------------------------------
+
+int FILE_is_stdio(const char* name) {
+    return name == nullptr || *name == '\0' || std::strcmp(name, "-") == 0 ||
+                   stricmp(name, "std") == 0 || stricmp(name, "stdn") == 0
+               ? 1
+               : 0;
+}
+
+int FILE_fullpath(const char* name) {
+    return *name == '/' || *name == '.' || *name == '~' ? 1 : 0;
+}
+
+int FILE_exist(const char* name) {
+    struct stat info {};
+    return FILE_is_stdio(name) != 0 || stat_of(name, &info) ? 1 : 0;
+}
+
+int FILE_is_dir(const char* name) {
+    struct stat info {};
+    return stat_of(name, &info) && S_ISDIR(info.st_mode) ? 1 : 0;
+}
+
+long FILE_size(const char* name) {
+    struct stat info {};
+    return stat_of(name, &info) ? static_cast<long>(info.st_size) : -1;
+}
+
+int FILE_delete(const char* name) {
+    char path[file_name_size];
+    return unlink(FILE_add_user_path(name, path));
+}
+
+std::FILE* FILE_open(const char* name, const char* mode) {
+    const bool reads = *mode == 'r';
+    if (FILE_is_stdio(name) != 0) {
+        return reads ? stdin : stdout;
+    }
+    if (*name == '|') {
+        std::fflush(nullptr);
+        std::FILE* pipe = popen(name + 1, reads ? "r" : "w");
+        if (pipe != nullptr) {
+            module.pipes.push_back(pipe);
+        }
+        return pipe;
+    }
+    char path[file_name_size];
+    FILE_add_user_path(name, path);
+    if (*mode == 'w' || *mode == 'a') {
+        FILE_make_dir(path, 1);
+    }
+    return std::fopen(path, mode);
+}
+
+int FILE_close(std::FILE* stream) {
+    if (stream == nullptr) {
+        return -1;
+    }
+    if (stream == stdin) {
+        return 0;
+    }
+    if (stream == stdout || stream == stderr) {
+        return std::fflush(stream);
+    }
+    if (std::erase(module.pipes, stream) != 0) {
+        return pclose(stream);
+    }
+    return std::fclose(stream);
+}
+
+char* FILE_add_path_delim(char* path) {
+    const std::size_t n = std::strlen(path);
+    if (n > 0 && path[n - 1] != '/' && n + 1 < file_name_size) {
+        path[n] = '/';
+        path[n + 1] = '\0';
+    }
+    return path;
+}
+
+char* FILE_add_path(const char* path, const char* file, char* out) {
+    std::string name;
+    if (FILE_is_stdio(file) == 0 && FILE_fullpath(file) == 0 && path != nullptr && *path != '\0') {
+        name = path;
+        if (!name.ends_with('/')) {
+            name += '/';
+        }
+    }
+    name += file == nullptr ? "" : file;
+    store_name("FILE_add_path", out, name.c_str());
+    return out;
+}
+
+char* FILE_add_user_path(const char* in, char* out) {
+    std::string name = in == nullptr ? "" : in;
+    if (name.starts_with('~')) {
+        const std::size_t slash = std::min(name.find('/'), name.size());
+        const std::string user = name.substr(1, slash - 1);
+        const passwd* entry = user.empty() ? getpwuid(getuid()) : getpwnam(user.c_str());
+        if (entry != nullptr) {
+            name.replace(0, slash, entry->pw_dir);
+        }
+    }
+    store_name("FILE_add_user_path", out, name.c_str());
+    return out;
+}
+
+int FILE_make_dir(const char* path, int drop) {
+    std::string name = path == nullptr ? "" : path;
+    std::replace(name.begin(), name.end(), '\\', '/');
+    const std::size_t slash = name.rfind('/');
+    if (FILE_exist(name.substr(0, slash == std::string::npos ? 0 : slash).c_str()) != 0) {
+        return 1;
+    }
+    char** part = nullptr;
+    int count = 0;
+    parse_string(name.c_str(), '/', &count, &part);
+    std::string directory;
+    for (int i = 0; i < count - drop; ++i) {
+        if (*part[i] != '\0') {
+            directory += part[i];
+            directory += '/';
+            mkdir(directory.c_str(), 0755); // a failure shows when the file is opened
+        } else if (!directory.ends_with('/')) {
+            directory += '/';
+        }
+    }
+    free_parsed_array(count, part);
+    return 0;
+}
+
+int FILE_overwrite(const char* name, int mode) {
+    constexpr int refused = 0;
+    constexpr int overwrite = 1;
+    constexpr int append = 2;
+    constexpr int use = 3;
+    if (FILE_is_stdio(name) != 0 || FILE_exist(name) == 0) {
+        return overwrite;
+    }
+    if (FLAG_get(flag_file_param) > 0) {
+        return FLAG_get(flag_file_param);
+    }
+    if (FLAG_batch() != 0) {
+        return use;
+    }
+    if (mode != 1 && mode != 2) {
+        return refused;
+    }
+    char prompt[file_name_size + 60];
+    std::snprintf(prompt, sizeof prompt,
+                  "%.*s: exists overwrite (Y,N,Use,Over%s): ", static_cast<int>(file_name_size),
+                  name, mode == 2 ? ",App" : "");
+    char answer[81];
+    ZYR_promptl(prompt, answer);
+    switch (*answer) {
+    case 'Y':
+    case 'y':
+    case 'O':
+    case 'o':
+        return overwrite;
+    case 'A':
+    case 'a':
+        return mode == 2 ? append : use;
+    default:
+        return use;
+    }
+}
+
+// --- Naming conventions --------------------------------------------------------
+
+int FILE_set_name(const char* kind) {
+    FileState& s = module.state;
+    s.filename[0] = '\0';
+    if (kind == nullptr || stricmp(kind, "none") == 0) {
+        s.conv[0] = '\0';
+        return 0;
+    }
+    if (std::strlen(kind) >= file_name_size) {
+        MESS_print(mess_warn, "FILE_set_name: Name too long: %.40s...\n", kind);
+        s.conv[0] = '\0';
+        return 0;
+    }
+    if (*kind == '@') {
+        copy_text(s.conv, sizeof s.conv, kind + 1);
+        return 1;
+    }
+    char name[file_name_size];
+    copy_text(name, sizeof name, kind);
+    take_keys(name);
+
+    const char* conv_name = RES_get("name_conv");
+    if (conv_name == nullptr || *conv_name == '\0') {
+        conv_name = "name_conv";
+    }
+    char path[file_name_size];
+    FILE_add_path(RES_get("file_path"), conv_name, path);
+    const FILE_ptr file(FILE_open(path, "r"));
+    if (file == nullptr) {
+        MESS_print(mess_warn, "FILE_set_name: No file name convention file: %s\n", path);
+        copy_text(s.conv, sizeof s.conv, name);
+        return 0;
+    }
+    MESS_print(trace_conv, "Opening name convention file: %s\n", path);
+    s.ext[0] = '\0';
+    if (search_convention(file.get(), name)) {
+        return 1;
+    }
+    s.hconv[0] = '\0';
+    s.min_size = 0;
+    copy_text(s.conv, sizeof s.conv, name);
+    MESS_print(trace_conv, "No file name conversion for: %s\n", name);
+    return 0;
+}
+
+void FILE_save_name_conv() {
+    const FileState& s = module.state;
+    Saved& saved = module.saved;
+    copy_text(saved.conv, sizeof saved.conv, s.conv);
+    copy_text(saved.hconv, sizeof saved.hconv, s.hconv);
+    copy_text(saved.filename, sizeof saved.filename, s.filename);
+    copy_text(saved.ext, sizeof saved.ext, s.ext);
+    saved.filename_type = s.filename_type;
+    saved.late_off = s.late_off;
+    saved.min_size = s.min_size;
+}
+
+void FILE_restore_name_conv() {
+    FileState& s = module.state;
+    const Saved& saved = module.saved;
+    copy_text(s.conv, sizeof s.conv, saved.conv);
+    copy_text(s.hconv, sizeof s.hconv, saved.hconv);
+    copy_text(s.filename, sizeof s.filename, saved.filename);
+    copy_text(s.ext, sizeof s.ext, saved.ext);
+    s.filename_type = saved.filename_type;
+    s.late_off = saved.late_off;
+    s.min_size = saved.min_size;
+}
+
+void FILE_set_late_off(int seconds) {
+    module.state.late_off = seconds;
+}
+
+int FILE_get_late_off() {
+    return module.state.late_off;
+}
+
+int FILE_get_offset() {
+    return module.state.late_off < 1 ? no_step : module.state.late_off;
+}
+
+void FILE_set_min_size(int bytes) {
+    module.state.rmin_size = bytes;
+}
+
+void FILE_set_key(char c, const char* text) {
+    auto& key = module.state.keys.text[static_cast<unsigned char>(c)];
+    copy_text(key, sizeof key, text);
+    fill_string(key, ' ', '_');
+}
+
+char* FILE_get_key(char c, char* buffer) {
+    constexpr std::size_t size = sizeof NameKeys::text[0];
+    copy_text(buffer, size, module.state.keys.text[static_cast<unsigned char>(c)]);
+    return buffer;
+}
+
+void FILE_set_filename(const char* text) {
+    store_name("FILE_set_filename", module.state.filename, text);
+    module.state.filename_type = 1;
+}
+
+const char* FILE_get_filename(char* buffer) {
+    if (buffer != nullptr) {
+        copy_text(buffer, file_name_size, module.state.filename);
+    }
+    return module.state.filename;
+}
+
+void FILE_set_time(const Date* date) {
+    module.state.set = *date;
+}
+
+void FILE_get_date(Date* date) {
+    *date = module.state.file_date;
+}
