@@ -1,15 +1,12 @@
 #include "run_program.h"
 
 #include <array>
-#include <cerrno>
-#include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <poll.h>
+#include <memory>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -17,30 +14,33 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct Pipe {
-    std::array<int, 2> fd{-1, -1};
-    Pipe() {
-        if (pipe(fd.data()) != 0) {
-            std::abort();
-        }
-    }
+struct Closer {
+    void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-void drop(int& fd) {
-    if (fd >= 0) {
-        close(fd);
-        fd = -1;
+// A nameless file that a child writes to and the parent reads, or the reverse.
+class Exchange {
+public:
+    explicit Exchange(const std::string& text = "") : file_(std::tmpfile()) {
+        if (file_ == nullptr) {
+            std::abort();
+        }
+        std::fwrite(text.data(), 1, text.size(), file_.get());
+        std::rewind(file_.get());
     }
-}
+    int fd() const { return fileno(file_.get()); }
+    std::string text() const {
+        std::string all;
+        std::rewind(file_.get());
+        for (int c = std::getc(file_.get()); c != EOF; c = std::getc(file_.get())) {
+            all += static_cast<char>(c);
+        }
+        return all;
+    }
 
-std::vector<char*> pointers(std::vector<std::string>& texts) {
-    std::vector<char*> all;
-    for (std::string& text : texts) {
-        all.push_back(text.data());
-    }
-    all.push_back(nullptr);
-    return all;
-}
+private:
+    std::unique_ptr<std::FILE, Closer> file_;
+};
 
 std::vector<std::string> environment(const ProgramCall& call) {
     std::map<std::string, std::string> all = {
@@ -55,25 +55,22 @@ std::vector<std::string> environment(const ProgramCall& call) {
     for (const auto& [name, value] : call.env) {
         all[name] = value;
     }
-    if (all["zyrdefault"] == "-") {
-        all.erase("zyrdefault");
-    }
     std::vector<std::string> texts;
     for (const auto& [name, value] : all) {
-        texts.push_back(name + "=" + value);
+        if (value != "unset") {
+            texts.push_back(name + "=" + value);
+        }
     }
     return texts;
 }
 
-// Adds what is there to read; closes `fd` at the end.
-void drain(int& fd, std::string& text) {
-    std::array<char, 4096> piece{};
-    const ssize_t count = read(fd, piece.data(), piece.size());
-    if (count > 0) {
-        text.append(piece.data(), static_cast<std::size_t>(count));
-    } else {
-        drop(fd);
+std::vector<char*> pointers(std::vector<std::string>& texts) {
+    std::vector<char*> all;
+    for (std::string& text : texts) {
+        all.push_back(text.data());
     }
+    all.push_back(nullptr);
+    return all;
 }
 
 int exit_code(int status) {
@@ -83,7 +80,6 @@ int exit_code(int status) {
 } // namespace
 
 ProgramRun run_program(const std::string& program, const ProgramCall& call) {
-    ProgramRun run;
     const TempDir fresh;
     const std::string directory = call.directory.empty() ? fresh.path() : call.directory;
     std::vector<std::string> args = {program};
@@ -91,54 +87,49 @@ ProgramRun run_program(const std::string& program, const ProgramCall& call) {
     std::vector<std::string> env = environment(call);
     const auto argv = pointers(args);
     const auto envp = pointers(env);
-    Pipe out;
-    Pipe err;
-    std::FILE* input = std::tmpfile(); // a file: the program need not read it all
-    if (input == nullptr) {
-        return run;
-    }
-    std::fwrite(call.input.data(), 1, call.input.size(), input);
-    std::rewind(input);
+    const Exchange in(call.input);
+    const Exchange out;
+    const Exchange err;
     const pid_t pid = fork();
     if (pid == 0) {
-        dup2(fileno(input), STDIN_FILENO);
-        dup2(out.fd[1], STDOUT_FILENO);
-        dup2(err.fd[1], STDERR_FILENO);
-        for (int fd : {out.fd[0], out.fd[1], err.fd[0], err.fd[1]}) {
-            close(fd);
-        }
+        dup2(in.fd(), STDIN_FILENO);
+        dup2(out.fd(), STDOUT_FILENO);
+        dup2(err.fd(), STDERR_FILENO);
         if (chdir(directory.c_str()) == 0) {
             execve(program.c_str(), argv.data(), envp.data());
         }
         _exit(127);
     }
-    std::fclose(input);
-    drop(out.fd[1]);
-    drop(err.fd[1]);
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(call.timeout_s);
-    while (out.fd[0] >= 0 || err.fd[0] >= 0) {
-        std::array<pollfd, 2> ready = {
-            {{out.fd[0], POLLIN, 0}, {err.fd[0], POLLIN, 0}}
-        };
-        poll(ready.data(), ready.size(), 100);
-        if (ready[0].revents != 0) {
-            drain(out.fd[0], run.out);
-        }
-        if (ready[1].revents != 0) {
-            drain(err.fd[0], run.err);
-        }
-        if (std::chrono::steady_clock::now() > end) {
+    ProgramRun run;
+    int status = 0;
+    constexpr int tries_a_second = 200;
+    int tries = call.timeout_s * tries_a_second;
+    while (waitpid(pid, &status, WNOHANG) == 0) {
+        if (--tries < 0) {
             run.timed_out = true;
             kill(pid, SIGKILL);
-            break;
         }
+        usleep(1000000 / tries_a_second);
     }
-    drop(out.fd[0]);
-    drop(err.fd[0]);
+    run.code = exit_code(status);
+    run.out = out.text();
+    run.err = err.text();
+    return run;
+}
+
+std::string in_child(const std::function<std::string()>& body) {
+    const Exchange result;
+    std::fflush(nullptr);
+    const pid_t pid = fork();
+    if (pid == 0) {
+        const std::string text = body();
+        std::fflush(nullptr);
+        _exit(write(result.fd(), text.data(), text.size()) < 0 ? 1 : 0);
+    }
     int status = 0;
     waitpid(pid, &status, 0);
-    run.code = exit_code(status);
-    return run;
+    const int code = exit_code(status);
+    return code == 0 ? result.text() : result.text().append("exit ").append(std::to_string(code));
 }
 
 TempDir::TempDir() : path_((fs::temp_directory_path() / "zyrtestXXXXXX").string()) {
@@ -169,30 +160,4 @@ void feed_stdin(const std::string& text) {
     if (std::freopen(dir.write("stdin", text).c_str(), "r", stdin) == nullptr) {
         std::abort();
     }
-}
-
-int start_child(int* fd) {
-    std::fflush(nullptr);
-    const Pipe ends;
-    const pid_t pid = fork();
-    close(ends.fd[pid == 0 ? 0 : 1]);
-    *fd = ends.fd[pid == 0 ? 1 : 0];
-    return pid;
-}
-
-void end_child(int fd, const std::string& text) {
-    const ssize_t written = write(fd, text.data(), text.size());
-    std::fflush(nullptr);
-    _exit(written == static_cast<ssize_t>(text.size()) ? 0 : 1);
-}
-
-std::string read_child(int fd, int pid) {
-    std::string text;
-    while (fd >= 0) {
-        drain(fd, text);
-    }
-    int status = 0;
-    waitpid(pid, &status, 0);
-    const int code = exit_code(status);
-    return code == 0 ? text : text + "exit " + std::to_string(code);
 }

@@ -2,6 +2,7 @@
 // holds nothing but what the test gives, and keeps what it said.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -9,7 +10,7 @@
 struct ProgramCall {
     std::vector<std::string> args;
     // PATH is set; `zyrdefault` is "." unless given here, so that no installed
-    // defaults file has a say. Give it as "-" to leave it unset.
+    // defaults file has a say. Give it as "unset" to leave it out.
     std::map<std::string, std::string> env;
     std::string input;     // what stands on standard input
     std::string directory; // to run in; empty: a fresh one
@@ -24,6 +25,11 @@ struct ProgramRun {
 };
 
 ProgramRun run_program(const std::string& program, const ProgramCall& call);
+
+// Runs `body` in a process of its own and returns its result, with "exit N"
+// behind it if the process did not end well. So a row of a table starts from
+// untouched module state.
+std::string in_child(const std::function<std::string()>& body);
 
 // A directory of its own that goes when the object goes.
 class TempDir {
@@ -42,24 +48,4 @@ private:
 };
 
 std::string read_text(const std::string& name);
-
-// Puts `text` in place of standard input.
-void feed_stdin(const std::string& text);
-
-// Runs `body` in a process of its own and returns what its function result
-// was; a test row can so start from untouched module state.
-template <typename Body> std::string in_child(Body body);
-
-// Parts of in_child.
-std::string read_child(int fd, int pid);
-int start_child(int* fd); // 0 in the child, with its end of the pipe
-[[noreturn]] void end_child(int fd, const std::string& text);
-
-template <typename Body> std::string in_child(Body body) {
-    int fd = -1;
-    const int pid = start_child(&fd);
-    if (pid == 0) {
-        end_child(fd, body());
-    }
-    return read_child(fd, pid);
-}
+void feed_stdin(const std::string& text); // in place of standard input
