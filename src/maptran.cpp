@@ -47,8 +47,8 @@ struct Map {
     float earth_ratio = earth_rad / orbit_start;
     float earth_ratio2 = earth_min * earth_min / (earth_maj * earth_maj);
 
-    // Derived for the code: cone constant, axis scales or the sine and cosine
-    // of an orthographic domain; radius constant; hemisphere.
+    // Derived for the code: cone constant, slant or axis scales; radius
+    // constant; hemisphere.
     float xfactor = missing_f;
     float yfactor = missing_f;
     float mult = missing_f;
@@ -193,18 +193,15 @@ Pair lambert_inverse(const Map& m, double x, double y) {
 
 // --- Azimuthal projections: orthographic (5), gnomonic (6), equal-area (8) -------
 
-// xfactor and yfactor: cosine and sine of the reference latitude.
 void derive_ortho(Map& m) {
     if (!is_set(m.domain.plat)) {
         m.domain.plat = 0.0F;
     }
-    m.xfactor = to_float(cos_deg(m.domain.plat));
-    m.yfactor = to_float(sin_deg(m.domain.plat));
 }
 
 Pair ortho(const Map& m, double lat, double lon) {
-    const double a = m.xfactor;
-    const double b = m.yfactor;
+    const double a = m.cos_lat0;
+    const double b = m.sin_lat0;
     const double sin_lat = sin_deg(lat);
     const double cos_lat = cos_deg(lat);
     const double delta = (lon - m.domain.plon) * rad;
@@ -218,8 +215,8 @@ Pair ortho(const Map& m, double lat, double lon) {
 }
 
 Pair ortho_inverse(const Map& m, double x, double y) {
-    const double a = m.xfactor;
-    const double b = m.yfactor;
+    const double a = m.cos_lat0;
+    const double b = m.sin_lat0;
     const double w = R * R - x * x - y * y;
     if (!(w >= 0.0)) {
         return nowhere;
