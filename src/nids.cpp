@@ -537,20 +537,17 @@ int read_packet(FILE* ifile, int* code) {
 // Identifier (which must be `id`), length and count of a block whose divider
 // was read.
 int read_block(FILE* ifile, BlockHeader& block, int divider, int id) {
-    std::array<int, 1> v{};
-    block = {divider, 0, 0, 0};
-    if (!read_shorts(ifile, v)) {
+    std::array<unsigned char, 8> area{};
+    block = {};
+    if (NIDS_read(area.data(), static_cast<int>(area.size()), ifile) < 1) {
         return 0;
     }
-    block.id = v[0];
-    std::int32_t len = 0;
-    if (block.id != id || NIDS_read_long(reinterpret_cast<unsigned char*>(&len), ifile) < 1 ||
-        !read_shorts(ifile, v)) {
-        return 0;
-    }
-    block.len = len;
-    block.count = v[0];
-    return 1;
+    ByteReader reader(area);
+    block.divider = divider;
+    block.id = reader.i16be();
+    block.len = reader.i32be();
+    block.count = reader.i16be();
+    return block.id == id ? 1 : 0;
 }
 
 // A byte of four bits run and four bits threshold index.
@@ -681,12 +678,11 @@ int NIDS_prod_symb(FILE* ifile) {
 }
 
 int NIDS_prod_symb_layer(FILE* ifile) {
-    std::array<int, 1> divider{};
-    std::int32_t len = 0;
-    if (ifile == nullptr || !read_shorts(ifile, divider) || divider[0] != -1) {
+    std::array<unsigned char, 6> area{}; // divider, length
+    if (ifile == nullptr || NIDS_read(area.data(), static_cast<int>(area.size()), ifile) < 1) {
         return 0;
     }
-    return NIDS_read_long(reinterpret_cast<unsigned char*>(&len), ifile) < 1 ? 0 : 1;
+    return ByteReader(area).u16be() == packet_divider ? 1 : 0;
 }
 
 int NIDS_packet(FILE* ifile, int* code) {
@@ -823,8 +819,8 @@ int NIDS_graphic(FILE* ifile) {
 int NIDS_graphic_layer(FILE* ifile) {
     std::array<int, 2> v{}; // number, length
     if (ifile == nullptr || nids_header().pr_desc.off_graph == 0 || !read_shorts(ifile, v) ||
-        v[0] > walk.gr_alpha.count) {
-        return 0;
+        v[0] < 1 || v[0] > walk.gr_alpha.count) {
+        return 0; // what follows the last page is the next block
     }
     stream.nbytes = v[1];
     stream.bytes = 0;
