@@ -66,7 +66,8 @@ int CONT_set_label_type(int skip, int rad);
 int CONT_set_label_space(int x, int y);
 int CONT_draw_grid(int value);
 
-// Opens the colours to be set again, by another plotter or for another frame.
+// Opens the colours to be set again, by another plotter or for another frame,
+// and forgets levels, interval, base and range of the last one.
 int CONT_reset_fill_set();
 
 // Colours, and with them levels, from a list such as "10:Red,Green-Blue,40:off"
@@ -91,7 +92,7 @@ int CONT_set_fill_attribs(const Gattribs* attrib);
 int CONT_get_fill_attrib_ind(int ind, Gattribs* attrib);
 
 // Attributes of the step that `value` lies in; colour -1: the value is not
-// drawn. Called for every radar bin. Returns 0; -1 with colour -1.
+// drawn. Called for every radar bin. Returns 0; -1 when no step holds the value.
 int CONT_get_fill_attrib(float value, Gattribs* attrib);
 
 // A round interval that divides the range into some `num` steps.
