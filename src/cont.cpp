@@ -6,18 +6,17 @@
 
 #include "cont_state.h"
 #include "files.h"
+#include "text_num.h"
 #include "zyrgrid.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cfloat>
-#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 
 using namespace cont;
 
@@ -34,11 +33,6 @@ constexpr int max_file_lines = 10000; // comment lines included
 constexpr int max_line_chars = 80;
 
 State contours;
-
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
 
 // --- Levels -----------------------------------------------------------------
 
@@ -242,7 +236,7 @@ void begin_steps() {
 int read_level_file(const char* name) {
     char path[file_name_size] = "";
     FILE_add_path(RES_get("file_path"), name, path);
-    const File file(FILE_open(path, "r"));
+    const FILE_ptr file(FILE_open(path, "r"));
     if (!file) {
         MESS_print(mess_warn, "CONT_set_fill_colors: Unable to read contour level file: %s\n",
                    name);
@@ -354,17 +348,11 @@ int step_of(float value) {
 // Up to four whole numbers with `separator` between them.
 int read_numbers(const char* text, char separator, int (&numbers)[4]) {
     int count = 0;
-    while (count < 4) {
-        char* end = nullptr;
-        const long number = std::strtol(text, &end, 10);
-        if (end == text) {
+    while (count < 4 && take_int(&text, &numbers[count])) {
+        count++;
+        if (*text++ != separator) {
             break;
         }
-        numbers[count++] = static_cast<int>(std::clamp<long>(number, INT_MIN, INT_MAX));
-        if (*end != separator) {
-            break;
-        }
-        text = end + 1;
     }
     return count;
 }

@@ -5,11 +5,10 @@
 
 #include "cont_state.h"
 #include "plt_tool.h"
+#include "text_num.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstdlib>
 #include <cstring>
 
 using namespace cont;
@@ -31,10 +30,9 @@ Bar bar;
 void take_base(const char* word, bool forced, float* high, float* low) {
     const bool from = *word == '>';
     const bool to = *word == '<';
-    char* end = nullptr;
-    const char* digits = word + (from || to ? 1 : 0);
-    const float value = std::strtof(digits, &end);
-    if (end == digits || !std::isfinite(value) || ((from || to) && forced)) {
+    word += from || to ? 1 : 0;
+    float value = 0.0F;
+    if (((from || to) && forced) || !take_float(&word, &value)) {
         return;
     }
     if (to) {

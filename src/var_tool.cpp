@@ -3,12 +3,12 @@
 // leaves out, and the model name. Nothing has to be called first.
 #include "var_tool.h"
 
+#include "text_num.h"
 #include "zyr.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -60,14 +60,10 @@ struct TimeText {
 // A number at the start of `text`, held within six digits so that it can be
 // packed. False if there is none.
 bool read_int(const char** text, int* value) {
-    char* end = nullptr;
-    const long number = std::strtol(*text, &end, 10);
-    if (end == *text) {
-        return false;
-    }
-    *value = static_cast<int>(std::clamp(number, -999999L, 999999L));
-    *text = end;
-    return true;
+    constexpr int most = 999999;
+    const bool found = take_int(text, value);
+    *value = std::clamp(*value, -most, most);
+    return found;
 }
 
 bool is_digit(char c) {
@@ -130,7 +126,8 @@ bool read_hours(const char* word, int* hours) {
 // The time of the enclosing item, else the default. False without either.
 bool inherited_time(int* time) {
     const int top = var_state.base_ind;
-    const int value = top >= 0 ? var_state.base[static_cast<std::size_t>(top)].time : FLAG_get(6);
+    const int value =
+        top >= 0 ? var_state.base[static_cast<std::size_t>(top)].time : FLAG_get(flag_def_time);
     if (top < 0 && !is_set(value)) {
         return false;
     }
@@ -682,14 +679,14 @@ int VAR_dec_level(const char* text, int* ltype, int* level) {
             *level = var_state.base[static_cast<std::size_t>(top)].level;
             return var_stat_inherited;
         }
-        if (!is_set(FLAG_get(7)) || !is_set(FLAG_get(8))) {
+        if (!is_set(FLAG_get(flag_def_ltype)) || !is_set(FLAG_get(flag_def_level))) {
             return var_stat_given;
         }
         text = "level";
     }
     if (std::strcmp(text, "level") == 0) {
-        *ltype = FLAG_get(7);
-        *level = FLAG_get(8);
+        *ltype = FLAG_get(flag_def_ltype);
+        *level = FLAG_get(flag_def_level);
         return var_stat_inherited;
     }
     Level decoded = {*ltype, *level};
