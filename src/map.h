@@ -40,6 +40,10 @@ int MAP_draw(int flag);
 // Before the first MAP_draw plain entries are drawn.
 int MAP_process(const char* str);
 
+// 1: MAP_map paints the outlines as closed areas, 0 (at start): it draws them
+// as lines. MAP_process sets it by the attributes of the entry. Returns 0.
+int MAP_set_fill(int value);
+
 // Draws a map database that stands at its start, with the line and fill
 // attributes in force, and leaves the file open. Text and binary files are
 // told apart by the first record:
@@ -60,8 +64,8 @@ int MAP_map(std::FILE* map_file);
 // grid is drawn as well.
 int MAP_lines(float dlat, float dlon);
 
-// Range ring of `rad` km about the plot point (x, y). Returns what gpolyline
-// returned, or -1 if the point has no place on the earth.
+// Range ring of `rad` km about the plot point (x, y), broken where it crosses
+// the edge of the map. Returns 0.
 int MAP_draw_circle(float x, float y, float rad);
 
 // Steps of the grid in degrees (0: no grid), spacing of its dots and of the

@@ -1,0 +1,385 @@
+// map.cpp: the map layer of a picture: a list of entries, each under its own
+// conditions, that draw map databases, grids and other files over or under the
+// data. State: the list in use, the default attributes, and what the walk of
+// the list knows. MAP_setup must be called before anything is drawn.
+#include "map.h"
+
+#include "files.h"
+#include "maptran.h"
+#include "plt_tool.h"
+#include "zyr.h"
+#include "zyrgks.h"
+#include "zyrresrc.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+constexpr int plot_map = 8;             // plot component of FLAG_getplot
+constexpr std::size_t entry_size = 256; // of one word of a map list
+
+// What region blocks have come to, in the order of a list.
+enum class Blocks {
+    none,    // no block yet: entries are drawn
+    missed,  // blocks, but none that matches: entries are skipped
+    matched, // in the block that matches
+    done     // behind it: nothing is drawn to the end of the list
+};
+
+struct State {
+    char map_name[250] = ""; // map list, empty: chosen by the domain
+    char format[40] = "";    // default attributes of databases
+    int over = map_plain;    // bits of the MAP_draw that runs
+    int fill_cont = 0;       // 1: databases take `color_cmap`
+    Blocks blocks = Blocks::none;
+};
+State state;
+
+const char* get_or_null(const char* resource) {
+    const char* text = RES_get(resource);
+    return text == nullptr || *text == '\0' ? nullptr : text;
+}
+
+bool begins(const char* text, const char* word) {
+    return strnicmp(text, word, static_cast<int>(std::strlen(word))) == 0;
+}
+
+// Reads a number and moves `*at` behind it. False, with both as they were, if
+// there is none.
+bool read_number(const char** at, float* out) {
+    char* end = nullptr;
+    const float value = std::strtof(*at, &end);
+    if (end == *at || !std::isfinite(value)) {
+        return false;
+    }
+    *at = end;
+    *out = value;
+    return true;
+}
+
+FILE_ptr open_on_path(const char* path_resource, const char* name) {
+    char path[file_name_size];
+    FILE_add_path(RES_get(path_resource), name, path);
+    return FILE_ptr(FILE_open(path, "r"));
+}
+
+// --- Conditions ------------------------------------------------------------------
+
+struct Condition {
+    const char* word;
+    char other;    // begins a second limit of the other kind, 0: none
+    bool at_least; // skipped below the number; else above it
+};
+constexpr Condition conditions[] = {
+    {"s+", '\0', true },
+    {">",  '<',  true },
+    {"s-", '\0', false},
+    {"<",  '>',  false},
+    {"s+", '\0', true },
+    {">",  '\0', true },
+};
+
+bool passes(float height, float limit, bool at_least) {
+    return at_least ? height >= limit : height <= limit;
+}
+
+// Moves `*entry` behind its conditions. False if one of them, or a condition
+// without a colon behind it, leaves the entry out.
+bool conditions_hold(const char** entry, float height) {
+    for (const Condition& c : conditions) {
+        if (!begins(*entry, c.word)) {
+            continue;
+        }
+        const char* at = *entry + std::strlen(c.word);
+        float limit = 0;
+        bool holds = !read_number(&at, &limit) || passes(height, limit, c.at_least);
+        if (c.other != '\0' && *at == c.other) {
+            ++at;
+            holds = (!read_number(&at, &limit) || passes(height, limit, !c.at_least)) && holds;
+        }
+        const char* colon = std::strchr(at, ':');
+        if (!holds || colon == nullptr) {
+            return false;
+        }
+        *entry = colon + 1;
+    }
+    return true;
+}
+
+// "[lat1,lat2,lon1,lon2,height]": whether the picture lies in the block. Fewer
+// than four numbers always fit.
+bool in_block(const char* text) {
+    float box[5] = {0, 0, 0, 0, 1000};
+    int n = 0;
+    for (const char* at = text + 1; n < 5 && read_number(&at, &box[n]); ++n) {
+        at += *at == ',' ? 1 : 0;
+    }
+    if (n < 4) {
+        return true;
+    }
+    const auto lat = std::minmax(box[0], box[1]);
+    const auto lon = std::minmax(box[2], box[3]);
+    const float clat = MAP_get_clat();
+    const float clon = MAP_get_clon();
+    return clat >= lat.first && clat <= lat.second && clon >= lon.first && clon <= lon.second &&
+           MAP_get_vert() <= box[4];
+}
+
+void enter_block(const char* text) {
+    if (state.blocks == Blocks::matched || state.blocks == Blocks::done) {
+        state.blocks = Blocks::done;
+    } else {
+        state.blocks = in_block(text) ? Blocks::matched : Blocks::missed;
+    }
+}
+
+// --- Entries ---------------------------------------------------------------------
+
+// Grids in the colour given; the text is as high as on the map's own grid.
+int draw_grid(const Gattribs& attr, float dlat, float dlon) {
+    GPH_line_attr(&attr);
+    GPH_text_attr(&attr, is_map_proj(MAP_get_proj()) ? MAP_get_vert() * 0.018F : 0.015F);
+    if (attr.color == -1) {
+        return -1;
+    }
+    MAP_lines(dlat, dlon);
+    return 0;
+}
+
+// "lalo:DLAT:DLON:ATTRIBUTES", from the character behind the word.
+int lalo_entry(const char* text) {
+    constexpr float default_step = 5;
+    constexpr int dashed = 4;
+    const char* at = *text == '\0' ? text : text + 1;
+    float dlat = default_step;
+    if (read_number(&at, &dlat)) {
+        float dlon = dlat;
+        const char* second = at + 1;
+        if (*at == ':' && read_number(&second, &dlon)) {
+            at = second;
+        }
+        PLT_mess("Map-lalo: %.1f,%.1f", static_cast<double>(dlat), static_cast<double>(dlon));
+        Gattribs attr;
+        attr.style = dashed;
+        if (*at == ':') {
+            ATTRIB_parse(at + 1, &attr);
+        } else {
+            ATTRIB_get("color_line", "magenta:s4", &attr);
+        }
+        return draw_grid(attr, dlat, dlon);
+    }
+    return -1;
+}
+
+// Attributes of a database entry: its own, or the default ones.
+Gattribs database_attributes(const char* own) {
+    Gattribs attr;
+    if (own != nullptr) {
+        ATTRIB_parse(own, &attr);
+    } else if (state.format[0] != '\0') {
+        ATTRIB_parse(state.format, &attr);
+    } else if (state.fill_cont == 0) {
+        ATTRIB_get("color_map", "red", &attr);
+    } else {
+        ATTRIB_get("color_cmap", "black", &attr);
+    }
+    return attr;
+}
+
+int database_entry(const char* entry) {
+    char name[file_name_size];
+    const char* colon = std::strchr(entry, ':');
+    const std::size_t length =
+        colon == nullptr ? std::strlen(entry) : static_cast<std::size_t>(colon - entry);
+    copy_text(name, std::min(sizeof name, length + 1), entry);
+    GPH_line_attr(nullptr);
+    GPH_fill_attr(nullptr);
+    PLT_mess("Map: %s", name);
+    const Gattribs attr = database_attributes(colon == nullptr ? nullptr : colon + 1);
+    GPH_line_attr(&attr);
+    const bool fill = is_set(attr.fill_pat);
+    if (fill) {
+        GPH_fill_attr(&attr);
+    }
+    const FILE_ptr file = name[0] == '\0' ? nullptr : open_on_path("file_path", name);
+    if (!file) {
+        MESS_print(mess_warn, "MAP_process: Map file not found: %s\n", name);
+        return -1;
+    }
+    if (attr.color == -1) {
+        return -1;
+    }
+    MAP_set_fill(fill ? 1 : 0);
+    const int status = MAP_map(file.get());
+    MAP_set_fill(0);
+    if (status == -1) {
+        MESS_print(mess_warn, "MAP_process: Map file ends early: %s\n", name);
+    }
+    return 0;
+}
+
+// Entries that lay another file over the picture. Images need a window, and
+// metafiles and raw files their readers; this program is built without them.
+struct OtherEntry {
+    const char* word;
+    const char* announced; // on the status line
+    const char* what;
+};
+constexpr OtherEntry other_entries[] = {
+    {"im:", "Map-image: %s",    "images"   },
+    {"if:", "Map-image: %s",    "images"   },
+    {"mf:", "Map-metafile: %s", "metafiles"},
+    {"rf:", "Map-rawfile: %s",  "raw files"},
+};
+
+int draw_entry(const char* entry) {
+    for (const OtherEntry& other : other_entries) {
+        if (begins(entry, other.word)) {
+            MESS_print(mess_warn, "MAP_process: This program draws no %s: %s\n", other.what,
+                       entry + std::strlen(other.word));
+            return -1;
+        }
+    }
+    if (begins(entry, "lalo")) {
+        return lalo_entry(entry + std::strlen("lalo"));
+    }
+    return database_entry(entry);
+}
+
+// --- Lists -----------------------------------------------------------------------
+
+void process_list_file(const char* name) {
+    const FILE_ptr file = open_on_path("file_path", name);
+    if (!file) {
+        MESS_print(mess_warn, "MAP_draw: Unable to open map list file: %s\n", name);
+        return;
+    }
+    char word[entry_size];
+    while (std::fscanf(file.get(), "%255s", word) == 1) {
+        MAP_process(word);
+    }
+}
+
+void process_list(const char* list) {
+    int count = 0;
+    char** entries = nullptr;
+    parse_string(list, ',', &count, &entries);
+    state.blocks = Blocks::none;
+    for (int i = 0; i < count; ++i) {
+        if (begins(entries[i], "fi:")) {
+            process_list_file(entries[i] + std::strlen("fi:"));
+        } else {
+            MAP_process(entries[i]);
+        }
+    }
+    free_parsed_array(count, entries);
+}
+
+// The list for a domain without any: one file serves North America, two the
+// world.
+const char* list_of_domain() {
+    constexpr float continent = 75;
+    const float lat = MAP_get_clat();
+    const float lon = MAP_get_clon();
+    const bool america =
+        lat > 25 && lat < 80 && lon > -160 && lon < -65 && MAP_get_vert() < continent;
+    return america ? "zyr.map" : "cont.map,country.map";
+}
+
+// The grid of the plot parameter "lalo".
+void draw_plot_grid() {
+    float lat = 0;
+    float lon = 0;
+    MAP_get_latlon(&lat, &lon);
+    if (!(lat > 0)) {
+        return;
+    }
+    const bool is_map = is_map_proj(MAP_get_proj());
+    Gattribs attr;
+    ATTRIB_get("color_line", is_map ? "magenta:s4" : "red", &attr);
+    draw_grid(attr, lat, lon);
+}
+
+} // namespace
+
+int MAP_setup(const Domain* domain) {
+    MAP_domain(domain);
+    MAP_limits limits;
+    MAP_get_limits(&limits);
+    const Glim window{limits.x_min, limits.x_max, limits.y_min, limits.y_max};
+    gset_win(tran_map, &window);
+    gsel_norm_tran(tran_map);
+    return 0;
+}
+
+int MAP_draw(int flag) {
+    if (FLAG_getplot(plot_map) == 0) {
+        return -1;
+    }
+    state.over = flag;
+    gsel_norm_tran(tran_map);
+    GPH_line_attr(nullptr);
+    GPH_text_font(nullptr);
+    const char* list = get_or_null("map_file");
+    if (list == nullptr) {
+        list = state.map_name[0] != '\0' ? state.map_name : list_of_domain();
+    }
+    process_list(list);
+    draw_plot_grid();
+    return 0;
+}
+
+int MAP_process(const char* str) {
+    if (str == nullptr || *str == '\0') {
+        return -1;
+    }
+    const int bit = *str == '-' ? map_under : *str == '+' ? map_over : map_plain;
+    if ((state.over & bit) == 0) {
+        return -1;
+    }
+    const char* entry = bit == map_plain ? str : str + 1;
+    if (*entry == '[') {
+        enter_block(entry);
+        return -1;
+    }
+    if (state.blocks == Blocks::missed || state.blocks == Blocks::done) {
+        return -1;
+    }
+    if (!conditions_hold(&entry, MAP_get_vert())) {
+        return -1;
+    }
+    return draw_entry(entry);
+}
+
+int MAP_fill_cont(int value) {
+    state.fill_cont = value;
+    return 0;
+}
+
+int MAP_file(const char* file) {
+    return copy_text(state.map_name, sizeof state.map_name, file == nullptr ? "" : file);
+}
+
+int MAP_set_format(const char* str) {
+    return copy_text(state.format, sizeof state.format, str == nullptr ? "" : str);
+}
+
+float MAP_get_vert() {
+    Glim window{};
+    MAP_get_window(&window);
+    return window.y_max - window.y_min;
+}
+
+float MAP_get_hor() {
+    Glim window{};
+    MAP_get_window(&window);
+    return window.x_max - window.x_min;
+}
+
+int MAP_get_window(Glim* wind) {
+    GPH_get_win(tran_map, wind);
+    return 0;
+}
