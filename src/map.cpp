@@ -155,23 +155,21 @@ int lalo_entry(const char* text) {
     constexpr int dashed = 4;
     const char* at = *text == '\0' ? text : text + 1;
     float dlat = default_step;
-    if (read_number(&at, &dlat)) {
-        float dlon = dlat;
-        const char* second = at + 1;
-        if (*at == ':' && read_number(&second, &dlon)) {
-            at = second;
-        }
-        PLT_mess("Map-lalo: %.1f,%.1f", static_cast<double>(dlat), static_cast<double>(dlon));
-        Gattribs attr;
-        attr.style = dashed;
-        if (*at == ':') {
-            ATTRIB_parse(at + 1, &attr);
-        } else {
-            ATTRIB_get("color_line", "magenta:s4", &attr);
-        }
-        return draw_grid(attr, dlat, dlon);
+    const bool given = read_number(&at, &dlat);
+    float dlon = dlat;
+    const char* second = at + 1;
+    if (given && *at == ':' && read_number(&second, &dlon)) {
+        at = second;
     }
-    return -1;
+    PLT_mess("Map-lalo: %.1f,%.1f", static_cast<double>(dlat), static_cast<double>(dlon));
+    Gattribs attr;
+    attr.style = dashed;
+    if (*at == ':') {
+        ATTRIB_parse(at + 1, &attr);
+    } else {
+        ATTRIB_get("color_line", "magenta:s4", &attr);
+    }
+    return draw_grid(attr, dlat, dlon);
 }
 
 // Attributes of a database entry: its own, or the default ones.
@@ -225,21 +223,22 @@ int database_entry(const char* entry) {
 // metafiles and raw files their readers; this program is built without them.
 struct OtherEntry {
     const char* word;
-    const char* announced; // on the status line
     const char* what;
 };
 constexpr OtherEntry other_entries[] = {
-    {"im:", "Map-image: %s",    "images"   },
-    {"if:", "Map-image: %s",    "images"   },
-    {"mf:", "Map-metafile: %s", "metafiles"},
-    {"rf:", "Map-rawfile: %s",  "raw files"},
+    {"im:", "image"   },
+    {"if:", "image"   },
+    {"mf:", "metafile"},
+    {"rf:", "rawfile" },
 };
 
 int draw_entry(const char* entry) {
     for (const OtherEntry& other : other_entries) {
         if (begins(entry, other.word)) {
-            MESS_print(mess_warn, "MAP_process: This program draws no %s: %s\n", other.what,
-                       entry + std::strlen(other.word));
+            const char* file = entry + std::strlen(other.word);
+            PLT_mess("Map-%s: %s", other.what, file);
+            MESS_print(mess_warn, "MAP_process: No %s is drawn by this program: %s\n", other.what,
+                       file);
             return -1;
         }
     }
