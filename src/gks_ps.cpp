@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <charconv>
 #include <csignal>
 #include <cstdarg>
 #include <cstdlib>
@@ -80,7 +81,7 @@ Printer ps;
 
 // Buffer of `out_file`. It has to outlive the file, which an early exit leaves
 // to the library to flush.
-std::array<char, 1 << 20> out_buffer;
+std::array<char, 1 << 16> out_buffer;
 
 // Collects the text of one primitive, so that it goes out in one piece.
 class Text {
@@ -99,8 +100,8 @@ public:
     }
     void number(int n) {
         std::array<char, 16> text{};
-        std::snprintf(text.data(), text.size(), "%d", n);
-        put(text.data());
+        const char* end = std::to_chars(text.data(), text.data() + text.size(), n).ptr;
+        put({text.data(), static_cast<std::size_t>(end - text.data())});
     }
     // `op` is " mv\n" or " ln\n"; device units.
     void point(float x, float y, std::string_view op) {
