@@ -57,25 +57,27 @@ double apart(float lat1, float lon1, float lat2, float lon2) {
 // grids of NCEP Office Note 388. Coordinates are those of the second point less
 // those of the first, in units of `unit`.
 TEST(Maptran, PublishedPoints) {
-    const Domain grid211 = make(4, 25, -95, 25, 25);
+    constexpr float u = missing_f;
     const struct {
         const char* name;
-        Domain d;
-        float lat0, lon0, lat, lon;
+        int proj;
+        float plat, plon, p0, p1, lat0, lon0, lat, lon;
         double unit, x, y, tolerance;
     } rows[] = {
-        {"Mercator", make(3, 0, -180), 0, -180, 35, -75, R, 1.8325957, 0.6528366, 2e-7},
-        {"conic", make(4, 23, -96, 33, 45), 23, -96, 35, -75, R, 0.2966785, 0.2462112, 3e-7},
-        {"orthographic", make(5, 40, -100), 40, -100, 30, -110, R, -0.1503837, -0.1651911, 2e-7},
-        {"gnomonic", make(6, 40, -100), 40, -100, 30, -110, R, -0.1542826, -0.1694739, 2e-7},
-        {"Mollweide", make(7, 0, -90), 0, -90, -50, -75, R / M_SQRT2, 0.1788845, -0.9208758, 2e-7},
-        {"equal-area", make(8, 40, -100), 40, -100, -20, 100, R / 3, -4.2339303, 4.0257775, 2e-6},
-        {"grid 5", make(1, 90, -105), 90, 0, 7.647F, -133.443F, 1.905, -26, -48, 5e-4},
-        {"grid 211", grid211, 12.19F, -133.459F, 57.29F, -49.385F, 0.812705, 92, 64, 2e-3},
+        {"Mercator",     3, 0,  -180, u,  u,  0,      -180,      35,     -75,       R,           1.8325957,  0.6528366,  2e-7},
+        {"conic",        4, 23, -96,  33, 45, 23,     -96,       35,     -75,       R,           0.2966785,  0.2462112,  3e-7},
+        {"orthographic", 5, 40, -100, u,  u,  40,     -100,      30,     -110,      R,           -0.1503837, -0.1651911, 2e-7},
+        {"gnomonic",     6, 40, -100, u,  u,  40,     -100,      30,     -110,      R,           -0.1542826, -0.1694739, 2e-7},
+        {"oval",         7, 0,  -90,  u,  u,  0,      -90,       -50,    -75,       R / M_SQRT2, 0.1788845,  -0.9208758, 2e-7},
+        {"equal-area",   8, 40, -100, u,  u,  40,     -100,      -20,    100,       R / 3,       -4.2339303, 4.0257775,  2e-6},
+        {"grid 5",       1, 90, -105, u,  u,  90,     0,         7.647F, -133.443F, 1.905,       -26,        -48,        5e-4},
+        {"grid 211",     4, 25, -95,  25, 25, 12.19F, -133.459F, 57.29F, -49.385F,  0.812705,    92,         64,
+         2e-3                                                                                                                },
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        ASSERT_EQ(MAP_domain(&row.d), 0);
+        const Domain d = make(row.proj, row.plat, row.plon, row.p0, row.p1);
+        ASSERT_EQ(MAP_domain(&d), 0);
         const Point p0 = tran(row.lat0, row.lon0);
         const Point p = tran(row.lat, row.lon);
         EXPECT_EQ(p.result, 1);
@@ -198,34 +200,38 @@ TEST(Maptran, DiagramsThereAndBack) {
 TEST(Maptran, PointsWithoutImage) {
     const struct {
         const char* name;
-        Domain d;
+        int proj;
+        float plat, plon;
         bool back;
         float first, second;
     } rows[] = {
-        {"far side", make(5, 40, -100), false, -40, 80},
-        {"beyond the disc", make(5, 40, -100), true, 60, 60},
-        {"gnomonic horizon", make(6, 0, 0), false, 0, 90},
-        {"beyond the oval", make(7, 0, 0), true, 0, 64},
-        {"antipode", make(8, 0, 0), false, 0, 180},
-        {"beyond the disc", make(8, 40, 0), true, 100, 100},
-        {"behind the limb", make(9, 0, -75), false, 0, 10},
-        {"beside the earth", make(9, 0, -75), true, 70, 0},
-        {"one true latitude", make(4, 40, 0, 30, -30), false, 40, 0},
-        {"no latitude", make(1, 90, 0), false, nan_f, 0},
-        {"no longitude", make(2, 0, 0), false, 0, inf_f},
-        {"missing", make(1, 90, 0), false, missing_f, missing_f},
-        {"missing", make(4, 40, 0), true, missing_f, missing_f},
-        {"no pressure", make(22, 0, 0), false, 10, 0},
-        {"below zero", make(41, 0, 0), true, 10, 3},
+        {"far side",         5,  40, -100, false, -40,       80       },
+        {"beyond the disc",  5,  40, -100, true,  60,        60       },
+        {"gnomonic horizon", 6,  0,  0,    false, 0,         90       },
+        {"beyond the oval",  7,  0,  0,    true,  0,         64       },
+        {"antipode",         8,  0,  0,    false, 0,         180      },
+        {"beyond the disc",  8,  40, 0,    true,  100,       100      },
+        {"behind the limb",  9,  0,  -75,  false, 0,         10       },
+        {"beside the earth", 9,  0,  -75,  true,  70,        0        },
+        {"no latitude",      1,  90, 0,    false, nan_f,     0        },
+        {"no longitude",     2,  0,  0,    false, 0,         inf_f    },
+        {"missing",          1,  90, 0,    false, missing_f, missing_f},
+        {"missing",          4,  40, 0,    true,  missing_f, missing_f},
+        {"no pressure",      22, 0,  0,    false, 10,        0        },
+        {"below zero",       41, 0,  0,    true,  10,        3        },
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        MAP_domain(&row.d);
+        const Domain d = make(row.proj, row.plat, row.plon);
+        MAP_domain(&d);
         const Point p = row.back ? untran(row.first, row.second) : tran(row.first, row.second);
         EXPECT_EQ(p.result, 0);
         EXPECT_EQ(p.a, missing_f);
         EXPECT_EQ(p.b, missing_f);
     }
+    const Domain no_cone = make(4, 40, 0, 30, -30);
+    MAP_domain(&no_cone);
+    EXPECT_EQ(tran(40, 0).result, 0);
 }
 
 TEST(Maptran, HeldAndWrapped) {
@@ -300,19 +306,20 @@ TEST(Maptran, DomainAndLimits) {
 // that MAP_factor says, and MAP_dir reads its direction back.
 TEST(Maptran, Directions) {
     const struct {
-        Domain d;
-        float lat, lon;
+        int proj;
+        float plat, plon, p0, p1, lat, lon;
         bool length, back;
     } rows[] = {
-        {make(1, 90, -105), 40, -80, true, true},
-        {make(1, -90, 20), -35, 50, false, true},
-        {make(4, 40, -96, 33, 45), 45, -70, false, false},
+        {1, 90,  -105, missing_f, missing_f, 40,  -80, true,  true },
+        {1, -90, 20,   missing_f, missing_f, -35, 50,  false, true },
+        {4, 40,  -96,  33,        45,        45,  -70, false, false},
     };
     for (const auto& row : rows) {
-        MAP_domain(&row.d);
+        const Domain d = make(row.proj, row.plat, row.plon, row.p0, row.p1);
+        MAP_domain(&d);
         const Point p = tran(row.lat, row.lon);
         for (const float dir : {0.0F, 60.0F, 135.0F, 270.0F}) {
-            SCOPED_TRACE(testing::Message() << row.d.proj << " " << row.lat << " " << dir);
+            SCOPED_TRACE(testing::Message() << row.proj << " " << row.lat << " " << dir);
             Point q;
             EXPECT_EQ(MAP_offset(p.a, p.b, dir, 20, &q.a, &q.b), 1);
             const double plot = std::atan2(q.a - p.a, q.b - p.b);
@@ -357,9 +364,9 @@ TEST(Maptran, NeverInfinite) {
         Point q = untran(any(), any());
         Point o{0, 0, 0};
         MAP_offset(any(), any(), any(), any(), &o.a, &o.b);
-        for (const float v : {lim.x_min, lim.x_max, lim.y_min, lim.y_max, p.a, p.b, q.a, q.b, o.a,
-                              o.b, MAP_dir_adj(any(), any(), any()),
-                              MAP_dir(any(), any(), any(), any())}) {
+        for (const float v :
+             {lim.x_min, lim.x_max, lim.y_min, lim.y_max, p.a, p.b, q.a, q.b, o.a, o.b,
+              MAP_dir_adj(any(), any(), any()), MAP_dir(any(), any(), any(), any())}) {
             ASSERT_TRUE(std::isfinite(v)) << "code " << d.proj;
         }
     }
