@@ -438,37 +438,67 @@ void draw_cell_lines(int first, int last, int step0) {
     }
 }
 
-// Bands from the lowest that reaches into the cell, each with its upper line
-// if lines are asked for.
-void draw_cell_bands(int first, int last, int step0) {
+// Level i and the band above it, cut where values are not to be drawn.
+struct Band {
+    float lo, top;
+    float level; // upper level, uncut
+    bool under;  // wholly below the cell or the lower cut
+    bool over;   // wholly above the upper cut
+};
+
+Band band_at(int i) {
     const State& s = state();
+    Band band = {};
+    band.lo = level_at(i);
+    band.level = band.lo + level_width(i);
+    band.top = band.level;
+    band.under = cell.zmin > band.level || (is_set(s.min_cut) && band.level <= s.min_cut);
+    band.over = is_set(s.max_cut) && band.lo > s.max_cut;
+    if (is_set(s.min_cut)) {
+        band.lo = std::max(band.lo, s.min_cut);
+    }
+    if (is_set(s.max_cut)) {
+        band.top = std::min(band.top, s.max_cut);
+    }
+    return band;
+}
+
+// Fills the bands from the lowest that reaches into the cell.
+void draw_cell_bands(int first, int last, int step0) {
     for (int i = first; i < last; i++) {
-        float lo = level_at(i);
-        const float level = lo + level_width(i);
-        float top = level;
-        if (cell.zmin > top || (is_set(s.min_cut) && top <= s.min_cut)) {
-            continue;
-        }
-        if (is_set(s.max_cut) && lo > s.max_cut) {
+        const Band band = band_at(i);
+        if (band.over) {
             return;
         }
-        lo = is_set(s.min_cut) ? std::max(lo, s.min_cut) : lo;
-        top = is_set(s.max_cut) ? std::min(top, s.max_cut) : top;
-        if (cell.zmax < lo || (cell.zmin == cell.zmax && cell.zmin == level)) {
-            continue; // a value on a level belongs to the band above
+        // A flat cell on a level belongs to the band above it.
+        const bool flat_on_top = cell.zmin == cell.zmax && cell.zmin == band.level;
+        if (band.under || flat_on_top || cell.zmax < band.lo) {
+            continue;
         }
-        use_step((step0 + i) % s.color_num, level);
-        if (cell.zmin >= lo && cell.zmax <= top) {
+        use_step((step0 + i) % state().color_num, band.level);
+        if (cell.zmin >= band.lo && cell.zmax <= band.top) {
             fill_cell();
             return;
         }
-        fill_band(lo, top);
-        if (cell.zmax <= top) {
+        fill_band(band.lo, band.top);
+        if (cell.zmax <= band.top) {
             return;
         }
-        if (has_lines(s.cont_type)) {
-            compute_dz(top);
-            compute_lines(top);
+    }
+}
+
+// The upper lines of the bands. They follow the fills of the cell, which
+// would paint them over.
+void draw_cell_edges(int first, int last, int step0) {
+    for (int i = first; i < last; i++) {
+        const Band band = band_at(i);
+        if (band.over || (!band.under && cell.zmax <= band.top)) {
+            return;
+        }
+        if (!band.under) {
+            use_step((step0 + i) % state().color_num, band.level);
+            compute_dz(band.top);
+            compute_lines(band.top);
         }
     }
 }
@@ -524,6 +554,9 @@ void draw_cell(double limit, int step0) {
         draw_cell_lines(first, last, step0);
     } else {
         draw_cell_bands(first, last, step0);
+        if (has_lines(s.cont_type)) {
+            draw_cell_edges(first, last, step0);
+        }
     }
 }
 
