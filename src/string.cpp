@@ -222,7 +222,7 @@ int set_num(char* buffer, const char* format, float value) {
     }
     int e = 2;
     if (value != 0 && std::isfinite(value)) {
-        e = static_cast<int>(std::floor(std::log10(std::abs(static_cast<double>(value)))));
+        e = static_cast<int>(std::floor(std::log10(std::abs(value))));
     }
     const int decimals = std::max(part[1] - (e + 1), part[2]);
     width = std::max(width, decimals);
