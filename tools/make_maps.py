@@ -319,15 +319,29 @@ def away(lines, near):
 
 # --- Writing ----------------------------------------------------------------
 def records(lines, whole=False):
+    """What is written: rings as they are, lines in pieces, no segment twice
+    (a narrow island, simplified, would go there and back)."""
+    seen = set()
+
+    def fresh(a, b):
+        segment = (min(a, b), max(a, b))
+        new = segment not in seen
+        seen.add(segment)
+        return new
+
     for line in lines:
-        line = densify(line)
-        if len(line) < 2:
-            continue
+        line = [stored(p) for p in densify(line)]
         if whole:
             yield line
             continue
-        for start in range(0, len(line) - 1, RECORD - 1):
-            yield line[start:start + RECORD]
+        for piece in split(line, fresh):
+            for start in range(0, len(piece) - 1, RECORD - 1):
+                yield piece[start:start + RECORD]
+
+
+def stored(point):
+    """The point as the file holds it."""
+    return struct.unpack(">2f", struct.pack(">2f", *point))
 
 
 def write(directory, name, lines, whole=False, text=False):
