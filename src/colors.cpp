@@ -192,15 +192,13 @@ void read_line(char* line, bool first_file, Slots* at) {
         return;
     }
     const char* text = line;
-    int number = 0;
-    if (take_int(&text, &number))
-        at->slot = std::clamp(number, -1, max_colors);
-    const int slot = at->base + at->slot;
-    if (at->slot >= 0 && slot < max_colors) {
-        at->highest = std::max(at->highest, at->slot);
-        parse_entry(text, &table.colors[slot]);
-    }
-    at->slot = std::min(at->slot + 1, max_colors);
+    int slot = at->slot;
+    take_int(&text, &slot);
+    if (slot < 0 || slot >= max_colors - at->base)
+        return;
+    parse_entry(text, &table.colors[at->base + slot]);
+    at->highest = std::max(at->highest, slot);
+    at->slot = slot + 1;
 }
 
 void read_table_file(std::FILE* file, bool first_file, bool count_fills) {

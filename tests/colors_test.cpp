@@ -1,0 +1,217 @@
+// Colour table and attribute language.
+
+#include "ps_page.h"
+#include "zyrgks.h"
+#include "zyrresrc.h"
+
+#include <array>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace {
+
+std::array<float, 3> rgb(int ind) {
+    std::array<float, 3> c{};
+    CLR_get_rgb(ind, &c[0], &c[1], &c[2]);
+    return c;
+}
+
+int read_table(const std::string& text) {
+    const std::string path = temp_name("table.clr");
+    write_text(path, text);
+    CLR_read_table(path.c_str());
+    std::remove(path.c_str());
+    return CLR_get_num();
+}
+
+const std::array<float, 3> red = {1.0F, 0.0F, 0.0F};
+
+} // namespace
+
+TEST(ColorTable, LineForms) {
+    struct Case {
+        const char* text;
+        int count;
+        const char* name;
+        int ind;
+        std::array<float, 3> color;
+    };
+    for (const Case& c : {
+             Case{"Red 1 0 0\nblue 0 0 1\n",                  2,  "RED",  0,  red      },
+             Case{"  red #ff0000  \r\n",                      1,  "red",  0,  red      },
+             Case{"20 red 1 0 0\nnavy #0000FF\n",             22, "navy", 21, {0, 0, 1}},
+             Case{"5 ruby #FF0000\n",                         6,  "ruby", 5,  red      },
+             Case{"# comment\nred 1 0 0\n\nsea 0 0 1\n",      3,  "sea",  2,  {0, 0, 1}},
+             Case{"red 1 0 0\n# one slot more\n",             2,  "red",  0,  red      },
+             Case{"red 1 0 0\nEND\n",                         2,  "red",  0,  red      },
+             Case{"red 2 -1 nan\n",                           1,  "red",  0,  {1, 0, 0}}, // held in range, as far as it scans
+             Case{"300 far 1 0 0\n-4 low 1 0 0\nred 1 0 0\n", 1,  "red",  0,  red      },
+             Case{"99999999999999999999 x 1 1 1\n",           1,  "x",    -1, {0, 0, 0}},
+             Case{"",                                         0,  "red",  -1, {0, 0, 0}},
+    }) {
+        CLR_clear_table();
+        EXPECT_EQ(read_table(c.text), c.count) << c.text;
+        EXPECT_EQ(CLR_get_ind(c.name), c.ind) << c.text;
+        if (c.ind >= 0) {
+            EXPECT_EQ(rgb(c.ind), c.color) << c.text;
+        }
+    }
+}
+
+TEST(ColorTable, ListsAndFillCount) {
+    const std::string a = temp_name("a.clr");
+    const std::string b = temp_name("b.clr");
+    write_text(a, "red 1 0 0\ngreen 0 1 0\nEND\nblack 0 0 0\n");
+    write_text(b, "END\nsky .5 .7 1\nEND\n");
+    RES_put("color_table", (a + ",," + temp_name("missing") + "," + b).c_str());
+    CLR_read_table(nullptr);
+    EXPECT_EQ(CLR_get_num(), 5); // the END behind the last entry counts
+    EXPECT_EQ(CLR_get_num_fill(), 2) << "of the first file alone";
+    EXPECT_EQ(CLR_get_ind("sky"), 3);
+    CLR_read_table(a.c_str());
+    EXPECT_EQ(CLR_get_num(), 3);
+    CLR_read_table(temp_name("missing").c_str());
+    EXPECT_EQ(CLR_get_num(), 3) << "a missing table changes nothing";
+    std::remove(a.c_str());
+    std::remove(b.c_str());
+}
+
+TEST(ColorTable, ShippedTable) {
+    RES_put("file_path", ZYR_SOURCE_DIR "/etc");
+    RES_put("color_table", "zyr.clr");
+    CLR_read_table(nullptr);
+    EXPECT_EQ(CLR_get_num_fill(), 15);
+    for (const char* name :
+         {"black", "white", "red", "green", "blue", "cyan", "yellow", "magenta", "brown", "lblue",
+          "lcyan", "lgreen", "lred", "lmagenta", "dgray", "lgray", "dgreen"})
+        EXPECT_GE(CLR_get_ind(name), 0) << name;
+    EXPECT_EQ(rgb(CLR_get_ind("white")), (std::array<float, 3>{1, 1, 1}));
+    EXPECT_EQ(rgb(CLR_get_ind("black")), (std::array<float, 3>{0, 0, 0}));
+}
+
+TEST(ColorNames, Lookup) {
+    CLR_clear_table();
+    EXPECT_EQ(CLR_get_ind("3"), 3) << "a number needs no table";
+    EXPECT_EQ(read_table("blue 0 0 1\n3 green 0 1 0\n"), 4);
+    const std::array<std::pair<const char*, int>, 12> names = {
+        {
+         {nullptr, -1},
+         {"", -1},
+         {"END", -2},
+         {"None", -1},
+         {"off", -1},
+         {"back", -1},
+         {"PBlk", 500},
+         {"ptgry", 508},
+         {"Green", 3},
+         {"mauve", -1},
+         {"#12345", -1},
+         {"99999999999", 2147483647},
+         }
+    };
+    for (const auto& [name, ind] : names)
+        EXPECT_EQ(CLR_get_ind(name), ind) << (name != nullptr ? name : "null");
+    EXPECT_EQ(CLR_get_ind("#GG0000"), -1);
+    // A new slot at the first look-up, the same one at the second.
+    EXPECT_EQ(CLR_get_ind("#ff0000"), 4);
+    EXPECT_EQ(CLR_get_ind("#FF0000"), 4);
+    EXPECT_EQ(CLR_get_ind("#255000000"), 5);
+    EXPECT_EQ(rgb(4), red);
+    EXPECT_EQ(rgb(5), red);
+    EXPECT_STREQ(CLR_get_name(5), "#255000000");
+    while (CLR_get_num() < 256)
+        CLR_add("filler", 0.5F, 0.5F, 0.5F);
+    EXPECT_EQ(CLR_add("one too many", 0, 0, 0), -1);
+    EXPECT_STREQ(CLR_get_name(1000), "filler");
+}
+
+TEST(Attributes, Language) {
+    read_table("blue 0 0 1\nred 1 0 0\n");
+    struct Case {
+        const char* text;
+        Gattribs want;
+    };
+    constexpr int no = missing;
+    constexpr float nof = missing_f;
+    for (const Case& c : {
+             Case{"red:wi=2:st=dsh",             {1, 2, nof, nof, 2, no, no}    },
+             Case{"wi=2",                        {no, 2, nof, nof, no, no, no}  },
+             Case{":wi=2",                       {no, 2, nof, nof, no, no, no}  },
+             Case{"none",                        {-1, nof, nof, nof, no, no, no}},
+             Case{"CO=blue:FI=hat:HI=1.5:TE=.5", {0, nof, 1.5F, .5F, no, 9, no} },
+             Case{"7:fp=30%:sc=2:ST=LSDSH:fo=4", {7, nof, 2, nof, 3, 30, 4}     },
+             Case{"blue:w3:s4:t5:f6:h7:e8",      {0, 3, 7, 8, 4, 6, 5}          },
+             Case{"blue:f6:fM:W3:zz=1:?",        {0, nof, nof, nof, no, no, no} },
+             Case{"red::st=7:wi=nan",            {1, 0, nof, nof, 7, no, no}    },
+             Case{"",                            {no, nof, nof, nof, no, no, no}},
+    }) {
+        Gattribs got;
+        ATTRIB_parse(c.text, &got);
+        EXPECT_EQ(got.color, c.want.color) << c.text;
+        EXPECT_EQ(got.width, c.want.width) << c.text;
+        EXPECT_EQ(got.height, c.want.height) << c.text;
+        EXPECT_EQ(got.expan, c.want.expan) << c.text;
+        EXPECT_EQ(got.style, c.want.style) << c.text;
+        EXPECT_EQ(got.fill_pat, c.want.fill_pat) << c.text;
+        EXPECT_EQ(got.font, c.want.font) << c.text;
+    }
+}
+
+TEST(Attributes, ResourceOverDefault) {
+    read_table("blue 0 0 1\nred 1 0 0\n");
+    Gattribs attrib;
+    EXPECT_EQ(ATTRIB_get("color_map", "red:w2", &attrib), 0);
+    RES_put("color_map", "blue");
+    EXPECT_EQ(ATTRIB_get("color_map", "red:w2:s3", &attrib), 1);
+    Gattribs more;
+    ATTRIB_parse("wi=5", &more);
+    ATTRIB_update(&attrib, &more);
+    testing::internal::CaptureStdout();
+    ATTRIB_print(&attrib);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Color: 0\nStyle: 3\nHeight: -9999.00\nWidth:  5.00\nExpansion: -9999.00\n"
+              "Fill: -9999\nFont: -9999\n");
+}
+
+TEST(Attributes, PatternAndMarkerWords) {
+    const std::array<std::pair<const char*, int>, 14> patterns = {
+        {
+         {"SOL", 0},
+         {"st", 1},
+         {"ost", 2},
+         {"rst", 3},
+         {"lst", 4},
+         {"||", 5},
+         {"\\\\", 6},
+         {"//", 7},
+         {"--", 8},
+         {"xx", 9},
+         {"0%", 10},
+         {"9%", 19},
+         {"12", 12},
+         {"other", 0},
+         }
+    };
+    for (const auto& [word, value] : patterns)
+        EXPECT_EQ(ATTR_parse_fill_pat(word), value) << word;
+    const std::array<std::pair<const char*, int>, 14> markers = {
+        {
+         {"Pnt", 1},
+         {".", 1},
+         {"plus sign", 2},
+         {"*", 3},
+         {"circle", 4},
+         {"open", 4},
+         {"X", 5},
+         {"#", 6},
+         {"triangle", 7},
+         {"itri", 9},
+         {"v", 9},
+         {"dot", 8},
+         {"12", 12},
+         {"", 0},
+         }
+    };
+    for (const auto& [word, value] : markers)
+        EXPECT_EQ(ATTR_parse_marker(word), value) << word;
+}

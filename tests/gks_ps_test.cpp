@@ -1,0 +1,132 @@
+// PostScript workstation: heading, options, page and closing.
+
+#include "gks.h"
+#include "ps_page.h"
+#include "zyr.h"
+#include "zyrresrc.h"
+
+#include <array>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace {
+
+constexpr const char* definitions =
+    "/inch {72 mul} def\n/dot {.33 mul} def\n/mv {moveto} def\n/ln {lineto} def\n"
+    "/lw {setlinewidth} def\n/np {newpath} def\n/cp {closepath} def\n";
+
+} // namespace
+
+TEST(PostScript, HeadingAndClosing) {
+    struct Case {
+        const char* options;
+        std::string first, setup, pens, end;
+    };
+    const std::string begin = "30 dict begin\n/saveobj save def\n";
+    const std::string pens = "0 setgray\n2 setlinejoin\n1 dot lw\n[] 0 setdash\n";
+    const std::string end = "saveobj restore\nshowpage\nend\n%%EOF\n";
+    for (const Case& c : {
+             Case{"",               "%!PS-Adobe-1.0\n",
+                  begin + definitions + "90 rotate\n.25 inch -8.25 inch translate\n",                     pens, end                },
+             Case{"PORT,sz=8.5x11", "%!PS-Adobe-1.0\n",
+                  begin + definitions + ".25 inch .25 inch translate\n",                                  pens, end                },
+             Case{"eps,scale=.5",   "%!PS-Adobe-3.0 EPSF-3.0\n%%BoundingBox: 0 0 576 756\n",
+                  std::string(definitions) + "90 rotate\n0. inch -8.50 inch translate\n",
+                  pens + "0.50 0.50 scale\n",                                                                   "showpage\n%%EOF\n"},
+             Case{"eps,port",       "%!PS-Adobe-3.0 EPSF-3.0\n%%BoundingBox: 0 0 756 576\n", definitions,
+                  pens,                                                                                         "showpage\n%%EOF\n"},
+             Case{"color",          "%!PS-Adobe-1.0\n",
+                  begin + definitions + "90 rotate\n.25 inch -8.25 inch translate\n",
+                  "0 0 0 setrgbcolor\n2 setlinejoin\n1 dot lw\n[] 0 setdash\n",                                 end                }
+    }) {
+        gps_set_scale(1.0F);
+        gps_set_orient(0);
+        gps_set_EPS(0);
+        gset_win_title("A title");
+        PsPage page(c.options);
+        const std::string text = page.whole();
+        EXPECT_TRUE(text.starts_with(c.first + "%%Title: ZYR Graphics Display: A title\n"
+                                               "%%Creator: ZYR Postscript Processor-2.0\n"
+                                               "%%CreationDate: "))
+            << text.substr(0, 200);
+        EXPECT_EQ(text_between(text, "%%CreationDate", "%%Begin plot"),
+                  "%%EndComments\n%%Postscript initialization\n" + c.setup + c.pens);
+        EXPECT_TRUE(text.find("%%Begin plot\n%%ZYR Plot: A title\ninitclip\n") !=
+                    std::string::npos);
+        EXPECT_TRUE(text.ends_with("%%End of plot\n" + c.end)) << c.options;
+        EXPECT_EQ(gget_inverse(), std::string(c.options) == "color" ? 1 : 0);
+        gps_set_colorPS(0);
+    }
+}
+
+TEST(PostScript, AppendsWithAShortHeadingAndNoEnd) {
+    gset_win_title("More");
+    PsPage page("", true);
+    const std::string text = page.whole();
+    EXPECT_TRUE(text.starts_with("0 setgray\n1 dot lw\n[] 0 setdash\n%%ZYR Plot: More\n"));
+    EXPECT_TRUE(text.ends_with("%%End of plot\n"));
+}
+
+TEST(PostScript, PageOptionsAndGeometry) {
+    struct Case {
+        const char* options;
+        const char* env;      // zyrps_param
+        const char* geometry; // resource
+        int width, height, x, y;
+    };
+    for (const Case& c : {
+             Case{"",            "",           "",                756,  576,  0,   0  },
+             Case{"A4",          "legal,gray", "",                805,  558,  0,   0  }, // the connection text wins
+             Case{"",            "x,ansid",    "",                2412, 1548, 0,   0  },
+             Case{"sz:10.5x8.5", "",           "",                720,  576,  0,   0  },
+             Case{"sz=0.5x-3",   "",           "",                756,  576,  0,   0  }, // no room: ignored
+             Case{"",            "",           "P2x2+0+0",        378,  288,  0,   288},
+             Case{"",            "",           "p20x1+7+0",       94,   576,  661, 0  }, // at most 8 columns
+             Case{"",            "",           "P0.5x0.25+0.5+0", 378,  144,  378, 0  },
+             Case{"",            "",           "800x600-10+20",   576,  432,  -7,  14 },
+             Case{"",            "",           "100x50",          72,   36,   0,   0  },
+             Case{"",            "",           "+100+50",         756,  576,  72,  36 },
+             Case{"",            "",           "0x0",             756,  576,  0,   0  }, // refused with a warning
+             Case{"",            "",           "99999999999x1e9", 756,  576,  0,   0  },
+    }) {
+        RES_put("geometry", c.geometry);
+        const std::string conn = "|cat >/dev/null," + std::string(c.options);
+        setenv("zyrps_param", c.env, 1);
+        ASSERT_EQ(gps_open_ws(conn.c_str()), 0);
+        int w = 0;
+        int h = 0;
+        int x = 0;
+        int y = 0;
+        gget_win_size(&w, &h);
+        gget_win_offset(&x, &y);
+        gps_close_file();
+        const std::string name = std::string(c.options) + "/" + c.env + "/" + c.geometry;
+        EXPECT_EQ(w, c.width) << name;
+        EXPECT_EQ(h, c.height) << name;
+        EXPECT_EQ(x, c.x) << name;
+        EXPECT_EQ(y, c.y) << name;
+    }
+}
+
+TEST(PostScript, OutputNamesAndPipes) {
+    const std::string file = temp_name("name.ps");
+    setenv("PSPRINT", file.c_str(), 1);
+    unsetenv("zyrps_print");
+    ASSERT_EQ(gps_open_ws(",eps"), 0); // an empty first field
+    EXPECT_EQ(gps_close_file(), 0);
+    EXPECT_EQ(gps_close_file(), -1);
+    EXPECT_TRUE(read_text(file).starts_with("%!PS-Adobe-3.0"));
+    gps_set_EPS(0);
+    testing::internal::CaptureStdout();
+    ASSERT_EQ(gps_open_ws(("|cat >" + file).c_str()), 0);
+    EXPECT_EQ(gps_close_file(), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Spooling to: cat >" + file + "\nCreated Postscript file\n");
+    EXPECT_TRUE(read_text(file).starts_with("%!PS-Adobe-1.0"));
+    ASSERT_EQ(gps_open_ws("|exit 3"), 0); // nobody reads: no signal ends the program
+    for (int i = 0; i < 20000; ++i)
+        gps_move(0.0F, 0.0F);
+    EXPECT_EQ(gps_close_file(), -1);
+    std::remove(file.c_str());
+}

@@ -1,0 +1,241 @@
+// Stroke text: font files, the font list, layout.
+
+#include "gks_font.h"
+#include "ps_page.h"
+#include "zyrgks.h"
+#include "zyrresrc.h"
+
+#include <array>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace {
+
+// Strokes and the index of some codes as a font file.
+std::string font_text(const std::string& strokes, std::array<int, 256> index) {
+    std::string text = strokes + "\n";
+    for (const int place : index)
+        text += std::to_string(place) + " ";
+    return text;
+}
+
+std::array<int, 256> index_of(std::initializer_list<std::pair<char, int>> codes) {
+    std::array<int, 256> index{};
+    index.fill(-1);
+    for (const auto& [code, place] : codes)
+        index[static_cast<unsigned char>(code)] = place;
+    return index;
+}
+
+// 'A' a stem of the cell's height, 100 wide; 'B' 33 points; 'C' begins with
+// the pen down.
+std::string test_font() {
+    std::string strokes = "255 128 35 0 140 228 35 255 ";
+    for (int i = 0; i < 33; ++i)
+        strokes += std::to_string(i == 0 ? 128 : i) + " 35 ";
+    return font_text(strokes + "255 5 35 6 35 255 254", index_of({
+                                                            {'A', 1 },
+                                                            {'B', 8 },
+                                                            {'C', 75}
+    }));
+}
+
+// What a text draws on a page where the test font is the only one and a font
+// unit is a hundredth of a point.
+std::string drawn(const char* text, const char* path, void (*setup)() = nullptr) {
+    RES_put("font_list", path);
+    PsPage page;
+    const Glim window = {0.0F, 57500.0F, 0.0F, 57500.0F};
+    gset_win(0, &window);
+    gset_char_ht(105.0F);
+    if (setup != nullptr)
+        setup();
+    GPH_printf(10000.0F, 10000.0F, "%s", text);
+    return text_between(page.drawn(), "%%TE", "%%");
+}
+
+// Where the first stem begins: position 100, 100 plus the offset.
+std::string start_of(const std::string& text) {
+    return text_between(text, "np", "0.").substr(0, text_between(text, "np", "0.").find(" mv"));
+}
+
+} // namespace
+
+TEST(FontFile, BothLayouts) {
+    Gfont font;
+    ASSERT_EQ(gparse_font(test_font(), &font), 0);
+    EXPECT_EQ(font.index['A'], 1);
+    EXPECT_EQ(font.width['A'], 100);
+    EXPECT_EQ(font.index['Z'], -1);
+    EXPECT_EQ(font.width[' '], 40);
+    int place = font.index['A'];
+    Gstroke s{};
+    ASSERT_TRUE(gnext_stroke(font, &place, &s));
+    EXPECT_FALSE(s.down);
+    EXPECT_EQ(s.x, 0);
+    ASSERT_TRUE(gnext_stroke(font, &place, &s));
+    EXPECT_TRUE(s.down);
+    EXPECT_EQ(s.y, 140);
+    ASSERT_TRUE(gnext_stroke(font, &place, &s));
+    EXPECT_FALSE(gnext_stroke(font, &place, &s));
+    // With labels: the first number is dropped, so offsets count from the data.
+    ASSERT_EQ(gparse_font(font_text("0 letterA 128 35 50 255 255 letterB 128 254 255 end 254",
+                                    index_of({
+                                        {'A', 0},
+                                        {'B', 5}
+    })),
+                          &font),
+              0);
+    EXPECT_EQ(font.width['A'], 50);
+    place = font.index['B'];
+    EXPECT_TRUE(gnext_stroke(font, &place, &s)); // a y may be any byte
+    EXPECT_EQ(s.y, 254);
+    EXPECT_FALSE(gnext_stroke(font, &place, &s));
+}
+
+TEST(FontFile, DamageGivesNoGlyphs) {
+    const std::string good = test_font();
+    std::string too_long = "255 ";
+    for (int i = 0; i < 7500; ++i)
+        too_long += "1 1 ";
+    for (const std::string& text : {
+             std::string(), std::string("255"), std::string("255 254"), good.substr(0, 40),
+             good.substr(0, good.size() - 4), "x" + good, std::string("255 300 1 254"),
+             font_text(too_long + "255 254", index_of({{'A', 1}}
+                ))
+    }) {
+        Gfont font;
+        EXPECT_EQ(gparse_font(text, &font), -1) << text.substr(0, 40);
+        EXPECT_EQ(font.index['A'], -1);
+        EXPECT_EQ(font.width[' '], 0);
+    }
+    Gfont font; // an index outside the data is no glyph
+    ASSERT_EQ(gparse_font(font_text("255 128 35 255 254", index_of({
+                                                              {'A', 99},
+                                                              {'B', -7}
+    })),
+                          &font),
+              0);
+    EXPECT_EQ(font.index['A'], -1);
+    EXPECT_EQ(font.index['B'], -1);
+}
+
+TEST(FontFile, ShippedFontsHaveTheirLetters) {
+    for (const char* name : {"modern", "bold", "roman", "romanb", "italic", "script", "greek"}) {
+        Gfont font;
+        const std::string path = std::string(ZYR_SOURCE_DIR "/etc/") + name + ".fnt";
+        ASSERT_EQ(gparse_font(read_text(path), &font), 0) << name;
+        for (const char c :
+             std::string("0123456789+-.,:%/ABCDEFGHIJKLMNOPQRSTUVWXabcdefghijklmnopqrstuvwx"))
+            EXPECT_GE(font.index[static_cast<unsigned char>(c)], 0) << name << " " << c;
+        EXPECT_GT(font.width['i'], 0) << "the closing move gives every letter its room";
+        EXPECT_GT(font.width['M'], font.width['i']);
+    }
+}
+
+TEST(FontList, SourcesAndNames) {
+    RES_put("file_path", ZYR_SOURCE_DIR "/etc");
+    const PsPage page; // zyr.fnl
+    EXPECT_EQ(gget_font_index("ROMAN"), 3);
+    EXPECT_EQ(gget_font_index("7"), 7);
+    EXPECT_EQ(gget_font_index("no such"), 1);
+    const Gfontprec none = {8, GSTROKE_PREC};
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(gset_fontprec(&none), -1);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "gset_fontprec: invalid font id: 8\n");
+    // A list file of its own stops at ten fonts.
+    const std::string list = temp_name("list.fnl");
+    std::string lines;
+    for (int i = 1; i <= 12; ++i)
+        lines += "f" + std::to_string(i) + "  modern.fnt \n";
+    write_text(list, lines);
+    gset_font_list(("fi:" + list).c_str());
+    EXPECT_EQ(gsetup_fonts(), 0);
+    EXPECT_EQ(gget_font_index("f10"), 10);
+    EXPECT_EQ(gget_font_index("f11"), 1);
+    std::remove(list.c_str());
+    for (const char* bad : {"missing.fnt", "#fixed", "fi:missing.fnl"}) {
+        gset_font_list(bad);
+        greset_text();
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(gsetup_fonts(), bad[0] == 'f' ? 0 : -1);
+        EXPECT_NE(testing::internal::GetCapturedStderr().find(": unable to load font"),
+                  std::string::npos)
+            << bad;
+        EXPECT_EQ(GPH_printf(0.0F, 0.0F, "no font, no strokes"), 0);
+    }
+    gset_font_list("");
+}
+
+TEST(Text, StrokesAndFlushes) {
+    const std::string path = temp_name("test.fnt");
+    write_text(path, test_font());
+    // Glyph by glyph: the closing move leaves one more path; a blank moves on
+    // by 65, a letter without a glyph not at all.
+    EXPECT_EQ(drawn("A ZA", path.c_str()),
+              "np\n100.00 100.00 mv\n100.00 101.05 ln\nstroke\nnp\n101.00 100.00 mv\nstroke\n"
+              "np\n101.90 100.00 mv\n101.90 101.05 ln\nstroke\nnp\n102.90 100.00 mv\nstroke\n");
+    const std::string many = drawn("B", path.c_str());
+    EXPECT_NE(many.find("100.29 100.00 ln\nstroke\nnp\n100.29 100.00 mv\n100.30 100.00 ln\n"),
+              std::string::npos)
+        << "after 30 points a stroke goes on in a new path";
+    EXPECT_EQ(drawn("C", path.c_str()), "np\n100.05 100.00 mv\n100.06 100.00 ln\nstroke\n");
+    std::remove(path.c_str());
+}
+
+TEST(Text, AlignmentSizeAndRotation) {
+    const std::string path = temp_name("test.fnt");
+    write_text(path, test_font());
+    struct Case {
+        const char* text;
+        void (*setup)();
+        const char* start;
+    };
+    for (const Case& c : {
+             Case{"AA", nullptr,                                         "100.00 100.00"}, // 125 + 100 units wide
+             Case{"AA", [] { GPH_text_align(GCENTER_HOR, GTOP_VERT); },  "98.88 98.75"  },
+             Case{"AA", [] { GPH_text_align(GRIGHT_HOR, GCAP_VERT); },   "97.75 98.95"  },
+             Case{"AZ", [] { GPH_text_align(GRIGHT_HOR, GHALF_VERT); },  "98.75 99.50"  },
+             Case{"AA", [] { GPH_text_align(GLEFT_HOR, GBOTTOM_VERT); }, "100.00 100.35"},
+             Case{"AA",
+                  [] {
+                      GPH_text_align(GRIGHT_HOR, GBASE_VERT);
+                      gset_char_space(0.5F); // pitch 62.5, the last 50
+                  },                                                     "98.88 100.00" },
+             Case{"AA",
+                  [] {
+                      GPH_text_align(GRIGHT_HOR, GBASE_VERT);
+                      gset_expan(2.0F);
+                      gset_char_ht(210.0F);
+                  },                                                     "91.00 100.00" },
+             Case{"AA",
+                  [] {
+                      GPH_text_align(GRIGHT_HOR, GCAP_VERT);
+                      GPH_text_rotate(90.0F); // downward
+                  },                                                     "98.95 102.25" },
+    }) {
+        EXPECT_EQ(start_of(drawn(c.text, path.c_str(), c.setup)), c.start);
+    }
+    std::remove(path.c_str());
+}
+
+TEST(Text, AttributesAndComment) {
+    RES_put("font_list", "modern.fnt,bold.fnt");
+    PsPage page;
+    const Gpt at = {0.5F, 0.5F};
+    const Gpt nowhere = {0.0F, 0.0F};
+    EXPECT_EQ(gset_char_up_vec(&nowhere), -1);
+    EXPECT_EQ(gtext(&at, ""), 0);
+    Gattribs attrib;
+    ATTRIB_parse("502:w2:h3:e2:t2", &attrib);
+    GPH_text_attr(&attrib, 0.01F);
+    gtext(&at, "a\n%b");
+    int hor = 0;
+    int vert = 0;
+    GPH_text_align(GRIGHT_HOR, GCAP_VERT);
+    GPH_get_text_align(&hor, &vert);
+    EXPECT_EQ(hor * 10 + vert, 32);
+    EXPECT_EQ(gget_text_colr(), 502);
+    const std::string text = page.drawn();
+    EXPECT_TRUE(text.starts_with("%%TE:0.500000 0.500000 a %b\n8 dot lw\nnp\n")) << text;
+}

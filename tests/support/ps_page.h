@@ -1,0 +1,79 @@
+// ps_page.h: a PostScript workstation that writes into a file of the test's
+// own, whose text can be taken.
+#pragma once
+
+#include "gks.h"
+#include "zyrresrc.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <unistd.h>
+
+inline std::string read_text(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+inline void write_text(const std::string& path, const std::string& text) {
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+// A name in the temporary directory that other test processes do not use.
+inline std::string temp_name(const std::string& name) {
+    return std::filesystem::temp_directory_path() / (std::to_string(getpid()) + name);
+}
+
+// The lines between the one that begins with `from` and the next that begins
+// with `to`.
+inline std::string text_between(const std::string& text, const std::string& from,
+                                const std::string& to) {
+    std::istringstream in(text);
+    std::string out;
+    bool inside = false;
+    for (std::string line; std::getline(in, line);) {
+        if (inside && line.starts_with(to))
+            break;
+        if (inside)
+            out += line + "\n";
+        inside = inside || line.starts_with(from);
+    }
+    return out;
+}
+
+class PsPage {
+public:
+    // `options` stand behind the file name: "eps,color". With `append` the
+    // name begins with "+".
+    explicit PsPage(const std::string& options = "", bool append = false)
+        : path(temp_name("page.ps")) {
+        for (const char* name :
+             {"zyrprint", "zyrps_param", "zyrps_geometry", "PSGEOMETRY", "PSCOLOR"})
+            unsetenv(name);
+        RES_put("file_path", ZYR_SOURCE_DIR "/etc");
+        gopen_gks(nullptr, 0);
+        gopen_ws(1, ((append ? "+" : "") + path + "," + options).c_str(), ws_postscript);
+        gmessage(1, "drawing");
+    }
+    ~PsPage() {
+        whole();
+        std::filesystem::remove(path);
+    }
+    PsPage(const PsPage&) = delete;
+    PsPage& operator=(const PsPage&) = delete;
+
+    // Closes the workstation and returns the whole file.
+    std::string whole() {
+        gclose_ws(1);
+        gclose_gks();
+        return read_text(path);
+    }
+    // The same, what was drawn since the opening alone.
+    std::string drawn() { return text_between(whole(), "%%Message: drawing", "%%End of plot"); }
+
+private:
+    std::string path;
+};
