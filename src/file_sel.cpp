@@ -111,24 +111,28 @@ bool same_file(const char* a, const char* b) {
            first.st_ino == second.st_ino;
 }
 
-// A file of the whole typed name is that file. Its date counts only if the
-// name of that date is this file again, as the plotters build it anew.
-void take_typed_file(FileState& s, const char* name, char* out_file) {
+bool is_fixed(const Date& set) {
+    return is_set(set.year) || is_set(set.month) || is_set(set.day) || is_set(set.hour) ||
+           is_set(set.min);
+}
+
+// Makes sure that a file is found again: the plotters build its name anew from
+// the file date. If that leads elsewhere, the digits taken for a date are none,
+// and the name itself stands. A date that the user fixed goes before.
+void check_date(FileState& s, const char* name) {
+    if (!is_set(s.file_date.year) || is_fixed(s.set)) {
+        return;
+    }
+    const FileState before = s;
     store_name("FILE_set_file", s.filename, name);
     s.filename_type = 1;
     char built[file_name_size];
-    if (is_set(s.file_date.year)) {
-        const Date date = s.file_date;
-        const bool no_name = FILE_set_date(&date, built) != 0;
-        const bool again = !no_name && same_file(built, name);
-        copy_text(s.filename, sizeof s.filename, name);
-        s.filename_type = 1;
-        s.file_date = date;
-        if (!again) {
-            unknown_date(&s.file_date);
-        }
+    const bool none = FILE_set_date(&before.file_date, built) != 0;
+    const bool again = !none && same_file(built, name);
+    s = before;
+    if (!again) {
+        unknown_date(&s.file_date);
     }
-    copy_text(out_file, file_name_size, name);
 }
 
 // Cuts the date or the extra text off a typed name, by the file type.
@@ -449,11 +453,16 @@ int FILE_set_file(const char* file, char* out_file) {
     DATE_print(mess_debug, &s.file_date);
     // In suffix mode a file of the typed name comes first, else only where the
     // template leads to none.
-    if (is_file(name) && (s.file_type == 1 || FILE_exist(result.name) == 0)) {
-        take_typed_file(s, name, out_file);
-    } else {
-        copy_text(out_file, file_name_size, result.name);
+    const bool typed = is_file(name) && (s.file_type == 1 || FILE_exist(result.name) == 0);
+    const char* chosen = typed ? name : result.name;
+    if (is_file(chosen)) {
+        check_date(s, chosen);
     }
+    if (typed || !is_set(s.file_date.year)) {
+        store_name("FILE_set_file", s.filename, chosen);
+        s.filename_type = 1;
+    }
+    copy_text(out_file, file_name_size, chosen);
     return 0;
 }
 

@@ -1,0 +1,611 @@
+// Templates, naming conventions, paths, and the selection of files in made-up
+// directories.
+#include "files.h"
+
+#include "date.h"
+#include "name_tmpl.h"
+#include "zyrresrc.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+Date date_of(int year, int month, int day, int hour = missing, int min = missing) {
+    return {.year = year, .month = month, .day = day, .hour = hour, .min = min};
+}
+
+// "year-month-day hour:min", "-" for an unknown part.
+std::string text_of(const Date& date) {
+    std::string text;
+    for (const int part : {date.year, date.month, date.day, date.hour, date.min}) {
+        text += (text.empty() ? "" : " ") + (is_set(part) ? std::to_string(part) : "-");
+    }
+    return text;
+}
+
+const char* fake_resource(const char* name) {
+    return std::string(name) == "data_path" ? "/dat" : nullptr;
+}
+
+NameSource source_of(const char* conv, const NameKeys& keys) {
+    NameSource source;
+    source.conv = conv;
+    source.keys = &keys;
+    source.resource = fake_resource;
+    return source;
+}
+
+NameKeys some_keys() {
+    NameKeys keys;
+    copy_text(keys.text['s'], sizeof keys.text['s'], "KTLX");
+    return keys;
+}
+
+TEST(Template, TypedNames) {
+    struct Row {
+        const char *conv, *typed, *name, *date;
+        int late_off;
+    };
+    const Row rows[] = {
+  // A date typed alone gets its path and its ending.
+        {"%D/%Y%m%d%h.rad", "2010050112",       "/dat/2010050112.rad", "2010 5 1 12 -",  3600   },
+        {"%D/%Y%m%d%h.rad", "2010050112.rad",   "/dat/2010050112.rad", "2010 5 1 12 -",  3600   },
+        {"%D/%Y%m%d%h.rad", "2010050112.foo",   "/dat/2010050112.foo", "2010 5 1 12 -",  3600   },
+        {"%D/%Y%m%d%h.rad", "20100501",         "/dat/20100501",       "2010 5 1 - -",   86400  },
+        {"%D/%Y%m%d%h.rad", "KTLX",             "/dat/KTLX",           "- - - - -",      missing},
+        {"%D/%Y%m%d%h%5n",  "201005011207",     "/dat/201005011207",   "2010 5 1 12 7",  300    },
+        {"%C/%y%b%d%3h",    "10may0106",        "./10may0106",         "2010 5 1 6 -",   10800  },
+        {"%y%j",            "49366",            "49366",               "2049 12 31 - -", 86400  },
+        {"%y%b",            "50xyz",            "50xyz",               "1950 - - - -",   missing},
+        {"%D/%0h",          "07",               "/dat/07",             "- - - 7 -",      3600   },
+ // A full name keeps its directory, as many levels as the template has.
+        {"%D/%Y/%m%d.x",    "/a/b/2010/0501.x", "/a/b/2010/0501.x",    "2010 5 1 - -",   86400  },
+        {"%D/%Y%m",         "/a/b/201005",      "/a/b/201005",         "2010 5 - - -",   missing},
+        {"%D/%Y/%m",        "./x",              "./x",                 "- - - - -",      missing},
+        {"%D/%Y/%m",        ".x",               ".x",                  "- - - - -",      missing},
+        {"%D/%Y%m",         "a/b",              "/dat/a/b",            "- - - - -",      missing},
+ // Literal letters overwrite a typed date, unless they stand in braces.
+        {"%D/{nids}%Y%m",   "201005",           "/dat/nids201005",     "2010 5 - - -",   missing},
+        {"%D/nn%Y%m",       "201005",           "/dat/nn1005",         "1005 - - - -",   missing},
+        {"%D/%Y{_%m}x",     "201005",           "/dat/2010_05x",       "2010 5 - - -",   missing},
+        {"data/%Y",         "data/2010",        "data/2010",           "2010 - - - -",   missing},
+        {"data/%Y",         "2010",             "2010",                "- - - - -",      missing},
+ // Keys, extension, the rest.
+        {"%D/%s_%Y",        "KTLX_2010",        "/dat/KTLX_2010",      "2010 - - - -",   missing},
+        {"%D/%2s_%Y",       "KT_2010",          "/dat/KT_2010",        "2010 - - - -",   missing},
+        {"%D/%q_%Y",        "KTLX_2010",        "/dat/KTLX_2010",      "- - - - -",      missing},
+        {"%Y_%e.nids",      "2010_N0R.nids",    "2010_N0R.nids",       "2010 - - - -",   missing},
+        {"%Y_%e.nids",      "2010_N0R.txt",     "2010_N0R.txt",        "2010 - - - -",   missing},
+        {"%Y*%m",           "2010 x 05",        "2010 x 05",           "2010 - - - -",   missing},
+        {"%Y%%%m",          "2010%05",          "2010%05",             "2010 5 - - -",   missing},
+        {"%",               "x",                "",                    "- - - - -",      missing},
+        {"%{name",          "x",                "x",                   "- - - - -",      missing},
+    };
+    const NameKeys keys = some_keys();
+    for (const Row& row : rows) {
+        const NameResult result = match_name(source_of(row.conv, keys), row.typed);
+        EXPECT_STREQ(result.name, row.name) << row.conv << ' ' << row.typed;
+        EXPECT_EQ(text_of(result.date), row.date) << row.conv << ' ' << row.typed;
+        EXPECT_EQ(result.late_off, row.late_off) << row.conv << ' ' << row.typed;
+        EXPECT_FALSE(result.cut);
+    }
+    NameSource source = source_of("%Y_%e.nids", keys);
+    EXPECT_STREQ(match_name(source, "2010_N0R.nids").ext, "N0R");
+    source.ext = "N0V"; // a known extension takes the place of the typed one
+    source.set = date_of(missing, missing, 5, -106);
+    const NameResult known = match_name(source, "2010_N0R.nids");
+    EXPECT_STREQ(known.name, "2010_N0V.nids");
+    EXPECT_EQ(text_of(known.date), "2010 - 5 -106 -"); // the fixed parts go before
+    source.conv = "%h";
+    EXPECT_EQ(match_name(source, "12").late_off, 106 * 3600);
+    const std::string wide(200, '7');
+    EXPECT_TRUE(match_name(source_of("%D/*", keys), wide.c_str()).cut);
+}
+
+TEST(Template, NamesOfDates) {
+    struct Row {
+        const char* conv;
+        int set_day, set_hour, set_min; // fixed by the user, or a step
+        const char *name, *date;
+        int late_off;
+    };
+    constexpr int none = missing;
+    const Row rows[] = {
+        {"%D/%Y%m%d%h.rad",             none, none, none, "/dat/2010051314.rad", "2010 5 13 14 -", 3600   },
+        {"%D/%y%b%j %3h",               none, none, none, "/dat/10may133_12",    "2010 5 13 12 -", 10800  },
+        {"%h%n",                        none, none, none, "1437",                "- - - 14 37",    60     },
+        {"%h%5n",                       none, none, none, "1435",                "- - - 14 35",    300    },
+        {"%0h",                         none, none, none, "14",                  "- - - 14 -",     3600   },
+        {"%5y%10Y",                     none, none, none, "102010",              "2010 - - - -",   missing},
+        {"%3h",                         none, 11,   none, "09",                  "- - - 9 -",      10800  },
+        {"%h",                          none, -106, none, "13",                  "- - - 13 -",     21600  },
+        {"%h",                          none, -6,   none, "12",                  "- - - 12 -",     21600  },
+        {"%h",                          none, -100, none, "15",                  "- - - 15 -",     3600   }, // multiples of 0 are of 1
+        {"%h%n",                        none, none, -15,  "1430",                "- - - 14 30",    900    },
+        {"%d%h",                        -5,   none, none, "1014",                "- - 10 14 -",    3600   },
+        {"%j%d",                        20,   none, none, "14020",               "- 5 20 - -",     86400  },
+        {"%s%2s%q%e",                   none, none, none, "KTLXKT0N0R",          "- - - - -",      missing},
+        {"{a}%%%{data_path}%{none}%{x", none, none, none, "a%/dat",              "- - - - -",      missing},
+        {"%C%S",                        none, none, none, "..",                  "- - - - -",      missing},
+    };
+    const NameKeys keys = some_keys();
+    const Date date = date_of(2010, 5, 13, 14, 37);
+    for (const Row& row : rows) {
+        NameSource source = source_of(row.conv, keys);
+        source.ext = "N0R";
+        source.set = date_of(missing, missing, row.set_day, row.set_hour, row.set_min);
+        const NameResult result = build_name(source, date, Date{});
+        EXPECT_STREQ(result.name, row.name) << row.conv;
+        EXPECT_EQ(text_of(result.date), row.date) << row.conv;
+        EXPECT_EQ(result.late_off, row.late_off) << row.conv;
+    }
+    NameSource source = source_of("%D/%Y%y%m%b%d%j%h%n", keys);
+    source.path = "/given";
+    EXPECT_STREQ(build_name(source, Date{}, Date{}).name, "/given/00000000xxx000000000");
+    EXPECT_EQ(text_of(build_name(source, Date{}, date).date), "- - - - -");
+    EXPECT_EQ(path_of_name("%D/%Y/%m", "/a/b/2010/05"), "/a/b");
+    EXPECT_EQ(path_of_name("%D/%Y/%m", "/05"), "");
+    EXPECT_EQ(path_of_name("%D", "/a/b"), "");
+    const std::string wide(200, 'x');
+    EXPECT_TRUE(build_name(source_of(wide.c_str(), keys), date, date).cut);
+}
+
+TEST(Template, ListsQuoteAllButGlobs) {
+    struct Row {
+        const char *conv, *pattern;
+    };
+    const Row rows[] = {
+        {"%D/%Y%y%m%d%h%n.rad", "'/dat''/'?[0-9]??[0-9]?[0-9]?[0-9]?[0-9]?[0-9]?'.rad'"},
+        {"{a}%b%j*",            "'a'?[a-z]??[0-9]?*"                                   },
+        {"$(x) `y`;'z'",        "'$(x) `y`;'\\''z'\\'''"                               },
+        {"%s%q%2q%e%%",         "'KTLX'*??*'%'"                                        },
+        {"%{x y}",              "*'x y'"                                               },
+        {"~user/x",             "~user'/x'"                                            },
+        {"~;x",                 "~';x'"                                                },
+        {"",                    ""                                                     },
+    };
+    const NameKeys keys = some_keys();
+    for (const Row& row : rows) {
+        EXPECT_EQ(list_pattern(source_of(row.conv, keys)), row.pattern) << row.conv;
+    }
+}
+
+// A directory of its own as the current one.
+class Files : public testing::Test {
+protected:
+    fs::path home = fs::temp_directory_path() / ("zyr_files_" + std::to_string(getpid()));
+
+    void SetUp() override {
+        fs::create_directories(home);
+        fs::current_path(home);
+        MESS_set(0, 0);
+        unsetenv("zyrcurtime");
+        RES_put("name_conv", "name_conv");
+        RES_put("data_path", ".");
+        set_resources(nullptr, nullptr);
+        free_set();
+        FILE_set_type(0);
+        FLAG_set(flag_batch, 0);
+        FLAG_set(flag_file_param, missing);
+    }
+    void TearDown() override {
+        fs::current_path("/");
+        fs::remove_all(home);
+    }
+
+    static void put(const std::string& name, std::size_t bytes = 10) {
+        std::ofstream(name) << std::string(bytes, 'x');
+    }
+    static void free_set() {
+        const Date none = {.sec = 0};
+        FILE_set_time(&none);
+    }
+    static std::string set_file(const char* typed) {
+        char name[file_name_size];
+        EXPECT_EQ(FILE_set_file(typed, name), 0);
+        return name;
+    }
+    static std::string set_date(const Date& date) {
+        char name[file_name_size];
+        FILE_set_date(&date, name);
+        return name;
+    }
+    static std::string current_date() {
+        Date date;
+        FILE_get_date(&date);
+        return text_of(date);
+    }
+    static void set_resources(const char* filename, const char* num_hour) {
+        RES_new(missing, "filename", filename, CV_strings);
+        RES_put("num_hour", num_hour);
+    }
+    // All names of a run from a date.
+    static std::string run_of(const Date& date) {
+        std::string all;
+        char name[file_name_size];
+        FILE_first(&date);
+        for (int i = 0; i < 99 && FILE_get_next(name) == 1; ++i) {
+            all += (all.empty() ? "" : " ") + std::string(name);
+        }
+        return all;
+    }
+};
+
+TEST_F(Files, ConventionFile) {
+    std::ofstream("conv") << "# nids comment\n\nnids_19 one%e - 1000\nnids two%e h%Y\n"
+                             "radarkindwithaverylongname three\nshort\n"
+                          << "wide " << std::string(200, 'w') << "\n";
+    RES_put("name_conv", "conv");
+    const Date date = date_of(2010, 5, 1, 12, 0);
+    struct Row {
+        const char* kind;
+        int result;
+        const char *name, *header;
+    };
+    const Row rows[] = {
+        {"nids_19",              1, "one",        ""     }, // the first line that fits
+        {"NIDS_20",              1, "two20",      "h2010"}, // a partial match gives %e
+        {"nids",                 1, "two",        "h2010"},
+        {"radarkindwithaverylo", 1, "three",      ""     }, // cut to 19 characters
+        {"short",                1, "filename",   ""     },
+        {"other%Y",              0, "other2010",  ""     }, // its own template
+        {"rest:a=b c:q:x=y%x%a", 0, "rest",       ""     },
+        {"%x%a:q",               0, "y%x%ab_c:q", ""     }, // keys stay; a ":" that fits no key too
+        {"@%h.x",                1, "12.x",       ""     },
+        {"None",                 0, "filename",   ""     },
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(FILE_set_name(row.kind), row.result) << row.kind;
+        EXPECT_EQ(set_date(date), row.name) << row.kind;
+        char header[file_name_size];
+        FILE_set_header_date(&date, header);
+        EXPECT_STREQ(header, row.header) << row.kind;
+    }
+    EXPECT_EQ(FILE_set_name(std::string(300, 'k').c_str()), 0);
+    EXPECT_EQ(FILE_set_name("wide"), 1);
+    EXPECT_LT(set_date(date).size(), file_name_size);
+    RES_put("name_conv", "absent");
+    EXPECT_EQ(FILE_set_name("nids"), 0);
+    EXPECT_EQ(set_date(date), "nids");
+    char key[30];
+    FILE_set_key('z', std::string(40, 'k').c_str());
+    EXPECT_EQ(std::string(FILE_get_key('z', key)), std::string(29, 'k'));
+}
+
+TEST_F(Files, SavedConvention) {
+    std::ofstream("name_conv") << "a_ %Y_%e - 5\nb %h\n";
+    FILE_set_name("a_x");
+    const Date date = date_of(2010, 5, 1, 12, 0);
+    EXPECT_EQ(set_date(date), "2010_x");
+    FILE_save_name_conv();
+    FILE_set_name("b");
+    EXPECT_EQ(set_date(date), "12");
+    EXPECT_EQ(FILE_get_late_off(), 3600);
+    FILE_restore_name_conv();
+    EXPECT_STREQ(FILE_get_filename(nullptr), "2010_x");
+    EXPECT_EQ(FILE_get_late_off(), missing);
+    EXPECT_EQ(set_date(date), "2010_x"); // %e is back too
+}
+
+TEST_F(Files, PathsAndStreams) {
+    char out[file_name_size];
+    EXPECT_STREQ(FILE_add_path("p", "f", out), "p/f");
+    EXPECT_STREQ(FILE_add_path("p/", "f", out), "p/f");
+    EXPECT_STREQ(FILE_add_path(nullptr, "f", out), "f");
+    for (const char* alone : {"-", "~/f", "./f", "/f", "STD", "stdn", ""}) {
+        EXPECT_STREQ(FILE_add_path("p", alone, out), alone);
+    }
+    EXPECT_LT(std::string(FILE_add_path(std::string(200, 'p').c_str(), "f", out)).size(), 160U);
+    const char* user = std::getenv("USER");
+    EXPECT_STREQ(FILE_add_user_path("~no_such_user_/f", out), "~no_such_user_/f");
+    EXPECT_NE(*FILE_add_user_path("~/f", out), '~') << (user == nullptr ? "" : user);
+    EXPECT_EQ(FILE_exist(""), 1);
+    EXPECT_EQ(FILE_exist("absent"), 0);
+    EXPECT_EQ(FILE_size("absent"), -1);
+    EXPECT_EQ(FILE_open("absent", "r"), nullptr);
+    EXPECT_EQ(FILE_open("-", "r"), stdin);
+    EXPECT_EQ(FILE_open("std", "a"), stdout);
+    {
+        const FILE_ptr file(FILE_open("new/deep/f", "w"));
+        ASSERT_NE(file, nullptr);
+        std::fputs("text", file.get());
+    }
+    EXPECT_EQ(FILE_size("new/deep/f"), 4);
+    EXPECT_EQ(FILE_is_dir("new/deep"), 1);
+    EXPECT_EQ(FILE_make_dir("new/other", 1), 1);
+    EXPECT_EQ(FILE_make_dir("x\\y//z/f", 1), 0);
+    EXPECT_EQ(FILE_is_dir("x/y/z"), 1);
+    EXPECT_EQ(FILE_delete("new/deep/f"), 0);
+    {
+        const FILE_ptr pipe(FILE_open("|cat > made/never 2>/dev/null; echo done > piped", "w"));
+        ASSERT_NE(pipe, nullptr);
+    }
+    EXPECT_EQ(FILE_exist("made"), 0); // no directory for a pipe
+    EXPECT_EQ(FILE_size("piped"), 5); // closing waits for the command
+}
+
+TEST_F(Files, Overwrite) {
+    put("old");
+    EXPECT_EQ(FILE_overwrite("-", 1), 1);
+    EXPECT_EQ(FILE_overwrite("new", 1), 1);
+    EXPECT_EQ(FILE_overwrite("old", 0), 0);
+    struct Row {
+        const char* answer;
+        int mode, result;
+    };
+    for (const Row& row : {
+             Row{"Y",    1, 1},
+             {"over", 2, 1},
+             {"app",  2, 2},
+             {"app",  1, 3},
+             {"use",  2, 3},
+             {"no",   1, 3}
+    }) {
+        std::ofstream("answer") << row.answer << '\n';
+        ASSERT_NE(std::freopen("answer", "r", stdin), nullptr);
+        EXPECT_EQ(FILE_overwrite("old", row.mode), row.result) << row.answer;
+    }
+    FLAG_set(flag_batch, 1);
+    EXPECT_EQ(FILE_overwrite("old", 1), 3);
+    FLAG_set(flag_file_param, 2);
+    EXPECT_EQ(FILE_overwrite("old", 1), 2);
+}
+
+TEST_F(Files, RelativeRequests) {
+    put("2010050103.rad");
+    put("2010050100.rad");
+    put("2010050105.rad", 0); // empty files do not count
+    setenv("zyrcurtime", "#201005011210", 1);
+    struct Row {
+        const char *request, *name;
+    };
+    const Row rows[] = {
+        {nullptr,           "2010050103.rad"},
+        {"la",              "2010050103.rad"},
+        {"l",               "2010050103.rad"},
+        {"la#5",            "2010050108.rad"}, // the last one tried
+        {"la#0",            "2010050112.rad"},
+        {"",                "2010050112.rad"},
+        {"-3",              "2010050109.rad"},
+        {"3",               "2010050109.rad"},
+        {"+3",              "2010050115.rad"},
+        {"-1d3:30",         "2010043008.rad"},
+        {"-0:30",           "2010050111.rad"},
+        {"la-2",            "2010050101.rad"},
+        {"la+1",            "2010050104.rad"},
+        {"-10la",           "2010050100.rad"},
+        {"+3la",            "2010050103.rad"},
+        {"#201004302310-1", "2010043022.rad"},
+        {"#2010043020+la",  "2010050100.rad"}, // forward
+        {"#20100501",       "2010050100.rad"},
+        {"#junk",           "2010050112.rad"},
+        {"-99999999999d",   nullptr         }, // only must not fail
+    };
+    for (const Row& row : rows) {
+        FILE_set_name("@%Y%m%d%h.rad");
+        char name[file_name_size];
+        FILE_set_current(row.request, name);
+        if (row.name != nullptr &&
+            std::string(row.request == nullptr ? "" : row.request) != "#junk") {
+            EXPECT_STREQ(name, row.name) << (row.request == nullptr ? "null" : row.request);
+        }
+    }
+    char name[file_name_size];
+    FILE_set_name("@%Y%m%d%h.rad");
+    EXPECT_EQ(FILE_set_current("", name), 1272715200); // 12:00, down from 12:10
+    FILE_set_min_size(5);
+    FILE_set_name("@fixed.rad"); // no time field: every try is the same
+    EXPECT_EQ(FILE_set_current("la#3", name), 1272715800 - 2 * 100000);
+    EXPECT_STREQ(name, "fixed.rad");
+    EXPECT_EQ(FILE_get_offset(), 100000);
+}
+
+TEST_F(Files, ClockValuesNameTheLastSuchTime) {
+    setenv("zyrcurtime", "201005010640", 1);
+    struct Row {
+        int month, day, hour, min;
+        const char* name;
+        long seconds;
+    };
+    constexpr int none = missing;
+    const Row rows[] = {
+        {none, none, 12,   none, "201004301240", 1272631200                     },
+        {none, none, 6,    none, "201005010640", 1272696000                     },
+        {none, none, none, 50,   "201005010550", 1272693000                     },
+        {none, 20,   none, none, "201004200640", 1271745600                     },
+        {7,    none, none, none, "200907010640", 1246430400                     },
+        {4,    1,    4,    5,    "201004010405", 1270094700                     },
+        {none, none, -6,   none, "201005010640", 1272695999 - 1272695999 % 21600},
+    };
+    for (const Row& row : rows) {
+        const Date set = date_of(missing, row.month, row.day, row.hour, row.min);
+        FILE_set_time(&set);
+        FILE_set_name("@%Y%m%d%h%n");
+        char name[file_name_size];
+        const long seconds = FILE_set_current("", name);
+        EXPECT_STREQ(name, row.name);
+        EXPECT_EQ(seconds / 3600, row.seconds / 3600) << row.name;
+    }
+}
+
+TEST_F(Files, TypedNamesWithTheShippedConventions) {
+    RES_put("name_conv", ZYR_SOURCE_DIR "/etc/name_conv");
+    fs::create_directories("data/level-3");
+    for (const char* name : {"data/level-3/KDDC-gsm.nids", "KTLX_N0R_201005010004", "latest.nids",
+                             "20210729-123848-001-S", "201005011200.nids", "2010050112.rad"}) {
+        put(name);
+    }
+    const std::string full = (home / "data/level-3/KDDC-gsm.nids").string();
+    struct Row {
+        const char* kind;
+        int type;
+        const char *typed, *name, *date, *extra;
+    };
+    const Row rows[] = {
+        {"nids",     1, "data/level-3/KDDC-gsm.nids", "data/level-3/KDDC-gsm.nids", "- - - - -",     ""  },
+        {"nids",     1, "./KTLX_N0R_201005010004",    "./KTLX_N0R_201005010004",    "- - - - -",     ""  },
+        {"nids",     1, "KTLX_N0R_201005010004",      "KTLX_N0R_201005010004",      "- - - - -",     ""  },
+        {"nids",     1, full.c_str(),                 full.c_str(),                 "- - - - -",     ""  },
+        {"nids",     1, "latest.nids",                "latest.nids",                "- - - - -",     ""  }, // a file, no request
+        {"lev2",     1, "20210729-123848-001-S",      "20210729-123848-001-S",      "- - - - -",     ""  },
+        {"nids",     1, "201005011200.nids",          "201005011200.nids",          "2010 5 1 12 0", ""  },
+        {"nids",     1, "201005011200",               "./201005011200.nids",        "2010 5 1 12 0", ""  },
+        {"nids_n0r", 1, "201005011200:2",             "./201005011200_n0r.nids",    "2010 5 1 12 0", ":2"},
+        {"nids",     1, "absent-1",                   "./absent",                   "- - - - -",     "-1"},
+        {"rad_dat",  0, "2010050112",                 "./2010050112.rad",           "2010 5 1 12 -", ""  },
+        {"rad_dat",  0, "KTLX_N0R_201005010004",      "./KTLX_N0R_201005010004",    "- - - - -",     ""  },
+        {"nowrad",   0, "20210729-123848-001-S",      "./20210729-123848-001-S",    "- - - - -",     ""  },
+        {"rad_dat",  0, "absent",                     "./absent",                   "- - - - -",     ""  },
+        {"rad_dat",  0, "@any/name",                  "any/name",                   "- - - - -",     ""  },
+        {"rad_dat",  0, "std",                        "-",                          "- - - - -",     ""  },
+    };
+    for (const Row& row : rows) {
+        free_set();
+        FILE_set_type(row.type);
+        EXPECT_EQ(FILE_set_name(row.kind), 1) << row.kind;
+        const std::string name = set_file(row.typed);
+        EXPECT_EQ(name, row.name);
+        EXPECT_EQ(current_date(), row.date) << row.typed;
+        if (row.type == 1) {
+            EXPECT_STREQ(FILE_get_ext_info(), row.extra) << row.typed;
+        }
+        // The plotters build the name anew from the date and must come back to it.
+        if (FILE_exist(row.name) == 1 && *row.typed != '@') {
+            FILE_set_filename(name.c_str());
+            char again[file_name_size];
+            FILE_set_date(nullptr, again);
+            EXPECT_TRUE(name == "-" || fs::equivalent(again, name)) << again << ' ' << name;
+        }
+    }
+    free_set();
+    FILE_set_type(0);
+    FILE_set_name("rad_dat");
+    EXPECT_EQ(set_file("x#2010050112"), "./x"); // a date behind "#" is fixed for the run
+    EXPECT_EQ(set_date(date_of(1999, 1, 1, 0)), "./2010050112.rad");
+}
+
+TEST_F(Files, SequencesOfFrames) {
+    struct Row {
+        const char *filename, *num_hour, *names;
+        int num_file;
+    };
+    const Row rows[] = {
+        {"2010050112",       "-3",       "d/2010050109 d/2010050110 d/2010050111 d/2010050112", -10800},
+        {"2010050112",       "3",        "d/2010050112 d/2010050113 d/2010050114 d/2010050115", 10800 },
+        {"2010050112",       "4,2",      "d/2010050112 d/2010050114 d/2010050116",              14400 },
+        {"2010050112",       "1,0",      "d/2010050112 d/2010050113",                           3600  },
+        {"2010050112",       "-:30",     "d/2010050111 d/2010050112",                           -1800 },
+        {"2010050112",       "1:30,:30", "d/2010050112 d/2010050113",                           5400  },
+        {"a\n2010050113\nc", "0",        "./a ./2010050113 ./c",                                2     },
+        {"2010050112",       "0",        "./2010050112",                                        0     },
+        {"lax",              "0",        "d/2010050112",                                        0     }, // settled before
+    };
+    for (const Row& row : rows) {
+        set_resources(row.filename, row.num_hour);
+        FILE_set_name("@%D/%Y%m%d%h");
+        FILE_set_filename((home / "d/2010050112").c_str());
+        const Date date = date_of(2010, 5, 1, 12);
+        set_date(date);
+        std::string names = run_of(date);
+        for (std::size_t at = 0; (at = names.find(home.string() + '/')) != std::string::npos;) {
+            names.erase(at, home.string().size() + 1); // a given directory is kept
+        }
+        EXPECT_EQ(names, row.names) << row.num_hour;
+        EXPECT_EQ(FILE_get_num_file(), row.num_file) << row.num_hour;
+    }
+    set_resources("2010050112", "-3");
+    FILE_set_name("@%Y%m%d%h");
+    const Date date = date_of(2010, 5, 1, 12);
+    set_date(date);
+    FILE_first(&date);
+    EXPECT_EQ(FILE_get_nsecs(), -10800);
+    char name[file_name_size];
+    EXPECT_EQ(FILE_next_file(name), 1);
+    EXPECT_STREQ(name, "2010050110");
+    FILE_prev_file(name);
+    EXPECT_STREQ(name, "2010050109");
+    FILE_set_nsecs(0);
+    EXPECT_EQ(FILE_get_next(name), 1);
+    EXPECT_STREQ(name, "2010050112");
+    EXPECT_EQ(FILE_get_next(name), 0);
+    EXPECT_EQ(FILE_set_date_off(&date, -7200, name), -2);
+    EXPECT_STREQ(name, "2010050110");
+    set_resources("2010050112", "99999999999,99999999999"); // no overflow
+    run_of(date);
+}
+
+// FILE_get_file ends the process in most ways, so each runs in a child.
+[[noreturn]] void get_file(const char* filename, const char* current, const char* input) {
+    MESS_set(0, mess_print | mess_error | mess_warn);
+    setenv("zyrcurtime", "201005011210", 1);
+    std::ofstream("input") << input;
+    if (std::freopen("input", "r", stdin) == nullptr || dup2(2, 1) < 0) {
+        std::abort();
+    }
+    if (filename != nullptr) {
+        RES_new(missing, "filename", filename, CV_strings);
+    }
+    if (current != nullptr) {
+        RES_put("current", current);
+    }
+    FILE_set_name("@%Y%m%d%h.rad");
+    char name[file_name_size];
+    const int result = FILE_get_file("Name: ", name);
+    std::fprintf(stderr, "result %d:%s:%s", result, name, FILE_get_filename(nullptr));
+    std::exit(77);
+}
+
+TEST_F(Files, TheFirstFile) {
+    put("2010050103.rad");
+    put("odd name");
+    struct Row {
+        const char *filename, *current, *input;
+        int code;
+        const char* output;
+    };
+    const Row rows[] = {
+        {"2010050103\nmore", nullptr, "",                         77, "result 1:2010050103.rad:2010050103.rad"    },
+        {"absent",           nullptr, "",                         77, "result 0:absent:absent"                    },
+        {"la",               nullptr, "",                         77, "result 1:2010050103.rad:"                  },
+        {"list",             nullptr, "",                         0,  "2010050103.rad"                            },
+        {nullptr,            "-9",    "",                         77, "result 1:2010050103.rad:"                  },
+        {nullptr,            "",      "",                         10, "File not found: 2010050112.rad"            },
+        {nullptr,            nullptr, "nix\nlist\n2010050103\n",  77,
+         "List of available files.*File not found: nix.*Name: .*2010050103.rad.*result "
+         "1:2010050103"                                                                                           },
+        {nullptr,            nullptr, "la#3\ncu-9\n",             77, "not found: 2010050110.*result 1:2010050103"},
+        {nullptr,            nullptr, "a\nb\nc\nd\n2010050103\n", 10, "File not found: d"                         },
+        {nullptr,            nullptr, "exit\n",                   0,  "Name: "                                    },
+        {nullptr,            nullptr, "",                         0,  "Name: "                                    }, // the input ends
+    };
+    for (const Row& row : rows) {
+        EXPECT_EXIT(get_file(row.filename, row.current, row.input),
+                    testing::ExitedWithCode(row.code), row.output);
+    }
+    FLAG_set(flag_batch, 1); // the latest file, without a question
+    EXPECT_EXIT(get_file(nullptr, nullptr, ""), testing::ExitedWithCode(77), "result 1:2010050103");
+}
+
+TEST_F(Files, ListIsNoCommand) {
+    put("a'b;2010.rad");
+    RES_put("data_path", "a'b;touch harm;'");
+    FILE_set_name("@a'b;%Y.rad");
+    testing::internal::CaptureStdout();
+    FILE_list_file();
+    EXPECT_NE(testing::internal::GetCapturedStdout().find("2010.rad"), std::string::npos);
+    FILE_set_name("@%D/`touch harm`$(touch harm)%Y");
+    testing::internal::CaptureStderr();
+    FILE_list_file();
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(FILE_exist("harm"), 0);
+}
+
+} // namespace
