@@ -509,6 +509,9 @@ int decode_fields(const Fields& fields, Domain* domain) {
         return dom_by_value;
     }
     for (const Shape& shape : shapes) {
+        if (shape.kinds[0] == dom_station && fields.count() == 1 && begins(fields[0], "id:")) {
+            continue; // the shape before this one has looked for it
+        }
         if (try_shape(shape, fields, domain)) {
             return shape.kinds[0] == dom_region ? dom_by_region : dom_by_value;
         }
