@@ -14,6 +14,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+
 namespace {
 
 bool open_session() {
