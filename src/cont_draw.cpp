@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cfloat>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -480,10 +481,11 @@ void draw_cell_bands(int first, int last, int step0) {
             fill_cell();
             return;
         }
-        fill_band(band.lo, band.top);
         if (cell.zmax <= band.top) {
+            fill_band(band.lo, FLT_MAX); // what lies on the top is in the band, too
             return;
         }
+        fill_band(band.lo, band.top);
     }
 }
 

@@ -1,0 +1,674 @@
+// Levels and colours of values, contours of small known fields, and the bar.
+#include "cont.h"
+#include "cont_state.h"
+
+#include "figure_page.h"
+#include "maptran.h"
+#include "plt_tool.h"
+#include "run_program.h"
+#include "zyrgrid.h"
+#include "zyrresrc.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <functional>
+#include <gtest/gtest.h>
+#include <map>
+#include <random>
+
+namespace {
+
+const std::string etc = std::string(ZYR_SOURCE_DIR) + "/etc";
+
+// The state of a program that has just started, with the colour table read.
+void start() {
+    MESS_set(0, mess_error);
+    FLAG_reset(missing);
+    for (const char* name : {"color_fill", "plot_param"}) {
+        RES_put(name, "");
+    }
+    RES_put("file_path", etc.c_str());
+    CLR_read_table(nullptr);
+    cont::state() = cont::State();
+}
+
+std::string color_name(int ind) {
+    return ind < 0 ? "none" : CLR_get_name(ind);
+}
+
+// All steps as "level:colour[label]", "-" for no level.
+std::string steps() {
+    const cont::State& s = cont::state();
+    std::string all;
+    for (int i = 0; i < s.color_num; i++) {
+        char level[40] = "-";
+        if (is_set(s.cont_value[0])) {
+            std::snprintf(level, sizeof level, "%g", static_cast<double>(s.cont_value[i]));
+        }
+        const std::string label = s.cont_label[i];
+        all += (i > 0 ? " " : "") + std::string(level) + ":" + color_name(s.fill_attrib[i].color) +
+               (label.empty() ? "" : "[" + label + "]");
+    }
+    return all;
+}
+
+std::string color_of(float value) {
+    Gattribs attrib;
+    CONT_get_fill_attrib(value, &attrib);
+    return color_name(attrib.color);
+}
+
+// Colours with regular levels, as a plotter sets them.
+void set_regular(const char* list, float base, float intrvl, float max, float min) {
+    CONT_set_fill_colors(list, 1);
+    CONT_set_type(cont_fill);
+    CONT_set_base(base);
+    CONT_set_intrvl(intrvl);
+    CONT_set_range(max, min);
+}
+
+// A text that goes in and what has to come out.
+using Rows = std::vector<std::pair<const char*, std::string>>;
+
+TEST(Cont, ListsOfLevelsAndColors) {
+    const Rows rows = {
+        {"10:Red,Green-Blue,40:Yellow",
+         "10:red[10] 15:green 20:lcyan 25:cyan 30:lblue 35:blue 40:yellow[40]"                             },
+        {"blue-cyan,green",                              "-:blue -:lblue -:cyan -:green"                   },
+        {"-5:off, 0:red:la=rain:wi=2,1e1:nosuch",        "-5:none[-5] 0:red[rain] 10:none[1e1]"            },
+        {".1:red,2:blue,3",                              "0.1:red[.1] 2:blue[2] 3:lcyan"                   },
+        {"0:red,1234567.8901:blue:la=a very long label", "0:red[0] 1.23457e+06:blue[a very lo]"            },
+        {"0:red,1234567.8901:blue",                      "0:red[0] 1.23457e+06:blue[1234567.8]"            },
+        {"red,end,blue",                                 "-:red"                                           },
+        {"0:red,nan:blue,9e99:cyan",                     "0:red[0] 1.70141e+38:none 3.40282e+38:cyan[9e99]"},
+        {",,x-y",                                        "-:none -:none -:none"                            },
+    };
+    for (const auto& [list, want] : rows) {
+        start();
+        EXPECT_EQ(CONT_set_fill_colors(list, 1), 0);
+        EXPECT_EQ(steps(), want) << list;
+    }
+    // 256 steps are the most, from a long list as from a wide range.
+    std::string many;
+    for (int i = 0; i < 300; i++) {
+        many += "red,";
+    }
+    for (const std::string& list : {many, std::string("0-99999,red")}) {
+        start();
+        CONT_set_fill_colors(list.c_str(), 1);
+        EXPECT_EQ(cont::state().color_num, 256);
+        EXPECT_EQ(cont::state().fill_attrib[256].color, -2);
+    }
+    start();
+    EXPECT_EQ(CONT_set_fill_colors(nullptr, 1), 0);
+    EXPECT_EQ(steps().substr(0, 21), "-:magenta -:lmagenta ");
+    EXPECT_EQ(cont::state().num_cont, 15);
+}
+
+TEST(Cont, ColorOfAValue) {
+    const struct {
+        const char* list;
+        std::vector<float> values;
+        const char* colors;
+    } rows[] = {
+        {"0:red,5:green,5:blue,10:yellow,20:off",
+         {-0.01F, 0, 4.99F, 5, 19.99F, 20},
+         "none red red blue yellow none "                                                               },
+        {"0:red,5:green,10:yellow",               {1e30F, missing_f, std::nanf("")}, "yellow none none "},
+        {"0:red,10:green,5:blue",                 {7, 12},                           "red blue "        },
+        {"red,green,blue,cyan,yellow",
+         {0, 17, 9.9F, 9.96F, 25, -0.1F, 3e38F},
+         "red cyan green blue red yellow red "                                                          },
+    };
+    for (const auto& row : rows) {
+        start();
+        CONT_set_fill_colors(row.list, 1);
+        CONT_set_base(0);
+        if (!is_set(cont::state().cont_value[0])) {
+            CONT_set_intrvl(5);
+        }
+        std::string colors;
+        for (const float value : row.values) {
+            colors += color_of(value) + " ";
+        }
+        EXPECT_EQ(colors, row.colors) << row.list;
+    }
+    CONT_set_cutoff(10, missing_f);
+    CONT_set_cutoff(missing_f, 1);
+    EXPECT_EQ(color_of(0.9F) + color_of(1.0F) + color_of(10.0F) + color_of(10.1F),
+              "noneredbluenone");
+
+    // A step without a pattern is solid, also behind a hatched one.
+    start();
+    CONT_set_fill_colors("0:red:fi=hat:wi=3,10:blue", 1);
+    Gattribs attrib;
+    CONT_get_fill_attrib(5, &attrib);
+    EXPECT_EQ(attrib.fill_pat, 9);
+    EXPECT_EQ(attrib.width, 3.0F);
+    CONT_get_fill_attrib(15, &attrib);
+    EXPECT_EQ(attrib.fill_pat, 0);
+}
+
+// Products bring their own levels; the first setting of a frame wins, and the
+// next frame finds nothing of it.
+TEST(Cont, FramesAndThresholds) {
+    start();
+    const float levels[] = {1, 2, 4, missing_f, 9};
+    EXPECT_EQ(color_of(1), "none");
+    EXPECT_EQ(CONT_set_values(levels, 5), 0);
+    EXPECT_EQ(CONT_set_fill_colors("off,red,blue", 0), 0);
+    EXPECT_EQ(steps(), "1:none 2:red 4:blue");
+    EXPECT_EQ(CONT_set_values(levels, 2), -1);
+    EXPECT_EQ(CONT_set_fill_colors("5:red,6:blue", 0), -1);
+    float copy[256];
+    EXPECT_EQ(CONT_get_values(copy), 3);
+    EXPECT_EQ(copy[2], 4.0F);
+
+    for (const float base : {-0.5F, 0.0F}) {
+        CONT_reset_fill_set();
+        set_regular("red,green", base, 1, 2, 0);
+        EXPECT_EQ(CONT_get_values(nullptr), 0);
+        EXPECT_EQ(color_of(0.6F), base < 0 ? "green" : "red");
+    }
+
+    // More than 256 values, and the user's own list and interval.
+    start();
+    CONT_set_values(std::vector<float>(400, 1.0F).data(), 400);
+    EXPECT_EQ(CONT_get_values(nullptr), 256);
+    start();
+    RES_put("color_fill", "DEFault");
+    CONT_set_fill_colors("7:red,8:blue", 0);
+    EXPECT_EQ(steps(), "7:red[7] 8:blue[8]");
+    start();
+    RES_put("color_fill", "yellow,cyan");
+    RES_put("con_interval", "10");
+    CONT_set_fill_colors("7:red,8:blue", 0);
+    EXPECT_EQ(color_of(5) + color_of(15), "yellowcyan");
+    RES_put("con_interval", "");
+    // A colour table of the user's marks its fill colours by END.
+    const auto table = [] {
+        RES_put("color_table", "zyr.clr");
+        start();
+        const int result = CONT_set_fill_colors(nullptr, 0);
+        return std::to_string(result) + steps().substr(0, 15) + color_of(3); // no interval
+    };
+    EXPECT_EQ(in_child(table), "-1-:blue -:lblue blue");
+}
+
+TEST(Cont, LevelFiles) {
+    const TempDir dir;
+    std::string text = "# comment\n@ comment\n\n  10:red:la=Heavy rain  \n" +
+                       std::string("20:blue:la=") + std::string(200, 'x') + "\n30:green";
+    dir.write("rain.lev", text);
+    start();
+    RES_put("file_path", dir.path().c_str());
+    EXPECT_EQ(CONT_set_fill_colors("rain.lev", 1), 0);
+    EXPECT_EQ(steps(), "10:red[Heavy rai] 20:blue[xxxxxxxxx] 30:green[30]");
+
+    std::string rows;
+    for (int i = 0; i < 400; i++) {
+        rows += std::to_string(i) + ":red\n";
+    }
+    dir.write("long.lev", rows);
+    CONT_reset_fill_set();
+    CONT_set_fill_colors("long.lev", 1);
+    EXPECT_EQ(color_of(1000), "red");
+    EXPECT_EQ(cont::state().grid_max, 255.0F);
+
+    // Without the file the steps stay, and are settled.
+    MESS_set(1, mess_warn);
+    CONT_reset_fill_set();
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(CONT_set_fill_colors("red", 1), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "CONT_set_fill_colors: Unable to read contour level file: red\n");
+    EXPECT_EQ(cont::state().color_num, 256);
+    EXPECT_EQ(CONT_set_fill_colors("1:red,2:blue", 1), -1);
+}
+
+TEST(Cont, IntervalsAndExtent) {
+    const std::array<float, 4> rows[] = {
+  // max, min, number, interval
+        {100,     0, 15, 7       },
+        {15,      0, 15, 1       },
+        {3,       0, 10, 0.3F    },
+        {0.25F,   0, 10, 0.03F   },
+        {0.025F,  0, 10, 0.003F  },
+        {5,       5, 10, 1       },
+        {0.0025F, 0, 10, 0.0003F },
+        {0.0001F, 0, 10, 0.00001F},
+        {8,       0, 0,  8       }
+    };
+    for (const auto& [max, min, num, intrvl] : rows) {
+        EXPECT_FLOAT_EQ(CONT_calc_intrvl(max, min, static_cast<int>(num)), intrvl) << max;
+    }
+    const std::array<float, 7> extents[] = {
+  // max, min, base, interval: low, high, number
+        {16,   0,   0,         4,         0,     20,   5},
+        {6,    0,   -0.5F,     1,         -0.5F, 7.5F, 8},
+        {6.2F, 0,   -0.5F,     1,         -0.5F, 6.5F, 7},
+        {0,    8,   0,         4,         0,     8,    2},
+        {-3,   -17, missing_f, 5,         -20,   0,    4},
+        {100,  0,   0,         missing_f, 0,     125,  5}
+    };
+    for (const auto& [max, min, base, intrvl, low, high, num] : extents) {
+        start();
+        set_regular("red,green,blue,cyan,yellow", base, intrvl, max, min);
+        EXPECT_EQ(CONT_set_cont_ext(nullptr), 0);
+        const cont::State& s = cont::state();
+        EXPECT_TRUE(s.conlo == low && s.conhi == high && s.num_cont == static_cast<int>(num))
+            << max << ": " << s.conlo << " " << s.conhi << " " << s.num_cont;
+    }
+    start();
+    EXPECT_EQ(CONT_set_cont_ext(nullptr), -1);
+}
+
+TEST(Cont, PlotParamWords) {
+    const auto decoded = [](const char* words) {
+        start();
+        RES_put("plot_param", words);
+        CONT_param_decode();
+        const cont::State& s = cont::state();
+        char text[120];
+        std::snprintf(text, sizeof text, "%d %d,%d,%d,%d %d %d %g,%g %d %d", s.fill_pat,
+                      s.label_skip, s.ext_radius, s.x_label_space, s.y_label_space, s.rot_label,
+                      s.max_line_fact, static_cast<double>(s.min_cut),
+                      static_cast<double>(s.max_cut), s.draw_grid, s.mapcon);
+        return std::string(text);
+    };
+    const Rows rows = {
+        {"site,gridx=5,labmin",                   "-9999 2,2,-9999,-9999 0 -2 -9999,-9999 0 0"},
+        {"FILL=hat,lab=24,rlab,maxl=7,grid",      "9 2,4,-9999,-9999 1 7 -9999,-9999 1 0"     },
+        {"fill:,lab:3:5,rlab,hlab,conmin=-2.5",   "0 3,5,-9999,-9999 0 -2 -2.5,-9999 0 0"     },
+        {"lab=3.5.7,conmax=1e9,mapcon",           "-9999 3,5,7,7 0 -2 -9999,1e+09 0 1"        },
+        {"lab=3:5:7:9,mapcon,conmap,conmin,maxl", "-9999 3,5,7,9 0 -2 -9999,-9999 0 0"        },
+    };
+    for (const auto& [words, want] : rows) {
+        EXPECT_EQ(decoded(words), want) << words;
+    }
+}
+
+// --- Grids and pages --------------------------------------------------------
+
+Domain plane_domain(int nx, int ny, int proj = proj_pstereo) {
+    Domain d;
+    d.proj = proj;
+    d.plat = proj == proj_pstereo ? 90.0F : 0.0F;
+    d.plon = d.clon = proj == proj_pstereo ? -97.0F : 0.0F;
+    d.clat = proj == proj_pstereo ? 40.0F : 0.0F;
+    d.nx = nx;
+    d.ny = ny;
+    d.dx = d.dy = 1.0F;
+    return d;
+}
+
+// A field of grid indices, y counted from the bottom.
+struct Field {
+    std::vector<float> values;
+    GRD_report grid;
+
+    Field(int nx, int ny, const std::function<float(float, float)>& f) {
+        for (int y = ny - 1; y >= 0; y--) {
+            for (int x = 0; x < nx; x++) {
+                values.push_back(f(static_cast<float>(x), static_cast<float>(y)));
+            }
+        }
+        grid.domain = plane_domain(nx, ny);
+        grid.grid = values.data();
+    }
+};
+
+// The page of a field in colours `list`, read in grid indices.
+FigurePage contoured(const Field& field, int type, const char* list, const char* words = "") {
+    start();
+    FigurePage page(field.grid.domain, ZYR_SOURCE_DIR);
+    RES_put("plot_param", words);
+    RES_put("color_cont", "red");
+    CONT_init();
+    CONT_param_decode();
+    CONT_set_fill_colors(list, 1);
+    CONT_set_type(type);
+    EXPECT_EQ(CONT_draw_contour(&field.grid), 0);
+    page.read(tran_grid);
+    return page;
+}
+
+// What is filled in each colour, in cells.
+std::map<std::string, double> areas(const FigurePage& page) {
+    std::map<std::string, double> sums;
+    for (const Figure& figure : page.areas()) {
+        sums[figure.color] += polygon_area(figure.points);
+    }
+    return sums;
+}
+
+TEST(Contour, PlaneGivesStraightLines) {
+    const Field plane(6, 4, [](float x, float) { return 10 * x; });
+    const FigurePage page = contoured(plane, cont_lines, "-9:red,5:red,20:green,41:blue,99:blue");
+    std::string all; // the x of upright lines of a cell's height
+    for (const Figure& line : page.lines("red")) {
+        const Gpt& a = line.points[0];
+        const Gpt& b = line.points[1];
+        EXPECT_NEAR(std::fabs(a.y - b.y), 1.0F, 0.01F);
+        EXPECT_NEAR(a.x, b.x, 0.01F);
+        all += std::to_string(std::lround(10 * a.x)) + " ";
+    }
+    // The line at 20 runs along grid points, as the edge of two cells.
+    EXPECT_EQ(all, "5 20 20 41 5 20 20 41 5 20 20 41 ");
+}
+
+// Levels 3 and 5 pass grid points exactly, 4.5 none. Closed rings: at each
+// point where a line ends, a second one begins.
+TEST(Contour, ConeGivesClosedRings) {
+    const Field cone(15, 15, [](float x, float y) { return std::hypot(x - 7.0F, y - 7.0F); });
+    for (const int type : {cont_lines, cont_fill_lines}) {
+        const FigurePage page =
+            contoured(cone, type, "-1:green,3:green,4.5:green,5:green,99:green");
+        std::map<std::string, int> ends;
+        double length[3] = {};
+        for (const Figure& line : page.lines("red")) {
+            const Gpt mid = {(line.points[0].x + line.points[1].x) / 2.0F,
+                             (line.points[0].y + line.points[1].y) / 2.0F};
+            const double r = std::hypot(mid.x - 7.0, mid.y - 7.0);
+            const int ring = r < 3.5 ? 0 : r < 4.7 ? 1 : 2;
+            length[ring] += std::hypot(line.points[0].x - line.points[1].x,
+                                       line.points[0].y - line.points[1].y);
+            ends[show({line.points[0]})]++;
+            ends[show({line.points[1]})]++;
+        }
+        for (const auto& [at, count] : ends) {
+            EXPECT_EQ(count, 2) << at << " type " << type;
+        }
+        EXPECT_NEAR(length[0], 2 * M_PI * 3.0, 0.3);
+        EXPECT_NEAR(length[1], 2 * M_PI * 4.5, 0.3);
+        EXPECT_NEAR(length[2], 2 * M_PI * 5.0, 0.3);
+    }
+}
+
+// Whole numbers with whole levels: corners on levels, flat cells and saddles.
+// The areas of all bands cover the grid once, each where its values are.
+TEST(Contour, BandsCoverTheGridOnce) {
+    std::mt19937 random(7);
+    const Field field(14, 11, [&](float, float) { return static_cast<float>(random() % 7); });
+    const FigurePage page =
+        contoured(field, cont_fill, "0:blue,1.5:cyan,2:green,3:brown,4.25:yellow");
+    double total = 0.0;
+    for (auto& [color, area] : areas(page)) {
+        EXPECT_GT(area, 5.0) << color;
+        total += area;
+    }
+    EXPECT_NEAR(total, 13.0 * 10.0, 0.2);
+
+    // A slope: the bands from 15 to 25 and from 30 to 40 are a column wide.
+    const Field plane(6, 4, [](float x, float) { return 10 * x; });
+    const FigurePage slope =
+        contoured(plane, cont_fill, "0:off,10:red,25:off,30:blue", "conmin=15,conmax=40");
+    EXPECT_EQ(slope.lines().size(), 0U);
+    EXPECT_NEAR(areas(slope)["red"], 3.0, 0.02);
+    EXPECT_NEAR(areas(slope)["blue"], 3.0, 0.02);
+}
+
+// High at the lower left and the upper right. Above the saddle's middle (5)
+// the high corners are cut off, below it the low ones.
+TEST(Contour, Saddles) {
+    const Field saddle(2, 2, [](float x, float y) { return x == y ? 10.0F : 0.0F; });
+    const struct {
+        const char* list;
+        const char* line1;
+        const char* line2;
+        std::size_t above; // polygons
+    } rows[] = {
+        {"-1:blue,6:green,99:green", "(0.40,0.00) (0.00,0.40)", "(0.60,1.00) (1.00,0.60)", 2},
+        {"-1:blue,4:green,99:green", "(0.60,0.00) (1.00,0.40)", "(0.40,1.00) (0.00,0.60)", 1},
+    };
+    for (const auto& row : rows) {
+        const FigurePage lines = contoured(saddle, cont_lines, row.list);
+        ASSERT_EQ(lines.lines("red").size(), 2U) << row.list;
+        EXPECT_EQ(show(lines.lines("red")[0].points), row.line1);
+        EXPECT_EQ(show(lines.lines("red")[1].points), row.line2);
+        const FigurePage fills = contoured(saddle, cont_fill, row.list);
+        EXPECT_EQ(fills.areas("green").size(), row.above) << row.list;
+        EXPECT_EQ(fills.areas("blue").size(), 3 - row.above) << row.list;
+    }
+}
+
+TEST(Contour, ValuesAndMissingPoints) {
+    const Field field(3, 2, [](float x, float y) { return x == 1 ? missing_f : 1.5F + y; });
+    const FigurePage page = contoured(field, cont_values, "0:off,2:red,9:blue");
+    ASSERT_EQ(page.texts.size(), 2U); // 1.5 is off
+    EXPECT_EQ(show({page.texts[0].pos, page.texts[1].pos}), "(0.00,1.00) (2.00,1.00)");
+    EXPECT_EQ(page.texts[0].text, "2");
+    EXPECT_TRUE(contoured(field, cont_fill, "0:red,2:red").figures.empty());
+
+    float max = 0.0F;
+    float min = 0.0F;
+    GRD_report none;
+    EXPECT_EQ(GRD_maxmin(&none, &max, &min), -1);
+    EXPECT_EQ(max, missing_f);
+    EXPECT_EQ(CONT_draw_contour(&none), 0);
+    EXPECT_EQ(GRD_maxmin(&field.grid, &max, &min), 0);
+    EXPECT_EQ(max, 2.5F);
+    EXPECT_EQ(min, 1.5F);
+    // A tiny interval over a tall cell: the cell is skipped, at once.
+    const Field cliff(2, 2, [](float x, float) { return x == 0 ? 0.0F : 1e6F; });
+    start();
+    RES_put("con_interval", "0.000001");
+    EXPECT_TRUE(contoured(cliff, cont_fill, "red,blue").figures.empty());
+    RES_put("con_interval", "");
+}
+
+// A grid on another domain: points at their places on the map, which is its
+// own map afterwards.
+TEST(Contour, GridsOnOtherDomains) {
+    const Field plane(3, 3, [](float x, float) { return x; });
+    Domain map = plane_domain(21, 21);
+    map.clon = -95.0F;
+    MAP_domain(&map);
+    float* x = nullptr;
+    float* y = nullptr;
+    float cx = 0.0F;
+    float cy = 0.0F;
+    for (int again = 0; again < 2; again++) { // the second call frees the first arrays
+        ASSERT_EQ(GRD_proj_XY(&plane.grid, &map, &x, &y), 0);
+    }
+    MAP_tran(40, -97, &cx, &cy);
+    EXPECT_NEAR(x[4], cx, 1e-3F);
+    EXPECT_NEAR(x[5] - x[4], 1.0F, 1e-3F);
+    EXPECT_NEAR(y[1] - y[4], 1.0F, 1e-3F);
+    EXPECT_EQ(MAP_get_clon(), -95.0F);
+    std::free(x);
+    std::free(y);
+}
+
+TEST(Contour, FiguresOverTheEdgeOfTheMap) {
+    const auto drawn = [](int proj, const std::vector<Gpt>& pts) {
+        start();
+        FigurePage page(plane_domain(361, 181, proj), ZYR_SOURCE_DIR);
+        page.window({-200, 200, -100, 100});
+        CONT_set_fill_colors("red,red", 1);
+        CONT_draw_lines(cont_fill_lines, static_cast<int>(pts.size()), pts.data());
+        page.read(tran_map);
+        std::string all;
+        for (const Figure& figure : page.figures) {
+            all += (figure.filled ? "A" : "L") + show(figure.points) + " ";
+        }
+        return all;
+    };
+    EXPECT_EQ(drawn(proj_latlon,
+                    {
+                        {179,  0},
+                        {-179, 0},
+                        {-179, 5}
+    }),
+              "A(179.00,0.00) (181.00,0.00) (181.00,5.00) "
+              "A(-181.00,0.00) (-179.00,0.00) (-179.00,5.00) ");
+    EXPECT_EQ(drawn(proj_latlon,
+                    {
+                        {179,  0},
+                        {-178, 5}
+    }),
+              "L(179.00,0.00) (182.00,5.00) L(-181.00,0.00) (-178.00,5.00) ");
+    EXPECT_EQ(drawn(proj_latlon,
+                    {
+                        {10, 0},
+                        {12, 5}
+    }),
+              "L(10.00,0.00) (12.00,5.00) ");
+    EXPECT_EQ(drawn(proj_mollweide,
+                    {
+                        {-126, 0},
+                        {126,  0}
+    }),
+              "L(128.85,0.00) (126.00,0.00) L(-126.00,0.00) (-128.85,0.00) ");
+    EXPECT_EQ(drawn(proj_lambert,
+                    {
+                        {-60, 0},
+                        {60,  0}
+    }),
+              "");
+    EXPECT_EQ(drawn(proj_lambert,
+                    {
+                        {-60, 0},
+                        {60,  0},
+                        {60,  5}
+    }),
+              "");
+}
+
+// --- Colour bar -------------------------------------------------------------
+
+struct BarPage {
+    std::vector<Figure> boxes;
+    std::string numbers;
+    std::vector<Gpt> frame;
+    int result = 0;
+    Glim view = {}, panel = {};
+};
+
+BarPage bar(const std::function<void()>& set_levels, const char* label = "") {
+    BarPage bar;
+    start();
+    FigurePage page(plane_domain(41, 31), ZYR_SOURCE_DIR);
+    CONT_init();
+    set_levels();
+    GPH_trans(tran_page);
+    PLT_get_view(&bar.view);
+    GPH_get_view_size(&bar.panel);
+    bar.result = CONT_draw_bar(1, label);
+    page.read(tran_page);
+    bar.boxes = page.areas();
+    for (const FigureText& text : page.texts) {
+        bar.numbers += text.text + " ";
+    }
+    if (!page.lines("black").empty()) {
+        bar.frame = page.lines("black").back().points;
+    }
+    return bar;
+}
+
+TEST(Bar, RegularLevels) {
+    const BarPage five = bar([] { set_regular("lblue,lcyan,off,yellow,lred", 0, 4, 16, 0); });
+    ASSERT_EQ(five.result, 0);
+    EXPECT_EQ(five.numbers, "0 4.0 8.0 12 16 20 ");
+    ASSERT_EQ(five.boxes.size(), 4U);
+    EXPECT_EQ(five.boxes[0].color, "lblue");
+    EXPECT_EQ(five.boxes[3].color, "lred");
+    // The left half of the view less 3 percent; the upper half of the room.
+    const float width = five.view.x_max - five.view.x_min;
+    const float left = five.view.x_min + 0.03F * width;
+    const float right = five.view.x_min + 0.5F * width;
+    const float inc = (right - left) / 5.0F;
+    const float room = std::min(five.view.y_min - five.panel.y_min, 0.035F);
+    const float top = five.view.y_min - 0.15F * room;
+    const float bottom = five.view.y_min - room;
+    const float mid = (top + bottom) / 2.0F;
+    // In thousandths of the page, to see them with two decimals.
+    const auto scaled = [](std::vector<Gpt> points) {
+        for (Gpt& pt : points) {
+            pt = {std::round(pt.x * 5000.0F) / 5.0F, std::round(pt.y * 5000.0F) / 5.0F};
+        }
+        return show(points);
+    };
+    const float x1 = left + inc;
+    const float x2 = left + 2.0F * inc;
+    EXPECT_EQ(scaled(five.boxes[1].points),
+              scaled({
+                  {x1, mid},
+                  {x2, mid},
+                  {x2, top},
+                  {x1, top},
+                  {x1, mid}
+    }));
+    EXPECT_EQ(scaled(five.frame),
+              scaled({
+                  {left,  top},
+                  {right, top},
+                  {right, mid},
+                  {left,  mid},
+                  {left,  top}
+    }));
+    EXPECT_EQ(CONT_get_bar_value(left + 2.5F * inc, mid), 8.0F);
+    EXPECT_EQ(CONT_get_bar_value(left - 0.01F, mid), missing_f);
+    EXPECT_EQ(CONT_get_bar_value(left, top + 0.001F), missing_f);
+}
+
+TEST(Bar, ExplicitLevelsAndLabels) {
+    const BarPage page = bar(
+        [] {
+            CONT_set_fill_colors("-50:off,5:blue:la=weak,7.5:red", 1);
+            CONT_set_type(cont_fill);
+        },
+        "dBZ");
+    EXPECT_EQ(page.numbers, "-50 weak 7.5 dBZ ");
+    EXPECT_EQ(page.boxes.size(), 2U);
+    EXPECT_EQ(CONT_get_bar_value((page.view.x_min + page.view.x_max) / 2.0F - 0.001F,
+                                 page.view.y_min - 0.02F),
+              7.5F);
+}
+
+TEST(Bar, HowManyNumbers) {
+    const std::pair<int, int> rows[] = {
+        {14,  15},
+        {16,  9 },
+        {30,  11},
+        {200, 16},
+        {201, 0 }
+    };
+    for (const auto& [boxes, numbers] : rows) {
+        const float top = static_cast<float>(boxes) - 0.5F;
+        const BarPage page = bar([&] { set_regular("red,blue,green", 0, 1, top, 0); });
+        EXPECT_EQ(page.result, numbers == 0 ? -1 : 0) << boxes;
+        EXPECT_EQ(std::count(page.numbers.begin(), page.numbers.end(), ' '), numbers) << boxes;
+    }
+}
+
+TEST(Bar, RangesBasesAndRefusals) {
+    const auto numbers = [](const char* base, float bar_max, float bar_min) {
+        const BarPage page = bar([&] {
+            RES_put("con_base", base);
+            set_regular("red,blue,green", missing_f, 10, 25, 0);
+            CONT_set_type(cont_lines);
+            CONT_set_bar_range(bar_max, bar_min);
+        });
+        RES_put("con_base", "");
+        EXPECT_TRUE(page.boxes.empty());
+        return page.numbers;
+    };
+    EXPECT_EQ(numbers("", missing_f, missing_f), "0 10 20 30 ");
+    EXPECT_EQ(numbers(">5,<44", missing_f, missing_f), "5.0 15 25 35 45 ");
+    EXPECT_EQ(numbers("2", missing_f, missing_f), "-8.0 2.0 12 22 32 ");
+    EXPECT_EQ(numbers(">5", 60, 40), "40 50 60 70 ");
+    EXPECT_EQ(numbers("", 40, 55), "40 50 60 "); // swapped
+    EXPECT_EQ(bar([] { CONT_set_type(cont_fill); }).result, -1);
+    EXPECT_EQ(CONT_get_bar_value(0.3F, 0.03F), missing_f); // no bar, no value
+    EXPECT_EQ(bar([] {
+                  CONT_set_fill_colors("1:red,2:blue", 1);
+                  PLT_set_view_offset(0.0F);
+                  PLT_reset(1.0F); // no room below the view
+              }).result,
+              -1);
+    EXPECT_EQ(CONT_flash_value("v-Alt", 0.3F, 0.03F), -1);
+}
+
+} // namespace

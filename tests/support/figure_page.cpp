@@ -1,0 +1,126 @@
+#include "figure_page.h"
+
+#include "map.h"
+#include "plt_tool.h"
+#include "region.h"
+#include "zyrgks.h"
+#include "zyrresrc.h"
+
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <unistd.h>
+
+namespace {
+
+std::string color_name(const std::string& numbers) {
+    for (int i = 0; i < CLR_get_num(); i++) {
+        float rgb[3] = {};
+        char text[60] = "";
+        CLR_get_rgb(i, &rgb[0], &rgb[1], &rgb[2]);
+        std::snprintf(text, sizeof text, "%4.2f %4.2f %4.2f", static_cast<double>(rgb[0]),
+                      static_cast<double>(rgb[1]), static_cast<double>(rgb[2]));
+        if (numbers == text) {
+            return CLR_get_name(i);
+        }
+    }
+    return numbers;
+}
+
+} // namespace
+
+FigurePage::FigurePage(const Domain& domain, const std::string& source_dir)
+    : name_("/tmp/figure_page_" + std::to_string(getpid()) + ".ps") {
+    MESS_set(0, mess_error);
+    FLAG_resetplot(1);
+    RES_put("file_path", (source_dir + "/etc").c_str());
+    RES_put("device", ("p," + name_).c_str());
+    RES_put("plot_param", "pscolor");
+    std::remove(name_.c_str());
+    PLT_open(DOM_aspect(&domain));
+    MAP_setup(&domain);
+    GPH_trans(tran_map);
+}
+
+void FigurePage::window(const Glim& lim) {
+    GPH_win(tran_map, &lim);
+}
+
+void FigurePage::read(int tran) {
+    GPH_trans(tran);
+    const float x0 = xW_ps(0.0F);
+    const float y0 = yW_ps(0.0F);
+    const float dx = xW_ps(1.0F) - x0;
+    const float dy = yW_ps(1.0F) - y0;
+    PLT_close();
+
+    std::ifstream file(name_);
+    std::string line;
+    std::string color;
+    bool keep = false;
+    while (std::getline(file, line)) {
+        float x = 0.0F;
+        float y = 0.0F;
+        int used = 0;
+        if (line.rfind("%%", 0) == 0) {
+            keep = line.rfind("%%PL:", 0) == 0 || line.rfind("%%FA:", 0) == 0;
+            if (keep) {
+                figures.push_back({line[2] == 'F', "", {}});
+            } else if (std::sscanf(line.c_str(), "%%%%TE:%f %f %n", &x, &y, &used) == 2) {
+                texts.push_back({
+                    {x, y},
+                    line.substr(static_cast<std::size_t>(used))
+                });
+            }
+        } else if (line.find(" setrgbcolor") != std::string::npos) {
+            color = color_name(line.substr(0, line.find(" setrgb")));
+        } else if (keep && std::sscanf(line.c_str(), "%f %f %n", &x, &y, &used) == 2) {
+            figures.back().points.push_back({(x - x0) / dx, (y - y0) / dy});
+        } else if (keep && (line == "stroke" || line == "fill")) {
+            figures.back().color = color;
+            keep = false;
+        }
+    }
+    std::remove(name_.c_str());
+}
+
+std::vector<Figure> FigurePage::pick(bool filled, const std::string& color) const {
+    std::vector<Figure> found;
+    for (const Figure& figure : figures) {
+        if (figure.filled == filled && (color.empty() || figure.color == color)) {
+            found.push_back(figure);
+        }
+    }
+    return found;
+}
+
+std::vector<Figure> FigurePage::lines(const std::string& color) const {
+    return pick(false, color);
+}
+
+std::vector<Figure> FigurePage::areas(const std::string& color) const {
+    return pick(true, color);
+}
+
+double polygon_area(const std::vector<Gpt>& points) {
+    double twice = 0.0;
+    for (std::size_t i = 0; i < points.size(); i++) {
+        const Gpt& a = points[i];
+        const Gpt& b = points[(i + 1) % points.size()];
+        twice += static_cast<double>(a.x) * b.y - static_cast<double>(b.x) * a.y;
+    }
+    return std::fabs(twice) / 2.0;
+}
+
+std::string show(const std::vector<Gpt>& points) {
+    std::string all;
+    for (const Gpt& pt : points) {
+        char text[60] = "";
+        // Adding 0 turns -0.00 into 0.00.
+        std::snprintf(text, sizeof text, "%s(%.2f,%.2f)", all.empty() ? "" : " ",
+                      std::round(static_cast<double>(pt.x) * 100.0) / 100.0 + 0.0,
+                      std::round(static_cast<double>(pt.y) * 100.0) / 100.0 + 0.0);
+        all += text;
+    }
+    return all;
+}
