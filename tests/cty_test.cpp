@@ -36,9 +36,20 @@ std::string found(const char* id) {
     return CTY_get("test.cty", id, &city) == 1 ? city.id : "none";
 }
 
+Domain plains() {
+    Domain domain;
+    domain.proj = proj_pstereo;
+    domain.clat = 35;
+    domain.clon = -97;
+    domain.nx = 25;
+    domain.ny = 17;
+    domain.dx = domain.dy = 0.5F;
+    return domain;
+}
+
 } // namespace
 
-TEST_F(Cty, LinesAndLookup) {
+TEST_F(Cty, Lines) {
     const int fd = CTY_open((directory_.path() + "/test.cty").c_str(), 0, 0);
     CTY_data city;
     for (int turn = 0; turn < 2; ++turn) {
@@ -51,17 +62,22 @@ TEST_F(Cty, LinesAndLookup) {
     EXPECT_EQ(CTY_getinfo(fd, &info), 0);
     EXPECT_EQ(info.num_stats, static_cast<int>(std::string(lines).size() / 59));
     EXPECT_EQ(CTY_close(fd) + CTY_read(fd, &city), -1);
+}
 
+TEST_F(Cty, Lookup) {
     std::istringstream rows("okc OKC Oklahoma_city OKC 72353 OKC 01234 TUL 1234 none BRK none "
                             "29_palms TNP");
     for (std::string id, station; rows >> id >> station;) {
         EXPECT_EQ(found(id.c_str()), station) << id;
     }
+    CTY_data city;
     ASSERT_EQ(CTY_get("test.cty", "TNP", &city), 1);
     EXPECT_TRUE(city.el == missing_f && city.num == 7 && city.mos == ' ');
     ASSERT_EQ(CTY_get("test.cty", "OKC", &city), 1);
     EXPECT_TRUE(city.prior == 3 && city.num == 0 && city.mos == '*' && city.ua == '*');
+}
 
+TEST_F(Cty, FileOfTheResource) {
     testing::internal::CaptureStderr();
     float lat = 1, lon = 2;
     EXPECT_EQ(CTY_get_loc("gone.cty", "OKC", &lat, &lon), 0);
@@ -99,13 +115,7 @@ TEST_F(Cty, SelectionStrings) {
 }
 
 TEST_F(Cty, TableOfThePicture) {
-    Domain domain;
-    domain.proj = proj_pstereo;
-    domain.clat = 35;
-    domain.clon = -97;
-    domain.nx = 25;
-    domain.ny = 17;
-    domain.dx = domain.dy = 0.5F;
+    const Domain domain = plains();
     // Kind of identifier, what is looked up, what is shown; 29 Palms lies outside.
     std::istringstream rows("0 OKC OKC 1 OKC 72353 2 OKC OKC 0 72353 OKC 0 b42001 b42001 "
                             "2 b42001 b42001 0 TNP none 0 K2353 OKC 0 okc none 1 TUL 01234");
@@ -122,7 +132,10 @@ TEST_F(Cty, TableOfThePicture) {
     ASSERT_EQ(CTY_search("OKC", &okc), 1);
     MAP_tran(35.3886F, -97.6003F, &x, &y);
     EXPECT_TRUE(okc.city.x == x && okc.city.y == y && okc.ptr == nullptr);
+}
 
+TEST_F(Cty, TableWithSelectionAndOwnRecord) {
+    const Domain domain = plains();
     RES_put("identifier", "P<2,72353");
     CTY_data_size(sizeof(int));
     CTY_enter_func([](const CTY_data* city, void* block) {
