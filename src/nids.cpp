@@ -147,11 +147,13 @@ struct Walk {
     int ras_data_len = 0;
     int cur_radius = 0, cur_column = 0; // bytes read of the radial or row
     RecordHeader vect_hdr;
-    int cur_vector = 0; // bytes read of the packet
+    int cur_vector = 0;                    // bytes read of the packet
+    const std::uint8_t* bin_at = nullptr;  // bins of a digital radial that the
+    const std::uint8_t* bin_end = nullptr; // stream has given up, in its buffer
     RecordHeader text_hdr;
     BlockHeader pr_symb;
     BlockHeader gr_alpha;
-    std::array<float, 256> value{}; // of each level of a packet 16 or 17
+    std::array<NIDS_data, 256> bin{}; // one bin of each level of a packet 16 or 17
 };
 Walk walk;
 
@@ -302,7 +304,9 @@ int fill(Stream& s, FILE* ifile) {
     if (s.oavail == 0) {
         // A decompressor may hold output when all of its input is consumed.
         const bool unpacking = s.file_type != type_plain && s.zstat == Z_OK;
-        if (refill_input(s, ifile) < 1 && !unpacking) {
+        // Many outputs come of one bzip2 input, which is then left in place.
+        const bool left = s.file_type == type_bzip2 && s.iavail > 0;
+        if (!left && refill_input(s, ifile) < 1 && !unpacking) {
             return -1;
         }
         refilled = true;
@@ -348,14 +352,8 @@ int read_bytes(Stream& s, unsigned char* data, int dsize, FILE* ifile) {
     return 1;
 }
 
-// The one-byte read of the loops over bins. Whether there was a byte.
+// Whether there was a byte.
 bool next_byte(FILE* ifile, std::uint8_t& b) {
-    if (stream.oavail > 0 && !stream.comp_test) {
-        b = stream.out[static_cast<std::size_t>(stream.optr++)];
-        stream.oavail--;
-        stream.bytes++;
-        return true;
-    }
     return NIDS_read(&b, 1, ifile) == 1;
 }
 
@@ -395,8 +393,8 @@ float threshold(int index) {
 
 void set_level_values(int packet) {
     for (int level = 0; level < 256; level++) {
-        walk.value[static_cast<std::size_t>(level)] =
-            nids_level_value(nids_header(), packet, level);
+        walk.bin[static_cast<std::size_t>(level)] = {
+            1.0F, nids_level_value(nids_header(), packet, level)};
     }
 }
 
@@ -498,6 +496,7 @@ int read_packet(FILE* ifile, int* code) {
     if (ifile == nullptr || (stream.nbytes > 0 && stream.bytes >= stream.nbytes)) {
         return 0;
     }
+    walk.bin_at = walk.bin_end;
     std::uint16_t read_code = 0;
     if (NIDS_read_short(reinterpret_cast<unsigned char*>(&read_code), ifile) < 1) {
         return -1;
@@ -550,6 +549,28 @@ int read_block(FILE* ifile, BlockHeader& block, int divider, int id) {
     return block.id == id ? 1 : 0;
 }
 
+// The next bin of a digital radial; those behind it that are in the output
+// buffer are made ready.
+int next_bins(FILE* ifile, NIDS_data* data) {
+    std::uint8_t level = 0;
+    if (walk.cur_radius >= walk.rad_data_hdr.len) {
+        return 0;
+    }
+    if (!next_byte(ifile, level)) {
+        return -1;
+    }
+    walk.cur_radius++;
+    *data = walk.bin[level];
+    const int n = std::min(stream.oavail, walk.rad_data_hdr.len - walk.cur_radius);
+    walk.bin_at = stream.out.data() + stream.optr;
+    walk.bin_end = walk.bin_at + n;
+    walk.cur_radius += n;
+    stream.optr += n;
+    stream.oavail -= n;
+    stream.bytes += n;
+    return 1;
+}
+
 // A byte of four bits run and four bits threshold index.
 int nibble_run(FILE* ifile, NIDS_data* data) {
     std::uint8_t b = 0;
@@ -571,7 +592,7 @@ int two_byte_run(FILE* ifile, NIDS_data* data) {
     }
     data->run = static_cast<float>(run);
     data->val = walk.packet_code == nids_packet_dig_precip
-                    ? walk.value[level]
+                    ? walk.bin[level].val
                     : static_cast<float>(level >> 4) * 100.0F + nids_header().thres[level & 0xF];
     return 1;
 }
@@ -586,6 +607,25 @@ int row_data(FILE* ifile, NIDS_data* data) {
     }
     walk.cur_column++;
     return nibble_run(ifile, data);
+}
+
+// Apart, so that the call for a bin that is ready saves no registers.
+[[gnu::noinline]] int next_data(FILE* ifile, NIDS_data* data) {
+    switch (walk.packet_code) {
+    case nids_packet_dig_radial:
+        return next_bins(ifile, data);
+    case nids_packet_radial:
+        if (walk.cur_radius >= walk.rad_data_hdr.len) {
+            return 0;
+        }
+        walk.cur_radius++;
+        return nibble_run(ifile, data);
+    case nids_packet_raster:
+    case nids_packet_dig_precip:
+        return row_data(ifile, data);
+    default:
+        return 1;
+    }
 }
 
 } // namespace
@@ -705,6 +745,7 @@ int NIDS_get_radial(FILE* ifile, float* sangle, float* dangle) {
     }
     const bool halfwords = walk.packet_code == nids_packet_radial;
     walk.rad_data_hdr = {halfwords ? 2 * v[0] : v[0], v[1], v[2]};
+    walk.bin_at = walk.bin_end;
     walk.cur_radius = 0;
     walk.cur_radial++;
     *sangle = static_cast<float>(v[1] / 10.0);
@@ -728,33 +769,13 @@ int NIDS_get_rastor(FILE* ifile) {
     return 1;
 }
 
+// Called for every bin: what is ready is taken without a look at the stream.
 int NIDS_get_data(FILE* ifile, NIDS_data* data) {
-    switch (walk.packet_code) {
-    case nids_packet_dig_radial: {
-        std::uint8_t level = 0;
-        if (walk.cur_radius >= walk.rad_data_hdr.len) {
-            return 0;
-        }
-        if (!next_byte(ifile, level)) {
-            return -1;
-        }
-        walk.cur_radius++;
-        data->run = 1.0F;
-        data->val = walk.value[level];
+    if (walk.bin_at != walk.bin_end) {
+        *data = walk.bin[*walk.bin_at++];
         return 1;
     }
-    case nids_packet_radial:
-        if (walk.cur_radius >= walk.rad_data_hdr.len) {
-            return 0;
-        }
-        walk.cur_radius++;
-        return nibble_run(ifile, data);
-    case nids_packet_raster:
-    case nids_packet_dig_precip:
-        return row_data(ifile, data);
-    default:
-        return 1;
-    }
+    return next_data(ifile, data);
 }
 
 int NIDS_get_vector(FILE* ifile, NIDS_vector_data* vect_data) {

@@ -208,61 +208,82 @@ Bytes nids_collective(const std::vector<Bytes>& messages) {
 std::vector<std::pair<std::string, Bytes>> nids_samples() {
     const Bytes vectors = nids_words({7, 16, 0, 0, 511, 511, 10, 20, 30, 40});
     const Bytes barb = nids_words({4, 10, 3, 100, 200, 270, 45});
+
     NidsSample radial;
     radial.code = 19;
     radial.thres = {0x8002, 5, 10, 15, 20, 25, 30, 35, 40, 45, 50, 55, 60, 65, 70, 75};
-    radial.layers = {
-        nids_radial_packet(0xAF1F, 24, {{0xF0, 0x94}, {0xF5, 0x9A}, {}, {0x8F, 0xF1}}
-          )
+    const std::vector<Bytes> runs = {
+        Bytes{0xF0, 0x94},
+        Bytes{0xF5, 0x9A},
+        Bytes(), Bytes{0x8F, 0xF1}
     };
+    radial.layers.push_back(nids_radial_packet(0xAF1F, 24, runs));
+    const Bytes message = nids_message(radial);
+
     NidsSample digital;
     digital.thres = {-320, 5, 254};
     digital.p[3] = 5;
     digital.p[4] = 61;
-    digital.layers = {
-        nids_radial_packet(16, 8, std::vector<Bytes>(8, {0, 1, 2, 66, 90, 120, 150, 255}))};
+    const Bytes levels = {0, 1, 2, 66, 90, 120, 150, 255};
+    digital.layers.push_back(nids_radial_packet(16, 8, std::vector<Bytes>(8, levels)));
     digital.bzip2 = true;
+
     NidsSample raster = radial;
     raster.code = 38;
-    raster.layers = {
-        nids_join({nids_raster_packet(0xBA07, 2, {{0xF1, 0x52}, {0x3A}, {}}),
-                   nids_raster_packet(0xBA0F, 1, {{9, 0x13}, {4, 0x0F}})}
-        )
+    const std::vector<Bytes> rows = {
+        Bytes{0xF1, 0x52},
+        Bytes{0x3A   },
+        Bytes()
     };
-    raster.pages = {
-        nids_join({nids_words({10, 10, 2, 0, 0, 511, 0}), vectors,
-                   nids_text_packet(8, 0, 1, 1, " STM ID  AZ/RAN TVS  MESO POSH/POH/MX SIZE VIL")}),
-        nids_text_packet(1, 0, 1, 11, "   A0    211/ 32 NONE MESO  70/ 90/ 1.50  55  62 12.9")};
+    const std::vector<Bytes> pairs = {
+        Bytes{9, 0x13},
+        Bytes{4, 0x0F}
+    };
+    raster.layers[0] = nids_raster_packet(0xBA07, 2, rows);
+    put(raster.layers[0], nids_raster_packet(0xBA0F, 1, pairs));
+    Bytes page = nids_words({10, 10, 2, 0, 0, 511, 0});
+    put(page, vectors);
+    put(page, nids_text_packet(8, 0, 1, 1, " STM ID  AZ/RAN TVS  MESO POSH/POH/MX SIZE VIL"));
+    raster.pages.push_back(page);
+    raster.pages.push_back(
+        nids_text_packet(1, 0, 1, 11, "   A0    211/ 32 NONE MESO  70/ 90/ 1.50  55  62 12.9"));
     raster.tabular = "STORM POSITION\n A0 211/32";
+
     NidsSample precip = radial;
     precip.code = 81;
     precip.thres = {-6000, 125, 254};
-    precip.layers = {
-        nids_raster_packet(17, 0, {{100, 0, 31, 255},   {131, 40}         }
-          ),
-        nids_join({nids_words({18, 4}), nids_words({1, 2})}
-          )
+    const std::vector<Bytes> boxes = {
+        Bytes{100,  0, 31, 255},
+        Bytes{131, 40 }
     };
+    precip.layers[0] = nids_raster_packet(17, 0, boxes);
+    precip.layers.push_back(nids_words({18, 4, 1, 2}));
+
     NidsSample wind = radial;
     wind.code = 48;
-    wind.layers = {nids_join({nids_words({10, 10, 5, 0, 0, 511, 511}), barb,
-                              nids_text_packet(8, 5, 20, 30, "ALT KFT")})};
+    wind.layers[0] = nids_words({10, 10, 5, 0, 0, 511, 511});
+    put(wind.layers[0], barb);
+    put(wind.layers[0], nids_text_packet(8, 5, 20, 30, "ALT KFT"));
+
+    // Symbols that are passed over, and the hail packet, which ends the walk.
     NidsSample symbols = radial;
     symbols.code = 141;
-    symbols.layers = {
-        nids_join({nids_words({3, 6, 10, 20, 30}), nids_words({5, 4, 1, 2}),
-                   nids_words({6, 8, 0, 0, 9, 9}), nids_words({9, 6, 1, 2, 3}),
-                   nids_words({15, 6, 10, 20, 0x4130}), vectors, barb, nids_words({19, 4, 1, 2})})};
-    const Bytes message = nids_message(radial);
-    return {
-        {"radial",                nids_wrapped("SD",  message)},
-        {"digital",                       nids_wrapped({'\x01', '\r'},                                 nids_message(digital))},
-        {"raster", nids_message(raster)},
-        {"precip",   nids_wrapped("**",                                   nids_message(precip))},
-        {"wind",    nids_wrapped("DS",nids_message(wind))},
-        {"symbols",                  nids_message(symbols)               },
-        {"zlib",                       nids_wrapped("SD",                                 nids_zlib(message, 1))},
-        {"zlib_parts",                       nids_wrapped({'\x01', '\r'},                     nids_zlib(nids_message(raster), 3))},
-        {"collective",      nids_collective({message, nids_message(digital)})}
-    };
+    symbols.layers[0] = nids_words(
+        {3, 6, 10, 20, 30, 5, 4, 1, 2, 6, 8, 0, 0, 9, 9, 9, 6, 1, 2, 3, 15, 6, 10, 20, 0x4130});
+    put(symbols.layers[0], vectors);
+    put(symbols.layers[0], barb);
+    put(symbols.layers[0], nids_words({19, 4, 1, 2}));
+
+    std::vector<std::pair<std::string, Bytes>> all;
+    all.emplace_back("radial", nids_wrapped("SD", message));
+    all.emplace_back("digital", nids_wrapped("\x01\r", nids_message(digital)));
+    all.emplace_back("raster", nids_message(raster));
+    all.emplace_back("precip", nids_wrapped("**", nids_message(precip)));
+    all.emplace_back("wind", nids_wrapped("DS", nids_message(wind)));
+    all.emplace_back("symbols", nids_message(symbols));
+    all.emplace_back("zlib", nids_wrapped("SD", nids_zlib(message, 1)));
+    all.emplace_back("zlib_parts", nids_wrapped("\x01\r", nids_zlib(nids_message(raster), 3)));
+    const std::vector<Bytes> both = {message, nids_message(digital)};
+    all.emplace_back("collective", nids_collective(both));
+    return all;
 }

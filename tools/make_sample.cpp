@@ -1,0 +1,44 @@
+// Writes sample radar products.
+//   make_sample FILE             a storm as a reflectivity product (code 94)
+//   make_sample --super FILE     the same in super resolution (code 153)
+//   make_sample --seeds DIR      a small product of every kind, a file each
+#include "nids_storm.h"
+#include "nids_writer.h"
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+namespace {
+
+bool write_file(const std::string& name, const Bytes& bytes) {
+    std::ofstream out(name, std::ios::binary);
+    out.write(reinterpret_cast<const char*>(bytes.data()),
+              static_cast<std::streamsize>(bytes.size()));
+    out.close();
+    if (!out) {
+        std::fprintf(stderr, "make_sample: Unable to write file:%s\n", name.c_str());
+    }
+    return static_cast<bool>(out);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const std::string option = argc == 3 ? argv[1] : "";
+    if (argc == 2) {
+        return write_file(argv[1], nids_sample_storm()) ? 0 : 1;
+    }
+    if (option == "--super") {
+        return write_file(argv[2], nids_sample_storm(153)) ? 0 : 1;
+    }
+    if (option == "--seeds") {
+        bool good = true;
+        for (const auto& [name, bytes] : nids_samples()) {
+            good = write_file(argv[2] + ("/" + name), bytes) && good;
+        }
+        return good ? 0 : 1;
+    }
+    std::fprintf(stderr, "usage: make_sample FILE | --super FILE | --seeds DIR\n");
+    return 2;
+}
