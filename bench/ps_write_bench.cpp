@@ -14,7 +14,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -27,7 +26,7 @@ std::vector<Cell> make_cells(std::size_t n) {
     constexpr std::size_t bins = 700;
     std::vector<Cell> cells(n);
     for (std::size_t i = 0; i < n; ++i) {
-        const double a = static_cast<double>(i / bins) * 0.5 * 3.14159265 / 180.0;
+        const double a = 0.5 * static_cast<double>(i - i % bins) / bins * 3.14159265 / 180.0;
         const double b = a + 0.51 * 3.14159265 / 180.0;
         const double r = static_cast<double>(i % bins) / bins;
         const double s = r + 1.0 / bins;
@@ -79,9 +78,8 @@ void floor_loop(const std::vector<Cell>& cells, std::FILE* file) {
     for (const Cell& cell : cells) {
         char* p = text.data();
         const auto put = [&p](const char* s) {
-            const std::size_t n = std::strlen(s);
-            std::memcpy(p, s, n);
-            p += n;
+            while (*s != '\0')
+                *p++ = *s++;
         };
         put("%%FA:5\nnp\n");
         for (std::size_t i = 0; i < cell.size(); ++i) {

@@ -5,6 +5,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -22,7 +23,7 @@ constexpr auto digit_pairs = [] {
 }();
 
 char* put_pair(char* out, std::uint32_t n) {
-    std::memcpy(out, &digit_pairs[2 * n], 2);
+    std::memcpy(out, &digit_pairs[std::size_t{2} * n], 2);
     return out + 2;
 }
 

@@ -101,9 +101,7 @@ bool read_index(Words* words, Gfont* font) {
 } // namespace
 
 void gclear_font(Gfont* font) {
-    font->size = 0;
-    font->index.fill(-1);
-    font->width.fill(0);
+    *font = {};
 }
 
 int gparse_font(std::string_view text, Gfont* font) {

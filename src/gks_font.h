@@ -17,10 +17,16 @@
 #include <string_view>
 
 struct Gfont {
-    std::array<unsigned char, 15000> db{};  // strokes
-    int size = 0;                           // bytes of `db` in use
-    std::array<int, 256> index{};           // first pair of a code, -1 none
-    std::array<unsigned char, 256> width{}; // largest x of a code, 40 for a blank
+    std::array<unsigned char, 15000> db{};    // strokes
+    int size = 0;                             // bytes of `db` in use
+    std::array<int, 256> index = no_glyphs(); // first pair of a code, -1 none
+    std::array<unsigned char, 256> width{};   // largest x of a code, 40 for a blank
+
+    static constexpr std::array<int, 256> no_glyphs() noexcept {
+        std::array<int, 256> none{};
+        none.fill(-1);
+        return none;
+    }
 };
 
 // A font without glyphs.

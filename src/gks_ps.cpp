@@ -105,7 +105,7 @@ public:
     }
     // `op` is " mv\n" or " ln\n"; device units.
     void point(float x, float y, std::string_view op) {
-        if (buf.size() - used < 2 * fixed2_size + op.size() + 1)
+        if (buf.size() - used < std::size_t{2} * fixed2_size + op.size() + 1)
             flush();
         char* p = format_fixed2(buf.data() + used, x);
         *p++ = ' ';

@@ -45,11 +45,7 @@ struct FontState {
     int num_fonts = 0;
     std::array<char, 80> font_list{}; // given by gset_font_list
     int drop_shadow = 0;              // pixels
-    Gfont font = [] {
-        Gfont none;
-        none.index.fill(-1);
-        return none;
-    }();
+    Gfont font{};
 };
 FontState font_state;
 

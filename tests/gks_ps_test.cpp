@@ -109,7 +109,7 @@ TEST(PostScript, PageOptionsAndGeometry) {
     }
 }
 
-TEST(PostScript, OutputNamesAndPipes) {
+TEST(PostScript, OutputNames) {
     const std::string file = temp_name("name.ps");
     setenv("PSPRINT", file.c_str(), 1);
     unsetenv("zyrps_print");
@@ -118,6 +118,11 @@ TEST(PostScript, OutputNamesAndPipes) {
     EXPECT_EQ(gps_close_file(), -1);
     EXPECT_TRUE(read_text(file).starts_with("%!PS-Adobe-3.0"));
     gps_set_EPS(0);
+    std::remove(file.c_str());
+}
+
+TEST(PostScript, Pipes) {
+    const std::string file = temp_name("pipe.ps");
     testing::internal::CaptureStdout();
     ASSERT_EQ(gps_open_ws(("|cat >" + file).c_str()), 0);
     EXPECT_EQ(gps_close_file(), 0);

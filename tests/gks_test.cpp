@@ -32,6 +32,11 @@ std::string report_of(const std::function<void()>& call) {
     return testing::internal::GetCapturedStderr();
 }
 
+void expect_exit(Gws_type type, const char* name, const char* text) {
+    int ws_id = 0;
+    EXPECT_EXIT(GPH_begin(&ws_id, name, &type), testing::ExitedWithCode(4), text);
+}
+
 } // namespace
 
 // --- Phases -------------------------------------------------------------------
@@ -111,27 +116,13 @@ TEST(Kernel, BadValuesLeaveTheOldStateAndName) {
 }
 
 TEST(Kernel, DevicesThatCannotOpenEndWithFour) {
-    struct Case {
-        Gws_type type;
-        const char* name;
-        const char* text;
-    };
-    for (const Case& c : {
-             Case{ws_window,     "",               "this build has no window device"       },
-             Case{ws_pixmap,     "",               "this build has no window device"       },
-             Case{ws_metafile,   "",               "gopen_ws: unable to open metafile\n\n" },
-             Case{ws_hpgl,       "",               "gopen_ws: unable to open HPGL file\n\n"},
-             Case{ws_postscript, "/dev/null/x.ps",
-                  "gopen_ws: unable to open postscript file\n\n"                           }
-    }) {
-        int ws_id = 0;
-        Gws_type type = c.type;
-        EXPECT_EXIT(GPH_begin(&ws_id, c.name, &type), testing::ExitedWithCode(4), c.text);
-    }
+    expect_exit(ws_window, "", "this build has no window device");
+    expect_exit(ws_pixmap, "", "this build has no window device");
+    expect_exit(ws_metafile, "", "gopen_ws: unable to open metafile\n\n");
+    expect_exit(ws_hpgl, "", "gopen_ws: unable to open HPGL file\n\n");
+    expect_exit(ws_postscript, "/dev/null/x.ps", "gopen_ws: unable to open postscript file\n\n");
     setenv("zyrprint", "HPGL", 1);
-    int ws_id = 0;
-    Gws_type type = ws_postscript;
-    EXPECT_EXIT(GPH_begin(&ws_id, "", &type), testing::ExitedWithCode(4), "HPGL");
+    expect_exit(ws_postscript, "", "unable to open HPGL file");
 }
 
 // --- Transformations ----------------------------------------------------------

@@ -143,7 +143,10 @@ TEST(FontList, SourcesAndNames) {
     testing::internal::CaptureStderr();
     EXPECT_EQ(gset_fontprec(&none), -1);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "gset_fontprec: invalid font id: 8\n");
-    // A list file of its own stops at ten fonts.
+}
+
+TEST(FontList, GivenListFileStopsAtTenFonts) {
+    const PsPage page;
     const std::string list = temp_name("list.fnl");
     std::string lines;
     for (int i = 1; i <= 12; ++i)
@@ -154,6 +157,10 @@ TEST(FontList, SourcesAndNames) {
     EXPECT_EQ(gget_font_index("f10"), 10);
     EXPECT_EQ(gget_font_index("f11"), 1);
     std::remove(list.c_str());
+}
+
+TEST(FontList, MissingFontsAreReported) {
+    const PsPage page;
     for (const char* bad : {"missing.fnt", "#fixed", "fi:missing.fnl"}) {
         gset_font_list(bad);
         greset_text();
