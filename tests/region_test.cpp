@@ -137,7 +137,7 @@ TEST_F(Region, Stations) {
 TEST_F(Region, Files) {
     write("zyr.reg", "# the first\nhere Right_here 1 35,-97,0.5\nloop Circle 0 loop\n"
                      "bad Bad 0 1,2,3,4,5,6,7,8,9\nfar Far_away 0 mine.reg:b\n\nlate Late 1 1,2\n");
-    write("mine.reg", "abcdefg A_name_longer_than_twenty_letters 7 10,20\nb Hidden 0 12,22\n");
+    write("mine.reg", "a A_name 1 10,20\nb Hidden 0 12,22\n");
     write("bare.reg", "#c\n13,23,0.25\n");
     MESS_set(0, 0);
     const char* const rows[][2] = {
@@ -156,7 +156,10 @@ TEST_F(Region, Files) {
     for (const char* text : {"loop", "bad", "mine.reg:c"}) {
         EXPECT_EQ(DOM_decode(text, &d_), -1) << text;
     }
-    MESS_set(1, mess_print);
+}
+
+TEST_F(Region, Menu) {
+    write("zyr.reg", "abcdefg A_name_longer_than_twenty_letters 7 10,20\nb Hidden 0 12,22\n");
     type("list\nexit\n");
     EXPECT_EXIT(
         {
@@ -188,11 +191,12 @@ TEST_F(Region, Prompt) {
 }
 
 TEST_F(Region, PromptEnds) {
-    for (const char* text : {"1,2,3,4,5,6,7,8,9", "nowhere", "none"}) {
-        RES_put("plot_domain", text);
-        EXPECT_EXIT(DOM_prompt_region(&d_, 1), testing::ExitedWithCode(43), "Invalid domain\n");
-    }
-    RES_put("plot_domain", "miss");
+    RES_put("plot_domain", "miss"); // leaves the question to the next resource
+    RES_put("region", "nowhere");
+    EXPECT_EXIT(DOM_prompt_region(&d_, 1), testing::ExitedWithCode(43), "^Invalid domain\n");
+}
+
+TEST_F(Region, BatchWithoutFile) {
     FLAG_set_batch(1); // no file, no menu: nothing is plotted
     EXPECT_EQ(DOM_prompt_region(&d_, 1), missing);
     EXPECT_EQ(DOM_prompt_region(&d_, 1), 0);
@@ -274,6 +278,10 @@ TEST_F(Region, ShippedFile) {
         EXPECT_TRUE(shows(abbr.c_str(), d_.clat, d_.clon)) << line;
     }
     EXPECT_TRUE(shown <= 19 && seen.size() > 100);
+}
+
+TEST_F(Region, ShippedPlaces) {
+    RES_put("file_path", etc().c_str());
     // Built-in words mean the same with and without the file.
     for (const char* word : {"us", "ne", "at", "se", "mw", "sp", "nw", "sw"}) {
         Domain built_in;
