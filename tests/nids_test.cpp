@@ -216,15 +216,17 @@ TEST(NidsStream, EveryWrapperAndCompressionGivesTheSameWalk) {
     s.bzip2 = true;
     const Bytes packed = nids_message(s);
     const Bytes trailer = {0x0D, 0x0D, 0x0A, 0x03};
-    EXPECT_EQ(walk(packed), expected);
+    std::vector<Bytes> files = {packed};
     for (const std::string mark : {"\x01\r", "**", "\n*", "SD", "DS", "@\f"}) {
-        EXPECT_EQ(walk(nids_wrapped(mark, plain)), expected) << mark;
-        EXPECT_EQ(walk(nids_join({nids_wrapped(mark, packed), trailer})), expected) << mark;
+        files.push_back(nids_wrapped(mark, plain));
+        files.push_back(nids_join({nids_wrapped(mark, packed), trailer}));
     }
     for (const int streams : {1, 2, 3, 17}) {
-        const Bytes zlib = nids_wrapped("SD", nids_zlib(plain, streams));
-        EXPECT_EQ(walk(zlib), expected) << streams;
-        EXPECT_EQ(walk(nids_join({zlib, trailer})), expected) << streams;
+        files.push_back(nids_wrapped("SD", nids_zlib(plain, streams)));
+        files.push_back(nids_join({files.back(), trailer}));
+    }
+    for (std::size_t i = 0; i < files.size(); i++) {
+        EXPECT_TRUE(walk(files[i]) == expected) << i;
     }
     // A code without a row is unpacked when its description says so.
     s.code = 250;
@@ -232,18 +234,15 @@ TEST(NidsStream, EveryWrapperAndCompressionGivesTheSameWalk) {
 }
 
 TEST(NidsStream, CollectiveFileAndRefusedData) {
-    const Bytes radial = sample("radial");
     const Bytes collective = sample("collective");
-    for (const auto& [selector, type] : {
-             std::pair{"#0", 0xAF1F },
-             std::pair{"#1", 16     },
-             std::pair{"#2", missing}
-    }) {
+    const char* selectors[] = {"#0", "#1", "#2"};
+    const int types[] = {0xAF1F, 16, missing};
+    for (std::size_t i = 0; i < std::size(types); i++) {
         NIDS_info info;
         info.type = missing;
-        NIDS_set_ext_info(selector);
+        NIDS_set_ext_info(selectors[i]);
         walk(collective, &info);
-        EXPECT_EQ(info.type, type) << selector;
+        EXPECT_EQ(info.type, types[i]) << selectors[i];
     }
     NIDS_set_ext_info(nullptr);
     EXPECT_EQ(walk(nids_wrapped("SD", {'R', '3', 0, 94, 0, 0, 0, 0})), "none");
