@@ -15,11 +15,10 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <map>
+#include <memory>
 #include <random>
 
 namespace {
-
-const std::string etc = std::string(ZYR_SOURCE_DIR) + "/etc";
 
 // The state of a program that has just started, with the colour table read.
 void start() {
@@ -28,7 +27,7 @@ void start() {
     for (const char* name : {"color_fill", "plot_param"}) {
         RES_put(name, "");
     }
-    RES_put("file_path", etc.c_str());
+    RES_put("file_path", ZYR_SOURCE_DIR "/etc");
     CLR_read_table(nullptr);
     cont::state() = cont::State();
 }
@@ -155,15 +154,13 @@ TEST(Cont, ColorOfAValue) {
 TEST(Cont, FramesAndThresholds) {
     start();
     const float levels[] = {1, 2, 4, missing_f, 9};
-    EXPECT_EQ(color_of(1), "none");
     EXPECT_EQ(CONT_set_values(levels, 5), 0);
     EXPECT_EQ(CONT_set_fill_colors("off,red,blue", 0), 0);
     EXPECT_EQ(steps(), "1:none 2:red 4:blue");
     EXPECT_EQ(CONT_set_values(levels, 2), -1);
     EXPECT_EQ(CONT_set_fill_colors("5:red,6:blue", 0), -1);
     float copy[256];
-    EXPECT_EQ(CONT_get_values(copy), 3);
-    EXPECT_EQ(copy[2], 4.0F);
+    EXPECT_TRUE(CONT_get_values(copy) == 3 && copy[2] == 4.0F);
 
     for (const float base : {-0.5F, 0.0F}) {
         CONT_reset_fill_set();
@@ -171,8 +168,9 @@ TEST(Cont, FramesAndThresholds) {
         EXPECT_EQ(CONT_get_values(nullptr), 0);
         EXPECT_EQ(color_of(0.6F), base < 0 ? "green" : "red");
     }
+}
 
-    // More than 256 values, and the user's own list and interval.
+TEST(Cont, TheUsersOwnLists) {
     start();
     CONT_set_values(std::vector<float>(400, 1.0F).data(), 400);
     EXPECT_EQ(CONT_get_values(nullptr), 256);
@@ -441,21 +439,29 @@ TEST(Contour, ValuesAndMissingPoints) {
     EXPECT_EQ(page.texts[0].text, "2");
     EXPECT_TRUE(contoured(field, cont_fill, "0:red,2:red").figures.empty());
 
-    float max = 0.0F;
-    float min = 0.0F;
-    GRD_report none;
-    EXPECT_EQ(GRD_maxmin(&none, &max, &min), -1);
-    EXPECT_EQ(max, missing_f);
-    EXPECT_EQ(CONT_draw_contour(&none), 0);
-    EXPECT_EQ(GRD_maxmin(&field.grid, &max, &min), 0);
-    EXPECT_EQ(max, 2.5F);
-    EXPECT_EQ(min, 1.5F);
     // A tiny interval over a tall cell: the cell is skipped, at once.
     const Field cliff(2, 2, [](float x, float) { return x == 0 ? 0.0F : 1e6F; });
     start();
     RES_put("con_interval", "0.000001");
     EXPECT_TRUE(contoured(cliff, cont_fill, "red,blue").figures.empty());
     RES_put("con_interval", "");
+}
+
+TEST(Contour, RangeOfAGrid) {
+    const float values[] = {missing_f, 3.0F, std::nanf(""), -2.0F, HUGE_VALF, 5.0F};
+    const auto range = [](const float* grid, int nx) {
+        GRD_report report;
+        report.domain.nx = nx;
+        report.domain.ny = 1;
+        report.grid = grid;
+        Gpt ends = {}; // highest and lowest
+        const int result = GRD_maxmin(&report, &ends.x, &ends.y);
+        return std::to_string(result) + show({ends});
+    };
+    EXPECT_EQ(range(nullptr, 6), "-1(-9999.00,-9999.00)");
+    EXPECT_EQ(range(values, 1), "0(-9999.00,-9999.00)");
+    EXPECT_EQ(range(values, 6), "0(5.00,-2.00)");
+    EXPECT_EQ(CONT_draw_contour(std::make_unique<GRD_report>().get()), 0);
 }
 
 // A grid on another domain: points at their places on the map, which is its
@@ -559,7 +565,7 @@ BarPage bar(const std::function<void()>& set_levels, const char* label = "") {
     page.read(tran_page);
     bar.boxes = page.areas();
     for (const FigureText& text : page.texts) {
-        bar.numbers += text.text + " ";
+        bar.numbers += text.text + "|";
     }
     if (!page.lines("black").empty()) {
         bar.frame = page.lines("black").back().points;
@@ -567,13 +573,23 @@ BarPage bar(const std::function<void()>& set_levels, const char* label = "") {
     return bar;
 }
 
+// Page positions in 1/5000, which the file's two decimals still resolve.
+std::string scaled(std::vector<Gpt> points) {
+    for (Gpt& pt : points) {
+        pt = {std::round(pt.x * 5000.0F), std::round(pt.y * 5000.0F)};
+    }
+    return show(points);
+}
+
+std::string corners(const std::vector<Gpt>& points, std::size_t i, std::size_t k) {
+    return scaled({points.at(i), points.at(k)});
+}
+
 TEST(Bar, RegularLevels) {
     const BarPage five = bar([] { set_regular("lblue,lcyan,off,yellow,lred", 0, 4, 16, 0); });
-    ASSERT_EQ(five.result, 0);
-    EXPECT_EQ(five.numbers, "0 4.0 8.0 12 16 20 ");
+    EXPECT_EQ(five.numbers, " 0|4.0|8.0|12|16|20|");
     ASSERT_EQ(five.boxes.size(), 4U);
-    EXPECT_EQ(five.boxes[0].color, "lblue");
-    EXPECT_EQ(five.boxes[3].color, "lred");
+    EXPECT_EQ(five.boxes[0].color + five.boxes[3].color, "lbluelred");
     // The left half of the view less 3 percent; the upper half of the room.
     const float width = five.view.x_max - five.view.x_min;
     const float left = five.view.x_min + 0.03F * width;
@@ -583,31 +599,21 @@ TEST(Bar, RegularLevels) {
     const float top = five.view.y_min - 0.15F * room;
     const float bottom = five.view.y_min - room;
     const float mid = (top + bottom) / 2.0F;
-    // In thousandths of the page, to see them with two decimals.
-    const auto scaled = [](std::vector<Gpt> points) {
-        for (Gpt& pt : points) {
-            pt = {std::round(pt.x * 5000.0F) / 5.0F, std::round(pt.y * 5000.0F) / 5.0F};
-        }
-        return show(points);
+    const std::vector<Gpt> box = {
+        {left + inc,        mid},
+        {left + 2.0F * inc, top}
     };
-    const float x1 = left + inc;
-    const float x2 = left + 2.0F * inc;
-    EXPECT_EQ(scaled(five.boxes[1].points),
-              scaled({
-                  {x1, mid},
-                  {x2, mid},
-                  {x2, top},
-                  {x1, top},
-                  {x1, mid}
-    }));
-    EXPECT_EQ(scaled(five.frame),
-              scaled({
-                  {left,  top},
-                  {right, top},
-                  {right, mid},
-                  {left,  mid},
-                  {left,  top}
-    }));
+    EXPECT_EQ(corners(five.boxes[1].points, 0, 2), scaled(box));
+    EXPECT_EQ(corners(five.boxes[1].points,
+                      {
+                          1, 3
+    }),
+              scaled({{box[1].x, mid}, {box[0].x, top}}));
+    EXPECT_EQ(corners(five.frame,
+                      {
+                          0, 2
+    }),
+              scaled({{left, top}, {right, mid}}));
     EXPECT_EQ(CONT_get_bar_value(left + 2.5F * inc, mid), 8.0F);
     EXPECT_EQ(CONT_get_bar_value(left - 0.01F, mid), missing_f);
     EXPECT_EQ(CONT_get_bar_value(left, top + 0.001F), missing_f);
@@ -620,7 +626,7 @@ TEST(Bar, ExplicitLevelsAndLabels) {
             CONT_set_type(cont_fill);
         },
         "dBZ");
-    EXPECT_EQ(page.numbers, "-50 weak 7.5 dBZ ");
+    EXPECT_EQ(page.numbers, "-50|weak|7.5|dBZ|");
     EXPECT_EQ(page.boxes.size(), 2U);
     EXPECT_EQ(CONT_get_bar_value((page.view.x_min + page.view.x_max) / 2.0F - 0.001F,
                                  page.view.y_min - 0.02F),
@@ -639,11 +645,11 @@ TEST(Bar, HowManyNumbers) {
         const float top = static_cast<float>(boxes) - 0.5F;
         const BarPage page = bar([&] { set_regular("red,blue,green", 0, 1, top, 0); });
         EXPECT_EQ(page.result, numbers == 0 ? -1 : 0) << boxes;
-        EXPECT_EQ(std::count(page.numbers.begin(), page.numbers.end(), ' '), numbers) << boxes;
+        EXPECT_EQ(std::count(page.numbers.begin(), page.numbers.end(), '|'), numbers) << boxes;
     }
 }
 
-TEST(Bar, RangesBasesAndRefusals) {
+TEST(Bar, RangesAndBases) {
     const auto numbers = [](const char* base, float bar_max, float bar_min) {
         const BarPage page = bar([&] {
             RES_put("con_base", base);
@@ -655,11 +661,14 @@ TEST(Bar, RangesBasesAndRefusals) {
         EXPECT_TRUE(page.boxes.empty());
         return page.numbers;
     };
-    EXPECT_EQ(numbers("", missing_f, missing_f), "0 10 20 30 ");
-    EXPECT_EQ(numbers(">5,<44", missing_f, missing_f), "5.0 15 25 35 45 ");
-    EXPECT_EQ(numbers("2", missing_f, missing_f), "-8.0 2.0 12 22 32 ");
-    EXPECT_EQ(numbers(">5", 60, 40), "40 50 60 70 ");
-    EXPECT_EQ(numbers("", 40, 55), "40 50 60 "); // swapped
+    EXPECT_EQ(numbers("", missing_f, missing_f), " 0|10|20|30|");
+    EXPECT_EQ(numbers(">5,<44", missing_f, missing_f), "5.0|15|25|35|45|");
+    EXPECT_EQ(numbers("2", missing_f, missing_f), "-8.0|2.0|12|22|32|");
+    EXPECT_EQ(numbers(">5", 60, 40), "40|50|60|70|");
+    EXPECT_EQ(numbers("", 40, 55), "40|50|60|"); // swapped
+}
+
+TEST(Bar, Refusals) {
     EXPECT_EQ(bar([] { CONT_set_type(cont_fill); }).result, -1);
     EXPECT_EQ(CONT_get_bar_value(0.3F, 0.03F), missing_f); // no bar, no value
     EXPECT_EQ(bar([] {

@@ -60,33 +60,33 @@ TEST_F(VarCode, Times) {
 
 // The enclosing item comes before the flags, and nothing gives 0.
 TEST_F(VarCode, Inheritance) {
-    int time = 77;
-    int ltype = 77;
-    int level = 78;
-    EXPECT_EQ(VAR_dec_time("", &time), 2);
-    EXPECT_EQ(time, 0);
-    EXPECT_EQ(VAR_dec_level("", &ltype, &level), 2);
-    EXPECT_EQ(ltype, 77);
-
+    const auto inherited = [](const char* text) {
+        int time = 77;
+        int ltype = 77;
+        int level = 78;
+        const int tstat = VAR_dec_time(text, &time);
+        const int lstat = VAR_dec_level(text, &ltype, &level);
+        const std::string all = std::to_string(tstat) + ":" + std::to_string(time) + " ";
+        return all + std::to_string(lstat) + ":" + std::to_string(ltype) + ":" +
+               std::to_string(level);
+    };
+    EXPECT_EQ(inherited(""), "2:0 2:77:78");
     FLAG_set(flag_def_ltype, 100);
     FLAG_set(flag_def_level, 700);
-    EXPECT_EQ(VAR_dec_level("", &ltype, &level), 1);
-    EXPECT_EQ(level, 700);
-    EXPECT_EQ(VAR_base_push({1, 2, 24, 2, 103, 10}), 0);
-    EXPECT_EQ(VAR_dec_time("", &time), 1);
-    EXPECT_EQ(time, 24);
-    EXPECT_EQ(VAR_dec_level("", &ltype, &level), 1);
-    EXPECT_EQ(ltype, 103);
-    EXPECT_EQ(VAR_dec_level("level", &ltype, &level), 1);
-    EXPECT_EQ(level, 700);
-    EXPECT_EQ(VAR_base_pop(), 0);
-    EXPECT_EQ(VAR_base_pop(), -1);
+    EXPECT_EQ(inherited(""), "2:0 1:100:700");
     for (int i = 0; i < 10; i++) {
-        EXPECT_EQ(VAR_base_push({1, 2, i, 2, 1, 0}), 0);
+        EXPECT_EQ(VAR_base_push({1, 2, 24 + i, 2, 103, 10}), 0);
     }
     EXPECT_EQ(VAR_base_push({1, 2, 99, 2, 1, 0}), -1);
-    VAR_dec_time("time-3", &time);
-    EXPECT_EQ(time, 6);
+    EXPECT_EQ(inherited(""), "1:33 1:103:10");
+    EXPECT_EQ(inherited("level"), "0:77 1:100:700");
+    EXPECT_EQ(inherited("time-3"), "1:30 2:77:78");
+    int left = 0;
+    while (VAR_base_pop() == 0) {
+        left++;
+    }
+    EXPECT_EQ(left, 10);
+    EXPECT_EQ(inherited(""), "2:0 1:100:700");
 }
 
 // Each as type:level, or with its label.

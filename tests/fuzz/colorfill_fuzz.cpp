@@ -14,20 +14,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 namespace {
 
-const std::string file_name = "/tmp/colorfill_" + std::to_string(getpid()) + ".lev";
+// A file of this process, gone when the object goes.
+struct LevelFile {
+    std::string name = "/tmp/colorfill_" + std::to_string(getpid()) + ".lev";
 
-// Written anew each time, and gone at the end of the process.
-void write_file(const std::string& text) {
-    static const bool once = [] {
-        std::atexit([] { std::remove(file_name.c_str()); });
-        return true;
-    }();
-    std::FILE* file = once ? std::fopen(file_name.c_str(), "w") : nullptr;
-    if (file != nullptr) {
-        std::fwrite(text.data(), 1, text.size(), file);
-        std::fclose(file);
+    explicit LevelFile(const std::string& text) {
+        std::FILE* file = std::fopen(name.c_str(), "w");
+        if (file != nullptr) {
+            std::fwrite(text.data(), 1, text.size(), file);
+            std::fclose(file);
+        }
     }
-}
+    ~LevelFile() { std::remove(name.c_str()); }
+    LevelFile(const LevelFile&) = delete;
+    LevelFile& operator=(const LevelFile&) = delete;
+};
 
 void require(bool holds) {
     if (!holds) {
@@ -48,8 +49,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     const std::string text(reinterpret_cast<const char*>(data) + 1, size - 1);
     if (data[0] == 'f') {
-        write_file(text);
-        CONT_set_fill_colors(file_name.c_str(), 1);
+        const LevelFile file(text);
+        CONT_set_fill_colors(file.name.c_str(), 1);
     } else if (data[0] == 'p') {
         RES_put("plot_param", text.c_str());
         CONT_param_decode();

@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <unistd.h>
 
@@ -25,6 +26,16 @@ std::string color_name(const std::string& numbers) {
         }
     }
     return numbers;
+}
+
+// Two numbers at the start of a line. Returns what stands behind them, null
+// if they are not there.
+const char* two_numbers(const char* text, Gpt* pt) {
+    char* second = nullptr;
+    char* rest = nullptr;
+    pt->x = std::strtof(text, &second);
+    pt->y = std::strtof(second, &rest);
+    return second == text || rest == second ? nullptr : rest;
 }
 
 } // namespace
@@ -59,23 +70,20 @@ void FigurePage::read(int tran) {
     std::string color;
     bool keep = false;
     while (std::getline(file, line)) {
-        float x = 0.0F;
-        float y = 0.0F;
-        int used = 0;
-        if (line.rfind("%%", 0) == 0) {
-            keep = line.rfind("%%PL:", 0) == 0 || line.rfind("%%FA:", 0) == 0;
+        Gpt pt = {};
+        const bool text = line.starts_with("%%TE:");
+        const char* rest = two_numbers(line.c_str() + (text ? 5 : 0), &pt);
+        if (line.starts_with("%%")) {
+            keep = line.starts_with("%%PL:") || line.starts_with("%%FA:");
             if (keep) {
                 figures.push_back({line[2] == 'F', "", {}});
-            } else if (std::sscanf(line.c_str(), "%%%%TE:%f %f %n", &x, &y, &used) == 2) {
-                texts.push_back({
-                    {x, y},
-                    line.substr(static_cast<std::size_t>(used))
-                });
+            } else if (text && rest != nullptr) {
+                texts.push_back({pt, rest + 1});
             }
-        } else if (line.find(" setrgbcolor") != std::string::npos) {
+        } else if (line.ends_with(" setrgbcolor")) {
             color = color_name(line.substr(0, line.find(" setrgb")));
-        } else if (keep && std::sscanf(line.c_str(), "%f %f %n", &x, &y, &used) == 2) {
-            figures.back().points.push_back({(x - x0) / dx, (y - y0) / dy});
+        } else if (keep && rest != nullptr) {
+            figures.back().points.push_back({(pt.x - x0) / dx, (pt.y - y0) / dy});
         } else if (keep && (line == "stroke" || line == "fill")) {
             figures.back().color = color;
             keep = false;
