@@ -599,21 +599,21 @@ TEST(Bar, RegularLevels) {
     const float top = five.view.y_min - 0.15F * room;
     const float bottom = five.view.y_min - room;
     const float mid = (top + bottom) / 2.0F;
-    const std::vector<Gpt> box = {
-        {left + inc,        mid},
-        {left + 2.0F * inc, top}
-    };
-    EXPECT_EQ(corners(five.boxes[1].points, 0, 2), scaled(box));
-    EXPECT_EQ(corners(five.boxes[1].points,
-                      {
-                          1, 3
-    }),
-              scaled({{box[1].x, mid}, {box[0].x, top}}));
-    EXPECT_EQ(corners(five.frame,
-                      {
-                          0, 2
-    }),
-              scaled({{left, top}, {right, mid}}));
+    const float x1 = left + inc;
+    const float x2 = left + 2.0F * inc;
+    const std::vector<Gpt>& points = five.boxes[1].points;
+    EXPECT_EQ(corners(points, 0, 2), scaled({
+                                         {x1, mid},
+                                         {x2, top}
+    }));
+    EXPECT_EQ(corners(points, 1, 3), scaled({
+                                         {x2, mid},
+                                         {x1, top}
+    }));
+    EXPECT_EQ(corners(five.frame, 0, 2), scaled({
+                                             {left,  top},
+                                             {right, mid}
+    }));
     EXPECT_EQ(CONT_get_bar_value(left + 2.5F * inc, mid), 8.0F);
     EXPECT_EQ(CONT_get_bar_value(left - 0.01F, mid), missing_f);
     EXPECT_EQ(CONT_get_bar_value(left, top + 0.001F), missing_f);
