@@ -110,8 +110,8 @@ struct NIDS_data {
     float run = 0; // how many
     float val = 0; // value in the product's unit; missing_f: none
 };
-// Coordinates are those of the product's grid: quarter kilometres from the
-// site in symbology blocks, pixels of a 512 by 512 page in graphic blocks.
+// Coordinates of records are the numbers in the product: those of its domain,
+// and in a graphic block pixels of a 512 by 512 page.
 struct NIDS_vector_data {
     float val = 0;
     float x1 = 0, y1 = 0, x2 = 0, y2 = 0;
