@@ -52,9 +52,9 @@ struct Map {
     float xfactor = missing_f;
     float yfactor = missing_f;
     float mult = missing_f;
-    float scale = 1.0F;       // 1 north, -1 south
-    double sin_lat0 = 0.0;    // of the reference latitude
-    double cos_lat0 = 1.0;    //
+    float scale = 1.0F;    // 1 north, -1 south
+    double sin_lat0 = 0.0; // sine and cosine of the reference latitude
+    double cos_lat0 = 1.0;
     bool scan_angles = false; // satellite: scan angles in place of tangents
 
     int plot_limit = missing;
@@ -299,8 +299,10 @@ Pair mollweide(const Map& m, double lat, double lon) {
             break;
         }
         const auto step = static_cast<float>(-(t + std::sin(t * 1.0) - target) / slope);
+        const float before = t;
         t += step;
-        if (std::fabs(step) < 1.0e-10F) {
+        // Once `t` stands still every further turn gives the same.
+        if (t == before || std::fabs(step) < 1.0e-10F) {
             break;
         }
     }
