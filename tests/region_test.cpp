@@ -24,9 +24,7 @@ class Region : public testing::Test {
 protected:
     void SetUp() override {
         MESS_set(1, mess_print | mess_error | mess_warn);
-        dir_ = testing::TempDir() + "region_" +
-               testing::UnitTest::GetInstance()->current_test_info()->name();
-        std::filesystem::remove_all(dir_);
+        dir_ = testing::TempDir() + "region_test." + std::to_string(getpid());
         std::filesystem::create_directories(dir_);
         RES_put("file_path", dir_.c_str());
     }
