@@ -106,33 +106,24 @@ TEST(Cont, ListsOfLevelsAndColors) {
 }
 
 TEST(Cont, ColorOfAValue) {
-    const struct {
-        const char* list;
-        std::vector<float> values;
-        const char* colors;
-    } rows[] = {
-        {"0:red,5:green,5:blue,10:yellow,20:off",
-         {-0.01F, 0, 4.99F, 5, 19.99F, 20},
-         "none red red blue yellow none "                                                               },
-        {"0:red,5:green,10:yellow",               {1e30F, missing_f, std::nanf("")}, "yellow none none "},
-        {"0:red,10:green,5:blue",                 {7, 12},                           "red blue "        },
-        {"red,green,blue,cyan,yellow",
-         {0, 17, 9.9F, 9.96F, 25, -0.1F, 3e38F},
-         "red cyan green blue red yellow red "                                                          },
-    };
-    for (const auto& row : rows) {
+    const auto colors = [](const char* list, const std::vector<float>& values) {
         start();
-        CONT_set_fill_colors(row.list, 1);
+        CONT_set_fill_colors(list, 1);
         CONT_set_base(0);
-        if (!is_set(cont::state().cont_value[0])) {
-            CONT_set_intrvl(5);
+        CONT_set_intrvl(5); // explicit levels pay no heed to it
+        std::string all;
+        for (const float value : values) {
+            all += color_of(value) + " ";
         }
-        std::string colors;
-        for (const float value : row.values) {
-            colors += color_of(value) + " ";
-        }
-        EXPECT_EQ(colors, row.colors) << row.list;
-    }
+        return all;
+    };
+    EXPECT_EQ(colors("0:red,5:green,5:blue,10:yellow,20:off", {-0.01F, 0, 4.99F, 5, 19.99F, 20}),
+              "none red red blue yellow none ");
+    EXPECT_EQ(colors("0:red,10:green,5:blue", {7, 12}), "red blue ");
+    EXPECT_EQ(colors("red,green,blue,cyan,yellow", {0, 17, 9.9F, 9.96F, 25, -0.1F, 3e38F}),
+              "red cyan green blue red yellow red ");
+    EXPECT_EQ(colors("0:red,5:green,10:blue", {1e30F, missing_f, std::nanf("")}),
+              "blue none none ");
     CONT_set_cutoff(10, missing_f);
     CONT_set_cutoff(missing_f, 1);
     EXPECT_EQ(color_of(0.9F) + color_of(1.0F) + color_of(10.0F) + color_of(10.1F),
@@ -226,40 +217,31 @@ TEST(Cont, LevelFiles) {
 }
 
 TEST(Cont, IntervalsAndExtent) {
-    const std::array<float, 4> rows[] = {
-  // max, min, number, interval
-        {100,     0, 15, 7       },
-        {15,      0, 15, 1       },
-        {3,       0, 10, 0.3F    },
-        {0.25F,   0, 10, 0.03F   },
-        {0.025F,  0, 10, 0.003F  },
-        {5,       5, 10, 1       },
-        {0.0025F, 0, 10, 0.0003F },
-        {0.0001F, 0, 10, 0.00001F},
-        {8,       0, 0,  8       }
-    };
-    for (const auto& [max, min, num, intrvl] : rows) {
-        EXPECT_FLOAT_EQ(CONT_calc_intrvl(max, min, static_cast<int>(num)), intrvl) << max;
-    }
-    const std::array<float, 7> extents[] = {
-  // max, min, base, interval: low, high, number
-        {16,   0,   0,         4,         0,     20,   5},
-        {6,    0,   -0.5F,     1,         -0.5F, 7.5F, 8},
-        {6.2F, 0,   -0.5F,     1,         -0.5F, 6.5F, 7},
-        {0,    8,   0,         4,         0,     8,    2},
-        {-3,   -17, missing_f, 5,         -20,   0,    4},
-        {100,  0,   0,         missing_f, 0,     125,  5}
-    };
-    for (const auto& [max, min, base, intrvl, low, high, num] : extents) {
+    const std::vector<float> intervals = {
+        CONT_calc_intrvl(100, 0, 15),    CONT_calc_intrvl(3, 0, 10),
+        CONT_calc_intrvl(0.25F, 0, 10),  CONT_calc_intrvl(0.0025F, 0, 10),
+        CONT_calc_intrvl(0.001F, 0, 32), CONT_calc_intrvl(5, 5, 10),
+        CONT_calc_intrvl(8, 0, 0)};
+    EXPECT_EQ(intervals, (std::vector<float>{7, 0.3F, 0.03F, 0.0003F, 0.001F / 32, 1, 8}));
+    // Lowest level, top of the highest and number.
+    const auto extent = [](float max, float min, float base, float intrvl) {
         start();
         set_regular("red,green,blue,cyan,yellow", base, intrvl, max, min);
-        EXPECT_EQ(CONT_set_cont_ext(nullptr), 0);
+        const int result = CONT_set_cont_ext(nullptr);
         const cont::State& s = cont::state();
-        EXPECT_TRUE(s.conlo == low && s.conhi == high && s.num_cont == static_cast<int>(num))
-            << max << ": " << s.conlo << " " << s.conhi << " " << s.num_cont;
-    }
-    start();
-    EXPECT_EQ(CONT_set_cont_ext(nullptr), -1);
+        return std::to_string(result) +
+               show({
+                   {s.conlo, s.conhi}
+        }) +
+               std::to_string(s.num_cont);
+    };
+    EXPECT_EQ(extent(16, 0, 0, 4), "0(0.00,20.00)5");
+    EXPECT_EQ(extent(6, 0, -0.5F, 1), "0(-0.50,7.50)8"); // the range ends on the top level
+    EXPECT_EQ(extent(6.2F, 0, -0.5F, 1), "0(-0.50,6.50)7");
+    EXPECT_EQ(extent(0, 8, 0, 4), "0(0.00,8.00)2");
+    EXPECT_EQ(extent(-3, -17, missing_f, 5), "0(-20.00,0.00)4");
+    EXPECT_EQ(extent(100, 0, 0, missing_f), "0(0.00,125.00)5");
+    EXPECT_EQ(extent(missing_f, 0, 0, 4), "-1(-9999.00,-9999.00)" + std::to_string(5));
 }
 
 TEST(Cont, PlotParamWords) {
@@ -488,7 +470,11 @@ TEST(Contour, GridsOnOtherDomains) {
 }
 
 TEST(Contour, FiguresOverTheEdgeOfTheMap) {
-    const auto drawn = [](int proj, const std::vector<Gpt>& pts) {
+    const auto drawn = [](int proj, const std::vector<float>& xy) {
+        std::vector<Gpt> pts;
+        for (std::size_t i = 0; i + 1 < xy.size(); i += 2) {
+            pts.push_back({xy[i], xy[i + 1]});
+        }
         start();
         FigurePage page(plane_domain(361, 181, proj), ZYR_SOURCE_DIR);
         page.window({-200, 200, -100, 100});
@@ -501,45 +487,16 @@ TEST(Contour, FiguresOverTheEdgeOfTheMap) {
         }
         return all;
     };
-    EXPECT_EQ(drawn(proj_latlon,
-                    {
-                        {179,  0},
-                        {-179, 0},
-                        {-179, 5}
-    }),
+    EXPECT_EQ(drawn(proj_latlon, {179, 0, -179, 0, -179, 5}),
               "A(179.00,0.00) (181.00,0.00) (181.00,5.00) "
               "A(-181.00,0.00) (-179.00,0.00) (-179.00,5.00) ");
-    EXPECT_EQ(drawn(proj_latlon,
-                    {
-                        {179,  0},
-                        {-178, 5}
-    }),
+    EXPECT_EQ(drawn(proj_latlon, {179, 0, -178, 5}),
               "L(179.00,0.00) (182.00,5.00) L(-181.00,0.00) (-178.00,5.00) ");
-    EXPECT_EQ(drawn(proj_latlon,
-                    {
-                        {10, 0},
-                        {12, 5}
-    }),
-              "L(10.00,0.00) (12.00,5.00) ");
-    EXPECT_EQ(drawn(proj_mollweide,
-                    {
-                        {-126, 0},
-                        {126,  0}
-    }),
+    EXPECT_EQ(drawn(proj_latlon, {10, 0, 12, 5}), "L(10.00,0.00) (12.00,5.00) ");
+    EXPECT_EQ(drawn(proj_mollweide, {-126, 0, 126, 0}),
               "L(128.85,0.00) (126.00,0.00) L(-126.00,0.00) (-128.85,0.00) ");
-    EXPECT_EQ(drawn(proj_lambert,
-                    {
-                        {-60, 0},
-                        {60,  0}
-    }),
-              "");
-    EXPECT_EQ(drawn(proj_lambert,
-                    {
-                        {-60, 0},
-                        {60,  0},
-                        {60,  5}
-    }),
-              "");
+    EXPECT_EQ(drawn(proj_lambert, {-60, 0, 60, 0}), "");
+    EXPECT_EQ(drawn(proj_lambert, {-60, 0, 60, 0, 60, 5}), "");
 }
 
 // --- Colour bar -------------------------------------------------------------
