@@ -115,7 +115,7 @@ int NIDS_set_colors(const NIDS_info& info) {
 
 NIDS_fills::NIDS_fills() : pattern_(CONT_get_fill_pat()) {}
 
-const Gattribs* NIDS_fills::get(float value) {
+const Gattribs* NIDS_fills::find(float value) {
     std::uint32_t bits = 0;
     std::memcpy(&bits, &value, sizeof bits);
     Slot& slot = slots_[(bits * 0x9E3779B1U) >> 22];

@@ -22,9 +22,17 @@ class NIDS_fills {
 public:
     NIDS_fills();
     // Null for a value that is not drawn. Valid until the next call.
-    const Gattribs* get(float value);
+    const Gattribs* get(float value) {
+        if (value != last_value_) { // neighbours are often equal
+            last_ = find(value);
+            last_value_ = value;
+        }
+        return last_;
+    }
 
 private:
+    const Gattribs* find(float value);
+
     struct Slot {
         bool used = false;
         std::uint32_t bits = 0; // of the value
@@ -32,6 +40,8 @@ private:
     };
     std::array<Slot, 1024> slots_{};
     int pattern_; // takes the place of each step's own; missing: none
+    float last_value_ = missing_f;
+    const Gattribs* last_ = nullptr; // a missing value is never drawn
 };
 
 // --- Symbology packets (nids_draw.cpp) ----------------------------------------

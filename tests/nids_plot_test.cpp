@@ -7,10 +7,11 @@
 
 #include "nids.h"
 #include "nids_draw.h"
+#include "nids_page.h"
 #include "nids_writer.h"
-#include "run_program.h"
 
 #include "cont.h"
+#include "files.h"
 #include "map.h"
 #include "maptran.h"
 #include "plt_tool.h"
@@ -20,7 +21,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -39,39 +40,19 @@ std::string sample_text(const std::string& name) {
     return "";
 }
 
-// A page drawn by the program, without the line that changes from run to run
-// and without the strokes of texts, which are the font's.
-struct Page {
-    ProgramRun run;
+// What a golden file keeps of a page: all but the line that changes from run to
+// run and the strokes of texts, which are the font's.
+std::string golden_text(const std::string& page) {
+    std::istringstream lines(page);
     std::string text;
-    [[nodiscard]] int figures() const {
-        int count = 0;
-        for (auto at = text.find("%%FA:"); at != std::string::npos;
-             at = text.find("%%FA:", at + 1)) {
-            count++;
-        }
-        return count;
-    }
-};
-
-Page plot(const TempDir& dir, const std::string& file, const std::vector<std::string>& options) {
-    ProgramCall call;
-    call.args = {"-inp", "nids", "-de", "p,page.ps", "-fp", ZYR_SOURCE_DIR "/etc", file};
-    call.args.insert(call.args.end(), options.begin(), options.end());
-    call.env = {
-        {"zyrcurtime", "201905202235"}
-    };
-    call.directory = dir.path();
-    Page page{run_program(ZYR_PROGRAM, call), ""};
-    std::istringstream lines(read_text(dir.path() + "/page.ps"));
     bool in_text = false;
     for (std::string line; std::getline(lines, line);) {
         in_text = line.starts_with("%%TE") || (in_text && !line.starts_with("%%"));
         if (!line.starts_with("%%CreationDate") && (!in_text || line.starts_with("%%TE"))) {
-            page.text += line + "\n";
+            text += line + "\n";
         }
     }
-    return page;
+    return text;
 }
 
 class Program : public testing::Test {
@@ -86,126 +67,94 @@ protected:
 } // namespace
 
 TEST_F(Program, GoldenPages) {
-    struct Row {
-        const char* golden;
-        const char* sample;
-        std::vector<std::string> options;
+    const TempDir dir;
+    const std::vector<std::array<const char*, 3>> rows = {
+  // golden file, sample, options
+        {"nids_radial",   "radial",  "-dr data,sum,bord -pp site,dist=50:100"           },
+        {"nids_digital",  "digital", "-dr sum,text"                                     },
+        {"nids_raster",   "raster",  "-dr sum -pp nobar"                                },
+        {"nids_precip",   "precip",  "-dr sum -pp nobar"                                },
+        {"nids_wind",     "wind",    "-dr sum"                                          },
+        {"nids_symbols",  "symbols", "-dr sum -pp nobar"                                },
+        {"nids_mercator", "radial",  "-dr sum -pp nobar -pd merc,35.3,-97.3,41,31,.1,.1"},
     };
-    const std::vector<Row> rows = {
-        {"nids_radial",   "radial",  {"-dr", "data,sum,bord", "-pp", "site,dist=50:100"}                 },
-        {"nids_digital",  "digital", {"-dr", "sum,text"}                                                 },
-        {"nids_raster",   "raster",  {"-dr", "sum", "-pp", "nobar"}                                      },
-        {"nids_precip",   "precip",  {"-dr", "sum", "-pp", "nobar"}                                      },
-        {"nids_wind",     "wind",    {"-dr", "sum"}                                                      },
-        {"nids_symbols",  "symbols", {"-dr", "sum", "-pp", "nobar"}                                      },
-        {"nids_mercator",
-         "radial",                   {"-dr", "sum", "-pp", "nobar", "-pd", "merc,35.3,-97.3,41,31,.1,.1"}},
-    };
-    for (const Row& row : rows) {
-        const TempDir dir;
-        dir.write("product", sample_text(row.sample));
-        const Page page = plot(dir, "./product", row.options);
-        EXPECT_EQ(page.run.code, 0) << row.golden << "\n" << page.run.err;
-        const std::string golden =
-            std::string(ZYR_SOURCE_DIR "/tests/data/golden/") + row.golden + ".ps";
+    for (const auto& [name, sample, options] : rows) {
+        dir.write("product", sample_text(sample));
+        const NidsPage page = nids_page(dir, std::string("./product ") + options);
+        EXPECT_EQ(page.run.code, 0) << name << "\n" << page.run.err;
+        const std::string golden = std::string(ZYR_SOURCE_DIR "/tests/data/golden/") + name + ".ps";
+        const std::string text = golden_text(page.text);
         if (std::getenv("ZYR_UPDATE_GOLDEN") != nullptr) {
-            std::ofstream(golden) << page.text;
+            std::ofstream(golden) << text;
         }
-        EXPECT_EQ(page.text, read_text(golden)) << row.golden;
+        EXPECT_EQ(text, read_text(golden)) << name;
     }
 }
 
+// The radial sample: 15 bins off and 9 at 20 dBZ; 15 and 9; none; 8 and 15. The
+// rows of the raster sample: 15 and 5 cells; 3; none; 9; 4.
 TEST_F(Program, FiguresFollowTheOptions) {
     struct Row {
-        const char* sample;
-        std::vector<std::string> options;
         int figures;
-        const char* note;
+        const char* args;
     };
-    // The radial sample: runs of 15 (off), 9 at 20; 15 at 25, 9 at 45; none; 8 and 15 at 70.
-    const std::string plain = "nobar";
+    const TempDir dir;
+    for (const char* sample : {"radial", "digital", "raster"}) {
+        dir.write(sample, sample_text(sample));
+    }
     const std::vector<Row> rows = {
-        {"radial",  {"-pp", plain},                                 9 + 15 + 9 + 8 + 15, "a figure a bin"                   },
-        {"radial",  {"-pp", plain + ",clutter"},                    0,                   "24 bins lie within the default 25"},
-        {"radial",  {"-pp", plain + ",clutter:18"},                 6 + 0 + 6 + 0 + 5,   "a run crosses the limit"          },
-        {"radial",  {"-pp", plain + ",clutter,noclutter"},          56,                  "the last word counts"             },
-        {"radial",  {"-pp", plain, "-dr", "data,map,text"},         0,                   "no summary"                       },
-        {"digital", {"-pp", plain},                                 8 * 4,               "levels 0 to 66 are below 5 dBZ"   },
-        {"raster",
-         {"-pp", plain},
-         1 + 1 + 1 + 1,
-         "runs in pieces of 10 cells, two of them beside the page"                                                          },
-        {"raster",
-         {"-pp", plain, "-pd", "merc,35.3,-97.3,41,31,.1,.1"},
-         15 + 5 + 3 + 9 + 4,
-         "a figure a cell on another projection"                                                                            },
-        {"radial",  {"-pp", plain, "-pd", "ps,-35,80,41,31,.1,.1"}, 0,                   "elsewhere"                        },
+        {56,        " ./radial"                                },
+        {0,         ",clutter ./radial"                        }, // 24 bins lie within the default 25
+        {6 + 6 + 5, ",clutter:18 ./radial"                     },
+        {56,        ",clutter,noclutter ./radial"              },
+        {0,         " ./radial -dr data"                       },
+        {0,         " ./radial -pd ps,-35,80,41,31,.1,.1"      }, // elsewhere
+        {8 * 4,     " ./digital"                               }, // levels up to 66 lie below 5 dBZ
+        {4,         " ./raster"                                }, // pieces of 10 cells, two beside the page
+        {36,        " ./raster -pd merc,35.3,-97.3,41,31,.1,.1"}, // a figure a cell
+        {56 + 32,   " ./radial ./digital"                      },
+        {56,        " ./none ./radial"                         }, // a missing file is left out of a sequence
     };
     for (const Row& row : rows) {
-        const TempDir dir;
-        dir.write("product", sample_text(row.sample));
-        std::vector<std::string> options = row.options;
-        if (options.size() < 3 || options[2] != "-dr") {
-            options.insert(options.end(), {"-dr", "sum"});
-        }
-        const Page page = plot(dir, "./product", options);
-        EXPECT_EQ(page.run.code, 0) << row.note;
-        EXPECT_EQ(page.figures(), row.figures) << row.sample << ": " << row.note;
+        const std::string args = std::string("-dr sum -pp nobar") + row.args;
+        const NidsPage page = nids_page(dir, args);
+        EXPECT_EQ(page.run.code, 0) << args << page.run.err;
+        EXPECT_EQ(page.figures(), row.figures) << args;
     }
 }
 
-TEST_F(Program, SeveralFilesAreOneSequence) {
+TEST_F(Program, SingleFilesThatDoNotOpenEndTheRun) {
     const TempDir dir;
-    dir.write("first", sample_text("radial"));
-    dir.write("second", sample_text("digital"));
     dir.write("refused", "R3");
-    struct Row {
-        std::vector<std::string> files;
-        int code, figures;
-        const char* message;
-    };
-    const std::vector<Row> rows = {
-        {{"./first", "./second"},  0,  56 + 32, ""                                               },
-        {{"./missing", "./first"}, 0,  56,      "NIDS_open_file: Unable to open file:./missing\n"},
-        {{"./missing"},            10, 0,       "NIDS_open_file: Unable to open file:./missing\n"},
-        {{"./refused"},            10, 0,       "NIDS_open_file: Unable to read file:./refused\n"},
-    };
-    for (const Row& row : rows) {
-        std::vector<std::string> options(row.files.begin() + 1, row.files.end());
-        options.insert(options.end(), {"-dr", "sum", "-pp", "nobar"});
-        const Page page = plot(dir, row.files[0], options);
-        EXPECT_EQ(page.run.code, row.code) << row.files[0];
-        EXPECT_EQ(page.figures(), row.figures) << row.files[0];
-        EXPECT_NE(page.run.err.find(row.message), std::string::npos) << page.run.err;
-    }
+    const NidsPage none = nids_page(dir, "./none");
+    EXPECT_EQ(none.run.code, 10);
+    EXPECT_EQ(count_text(none.run.err, "NIDS_open_file: Unable to open file:./none\n"), 2);
+    const NidsPage refused = nids_page(dir, "./refused");
+    EXPECT_EQ(refused.run.code, 10);
+    EXPECT_EQ(count_text(refused.run.err, "NIDS_open_file: Unable to read file:./refused\n"), 2);
 }
 
 TEST_F(Program, WritesTheTextGridFile) {
     const TempDir dir;
     dir.write("product", sample_text("precip"));
-    EXPECT_EQ(plot(dir, "./product", {"-of", "zyr:@./grid.txt", "-dr", "sum"}).run.code, 0);
-    std::istringstream lines(read_text(dir.path() + "/grid.txt"));
-    std::vector<std::string> line;
-    for (std::string text; std::getline(lines, text);) {
-        line.push_back(text);
-    }
-    ASSERT_EQ(line.size(), 4U + 131 + 131);
-    EXPECT_EQ(line[0], "ZYRGRID");
-    EXPECT_EQ(line[1], "2231Z 20 MAY 19");
-    EXPECT_EQ(line[2], "Digital precip array (in)");
-    EXPECT_EQ(line[3], "PS:-105.000000 35.333000 -97.278000 0.047596 0.047596 2 2");
-    EXPECT_EQ(line[4], "0.002512") << "level 0: -6 dB, 10^(v / 10) / 100";
-    EXPECT_EQ(line[4 + 100], "-9999.000000") << "level 255";
-    EXPECT_EQ(line[4 + 131], "0.007943") << "level 40: -1 dB";
+    EXPECT_EQ(nids_page(dir, "./product -of zyr:@./grid.txt -dr sum").run.code, 0);
+    const std::string grid = read_text(dir.path() + "/grid.txt");
+    EXPECT_TRUE(grid.starts_with("ZYRGRID\n2231Z 20 MAY 19\nDigital precip array (in)\n"
+                                 "PS:-105.000000 35.333000 -97.278000 0.047596 0.047596 2 2\n"))
+        << grid.substr(0, 200);
+    EXPECT_EQ(count_text(grid, "\n0.002512"), 100) << "level 0: -6 dB, 10^(v / 10) / 100";
+    EXPECT_EQ(count_text(grid, "\n-9999.000000"), 31) << "level 255";
+    EXPECT_EQ(count_text(grid, "\n0.007943"), 131) << "level 40: -1 dB";
+    EXPECT_EQ(count_text(grid, "\n"), 4 + 2 * 131);
 }
 
 // --- In one process -------------------------------------------------------------
 
 namespace {
 
-void open_session() {
+void open_session(const std::string& device) {
     RES_put("file_path", ZYR_SOURCE_DIR "/etc");
-    RES_put("device", "p,/dev/null");
+    RES_put("device", device.c_str());
     RES_conv_data("none", nullptr, CV_mess);
     FLAG_resetplot(1);
     FLAG_setplot(0, 0); // no texts
@@ -230,8 +179,8 @@ int draw_bytes(const Bytes& bytes, const TempDir& dir) {
 
 } // namespace
 
-TEST(NidsDamaged, CutChangedAndNoise) {
-    open_session();
+TEST(NidsDamaged, CutAndChangedAtEveryByte) {
+    open_session("p,/dev/null");
     const TempDir dir;
     std::mt19937 random(20190520);
     int opened = 0;
@@ -244,62 +193,73 @@ TEST(NidsDamaged, CutChangedAndNoise) {
         }
     }
     EXPECT_GT(opened, 1000);
-    Bytes noise(3000);
-    for (int i = 0; i < 50; i++) {
-        for (auto& byte : noise) {
-            byte = static_cast<std::uint8_t>(random());
-        }
-        draw_bytes(noise, dir);
-    }
     PLT_close();
+}
+
+TEST(NidsRedraw, ZoomAndRefreshDrawAgain) {
+    const TempDir dir;
+    const std::string page = dir.path() + "/page.ps";
+    const std::string radial = sample_text("radial");
+    open_session("p," + page);
+    setenv("zyrcurtime", "201905202230", 1);
+    RES_put("data_path", dir.path().c_str());
+    FILE_set_name("@%D/%Y%m%d%h%10n");
+    RES_put("filename", dir.write("201905202220", radial).c_str());
+    char name[file_name_size];
+    FILE_get_file("", name);
+    NIDS_set_date(nullptr);
+    Domain domain;
+    ASSERT_EQ(DOM_decode("merc,35.3,-97.3,41,31,.1,.1", &domain), 1);
+
+    PLT_set_zoom_func(NIDS_plot); // as the first plot does
+    EXPECT_EQ(NIDS_plot(&domain), 0);
+    EXPECT_EQ(gchk_graphics(), 1) << "a redraw leaves the session open";
+    EXPECT_EQ(PLT_plot_zoom("r-Alt", 0, 0), 0);
+    EXPECT_EQ(NIDS_plot_nextfile(), 0) << "the file on show is the newest";
+    dir.write("201905202230", radial);
+    NIDS_plot_nextfile();
+    NIDS_plot_nextfile();
+    PLT_close();
+    EXPECT_EQ(count_text(read_text(page), "NIDS Sum"), 3) << "two plots and one newer file";
 }
 
 TEST(NidsColors, FollowTheCodeAndForgetTheFrameBefore) {
     RES_put("file_path", ZYR_SOURCE_DIR "/etc");
     RES_conv_data("none", nullptr, CV_mess);
     CLR_read_table(nullptr);
-    struct Row {
-        int code;
-        float value;
-        const char* color;
+    // Code, then values with the colours wanted.
+    const std::vector<const char*> rows = {
+        "94 -100 off 5 blue 4.99 off 99 white",
+        "48 3 lblue 17 lred 0 lblue",
+        "19 5 blue -1 off",
+        "27 0.5 off",
+        "154 -71 off -70 blue",
+        "56 -1 off",
+        "134 0 blue",
+        "165 140 dgray",
+        "161 0 yellow",
+        "159 -.9 dgray",
+        "172 .01 blue -99.99 off",
+        "48 3 lblue",
+        "177 60 dgreen",
+        "37 -9999 off 5 blue",
     };
-    const std::vector<Row> rows = {
-        {94,  -100,      "off"   },
-        {94,  5,         "blue"  },
-        {94,  4.99F,     "off"   },
-        {94,  99,        "white" },
-        {48,  3,         "lblue" },
-        {48,  17,        "lred"  },
-        {19,  5,         "blue"  },
-        {19,  -1,        "off"   },
-        {27,  0.5F,      "off"   },
-        {154, -71,       "off"   },
-        {154, -70,       "blue"  },
-        {56,  -1,        "off"   },
-        {134, 0,         "blue"  },
-        {165, 140,       "dgray" },
-        {161, 0,         "yellow"},
-        {159, -.9F,      "dgray" },
-        {172, .01F,      "blue"  },
-        {138, 0,         "off"   },
-        {177, 60,        "dgreen"},
-        {48,  0,         "lblue" },
-        {37,  missing_f, "off"   },
-        {186, 75,        "white" },
-    };
-    for (const Row& row : rows) {
+    for (const char* row : rows) {
+        std::istringstream in(row);
         NIDS_info info;
-        info.code = row.code;
+        in >> info.code;
         for (int i = 0; i < nids_num_thres; i++) {
             info.thres[i] = i == 0 ? -100.0F : static_cast<float>(5 * i);
         }
         NIDS_set_colors(info);
-        NIDS_fills fills;
-        const Gattribs* attrib = fills.get(row.value);
-        EXPECT_EQ(attrib == nullptr ? -1 : attrib->color, CLR_get_ind(row.color))
-            << row.code << ": " << row.value;
-        EXPECT_EQ(fills.get(row.value) == nullptr, attrib == nullptr) << "asked again";
         EXPECT_EQ(CONT_get_type(), 15);
+        NIDS_fills fills;
+        std::string color;
+        for (float value = 0; in >> value >> color;) {
+            const Gattribs* attrib = fills.get(value);
+            EXPECT_EQ(attrib == nullptr ? -1 : attrib->color, CLR_get_ind(color.c_str()))
+                << row << ": " << value;
+        }
     }
 }
 
