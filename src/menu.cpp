@@ -40,7 +40,7 @@ void print_item(const Visible& list, int number, bool left) {
     if (*name == '-') {
         MESS_print(mess_print, " --------------------               %s", left ? "" : "\n");
     } else {
-        MESS_print(mess_print, " %2d: %-30s %s", number, name, left ? "" : "\n");
+        MESS_print(mess_print, " %2d: %-30s%s", number, name, left ? " " : "\n");
     }
 }
 

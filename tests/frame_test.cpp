@@ -1,0 +1,622 @@
+// The program frame: flags, messages, the resource database with its
+// arguments and conversions, the loop window link, prompts and menus.
+#include "files.h"
+#include "mqueue.h"
+#include "queue_peer.h"
+#include "rad_input.h"
+#include "run_program.h"
+#include "var_tool.h"
+#include "zyr.h"
+#include "zyrresrc.h"
+
+#include <array>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <map>
+
+namespace {
+
+using testing::internal::CaptureStderr;
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStderr;
+using testing::internal::GetCapturedStdout;
+
+constexpr res_type keys[] = {RES_help,        RES_batch,      RES_message,    RES_file_path,
+                             RES_inputg,      RES_in_file,    RES_file_param, RES_hour,
+                             RES_plot_domain, RES_stat_prior, RES_plot_type,  RES_plot_scale,
+                             RES_plot_param,  RES_draw,       RES_label,      RES_con_interval,
+                             RES_color_label, RES_device,     RES_icon,       RES_null};
+constexpr res_type positions[] = {RES_filenames, RES_null};
+
+// Starts the database as "prog ARGS" would, with no defaults file but `search`.
+void start(std::vector<std::string> args, const char* search = "/nowhere") {
+    args.insert(args.begin(), "/usr/bin/prog");
+    std::vector<char*> argv;
+    for (std::string& arg : args) {
+        argv.push_back(arg.data());
+    }
+    argv.push_back(nullptr);
+    setenv("zyrdefault", search, 0);
+    RES_init(static_cast<int>(args.size()), argv.data(), keys, positions);
+    RES_setCL(0, nullptr); // the texts do not outlive this call
+}
+
+std::string value(const char* name) {
+    const char* text = RES_get(name);
+    return text != nullptr ? text : "(absent)";
+}
+
+unsigned level_mask() {
+    unsigned mask = 0;
+    for (unsigned bit = 1; bit != 0; bit <<= 1) {
+        mask |= MESS_check(bit) != 0 ? bit : 0;
+    }
+    return mask;
+}
+
+std::string plot_switches() {
+    std::string text;
+    for (int i = 0; i < 13; ++i) {
+        text += (i > 0 ? "," : "") + std::to_string(FLAG_getplot(i));
+    }
+    return text;
+}
+
+} // namespace
+
+TEST(Flag, KeepsToItsTables) {
+    EXPECT_EQ(FLAG_get(29), missing);
+    for (int n : {-1, 30}) {
+        EXPECT_EQ(FLAG_set(n, 5), -1);
+        EXPECT_EQ(FLAG_get(n), 0);
+    }
+    EXPECT_EQ(FLAG_setl(3, 1L << 40), 0);
+    EXPECT_EQ(FLAG_getl(3), 1L << 40);
+    FLAG_setplot(1, 0);
+    EXPECT_EQ(plot_switches(), "5,0,1,1,1,1,1,1,1,1,1,1,15");
+    FLAG_setplot(0, 0);
+    FLAG_setplot(7, 0);
+    EXPECT_EQ(plot_switches(), "0,0,0,0,0,0,0,0,1,1,1,1,4");
+    FLAG_setplot(12, 0);
+    EXPECT_EQ(plot_switches(), "0,0,0,0,0,0,0,0,0,0,0,0,0");
+}
+
+TEST(Mess, LevelsFollowTheText) {
+    struct Row {
+        const char* text;
+        unsigned mask;
+    };
+    for (const Row& row : std::initializer_list<Row>{
+             {"WARN",        0xFF      },
+             {"none",        0         },
+             {"debug",       0xFFFFFFFF},
+             {"debugb",      0x3FFFFFFF},
+             {"+debuga",     0x100FFFFF},
+             {"-warn",       0xFFF3F   },
+             {"print,+out4", 0xF00000F },
+             {"what",        0         },
+             {"+what",       0xFFFFF   },
+             {"page,line=5", 0xFFFFF   }
+    }) {
+        MESS_set(0, 0xFFFFF);
+        MESS_set_str(row.text);
+        EXPECT_EQ(level_mask(), row.mask) << row.text;
+    }
+    MESS_set(0, 0xFFFFF);
+    MESS_set(9, 0xF0);
+    MESS_set(11, 0x100000);
+    MESS_set(20, 1); // ignored: there were settings before
+    MESS_set(5, 1);
+    EXPECT_EQ(level_mask(), 0x1FFF0FU);
+}
+
+TEST(Mess, LogsAndScreenTakeTheSameText) {
+    const TempDir dir;
+    const std::string log = dir.path() + "/new/log";
+    struct Row {
+        const char* kind;
+        const char* screen;
+        const char* in_log;
+    };
+    for (const Row& row : std::initializer_list<Row>{
+             {"+fi=", "a 7\n", "old a 7\n"},
+             {"-fi=", "a 7\n", "a 7\n"    },
+             {"dfi=", "a 7\n", "old a 7\n"},
+             {"fi=",  "",      "old a 7\n"},
+             {"@fi=", "a 7\n", " -- a 7\n"}
+    }) {
+        dir.write("new/log", "old ");
+        MESS_set_str((row.kind + log).c_str());
+        CaptureStdout();
+        EXPECT_EQ(MESS_print(mess_print, "%s %d\n", "a", 7), *row.screen != '\0' ? 1 : 0);
+        EXPECT_EQ(GetCapturedStdout(), row.screen) << row.kind;
+        MESS_set_str("none"); // any item; the next log closes this one
+        MESS_set_str(("+fi=" + dir.path() + "/other,out2").c_str());
+        const std::string text = read_text(log);
+        EXPECT_NE(text.find(row.in_log), std::string::npos) << row.kind << text;
+    }
+    // One warning, then silence, on the screen that the log was to replace.
+    CaptureStderr();
+    MESS_set_str(("fi=" + dir.path()).c_str());
+    MESS_print(mess_error, "lost\n");
+    const std::string errors = GetCapturedStderr();
+    EXPECT_EQ(errors, "MESS_set_str: Unable to open log file: " + dir.path() + "\n");
+    CaptureStderr();
+    MESS_set_str(("dfi=" + dir.path()).c_str());
+    MESS_print(mess_error, "one\n");
+    MESS_print(mess_error, "two\n");
+    const std::string each = GetCapturedStderr();
+    EXPECT_EQ(each.substr(each.find('\n')), "\none\ntwo\n");
+}
+
+TEST(Mess, PagesAfterALineTooMany) {
+    FLAG_reset(missing);
+    feed_stdin("\n\n");
+    MESS_set_str("page");
+    const auto shows_hold = [](int newlines, int times) {
+        CaptureStdout();
+        for (int i = 0; i < times; ++i) {
+            MESS_print(mess_print, newlines == 1 ? "%s\n" : "%s\n\n", "x\nx\nx\n");
+        }
+        return GetCapturedStdout().find("Press return") != std::string::npos;
+    };
+    EXPECT_FALSE(shows_hold(1, 22)); // lines count as in the format
+    EXPECT_TRUE(shows_hold(1, 1));
+    EXPECT_FALSE(shows_hold(2, 11));
+    EXPECT_TRUE(shows_hold(2, 1));
+    FLAG_set_batch(1);
+    EXPECT_FALSE(shows_hold(2, 30));
+    MESS_set_page(1);
+}
+
+TEST(Arguments, ReachTheirRows) {
+    struct Row {
+        std::vector<std::string> args;
+        const char* name;
+        const char* expected;
+    };
+    const std::string long_name(60, 'q');
+    const std::string cut_name(49, 'q');
+    const std::vector<Row> rows = {
+        {{"-in", "5"},                         "con_interval",   "5"            },
+        {{"-inp", "nids"},                     "input",          "nids"         },
+        {{"-INPUT=nids"},                      "input",          "nids"         },
+        {{"--plot_t", "cf"},                   "plot_type",      "cf"           },
+        {{"-p", "cf"},                         "plot_domain",    "cf"           }, // the table's order decides
+        {{"-pd", "-90,30"},                    "plot_domain",    "-90,30"       },
+        {{"-pd", "-de"},                       "plot_domain",    ""             },
+        {{"-pp", "--x"},                       "plot_param",     "--x"          },
+        {{"-ic", "file"},                      "icon",           ""             },
+        {{"-ic", "file"},                      "filename",       "file"         },
+        {{"-ic=no", "file"},                   "icon",           "no"           },
+        {{"-ba", "a", "--", "-", "-3", "b,c"}, "filename",       "a\n-\n-3\nb,c"},
+        {{"-la", "x", "-la", "y"},             "label",          "y"            },
+        {{"-" + long_name + "=v"},             cut_name.c_str(), "v"            },
+        {{"-unknown", "v"},                    "unknown",        "v"            },
+        {{"-n", "T"},                          "name",           "T"            },
+        {{"--name", "T", "f"},                 "name",           "(absent)"     },
+        {{"--name", "T", "f"},                 "filename",       "f"            },
+        {{"-dfault", "/x"},                    "default",        "/x"           },
+        {{"-de", "p", "-default=/y"},          "default",        "/y"           },
+        {{},                                   "filename",       "(absent)"     },
+    };
+    for (const Row& row : rows) {
+        const std::string got = in_child([&] {
+            start(row.args);
+            return value(row.name);
+        });
+        EXPECT_EQ(got, row.expected) << row.name << " in " << testing::PrintToString(row.args);
+    }
+}
+
+TEST(Arguments, FilesSplitAtNewlinesOthersAtCommas) {
+    start({"a,b", "c", "-la", "x,y,z", "-icon"});
+    int count = 0;
+    char** items = nullptr;
+    ASSERT_EQ(RES_getvals("filename", &count, &items), 2);
+    EXPECT_STREQ(items[0], "a,b");
+    free_parsed_array(count, items);
+    EXPECT_EQ(RES_getvals("label", &count, &items), 3);
+    free_parsed_array(count, items);
+    EXPECT_EQ(RES_getvals("icon", &count, &items), 0);
+    EXPECT_EQ(RES_getvals("nothing", &count, &items), 0);
+    CaptureStdout();
+    RES_list();
+    EXPECT_EQ(GetCapturedStdout(), "default: /nowhere\nfilename: a,b\nc\nlabel: x,y,z\nicon:\n");
+}
+
+TEST(Arguments, BatchAndMessageMeetInAnyOrder) {
+    const std::vector<std::pair<std::vector<std::string>, unsigned>> rows = {
+        {{"-me", "mess", "-ba"}, 0xFFF  },
+        {{"-ba", "-me", "mess"}, 0xFFF  },
+        {{"-ba=off"},            0xFF   },
+        {{},                     0xFFFFF}
+    };
+    for (const auto& [args, mask] : rows) {
+        const auto& given = args;
+        EXPECT_EQ(in_child([&] {
+                      start(given);
+                      return std::to_string(FLAG_batch()) + " " + std::to_string(level_mask());
+                  }),
+                  std::to_string(args.empty() ? 0 : 1) + " " + std::to_string(mask));
+    }
+}
+
+namespace {
+
+// What a conversion leaves in a place that held 77 or "unset".
+std::string converted(const char* text, DEF_convert cvt) {
+    int number = 77;
+    short small = 77;
+    long wide = 77;
+    float real = 77;
+    char* path = nullptr;
+    const char* string = "unset";
+    std::array<char, 201> copy{};
+    const std::map<DEF_convert, void*> outs = {
+        {CV_int,    &number    },
+        {CV_bool,   &number    },
+        {CV_short,  &small     },
+        {CV_long,   &wide      },
+        {CV_color,  &wide      },
+        {CV_float,  &real      },
+        {CV_strcpy, copy.data()},
+        {CV_path,   &path      }
+    };
+    const auto out = outs.find(cvt);
+    RES_conv_data(text, out != outs.end() ? out->second : &string, cvt);
+    switch (cvt) {
+    case CV_float:
+        return std::to_string(real);
+    case CV_strcpy:
+        return copy.data();
+    case CV_device:
+        return std::to_string(FLAG_get(flag_device)) + string;
+    case CV_path: {
+        const std::string name = path;
+        delete[] path;
+        return name;
+    }
+    default:
+        return std::to_string(number + small + wide - 154);
+    }
+}
+
+} // namespace
+
+TEST(Conversion, StoresWhatTheTextSays) {
+    struct Row {
+        DEF_convert cvt;
+        const char* text;
+        std::string expected;
+    };
+    const std::string long_text(300, 'x');
+    const std::vector<Row> rows = {
+        {CV_int,    "12",              "12"              },
+        {CV_int,    "0x1F",            "31"              },
+        {CV_int,    "0xFFFFFFFF",      "-1"              },
+        {CV_int,    "99999999999",     "2147483647"      },
+        {CV_int,    "x8",              "77"              },
+        {CV_int,    "-",               "77"              },
+        {CV_bool,   nullptr,           "1"               },
+        {CV_bool,   "OFF",             "0"               },
+        {CV_bool,   "maybe",           "77"              },
+        {CV_short,  "-2",              "77"              },
+        {CV_short,  "99999",           "32767"           },
+        {CV_long,   "12345678901",     "12345678901"     },
+        {CV_color,  "-5",              "-5"              },
+        {CV_float,  "-2.5e0",          "-2.500000"       },
+        {CV_float,  "nan",             "77.000000"       },
+        {CV_float,  "1e999",           "77.000000"       },
+        {CV_path,   "a/b",             "a/b/"            },
+        {CV_path,   "None",            ""                },
+        {CV_strcpy, long_text.c_str(), long_text.substr(0, 200)},
+        {CV_device,         "ps,out.ps",                  "4out.ps"                },
+        {CV_device,         "Qx",                  "5unset"       },
+        {CV_device,         "hp",                  "5unset"                },
+        {CV_device,         "m",                  "3unset"        },
+        {CV_device,         "W",                  "6unset"                },
+        {CV_device,         ",",                  "1unset"        },
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(converted(row.text, row.cvt), row.expected)
+            << (row.text != nullptr ? row.text : "null") << " by " << row.cvt;
+    }
+    RES_conv_data("LCF", nullptr, CV_plot_type);
+    RES_conv_data("what", nullptr, CV_plot_type); // leaves it
+    RES_conv_data("CALC", nullptr, CV_file_param);
+    EXPECT_EQ(FLAG_get(flag_plot_type), 16);
+    EXPECT_EQ(FLAG_get(flag_file_param), 1);
+    int type = 0;
+    EXPECT_EQ(RES_conv_data("5", nullptr, CV_int) + RES_conv_data(nullptr, &type, CV_int), 0);
+    EXPECT_EQ(RES_conv_data("any", nullptr, CV_current), 1);
+}
+
+TEST(Conversion, ReadsTheHour) {
+    struct Row {
+        const char* text;
+        const char* fields; // year month day hour minute, "-" if not set
+    };
+    for (const Row& row : std::initializer_list<Row>{
+             {"050312",               "- 5 3 12 -"    },
+             {"0312",                 "- - 3 12 -"    },
+             {"312",                  "- - 3 12 -"    },
+             {"1d12:30",              "- - 1 12 30"   },
+             {"1d06",                 "- - 1 6 -"     },
+             {"2d",                   "- - 2 - -"     },
+             {":15",                  "- - - - 15"    },
+             {"-:15",                 "- - - - -15"   },
+             {"12:30",                "- - - 12 30"   },
+             {"7",                    "- - - 7 -"     },
+             {"-106",                 "- - - -106 -"  },
+             {"-0:10",                "- - - - -10"   },
+             {"-0",                   "- - - - -"     },
+             {"#199905031230",        "1999 5 3 12 30"},
+             {"#199905x",             "1999 5 - - -"  },
+             {"what",                 "- - - - -"     },
+             {"",                     "- - - - -"     },
+             {"99999999999999999999", "- - - 99999 -" }
+    }) {
+        const Date date = RES_dec_hour(row.text);
+        std::string fields;
+        for (int field : {date.year, date.month, date.day, date.hour, date.min}) {
+            fields += (fields.empty() ? "" : " ") + (is_set(field) ? std::to_string(field) : "-");
+        }
+        EXPECT_EQ(fields, row.fields) << row.text;
+    }
+}
+
+TEST(Conversion, DrawNamesOrEdits) {
+    for (const auto& [text, expected] : std::initializer_list<std::pair<const char*, const char*>>{
+             {"Data,map",      "0,0,0,0,0,0,0,1,1,0,0,0,2" },
+             {"text",          "6,1,1,1,1,1,1,0,0,0,0,1,13"},
+             {"-text_ul,-sum", "5,0,1,1,1,1,1,1,1,1,0,1,14"},
+             {"+what,-all",    "6,1,1,1,1,1,1,1,1,1,1,1,17"},
+             {"what",          "0,0,0,0,0,0,0,0,0,0,0,0,0" },
+             {"+none,+map",    "0,0,0,0,0,0,0,0,1,0,0,0,1" }
+    }) {
+        FLAG_setplot(12, 1);
+        RES_conv_data(text, nullptr, CV_draw);
+        EXPECT_EQ(plot_switches(), expected) << text;
+    }
+}
+
+TEST(List, ReplacesInPlaceAndKeepsOldTexts) {
+    RES_new(3, "a", "one", CV_int);
+    RES_put("b", nullptr);
+    const char* old = RES_get("a");
+    RES_put("a", "two");
+    EXPECT_STREQ(old, "one"); // addresses handed out stay valid
+    RES_append(3, "a", "three", CV_strings);
+    RES_append(3, "b", "four", CV_strings);
+    EXPECT_EQ(value("a") + value("b") + value("A"), "two\nthreefour(absent)");
+    CaptureStdout();
+    RES_defobj row;
+    RES_enter(&row, RES_age);
+    EXPECT_EQ(GetCapturedStdout(), std::to_string(RES_age) + "\n");
+    EXPECT_STREQ(row.def, "");
+    RES_enter(&row, RES_inputg);
+    EXPECT_STREQ(row.cmd.text, "inp");
+    RES_enter(&row, RES_command);
+    EXPECT_EQ(row.cmd.position, 10);
+}
+
+TEST(Input, ChoosesTypeConventionAndModel) {
+    struct Row {
+        const char* input;
+        const char* in_file;
+        const char* expected; // flags 14, 16, 17, model, convention
+    };
+    const TempDir dir;
+    dir.write("name_conv", "rad_cvt CVT\nrad_dat DAT\nrad_raw RAW\nnids NID\nlev2 LEV\nrrwds RRW\n"
+                           "rcm_cvt RCM\nrcm_dat SIT\n");
+    for (const Row& row : std::initializer_list<Row>{
+             {nullptr,     nullptr,     "31 - - mdr CVT"      },
+             {"nids",      "rad_raw",   "33 - - mdr RAW"      },
+             {nullptr,     "nids",      "33 - - mdr NID"      },
+             {nullptr,     "xnids_zyr", "33 - 3 mdr xnids_zyr"},
+             {nullptr,     "NIDS",      "31 - - mdr NID"      },
+             {"raw",       nullptr,     "31 0 - mdr DAT"      },
+             {nullptr,     "rawfile",   "31 0 - mdr RAW"      },
+             {"LEV2Z",     nullptr,     "38 - - mdr LEV"      },
+             {"lev2",      "cdfs",      "37 - 12 mdr cdfs"    },
+             {"what,SITE", "cvt",       "32 - - mdr CVT"      },
+             {"rcm",       nullptr,     "31 - - rcm RCM"      },
+             {"rcmsite",   nullptr,     "35 - - mdr SIT"      },
+             {"conv",      "rcm",       "31 1 - rcm RCM"      },
+             {nullptr,     "conv",      "31 1 - mdr CVT"      },
+             {"kavrad",    nullptr,     "36 - - mdr kavrad"   },
+    }) {
+        const std::string got = in_child([&] {
+            RES_put("file_path", dir.path().c_str());
+            FLAG_reset(missing);
+            for (const auto& [name, text] : {
+                     std::pair{"input",   row.input  },
+                     {"in_file", row.in_file}
+            }) {
+                if (text != nullptr) {
+                    RES_put(name, text);
+                }
+            }
+            RAD_cvt_in_file();
+            std::string text;
+            for (int flag : {flag_input, flag_raw_conv, flag_format}) {
+                text += (is_set(FLAG_get(flag)) ? std::to_string(FLAG_get(flag)) : "-") + " ";
+            }
+            std::array<char, file_name_size> name{};
+            Date date;
+            date.year = 2001; // any date: the convention is all literal
+            FILE_set_date(&date, name.data());
+            return text + VAR_get_model_str() + " " + name.data();
+        });
+        EXPECT_EQ(got, row.expected);
+    }
+}
+
+TEST(Window, SharesItsSettings) {
+    const TempDir dir;
+    const std::string log = dir.path() + "/log";
+    QueuePeer peer(QueuePeer::answers,
+                   {
+                       {"label",  "from window\n"},
+                       {"draw",   "!no\n"        },
+                       {"device", "ps\n"         }
+    },
+                   log);
+    if (!peer.works()) {
+        GTEST_SKIP() << "no message queues here";
+    }
+    const std::string file = dir.write("own", "*.label mine\n*.draw data\n*.plot_scale 2\n");
+    start({"-de", "d", "-icon", "-unknown", "v"},
+          (file + ":#" + std::to_string(peer.number())).c_str());
+    peer.wait();
+    EXPECT_EQ(value("label") + "," + value("draw") + "," + value("device"), "from window,data,d");
+    EXPECT_EQ(read_text(log), "hello\nset res plot_scale 2\nset res draw data\n"
+                              "set res device d\nset res icon \nquit\n");
+}
+
+TEST(Window, ThatIsNotThereOrRefusesIsPassedOver) {
+    CaptureStderr();
+    EXPECT_EQ(in_child([] {
+                  start({}, "#4711:#x");
+                  return value("label");
+              }),
+              "(absent)");
+    EXPECT_EQ(GetCapturedStderr(), "ZYRloop window: 4711 not running or no message queue exists\n"
+                                   "ZYRloop window: x not running or no message queue exists\n");
+    const TempDir dir;
+    const QueuePeer peer(QueuePeer::refuses, {}, dir.path() + "/log");
+    if (!peer.works()) {
+        GTEST_SKIP() << "no message queues here";
+    }
+    const std::string number = std::to_string(peer.number());
+    CaptureStderr();
+    start({"-la", "x"}, ("#" + number).c_str());
+    EXPECT_EQ(GetCapturedStderr(), "ZYRloop window: " + number + " unable to connect\n");
+    // A command longer than a message is refused, not cut.
+    CaptureStderr();
+    EXPECT_EQ(MQ_put(MQ_open(peer.number()), 5, "%s", std::string(120, 'x').c_str()), -1);
+    EXPECT_NE(GetCapturedStderr(), "");
+}
+
+TEST(Window, ThatIsSilentEndsTheProgram) {
+    const TempDir dir;
+    const QueuePeer peer(QueuePeer::silent, {}, dir.path() + "/log");
+    if (!peer.works()) {
+        GTEST_SKIP() << "no message queues here";
+    }
+    MQ_set_timeout(1);
+    EXPECT_EXIT(start({}, ("#" + std::to_string(peer.number())).c_str()),
+                testing::ExitedWithCode(7), "^Queue not responding!!\n$");
+}
+
+TEST(Prompt, TellsCommandsFromAnswers) {
+    CaptureStdout();
+    feed_stdin("set label  = a b\n\nSETTING con_base=4\n  two words\n"
+               "letters\n-7 x\nx\n2.5e1\nset label new\nword_of_more_than_19_characters\n");
+    std::array<char, 81> word{};
+    ZYR_prompts("1? ", word.data(), 6);
+    EXPECT_STREQ(word.data(), "two");
+    EXPECT_EQ(value("label") + value("con_base"), "a b4");
+    EXPECT_EQ(ZYR_promptd("2? "), -7);
+    EXPECT_EQ(ZYR_promptf("3? "), 25.0F);
+    ZYR_promptl("4? ", word.data()); // a menu only lists
+    EXPECT_STREQ(word.data(), "word_of_more_than_1");
+    EXPECT_EQ(GetCapturedStdout(), "1? 1? 1? 1? 2? 2? 3? 3? 4? Set resources\n"
+                                   "label: a b\ncon_base: 4\n\n4? ");
+    feed_stdin("a_rather_long_one\nset " + std::string(50, 'n') + " v\n" + std::string(200, 'z') +
+               "\n");
+    EXPECT_STREQ(ZYR_prompts("", word.data(), 6), "a_rat");
+    ZYR_prompts("", word.data(), 81);
+    EXPECT_EQ(std::string(word.data()), std::string(80, 'z'));
+    EXPECT_EQ(value(std::string(49, 'n').c_str()), "(absent)");
+    EXPECT_EQ(ZYR_set_command("no command"), 0);
+    EXPECT_EQ(ZYR_sleep(0), -1);
+}
+
+TEST(Prompt, ExitAndEndOfInputLeaveWithZero) {
+    for (const char* text : {"x\nExiting\n", "", "no number"}) {
+        EXPECT_EXIT(
+            {
+                feed_stdin(text);
+                ZYR_promptd("? ");
+            },
+            testing::ExitedWithCode(0), "");
+    }
+}
+
+namespace {
+
+std::vector<MENU_item> make_menu(int visible) {
+    static const char* names[] = {"A", "B", "C", "D", "E", "F", "G", "H", "I", "J", "K", "L", "M"};
+    std::vector<MENU_item> menu = {
+        {"Return", "back", 50, {1, 1}},
+        {"Hidden", "hid",  51, {0, 1}}
+    };
+    for (int i = 0; i < visible; ++i) {
+        menu.push_back({
+            i == 1 ? "----" : names[i], names[i], 100 + i, {1, 1}
+        });
+    }
+    menu.push_back({nullptr, nullptr, 0, {}});
+    return menu;
+}
+
+} // namespace
+
+TEST(Menu, PrintsInOneOrTwoColumns) {
+    const auto menu_lines = [](int visible, int flag) {
+        CaptureStdout();
+        MENU_print("T", make_menu(visible).data(), 0, flag);
+        std::string text = GetCapturedStdout();
+        for (auto at = text.find("     "); at != std::string::npos; at = text.find("     ")) {
+            text.replace(at, 5, "~");
+        }
+        return text;
+    };
+    EXPECT_EQ(menu_lines(2, 7), "T\n  1: A~~~~~    \n --------------------~~~\n"
+                                " 99: Help~~~~~ \n  0: Return~~~~    \n"
+                                " -1: Exit program~~~   \n\n");
+    const std::string two = menu_lines(13, 3);
+    EXPECT_NE(two.find("\n  1: A~~~~~~  8: H~~~~~    \n --------------------~~~  9: I~"),
+              std::string::npos)
+        << two;
+    EXPECT_NE(two.find("\n  7: G~~~~~~\n  0: Return~~~~~-1: Exit program~~~   \n\n"),
+              std::string::npos)
+        << two;
+    EXPECT_NE(menu_lines(12, 1).find("\n 12: L~~~~~    \n  0: Exit program~"), std::string::npos);
+}
+
+TEST(Menu, ReadsAChoice) {
+    struct Row {
+        const char* typed;
+        int flag;
+        int index;
+        const char* string;
+    };
+    for (const Row& row : std::initializer_list<Row>{
+             {"3",           3, 102,     "C"          },
+             {"?\nc",        3, 102,     "C"          },
+             {"0",           3, 0,       "0"          },
+             {"-1",          3, -1,      "-1"         },
+             {"-1",          2, missing, "-1"         },
+             {"0",           0, missing, "0"          },
+             {"MAIN",        2, 0,       "MAIN"       },
+             {"main",        1, missing, "main"       },
+             {"return",      0, 50,      "back"       },
+             {"hid",         3, missing, "hid"        },
+             {"5",           3, missing, "5"          },
+             {"99999999999", 3, missing, "99999999999"},
+             {"ps,39,-97",   3, missing, "ps,39,-97"  }
+    }) {
+        std::array<char, 81> string{};
+        feed_stdin(std::string(row.typed) + "\n");
+        CaptureStdout();
+        EXPECT_EQ(MENU_process("T", make_menu(4).data(), 0, "? ", string.data(), row.flag),
+                  row.index)
+            << row.typed;
+        EXPECT_STREQ(string.data(), row.string);
+        const std::string text = GetCapturedStdout();
+        EXPECT_EQ(text.find("? back,A,B,C,D\n\n? ") != std::string::npos, *row.typed == '?');
+    }
+}

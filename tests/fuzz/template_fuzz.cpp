@@ -1,0 +1,71 @@
+// The template language: lines of the input are a template, a typed name, and
+// the digits of a date. Names are matched, built and listed.
+#include "date.h"
+#include "name_tmpl.h"
+
+#include "zyr.h"
+
+#include <cctype>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <sstream>
+#include <string>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+
+namespace {
+
+const char* resource(const char* name) {
+    return std::strlen(name) % 3 == 0 ? nullptr : name;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    MESS_set(0, 0);
+    std::istringstream input(std::string(data, data + size));
+    std::string conv;
+    std::string typed;
+    std::string digits;
+    std::getline(input, conv);
+    std::getline(input, typed);
+    std::getline(input, digits);
+    NameKeys keys;
+    copy_text(keys.text['s'], sizeof keys.text['s'], "KTLX");
+    NameSource source;
+    source.conv = conv.c_str();
+    source.keys = &keys;
+    source.resource = resource;
+    DATE_decode_seq(digits.c_str(), &source.set);
+    if (size % 2 == 0) { // steps in place of clock values
+        source.set.hour = -source.set.hour;
+        source.set.min = -source.set.min;
+    }
+    const NameResult result = match_name(source, typed.c_str());
+    const std::string path = path_of_name(conv.c_str(), result.name);
+    source.path = path.c_str();
+    const NameResult built = build_name(source, result.date, Date{});
+    if (std::strlen(built.name) >= file_name_size || std::strlen(result.name) >= file_name_size) {
+        std::abort();
+    }
+    // Outside quotes a list holds globs, and a home directory at its front.
+    bool quoted = false;
+    const std::string list = list_pattern(source);
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        const char c = list[i];
+        if (c == '\'') {
+            quoted = !quoted;
+        } else if (!quoted && c == '\\' && list[i + 1] == '\'') {
+            ++i; // a quote of the text
+        } else if (!quoted && std::strchr("?*[]-", c) == nullptr &&
+                   std::isalnum(static_cast<unsigned char>(c)) == 0 && (c != '~' || i > 0)) {
+            std::abort();
+        }
+    }
+    if (quoted) {
+        std::abort();
+    }
+    return 0;
+}
