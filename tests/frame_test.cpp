@@ -278,7 +278,7 @@ std::string converted(const char* text, DEF_convert cvt) {
         return name;
     }
     default:
-        return std::to_string(number + small + wide - 154);
+        return std::to_string(wide + number + small - 154);
     }
 }
 
@@ -581,7 +581,7 @@ TEST(Menu, PrintsInOneOrTwoColumns) {
     EXPECT_NE(two.find("\n  1: A~~~~~~  8: H~~~~~    \n --------------------~~~  9: I~"),
               std::string::npos)
         << two;
-    EXPECT_NE(two.find("\n  7: G~~~~~~\n  0: Return~~~~~-1: Exit program~~~   \n\n"),
+    EXPECT_NE(two.find("\n  7: G~~~~~~\n  0: Return~~~~~ -1: Exit program~~~   \n\n"),
               std::string::npos)
         << two;
     EXPECT_NE(menu_lines(12, 1).find("\n 12: L~~~~~    \n  0: Exit program~"), std::string::npos);
