@@ -33,7 +33,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::getline(input, typed);
     std::getline(input, digits);
     NameKeys keys;
-    copy_text(keys.text['s'], sizeof keys.text['s'], "KTLX");
+    constexpr std::size_t site = 's';
+    copy_text(keys.text[site], sizeof keys.text[site], "KTLX");
     NameSource source;
     source.conv = conv.c_str();
     source.keys = &keys;
