@@ -127,6 +127,11 @@ void linear_thresholds(const NidsProdDesc& desc, float divisor, double factor,
     v[2] = static_cast<float>(desc.thres[2]);
 }
 
+// A damaged product may hold infinities where a number should be.
+float finite_or_missing(float v) {
+    return std::isfinite(v) ? v : missing_f;
+}
+
 // The thresholds of a product from its 16 halfwords.
 std::array<float, nids_num_thres> decode_thresholds(int code, const NidsProdDesc& desc) {
     std::array<float, nids_num_thres> v{};
@@ -152,9 +157,9 @@ std::array<float, nids_num_thres> decode_thresholds(int code, const NidsProdDesc
         std::copy_n(t.begin(), 4, v.begin());
         break;
     case NidsScale::floats:
-        v[0] = NIDS_float32(t[0], t[1]);
+        v[0] = finite_or_missing(NIDS_float32(t[0], t[1]));
         v[0] = v[0] == 0.0F ? 1.0F : v[0];
-        v[2] = NIDS_float32(t[2], t[3]);
+        v[2] = finite_or_missing(NIDS_float32(t[2], t[3]));
         break;
     case NidsScale::levels:
         std::transform(t.begin(), t.end(), v.begin(), coded_level);
@@ -548,7 +553,7 @@ float nids_level_value(const NidsHeader& header, int packet, int level) {
             value = static_cast<float>(level & header.pr_desc.thres[0]) / v[1] - v[2];
             break;
         case NidsScale::floats:
-            value = (b - v[2]) / v[0];
+            value = is_set(v[0]) && is_set(v[2]) ? (b - v[2]) / v[0] : missing_f;
             break;
         default:
             break;
@@ -558,8 +563,7 @@ float nids_level_value(const NidsHeader& header, int packet, int level) {
             value /= 100.0F; // stored in hundredths of an inch
         }
     }
-    // Damaged thresholds make no value.
-    return std::isfinite(value) ? value : missing_f;
+    return finite_or_missing(value); // a step or divisor may be damaged
 }
 
 // --- Public -----------------------------------------------------------------

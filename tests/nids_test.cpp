@@ -125,6 +125,25 @@ TEST(NidsLevels, ValueOfALevel) {
     }
 }
 
+// Runs take a threshold as it is: a damaged one must be a number too.
+TEST(NidsLevels, RunsOfADamagedThresholdAreNumbers) {
+    NidsSample s;
+    s.code = 174;
+    s.thres = {0xFFFF, 0xFFFF, 0x7F80, 0};
+    s.layers = {nids_radial_packet(nids_packet_radial, 1, {Bytes{0x10, 0x12}})};
+    struct Check : NidsSink {
+        int runs = 0;
+        void run(const NIDS_data& d) {
+            runs++;
+            EXPECT_TRUE(std::isfinite(d.val));
+        }
+    } check;
+    const Bytes bytes = nids_message(s);
+    NIDS_info info;
+    nids_walk(nids_memory(bytes).get(), info, check);
+    EXPECT_GT(check.runs, 0);
+}
+
 TEST(NidsLevels, CodedThresholds) {
     NidsSample s;
     s.code = 19;
