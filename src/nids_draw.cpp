@@ -55,6 +55,10 @@ public:
         figures_.clear();
     }
 
+    // Whether it is time to draw: bounds the memory of a damaged product, whose
+    // radials may be very long.
+    [[nodiscard]] bool full() const { return figures_.size() >= max_figures; }
+
     // Figures from step `start` on, each `chunk` steps long and the last as
     // long as what is left of `count`.
     void add(int start, int count, int chunk, const Gattribs& attrib) {
@@ -101,6 +105,8 @@ public:
     }
 
 private:
+    static constexpr std::size_t max_figures = 8192;
+
     struct Figure {
         std::size_t first; // its near step; the far one is the next
         int color, fill_pat;
@@ -142,7 +148,8 @@ private:
     std::vector<Gpt> near_, far_; // the points of the two rulers at steps_
 };
 
-// The two edges of a radial, a step being a bin.
+// The two edges of a radial, a step being a bin, or of a row, a step being a
+// cell.
 struct Edges {
     Ruler first, second;
 };
@@ -164,10 +171,15 @@ void draw_radials(const NIDS_frame& frame, NIDS_fills& fills) {
     float sangle = 0;
     float dangle = 0;
     while (NIDS_get_radial(frame.ifile, &sangle, &dangle) > 0) {
+        const Edges edges = radial_edges(frame, sangle, dangle);
         strip.begin();
         int bin = 0;
         NIDS_data data;
         while (NIDS_get_data(frame.ifile, &data) > 0) {
+            if (strip.full()) {
+                strip.draw(edges.first, edges.second);
+                strip.begin();
+            }
             const int run = static_cast<int>(data.run);
             const Gattribs* attrib = fills.get(data.val);
             if (attrib != nullptr) {
@@ -176,17 +188,22 @@ void draw_radials(const NIDS_frame& frame, NIDS_fills& fills) {
             }
             bin += run;
         }
-        const Edges edges = radial_edges(frame, sangle, dangle);
         strip.draw(edges.first, edges.second);
     }
 }
 
-// The cells of one row go into the strip and into the grid file, if any.
-void read_row(const NIDS_frame& frame, NIDS_fills& fills, std::FILE* grid, Strip& strip) {
+// The cells of one row go onto the page and into the grid file, if any.
+void draw_row(const NIDS_frame& frame, NIDS_fills& fills, std::FILE* grid, const Edges& edges,
+              Strip& strip) {
+    strip.begin();
     const int chunk = strip.same() ? raster_chunk : 1;
     int column = 0;
     NIDS_data data;
     while (NIDS_get_data(frame.ifile, &data) > 0) {
+        if (strip.full()) {
+            strip.draw(edges.first, edges.second);
+            strip.begin();
+        }
         const int run = static_cast<int>(data.run);
         float value = data.val;
         if (frame.info->code == code_precip_array && is_set(value)) {
@@ -201,6 +218,7 @@ void read_row(const NIDS_frame& frame, NIDS_fills& fills, std::FILE* grid, Strip
         }
         column += run;
     }
+    strip.draw(edges.first, edges.second);
 }
 
 void draw_raster(const NIDS_frame& frame, NIDS_fills& fills) {
@@ -210,9 +228,11 @@ void draw_raster(const NIDS_frame& frame, NIDS_fills& fills) {
     const double left = frame.x0 - d * (frame.info->nx - 1) / 2;
     const double top = frame.y0 + d * (frame.info->ny - 1) / 2;
     for (int row = 0; NIDS_get_rastor(frame.ifile) > 0; row++) {
-        strip.begin();
-        read_row(frame, fills, grid.get(), strip);
-        strip.draw({left, top - row * d, d, 0.0}, {left, top - (row + 1) * d, d, 0.0});
+        const Edges edges = {
+            {left, top - row * d,       d, 0.0},
+            {left, top - (row + 1) * d, d, 0.0}
+        };
+        draw_row(frame, fills, grid.get(), edges, strip);
     }
 }
 

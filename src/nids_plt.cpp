@@ -29,6 +29,7 @@ constexpr int num_rings = 4;
 
 struct State {
     std::FILE* ifile = nullptr;       // the open product
+    char probed[file_name_size] = ""; // its name while it is open behind its header, else empty
     NIDS_info info;                   // its header
     char datim[date_label_size] = ""; // its date label
     Date file_date;                   // date of the file, filled from the product where unset
@@ -159,8 +160,9 @@ void open_session(Domain* domain) {
     NIDS_plot_param();
     char name[file_name_size] = "";
     FILE_set_date(&nids.base_date, name);
-    NIDS_open_file(name);
-    NIDS_close_file();
+    if (NIDS_open_file(name) != 0) {
+        copy_text(nids.probed, sizeof nids.probed, name);
+    }
     take_own_domain(domain);
     PLT_open(DOM_aspect(domain));
     PLT_set_callback(NIDS_callback);
@@ -171,9 +173,22 @@ void open_session(Domain* domain) {
     }
 }
 
+// Opens a file of the walk. The first one is open already, behind its header:
+// a standard stream can be read but once, and half of a product's unpacking
+// would be done twice.
+bool open_next(const char* name) {
+    const bool probed = nids.ifile != nullptr && std::strcmp(nids.probed, name) == 0;
+    nids.probed[0] = '\0';
+    if (probed) {
+        return true;
+    }
+    NIDS_close_file();
+    return NIDS_open_file(name) != 0;
+}
+
 // Draws the file `name` as frame number `frame`; false if it does not open.
 bool plot_file(const char* name, int frame, Domain* domain) {
-    if (NIDS_open_file(name) == 0) {
+    if (!open_next(name)) {
         NIDS_close_file();
         return false;
     }
