@@ -86,7 +86,7 @@ int TAB_create(TAB_table* table, int tab_size, int data_size, int numkey) {
 }
 
 int TAB_enter(TAB_table* table, const void* data, const char* key1, ...) {
-    if (table->tab_size < 1) {
+    if (table->tab_size < 1 || table->numkey < 1) {
         return -1;
     }
     const auto size = static_cast<std::size_t>(table->data_size);

@@ -14,6 +14,15 @@ Date date_of(int year, int month, int day, int hour = missing, int min = missing
     return {.year = year, .month = month, .day = day, .hour = hour, .min = min};
 }
 
+// All fields that a text can hold, "-" for an unknown one.
+std::string text_of(const Date& date) {
+    std::string text;
+    for (const int part : {date.year, date.month, date.day, date.hour, date.min, date.sec}) {
+        text += (text.empty() ? "" : " ") + (is_set(part) ? std::to_string(part) : "-");
+    }
+    return text;
+}
+
 std::string label_of(const Date& date) {
     char text[date_label_size];
     EXPECT_EQ(DATE_make_label(&date, text), 0);
@@ -24,69 +33,61 @@ TEST(Dates, SecondsAndRepairs) {
     struct Row {
         int year, month, day, hour, min;
         long seconds;
-        int year_after, month_after, day_after, hour_after, min_after;
+        const char* repaired;
     };
     const Row rows[] = {
-        {1970,    1,       1,       0,       0,       0,          1970, 1,  1,  0,  0 },
-        {1972,    3,       1,       0,       0,       68256000,   1972, 3,  1,  0,  0 },
-        {1972,    2,       29,      0,       0,       68169600,   1972, 2,  29, 0,  0 },
-        {99,      12,      31,      23,      59,      946684740,  1999, 12, 31, 23, 59},
-        {49,      1,       1,       0,       0,       2493072000, 2049, 1,  1,  0,  0 },
-        {150,     1,       1,       0,       0,       2524608000, 2050, 1,  1,  0,  0 },
-        {missing, missing, missing, missing, missing, 315532800,  1980, 1,  1,  0,  0 },
-        {2000,    13,      32,      24,      60,      946684800,  2000, 1,  1,  0,  0 },
-        {2000,    1,       0,       0,       0,       946598400,  2000, 1,  0,  0,  0 }, // day 0 stands
-        {2100,    3,       1,       0,       0,       4107628800, 2100, 3,  1,  0,  0 }, // a leap year here
+        {1970,    1,       1,       0,       0,       0,          "1970 1 1 0 0 0"    },
+        {1972,    3,       1,       0,       0,       68256000,   "1972 3 1 0 0 0"    },
+        {1972,    2,       29,      0,       0,       68169600,   "1972 2 29 0 0 0"   },
+        {99,      12,      31,      23,      59,      946684740,  "1999 12 31 23 59 0"},
+        {49,      1,       1,       0,       0,       2493072000, "2049 1 1 0 0 0"    },
+        {150,     1,       1,       0,       0,       2524608000, "2050 1 1 0 0 0"    },
+        {missing, missing, missing, missing, missing, 315532800,  "1980 1 1 0 0 0"    },
+        {2000,    13,      32,      24,      60,      946684800,  "2000 1 1 0 0 0"    },
+        {2000,    1,       0,       0,       0,       946598400,  "2000 1 0 0 0 0"    }, // day 0 stands
+        {2100,    3,       1,       0,       0,       4107628800, "2100 3 1 0 0 0"    }, // a leap year here
     };
     for (const Row& row : rows) {
         Date date = date_of(row.year, row.month, row.day, row.hour, row.min);
-        EXPECT_EQ(DATE_num_sec(&date), row.seconds) << row.seconds;
-        EXPECT_EQ(date.year, row.year_after) << row.seconds;
-        EXPECT_EQ(date.month, row.month_after) << row.seconds;
-        EXPECT_EQ(date.day, row.day_after) << row.seconds;
-        EXPECT_EQ(date.hour, row.hour_after) << row.seconds;
-        EXPECT_EQ(date.min, row.min_after) << row.seconds;
-        EXPECT_EQ(date.sec, 0) << row.seconds;
+        EXPECT_EQ(DATE_num_sec(&date), row.seconds) << row.repaired;
+        EXPECT_EQ(text_of(date), row.repaired);
     }
-    // Every day from 1970 to 2099 goes there and back.
-    for (std::time_t day = 0; day < 4102444800; day += 86400) {
+    const std::time_t beyond = 9223372036854775807;
+    Date date = date_of(2000, 1, 1);
+    EXPECT_EQ(DATE_get_gmdate(&beyond, &date), -1);
+    EXPECT_EQ(text_of(date), "- - - - - -");
+}
+
+TEST(Dates, EveryDayThereAndBack) {
+    constexpr std::time_t one_day = 86400;
+    for (std::time_t day = 0; day < 4102444800L; day += one_day) {
         Date date;
-        ASSERT_EQ(DATE_get_gmdate(&day, &date), 0);
-        ASSERT_EQ(DATE_num_sec(&date), day);
+        DATE_get_gmdate(&day, &date);
         int month = 0;
         int mday = 0;
         int jday = 0;
         DATE_julian_monday(date.year, date.jday, &month, &mday);
         DATE_monday_julian(date.year, date.month, date.day, &jday);
+        ASSERT_EQ(DATE_num_sec(&date), day);
         ASSERT_EQ(month * 100 + mday, date.month * 100 + date.day) << day;
         ASSERT_EQ(jday, date.jday) << day;
-        ASSERT_EQ(date.wday, (day / 86400 + 4) % 7);
+        ASSERT_EQ(date.wday, (day / one_day + 4) % 7) << day;
     }
-    const std::time_t beyond = 9223372036854775807;
-    Date date = date_of(2000, 1, 1);
-    EXPECT_EQ(DATE_get_gmdate(&beyond, &date), -1);
-    EXPECT_EQ(date.year, missing);
 }
 
 TEST(Dates, DaysOutOfRange) {
-    struct Row {
-        int year, jday, month, day;
-    };
-    const Row rows[] = {
-        {2001, 60,  3,  1 },
-        {2000, 60,  2,  29},
-        {2001, 0,   1,  1 },
-        {2001, 999, 12, 31},
-        {2000, 366, 12, 31},
-        {1900, 60,  3,  1 }
-    };
-    for (const Row& row : rows) {
+    const auto day_of = [](int year, int jday) {
         int month = 0;
         int day = 0;
-        DATE_julian_monday(row.year, row.jday, &month, &day);
-        EXPECT_EQ(month, row.month) << row.jday;
-        EXPECT_EQ(day, row.day) << row.jday;
-    }
+        DATE_julian_monday(year, jday, &month, &day);
+        return month * 100 + day;
+    };
+    EXPECT_EQ(day_of(2001, 60), 301);
+    EXPECT_EQ(day_of(2000, 60), 229);
+    EXPECT_EQ(day_of(1900, 60), 301);
+    EXPECT_EQ(day_of(2001, 0), 101);
+    EXPECT_EQ(day_of(2001, 999), 1231);
+    EXPECT_EQ(day_of(2000, 366), 1231);
     int jday = 0;
     DATE_monday_julian(2001, 99, 5, &jday);
     EXPECT_EQ(jday, 339);
@@ -107,72 +108,52 @@ TEST(Dates, Labels) {
 }
 
 TEST(Dates, ValidTimesAndForecasts) {
-    struct Row {
-        int fhour;
-        Date date;
-        const char* expected;
-    };
-    const Row rows[] = {
-        {6,                   date_of(1999, 12,   31,                           20),         "2Z SAT  1 JAN 00"},
-        {12006,                   date_of(1999,                           12, 31, 20),          "2Z SAT  1 JAN 00"},
-        {missing, date_of(1999,             12,           31,                           20,               30), "20Z FRI 31 DEC 99"},
-        {900,                 date_of(1999,                          12,           31,             20),        "20Z FRI 31 DEC 99"},
-        {24,                 date_of(1999,  12,31),"SAT  1 JAN 00"},
-    };
-    for (const Row& row : rows) {
+    const auto valid = [](int fhour, int hour, int min = missing) {
+        const Date date = date_of(1999, 12, 31, hour, min);
         char text[date_label_size];
-        DATE_make_label_valid_time(row.fhour, &row.date, text);
-        EXPECT_STREQ(text, row.expected) << row.fhour;
-    }
-    struct Length {
-        int fhour, flag;
-        const char* expected;
+        DATE_make_label_valid_time(fhour, &date, text);
+        return std::string(text);
     };
-    const Length lengths[] = {
-        {0,       0, ""       },
-        {missing, 1, ""       },
-        {6,       0, "6 hour" },
-        {84,      0, "3.5 day"},
-        {72,      0, "3 day"  },
-        {803,     0, "3 day"  },
-        {902,     0, "2 month"},
-        {24,      0, "24 hour"},
-        {24,      1, "1 day"  },
-        {36,      1, "1.5 day"},
-        {18,      1, "18 hour"},
-        {66,      0, "66 hour"}
-    };
-    for (const Length& row : lengths) {
+    EXPECT_EQ(valid(6, 20), "2Z SAT  1 JAN 00");
+    EXPECT_EQ(valid(12006, 20), "2Z SAT  1 JAN 00"); // the last three digits count
+    EXPECT_EQ(valid(missing, 20, 30), "20Z FRI 31 DEC 99");
+    EXPECT_EQ(valid(900, 20), "20Z FRI 31 DEC 99");
+    EXPECT_EQ(valid(24, missing), "SAT  1 JAN 00");
+    const auto length = [](int fhour, int flag) {
         char text[date_label_size];
-        EXPECT_STREQ(DATE_fhour_label(text, row.fhour, row.flag), row.expected) << row.fhour;
-    }
+        return std::string(DATE_fhour_label(text, fhour, flag)) + ';';
+    };
+    EXPECT_EQ(length(0, 0) + length(missing, 1) + length(6, 0) + length(24, 0) + length(66, 0),
+              ";;6 hour;24 hour;66 hour;");
+    EXPECT_EQ(length(84, 0) + length(72, 0) + length(803, 0) + length(902, 0),
+              "3.5 day;3 day;3 day;2 month;");
+    EXPECT_EQ(length(24, 1) + length(36, 1) + length(18, 1), "1 day;1.5 day;18 hour;");
 }
 
 TEST(Dates, LabelsReadBack) {
-    struct Row {
-        const char* text;
-        int year, month, day, hour, min, sec;
-    };
-    const Row rows[] = {
-        {"12Z 25 DEC 99",            1999,  12, 25,      12,      missing, missing},
-        {"radar at 1230Z 25 dec 05", 2005,  12, 25,      12,      30,      missing},
-        {"at  930Z  5 MAY 99",       1999,  5,  5,       9,       30,      missing},
-        {"x 12:30:45Z 25 JUL 99",    1999,  7,  25,      12,      30,      45     },
-        {"valid 06Z 25 AUG 49",      2049,  8,  25,      6,       missing, missing},
-        {"12Z 25 Jan 99",            1999,  0,  25,      12,      missing, missing},
-        {"no label",                 -6099, 0,  missing, missing, missing, missing},
-        {"",                         -6099, 0,  missing, missing, missing, missing},
-    };
-    for (const Row& row : rows) {
+    const auto read = [](const char* text) {
         Date date = date_of(1, 1, 1, 1, 1);
-        EXPECT_EQ(DATE_decode_label(row.text, &date), 0);
-        EXPECT_EQ(date.year, row.year) << row.text;
-        EXPECT_EQ(date.month, row.month) << row.text;
-        EXPECT_EQ(date.day, row.day) << row.text;
-        EXPECT_EQ(date.hour, row.hour) << row.text;
-        EXPECT_EQ(date.min, row.min) << row.text;
-        EXPECT_EQ(date.sec, row.sec) << row.text;
-    }
+        EXPECT_EQ(DATE_decode_label(text, &date), 0);
+        return text_of(date);
+    };
+    EXPECT_EQ(read("12Z 25 DEC 99"), "1999 12 25 12 - -");
+    EXPECT_EQ(read("radar at 1230Z 25 dec 05"), "2005 12 25 12 30 -");
+    EXPECT_EQ(read("at  930Z  5 MAY 99"), "1999 5 5 9 30 -");
+    EXPECT_EQ(read("x 12:30:45Z 25 JUL 99"), "1999 7 25 12 30 45");
+    EXPECT_EQ(read("valid 06Z 25 AUG 49"), "2049 8 25 6 - -");
+    EXPECT_EQ(read("12Z 25 Jan 99"), "1999 0 25 12 - -");
+    EXPECT_EQ(read("no label"), "-6099 0 - - - -");
+    EXPECT_EQ(read(""), "-6099 0 - - - -");
+}
+
+TEST(Dates, DigitsByPosition) {
+    Date date;
+    EXPECT_EQ(DATE_decode_seq("201005011", &date), 0);
+    EXPECT_EQ(text_of(date), "2010 5 1 1 - -");
+    EXPECT_EQ(DATE_decode_seq(nullptr, &date), -1);
+}
+
+TEST(Dates, MonthTexts) {
     for (int month = 1; month <= 12; ++month) {
         EXPECT_EQ(DATE_decode_month(DATE_month(month)), month);
         EXPECT_EQ(DATE_decode_month(DATE_month_lower(month)), month);
@@ -180,12 +161,6 @@ TEST(Dates, LabelsReadBack) {
     EXPECT_EQ(DATE_decode_month("J"), 0);
     EXPECT_EQ(DATE_decode_month("Feb"), 2);
     EXPECT_STREQ(DATE_month(13), "");
-    Date date;
-    EXPECT_EQ(DATE_decode_seq("201005011", &date), 0);
-    EXPECT_EQ(date.year * 10000 + date.month * 100 + date.day, 20100501);
-    EXPECT_EQ(date.hour, 1);
-    EXPECT_EQ(date.min, missing);
-    EXPECT_EQ(DATE_decode_seq(nullptr, &date), -1);
 }
 
 // The last case: a zone stays for the run.

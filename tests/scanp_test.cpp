@@ -6,107 +6,86 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
+#include <cstring>
+#include <iomanip>
+#include <sstream>
 #include <string>
 
 namespace {
 
-struct TextRow {
-    const char* format;
-    const char* text;
-    int matched;
-    int len;
-    int done;
-    const char* stored; // null: nothing is
-};
+// One scan of a text item: "matched length done:stored".
+std::string scan_text(const char* format, std::string text) {
+    char out[80] = "untouched";
+    parse_param param;
+    scanp_set(&param, text.data());
+    const int matched = scanp(&param, format, out);
+    EXPECT_EQ(param.matched, matched);
+    return std::to_string(matched) + " " + std::to_string(param.len) + " " +
+           std::to_string(param.done) + (param.assigned == 1 ? ":" + std::string(out) : "");
+}
+
+// One scan of a number: "matched length:stored".
+std::string scan_number(const std::string& format, std::string text) {
+    alignas(int) char number[sizeof(int)] = {};
+    parse_param param;
+    scanp_set(&param, text.data());
+    const int matched = scanp(&param, format.c_str(), number);
+    std::string result = std::to_string(matched) + " " + std::to_string(param.len);
+    int integer = 0;
+    float real = 0;
+    std::memcpy(&integer, number, sizeof integer);
+    std::memcpy(&real, number, sizeof real);
+    const bool is_int = std::tolower(format.back()) == 'd';
+    std::ostringstream stored;
+    if (param.assigned == 1) {
+        stored << std::setprecision(10) << ':'
+               << (is_int ? static_cast<double>(integer) : static_cast<double>(real));
+    }
+    return result + stored.str();
+}
 
 TEST(Scanp, TextFields) {
-    const TextRow rows[] = {
-        {"%s",                 "KTLX 12",     1, 4,  1, "KTLX"       },
-        {"%4s",                "KTLX",        1, 4,  1, "KTLX"       },
-        {"%5s",                "KTLX ",       0, 0,  0, nullptr      }, // exactly that wide
-        {"%<5s",               "KTLX ",       1, 4,  1, "KTLX"       },
-        {"%S",                 "two words\n", 1, 10, 1, "two words\n"},
-        {"%3S",                " a b",        1, 3,  1, " a "        },
-        {"%N",                 "012a",        1, 3,  1, "012"        },
-        {"%N",                 "a012",        0, 0,  0, nullptr      },
-        {"%A",                 "Ab1",         1, 2,  1, "Ab"         },
-        {"%w",                 " \t\r\nx",    1, 4,  1, " \t\r\n"    },
-        {"%W",                 " \t\nx",      1, 2,  1, " \t"        },
-        {"%[abc/N]",           "a1cd",        1, 3,  1, "a1c"        },
-        {"%[^/A //]",          "12/x",        1, 2,  1, "12"         },
-        {"%[/]x]",             "]x[",         1, 2,  1, "]x"         },
-        {"%[abc",              "ab",          1, 2,  1, "ab"         }, // the set ends with the format
-        {"%(EDITED|UNEDITED)", "UNEDITED ",   1, 8,  1, "UNEDITED"   },
-        {"%(A|AB)",            "AB",          1, 1,  1, "A"          }, // the first that fits
-        {"%(A|B)",             "C",           0, 0,  0, nullptr      },
-        {"%(A|)",              "C",           0, 0,  0, nullptr      }, // an empty one never fits
-        {"%<(A|B)x",           "x",           1, 1,  1, nullptr      },
-        {"%!-/!(A|B)",         "-/x",         1, 2,  1, ""           },
-        {"%!-/!(A|B)",         "-x",          1, 1,  1, ""           },
-        {"a %s",               "a \n\tb",     1, 5,  1, "b"          },
-        {" %s",                "b",           0, 0,  0, nullptr      }, // a blank wants a blank
-        {"%q",                 "b",           0, 0,  0, nullptr      },
-        {"%",                  "b",           0, 0,  0, nullptr      },
+    // clang-format off
+    const char* const rows[][3] = {
+        {"%s", "KTLX 12", "1 4 1:KTLX"}, {"%4s", "KTLX", "1 4 1:KTLX"},
+        {"%5s", "KTLX ", "0 0 0"},  // exactly that wide
+        {"%<5s", "KTLX ", "1 4 1:KTLX"}, {"%S", "two words\n", "1 10 1:two words\n"},
+        {"%3S", " a b", "1 3 1: a "}, {"%N", "012a", "1 3 1:012"}, {"%N", "a012", "0 0 0"},
+        {"%A", "Ab1", "1 2 1:Ab"}, {"%w", " \t\r\nx", "1 4 1: \t\r\n"},
+        {"%W", " \t\nx", "1 2 1: \t"}, {"%[abc/N]", "a1cd", "1 3 1:a1c"},
+        {"%[^/A //]", "12/x", "1 2 1:12"}, {"%[/]x]", "]x[", "1 2 1:]x"},
+        {"%[abc", "ab", "1 2 1:ab"},  // the set ends with the format
+        {"%(EDITED|UNEDITED)", "UNEDITED ", "1 8 1:UNEDITED"},
+        {"%(A|AB)", "AB", "1 1 1:A"},  // the first that fits
+        {"%(A|B)", "C", "0 0 0"}, {"%(A|)", "C", "0 0 0"},  // an empty one never fits
+        {"%<(A|B)x", "x", "1 1 1"}, {"%!-/!(A|B)", "-/x", "1 2 1:"},
+        {"%!-/!(A|B)", "-x", "1 1 1:"}, {"a %s", "a \n\tb", "1 5 1:b"},
+        {" %s", "b", "0 0 0"},  // a blank wants a blank
+        {"%q", "b", "0 0 0"}, {"%", "b", "0 0 0"},
     };
-    for (const TextRow& row : rows) {
-        std::string text = row.text;
-        char out[80] = "untouched";
-        parse_param param;
-        scanp_set(&param, text.data());
-        EXPECT_EQ(scanp(&param, row.format, out), row.matched) << row.format << ':' << row.text;
-        EXPECT_EQ(param.len, row.len) << row.format << ':' << row.text;
-        EXPECT_EQ(param.done, row.done) << row.format << ':' << row.text;
-        EXPECT_STREQ(out, row.stored == nullptr ? "untouched" : row.stored) << row.format;
-        EXPECT_EQ(param.assigned, row.stored == nullptr ? 0 : 1) << row.format;
+    // clang-format on
+    for (const auto& row : rows) {
+        EXPECT_EQ(scan_text(row[0], row[1]), row[2]) << row[0];
     }
 }
 
-struct NumberRow {
-    const char* format;
-    const char* text;
-    int matched;
-    int len;
-    float value; // what the argument holds, 77 if nothing was stored
-};
-
 TEST(Scanp, Numbers) {
-    const NumberRow rows[] = {
-        {"%d",       "-12x",        1, 3,  -12          },
-        {"%d",       "-",           0, 0,  77           },
-        {"%3d",      "12",          0, 0,  77           },
-        {"%<3d",     "1234",        1, 3,  123          },
-        {"%2d",      "1234",        1, 2,  12           },
-        {"%4D",      "  12",        1, 4,  12           },
-        {"%4D",      "12  x",       1, 4,  12           },
-        {"%4D",      "12x",         0, 0,  77           },
-        {"%4D",      "    ",        0, 0,  77           },
-        {"%!M!d",    "M",           1, 1,  -9999        },
-        {"%!M!d",    "x",           0, 0,  77           },
-        {"%2!MMM!d", "MMM",         1, 2,  -9999        }, // compared up to the width
-        {"%d",       "99999999999", 1, 11, 2147483648.0F},
-        {"%f",       "-1.5e2",      1, 6,  -150         },
-        {"%f",       "1.5e+",       1, 3,  1.5F         },
-        {"%f",       "1..5",        1, 2,  1            },
-        {"%f",       ".5",          1, 2,  0.5F         },
-        {"%f",       "-.",          0, 0,  77           },
-        {"%!-!f",    "- 3",         1, 1,  -9999        },
-        {"%!-!f",    "-3",          1, 2,  -3           },
-        {"%6F",      " 1.25 ",      1, 6,  1.25F        },
-        {"%3f",      "1.25",        1, 3,  1.2F         },
+    // clang-format off
+    const char* const rows[][3] = {
+        {"%d", "-12x", "1 3:-12"}, {"%d", "-", "0 0"}, {"%3d", "12", "0 0"},
+        {"%<3d", "1234", "1 3:123"}, {"%2d", "1234", "1 2:12"}, {"%4D", "  12", "1 4:12"},
+        {"%4D", "12  x", "1 4:12"}, {"%4D", "12x", "0 0"}, {"%4D", "    ", "0 0"},
+        {"%!M!d", "M", "1 1:-9999"}, {"%!M!d", "x", "0 0"},
+        {"%2!MMM!d", "MMM", "1 2:-9999"},  // compared up to the width
+        {"%d", "99999999999", "1 11:2147483647"}, {"%f", "-1.5e2", "1 6:-150"},
+        {"%f", "1.5e+", "1 3:1.5"}, {"%f", "1..5", "1 2:1"}, {"%f", ".5", "1 2:0.5"},
+        {"%f", "-.", "0 0"}, {"%!-!f", "- 3", "1 1:-9999"}, {"%!-!f", "-3", "1 2:-3"},
+        {"%6F", " 1.25 ", "1 6:1.25"}, {"%3f", "1.50", "1 3:1.5"},
     };
-    for (const NumberRow& row : rows) {
-        std::string text = row.text;
-        const std::string kind = row.format;
-        parse_param param;
-        scanp_set(&param, text.data());
-        int integer = 77;
-        float number = 77;
-        const bool is_int = kind.back() == 'd' || kind.back() == 'D';
-        const int matched =
-            is_int ? scanp(&param, row.format, &integer) : scanp(&param, row.format, &number);
-        EXPECT_EQ(matched, row.matched) << row.format << ':' << row.text;
-        EXPECT_EQ(param.len, row.len) << row.format << ':' << row.text;
-        EXPECT_EQ(is_int ? static_cast<float>(integer) : number, row.value) << row.format;
+    // clang-format on
+    for (const auto& row : rows) {
+        EXPECT_EQ(scan_number(row[0], row[1]), row[2]) << row[0];
     }
 }
 

@@ -22,33 +22,24 @@ std::unique_ptr<std::FILE, Closer> stream_of(std::string& text) {
 }
 
 TEST(Strings, ParseString) {
-    struct Row {
-        const char* text;
-        int result, count;
-        const char* joined; // the fields, each with a bar behind it
-    };
-    const Row rows[] = {
-        {"a,b,,", 0,  2, "a|b|" },
-        {",a",    0,  2, "|a|"  },
-        {"a,,b",  0,  3, "a||b|"},
-        {"abc",   0,  1, "abc|" },
-        {"",      -1, 0, ""     },
-        {",,",    -1, 0, ""     },
-        {nullptr, -1, 0, ""     },
-    };
-    for (const Row& row : rows) {
+    // The fields with a bar behind each; "none" for a null array.
+    const auto parsed = [](const char* text) {
         int count = 99;
         char** array = nullptr;
-        EXPECT_EQ(parse_string(row.text, ',', &count, &array), row.result);
-        EXPECT_EQ(array == nullptr, row.result != 0);
-        ASSERT_EQ(count, row.count);
-        std::string joined;
+        const int result = parse_string(text, ',', &count, &array);
+        EXPECT_EQ(result, array == nullptr ? -1 : 0);
+        std::string joined = array == nullptr ? "none" : "";
         for (int i = 0; i < count; ++i) {
             joined += std::string(array[i]) + "|";
         }
-        EXPECT_EQ(joined, row.joined);
         free_parsed_array(count, array);
-    }
+        return joined;
+    };
+    EXPECT_EQ(parsed("a,b,,"), "a|b|");
+    EXPECT_EQ(parsed(",a"), "|a|");
+    EXPECT_EQ(parsed("a,,b"), "a||b|");
+    EXPECT_EQ(parsed("abc"), "abc|");
+    EXPECT_EQ(parsed("") + parsed(",,") + parsed(nullptr), "nonenonenone");
     char a[] = "a";
     char b[] = "b";
     char* words[] = {a, b};
@@ -68,85 +59,55 @@ TEST(Strings, CompareWithoutCase) {
 }
 
 TEST(Strings, Clean) {
-    struct Row {
-        int (*clean)(char*);
-        const char *text, *expected;
+    const auto cleaned = [](auto clean, std::string text, auto... more) {
+        clean(text.data(), more...);
+        return std::string(text.c_str());
     };
-    const Row rows[] = {
-        {wstrim_string,                                    "a\r\nb  \n",   "ab"      },
-        {trim_string,                                      " a  ",         " a"      },
-        {trim_cr_string,                                   "a\r\r",        "a"       },
-        {strip_spaces,                                     "  a   b  ",    " a b"    },
-        {strip_escape,                                     "a\\,b\\\\c\\", "a,b\\c"  },
-        {up_string,                                        "aZ\xe4-1",     "AZ\xe4-1"},
-        {low_string,                                       "Az[1",         "az[1"    },
-        {trim_string,                                      "    ",         ""        },
-        {[](char* t) { return fill_string(t, '_', ' '); }, "_a__",         " a  "    },
-        {[](char* t) { return strip_string(t, 'x'); },     "xaxbx",        "ab"      },
-    };
-    for (const Row& row : rows) {
-        std::string text = row.text;
-        row.clean(text.data());
-        EXPECT_STREQ(text.c_str(), row.expected) << row.text;
-    }
+    EXPECT_EQ(cleaned(wstrim_string, "a\r\nb  \n"), "ab");
+    EXPECT_EQ(cleaned(trim_string, " a  "), " a");
+    EXPECT_EQ(cleaned(trim_string, "   "), "");
+    EXPECT_EQ(cleaned(trim_cr_string, "a\r\r"), "a");
+    EXPECT_EQ(cleaned(strip_spaces, "  a   b  "), " a b");
+    EXPECT_EQ(cleaned(strip_escape, "a\\,b\\\\c\\"), "a,b\\c");
+    EXPECT_EQ(cleaned(up_string, "aZ\xe4-1"), "AZ\xe4-1");
+    EXPECT_EQ(cleaned(low_string, "Az[1"), "az[1");
+    EXPECT_EQ(cleaned(fill_string, "_a__", '_', ' '), " a  ");
+    EXPECT_EQ(cleaned(strip_string, "xaxbx", 'x'), "ab");
 }
 
 TEST(Strings, Tests) {
-    struct Row {
-        const char* text;
-        int num, alpha, blank, is_float;
+    // One digit each: number, letters, blank, float.
+    const auto tests = [](const char* text) {
+        return string_is_num(text) * 1000 + string_is_alpha(text) * 100 +
+               string_is_blank(text) * 10 + string_is_float(text);
     };
-    const Row rows[] = {
-        {"12",    1, 0, 0, 0},
-        {"-12",   1, 0, 0, 0},
-        {"-",     0, 0, 0, 0},
-        {"",      0, 0, 1, 0},
-        {"1.5",   0, 0, 0, 1},
-        {"aB",    0, 1, 0, 0},
-        {" \t\r", 0, 0, 1, 0},
-        {"1E5",   0, 0, 0, 1},
-        {"+1",    0, 0, 0, 0},
-        {nullptr, 0, 0, 1, 0},
-        {"\xe4",  0, 0, 0, 0},
-    };
-    for (const Row& row : rows) {
-        const char* note = row.text == nullptr ? "null" : row.text;
-        EXPECT_EQ(string_is_num(row.text), row.num) << note;
-        EXPECT_EQ(string_is_alpha(row.text), row.alpha) << note;
-        EXPECT_EQ(string_is_blank(row.text), row.blank) << note;
-        EXPECT_EQ(string_is_float(row.text), row.is_float) << note;
-    }
+    EXPECT_EQ(tests("12"), 1000);
+    EXPECT_EQ(tests("-12"), 1000);
+    EXPECT_EQ(tests("-") + tests("+1") + tests("\xe4"), 0);
+    EXPECT_EQ(tests("aB"), 100);
+    EXPECT_EQ(tests(" \t\r"), 10);
+    EXPECT_EQ(tests(""), 10);
+    EXPECT_EQ(tests(nullptr), 10);
+    EXPECT_EQ(tests("1.5"), 1);
+    EXPECT_EQ(tests("1E5"), 1);
 }
 
 TEST(Strings, ContourLabels) {
-    struct Row {
-        const char* format;
-        float value;
-        const char* expected;
-    };
-    const Row rows[] = {
-        {"2.2.0",  35.0F,  "35"       },
-        {"2.2.0",  0.0F,   " 0"       },
-        {"2.2.0",  0.25F,  "0.25"     },
-        {"2.2.0",  -30.0F, "-30"      },
-        {"2.2.0",  1e-6F,  " 0"       },
-        {"5.3.1",  12.34F, " 12.3"    },
-        {"0.3.0",  1.5F,   "1.50"     },
-        {"12.2.0", 7.0F,   "      7.0"},
-        {"2.2.0",  0.01F,  "0.010"    },
-        {"1.1.0",  250.0F, "250"      },
-        {"",       5.0F,   "5"        },
-    };
-    for (const Row& row : rows) {
+    const auto label = [](const char* format, float value) {
         char buffer[40];
-        set_num(buffer, row.format, row.value);
-        EXPECT_STREQ(buffer, row.expected) << row.format << ' ' << row.value;
-    }
-    char buffer[40];
-    set_num(buffer, "9.999999999.99", 3e38F); // no format can overrun the buffer
-    EXPECT_EQ(std::strlen(buffer), 39U);
-    set_num(buffer, "2.2.0", -INFINITY);
-    EXPECT_STREQ(buffer, "-inf");
+        set_num(buffer, format, value);
+        return std::string(buffer);
+    };
+    EXPECT_EQ(label("2.2.0", 35), "35");
+    EXPECT_EQ(label("2.2.0", -30), "-30");
+    EXPECT_EQ(label("2.2.0", 0) + label("2.2.0", 1e-6F), " 0 0");
+    EXPECT_EQ(label("2.2.0", 0.25F) + label("2.2.0", 0.01F), "0.250.010");
+    EXPECT_EQ(label("5.3.1", 12.34F), " 12.3");
+    EXPECT_EQ(label("0.3.0", 1.5F), "1.50");
+    EXPECT_EQ(label("12.2.0", 7), "      7.0"); // at most 9 wide
+    EXPECT_EQ(label("1.1.0", 250) + label("", 5), "2505");
+    EXPECT_EQ(label("2.2.0", -INFINITY), "-inf");
+    EXPECT_EQ(label("9.999999999.99", 3e38F).size(), 39U); // no format overruns the buffer
 }
 
 TEST(Strings, BoundedCopy) {
@@ -185,16 +146,14 @@ TEST(Lines, Integers) {
         int width, found, value;
         const char* rest;
     };
+    // clang-format off
     const Row rows[] = {
-        {" 12x",         any_width, 1, 12,              "x"  },
-        {"-12",          2,         1, -1,              "2"  },
-        {"+7",           9,         1, 7,               ""   },
-        {"- 7",          9,         0, 77,              "- 7"},
-        {"x",            9,         0, 77,              "x"  },
-        {"-",            1,         0, 77,              "-"  },
-        {"99999999999",  any_width, 1, 2147483647,      ""   },
-        {"-99999999999", any_width, 1, -2147483647 - 1, ""   },
+        {" 12x", any_width, 1, 12, "x"}, {"-12", 2, 1, -1, "2"}, {"+7", 9, 1, 7, ""},
+        {"- 7", 9, 0, 77, "- 7"}, {"x", 9, 0, 77, "x"}, {"-", 1, 0, 77, "-"},
+        {"99999999999", any_width, 1, 2147483647, ""},
+        {"-99999999999", any_width, 1, -2147483647 - 1, ""},
     };
+    // clang-format on
     for (const Row& row : rows) {
         const char* at = row.text;
         int value = 77;
@@ -228,24 +187,14 @@ TEST(Bytes, OrderOfTheFile) {
     EXPECT_EQ(fread_short_swap(halves, file.get()), 0);
 }
 
-TEST(Numbers, PackedFloats) {
-    struct Row {
-        float value;
-        int code;
-    };
-    const Row rows[] = {
-        {0,       0   },
-        {1,       10  },
-        {-1,      -10 },
-        {25.4F,   125 },
-        {0.7F,    970 },
-        {99.7F,   210 },
-        {12e5F,   612 },
-        {-0.025F, -825}
-    };
-    for (const Row& row : rows) {
-        EXPECT_EQ(float2int(row.value), row.code) << row.value;
-    }
+TEST(Numbers, PackedFloatsAndLines) {
+    EXPECT_EQ(float2int(0), 0);
+    EXPECT_EQ(float2int(1), 10);
+    EXPECT_EQ(float2int(-1), -10);
+    EXPECT_EQ(float2int(25.4F), 125);
+    EXPECT_EQ(float2int(99.7F), 210);
+    EXPECT_EQ(float2int(0.7F), 970);
+    EXPECT_EQ(float2int(-0.025F), -825);
     EXPECT_FLOAT_EQ(linear_interp(3, 1, 5, 10, 20), 15);
     EXPECT_FLOAT_EQ(linear_interp(3, 1, 1, 10, 20), 10);
     EXPECT_NEAR(calc_earth_dist(0, 179, 0, -179), 222.4, 0.1);
@@ -253,68 +202,86 @@ TEST(Numbers, PackedFloats) {
 }
 
 TEST(Numbers, StationIdentifiers) {
-    struct Row {
-        int number;
-        const char* id;
-        int back; // what the identifier reads as
-    };
-    const Row rows[] = {
-        {1001,  "EN001", 1001 },
-        {2699,  "ES699", 2699 },
-        {3949,  "EG949", 3949 },
-        {3950,  "EI950", 3950 },
-        {98328, "RP328", 98328},
-        {97180, "WA180", 97180},
-        {72365, "K2365", 72365},
-        {71801, "C1801", 71801},
-        {99999, "99999", 99999},
-        {5000,  "05000", 5000 },
-        {0,     "00000", 0    },
-    };
-    for (const Row& row : rows) {
+    const auto there_and_back = [](int number, const char* expected) {
         char id[12];
-        EXPECT_STREQ(wmo_to_id(id, row.number), row.id);
-        int number = 0;
-        EXPECT_EQ(id_to_wmo(row.id, &number), row.back == 99999 ? 0 : 1) << row.id;
-        EXPECT_EQ(number, row.back) << row.id;
-    }
+        EXPECT_STREQ(wmo_to_id(id, number), expected);
+        int back = 0;
+        EXPECT_EQ(id_to_wmo(expected, &back), 1) << expected;
+        EXPECT_EQ(back, number) << expected;
+    };
+    there_and_back(1001, "EN001");
+    there_and_back(3949, "EG949");
+    there_and_back(3950, "EI950");
+    there_and_back(98328, "RP328");
+    there_and_back(72365, "K2365"); // one letter, four digits
+    there_and_back(71801, "C1801");
+    there_and_back(5000, "05000"); // in no range
     for (const char* none : {"KTLX", "QQ123", "EN0011", "E-123", "", "K23a5"}) {
         int number = 0;
         EXPECT_EQ(id_to_wmo(none, &number), 0) << none;
         EXPECT_EQ(number, -1) << none;
     }
+    int number = 0;
+    EXPECT_EQ(id_to_wmo("99999", &number), 0);
+    EXPECT_EQ(number, 99999);
 }
 
-TEST(Table, KeysOrderAndDuplicates) {
+int value_of(const void* data) {
+    return data == nullptr ? -1 : *static_cast<const int*>(data);
+}
+
+// Twenty records under ten first keys and two second ones, in chains.
+struct Twenty {
     TAB_table table;
-    ASSERT_EQ(TAB_create(&table, 3, sizeof(int), 2), 0); // three buckets: chains in each
-    EXPECT_EQ(TAB_key(&table, ""), 0);
-    EXPECT_EQ(TAB_key(&table, "ab"), (97 * 257 + 98) % 35177 % 3);
-    EXPECT_GE(TAB_key(&table, "\x80\xff"), 0);
-    EXPECT_EQ(TAB_first(&table), nullptr);
-    for (int i = 0; i < 20; ++i) {
-        EXPECT_EQ(TAB_enter(&table, &i, std::to_string(i % 10).c_str(), i < 5 ? "few" : "many"), 0);
+    Twenty() {
+        EXPECT_EQ(TAB_create(&table, 3, sizeof(int), 2), 0);
+        for (int i = 0; i < 20; ++i) {
+            TAB_enter(&table, &i, std::to_string(i % 10).c_str(), i < 5 ? "few" : "many");
+        }
     }
-    EXPECT_EQ(table.num_entry, 20);
-    const auto value = [](void* data) { return data == nullptr ? -1 : *static_cast<int*>(data); };
-    EXPECT_EQ(value(TAB_search(&table, 1, "7")), 7);
-    EXPECT_EQ(value(TAB_search(&table, 2, "many")), 5);
-    EXPECT_EQ(TAB_search(&table, 1, "many"), nullptr);
-    EXPECT_EQ(TAB_search(&table, 3, "7"), nullptr);
-    EXPECT_EQ(TAB_search(&table, 0, "7"), nullptr);
+    Twenty(const Twenty&) = delete;
+    Twenty& operator=(const Twenty&) = delete;
+    ~Twenty() { TAB_clear(&table); }
+};
+
+TEST(Table, Searches) {
+    const Twenty twenty;
+    const TAB_table* table = &twenty.table;
+    const auto first = [table](int which, const char* key) {
+        return value_of(TAB_search(table, which, key));
+    };
+    EXPECT_EQ(first(1, "7"), 7);
+    EXPECT_EQ(first(2, "many"), 5);
+    EXPECT_EQ(first(2, "few"), 0);
+    EXPECT_EQ(first(1, "many") + first(3, "7") + first(0, "7") + first(1, nullptr), -4);
     EXPECT_EQ(TAB_search(nullptr, 1, "7"), nullptr);
     void* found[4] = {};
-    EXPECT_EQ(TAB_searches(&table, 1, "7", found, 4), 2);
-    EXPECT_EQ(value(found[1]), 17);
-    EXPECT_EQ(TAB_searches(&table, 2, "many", found, 4), 4);
-    int expected = 0;
-    for (void* data = TAB_first(&table); data != nullptr; data = TAB_next(&table)) {
-        EXPECT_EQ(value(data), expected++);
+    EXPECT_EQ(TAB_searches(table, 1, "7", found, 4), 2);
+    EXPECT_EQ(value_of(found[1]), 17);
+    EXPECT_EQ(TAB_searches(table, 2, "many", found, 4), 4);
+}
+
+TEST(Table, WalksInOrderOfEntryAndClears) {
+    Twenty twenty;
+    TAB_table* table = &twenty.table;
+    int count = 0;
+    for (void* data = TAB_first(table); data != nullptr; data = TAB_next(table)) {
+        EXPECT_EQ(value_of(data), count++);
     }
-    EXPECT_EQ(expected, 20);
-    TAB_clear(&table);
-    EXPECT_EQ(TAB_search(&table, 1, "7"), nullptr);
-    EXPECT_EQ(TAB_enter(&table, &expected, "x", "y"), -1);
+    EXPECT_EQ(count, 20);
+    EXPECT_EQ(table->num_entry, 20);
+    TAB_clear(table);
+    EXPECT_EQ(TAB_first(table), nullptr);
+    EXPECT_EQ(TAB_search(table, 1, "7"), nullptr);
+    EXPECT_EQ(TAB_enter(table, &count, "x", "y"), -1);
+}
+
+TEST(Table, KeysAndSizes) {
+    TAB_table table;
+    table.tab_size = 7;
+    EXPECT_EQ(TAB_key(&table, ""), 0);
+    EXPECT_EQ(TAB_key(&table, "ab"), (97 * 257 + 98) % 35177 % 7);
+    EXPECT_GE(TAB_key(&table, "\x80\xff"), 0);
     EXPECT_EQ(TAB_create(&table, 3, 4, 5), -1);
     EXPECT_EQ(TAB_create(&table, 0, 4, 1), -1);
 }
