@@ -13,15 +13,17 @@ constexpr int last_label = 6;  // switches 1 to 6 are the six labels
 constexpr int any_label = 0;   // derived: sum of 1 to 6
 constexpr int any_at_all = 12; // derived: sum of 0 to 11
 
+constexpr std::array<long, num_flags> unset_flags() noexcept {
+    std::array<long, num_flags> all{};
+    all.fill(missing);
+    return all;
+}
+
 struct State {
-    std::array<long, num_flags> flags = [] {
-        std::array<long, num_flags> all{};
-        all.fill(missing);
-        return all;
-    }();
+    std::array<long, num_flags> flags = unset_flags();
     std::array<int, num_switches> plot_it{1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
 };
-State state;
+constinit State state;
 
 bool is_flag(int n) {
     return n >= 0 && n < num_flags;

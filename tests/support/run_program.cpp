@@ -1,5 +1,6 @@
 #include "run_program.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -58,18 +59,16 @@ std::vector<std::string> environment(const ProgramCall& call) {
     std::vector<std::string> texts;
     for (const auto& [name, value] : all) {
         if (value != "unset") {
-            texts.push_back(name + "=" + value);
+            texts.push_back(std::string(name).append("=").append(value));
         }
     }
     return texts;
 }
 
 std::vector<char*> pointers(std::vector<std::string>& texts) {
-    std::vector<char*> all;
-    for (std::string& text : texts) {
-        all.push_back(text.data());
-    }
-    all.push_back(nullptr);
+    std::vector<char*> all(texts.size() + 1); // and the closing null
+    std::transform(texts.begin(), texts.end(), all.begin(),
+                   [](std::string& text) { return text.data(); });
     return all;
 }
 
