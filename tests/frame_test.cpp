@@ -1,5 +1,6 @@
 // The program frame: flags, messages, the resource database with its
-// arguments and conversions, the loop window link, prompts and menus.
+// arguments and conversions, the loop window link, prompts and menus. The cases
+// that start the database want a process of their own, as ctest gives them.
 #include "files.h"
 #include "mqueue.h"
 #include "queue_peer.h"
@@ -35,7 +36,7 @@ void start(std::vector<std::string> args, const char* search = "/nowhere") {
     std::vector<char*> argv(args.size() + 1);
     std::transform(args.begin(), args.end(), argv.begin(),
                    [](std::string& arg) { return arg.data(); });
-    setenv("zyrdefault", search, 0);
+    setenv("zyrdefault", search, 1);
     RES_init(static_cast<int>(args.size()), argv.data(), keys, positions);
     RES_setCL(0, nullptr); // the texts do not outlive this call
 }
@@ -63,7 +64,6 @@ std::string plot_switches() {
 
 } // namespace
 
-// Stands first: a message level once set cannot be unset.
 TEST(Batch, MeetsMessageInAnyOrder) {
     const std::vector<std::pair<std::vector<std::string>, unsigned>> rows = {
         {{"-me", "mess", "-ba"}, 0xFFF  },
