@@ -130,7 +130,10 @@ TEST(NidsLevels, RunsOfADamagedThresholdAreNumbers) {
     NidsSample s;
     s.code = 174;
     s.thres = {0xFFFF, 0xFFFF, 0x7F80, 0};
-    s.layers = {nids_radial_packet(nids_packet_radial, 1, {Bytes{0x10, 0x12}})};
+    const std::vector<Bytes> radials = {
+        Bytes{0x10, 0x12}
+    };
+    s.layers.push_back(nids_radial_packet(nids_packet_radial, 1, radials));
     struct Check : NidsSink {
         int runs = 0;
         void run(const NIDS_data& d) {
