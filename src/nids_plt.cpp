@@ -173,6 +173,16 @@ void open_session(Domain* domain) {
     }
 }
 
+// What an open product brings to the page: its date label, the parts of the
+// file's date that are not known, a colour bar unless it is refused.
+void take_product() {
+    DATE_make_label(&nids.info.date, nids.datim);
+    fill_file_date(nids.info.date);
+    if (CONT_get_bar() != -2) {
+        CONT_set_bar(1);
+    }
+}
+
 // Opens a file of the walk. The first one is open already, behind its header:
 // a standard stream can be read but once, and half of a product's unpacking
 // would be done twice.
@@ -180,6 +190,7 @@ bool open_next(const char* name) {
     const bool probed = nids.ifile != nullptr && std::strcmp(nids.probed, name) == 0;
     nids.probed[0] = '\0';
     if (probed) {
+        take_product(); // the session has set zone and bar since
         return true;
     }
     NIDS_close_file();
@@ -395,11 +406,7 @@ int NIDS_open_file(const char* filename) {
         MESS_print(mess_error, "NIDS_open_file: Unable to read file:%s\n", filename);
         return 0;
     }
-    DATE_make_label(&nids.info.date, nids.datim);
-    fill_file_date(nids.info.date);
-    if (CONT_get_bar() != -2) {
-        CONT_set_bar(1);
-    }
+    take_product();
     return 1;
 }
 

@@ -134,6 +134,21 @@ TEST_F(Program, SingleFilesThatDoNotOpenEndTheRun) {
     EXPECT_EQ(count_text(refused.run.err, "NIDS_open_file: Unable to read file:./refused\n"), 2);
 }
 
+// The first product is opened before the session is and drawn in it.
+TEST_F(Program, FirstProductObeysTheSessionAndMayComeOnce) {
+    const TempDir dir;
+    dir.write("product", sample_text("radial"));
+    const NidsPage zone = nids_page(dir, "-pp tz=-CST:-6,nobar ./product");
+    EXPECT_EQ(count_text(zone.text, "4:31 PM CST [2231Z] 20 MAY 19\n"), 1);
+    const std::string page = golden_text(nids_page(dir, "./product").text);
+    ProgramCall piped;
+    piped.args = {"-inp", "nids", "-de", "p,piped.ps", "-fp", ZYR_SOURCE_DIR "/etc", "-"};
+    piped.directory = dir.path();
+    piped.input = sample_text("radial");
+    EXPECT_EQ(run_program(ZYR_PROGRAM, piped).code, 0);
+    EXPECT_EQ(golden_text(read_text(dir.path() + "/piped.ps")), page);
+}
+
 TEST_F(Program, WritesTheTextGridFile) {
     const TempDir dir;
     dir.write("product", sample_text("precip"));
