@@ -1,0 +1,284 @@
+// The program as a user runs it: a clean environment, the defaults file of the
+// source tree, small products. What it says, how it ends, what it draws.
+#include "nids_page.h"
+#include "nids_writer.h"
+#include "run_program.h"
+
+#include <array>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace {
+
+// Runs in a directory that holds some sample products; the page
+// goes to "page.ps" unless `args` names a device.
+class ProgramTest : public testing::Test {
+protected:
+    void SetUp() override {
+        if (access(ZYR_PROGRAM, X_OK) != 0) {
+            GTEST_SKIP() << "no program was built";
+        }
+        for (const auto& [name, bytes] : nids_samples()) {
+            if (name == "radial" || name == "raster" || name == "precip") {
+                dir.write(name, {bytes.begin(), bytes.end()});
+            }
+        }
+    }
+    // `args` are split at blanks.
+    ProgramRun run(const std::string& args, const std::string& input = "",
+                   const std::map<std::string, std::string>& env = {}) {
+        unlink(file("page.ps").c_str());
+        ProgramCall call;
+        call.env = env;
+        call.env.try_emplace("zyrdefault", ZYR_SOURCE_DIR "/etc");
+        call.input = input;
+        call.directory = dir.path();
+        std::istringstream words("-inp nids " + args);
+        for (std::string word; words >> word;) {
+            call.args.push_back(word);
+        }
+        ProgramRun result = run_program(ZYR_PROGRAM, call);
+        EXPECT_FALSE(result.timed_out) << args;
+        page = read_text(file("page.ps"));
+        return result;
+    }
+    std::string file(const std::string& name) const { return dir.path() + "/" + name; }
+    int count(const std::string& part) const { return count_text(page, part); }
+    // Is the text among those of the page?
+    bool shows(const std::string& text) const { return count(" " + text + "\n") > 0; }
+
+    TempDir dir;
+    std::string page;
+};
+
+// Waits for the page of a run that goes on in the background.
+std::string wait_for_page(const std::string& name) {
+    constexpr int tries = 2000; // of 10 ms
+    std::string text;
+    for (int i = 0; i < tries && !text.ends_with("%%EOF\n"); i++) {
+        usleep(10000);
+        text = read_text(name);
+    }
+    return text;
+}
+
+constexpr const char* no_window =
+    "gopen_ws: unable to open window: this build has no window device\n\n"
+    "GPH_begin: Error opening workstation\n";
+
+bool has(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+std::string without_date(const std::string& text) {
+    const std::size_t at = text.find("%%CreationDate");
+    return at == std::string::npos ? text : std::string(text).erase(at, text.find('\n', at) - at);
+}
+
+} // namespace
+
+TEST_F(ProgramTest, HelpComesBeforeAllElse) {
+    const std::string help = read_text(ZYR_SOURCE_DIR "/tests/data/golden/help.txt");
+    for (const char* args : {"-h", "none -inp lev2 -de z,none/x -me what -me out2 -pd bad -help"}) {
+        const ProgramRun result = run(args);
+        EXPECT_EQ(result.out, help) << args;
+        EXPECT_EQ(result.err, "") << args;
+        EXPECT_EQ(result.code, 0) << args;
+    }
+}
+
+// Faults in the settings: what is said, and what is drawn all the same.
+TEST_F(ProgramTest, PlotGoesOnAfterAFault) {
+    struct Row {
+        const char* args;
+        const char* err; // all of it
+        int figures;     // of data and bar
+        int texts;
+        bool strokes; // of the texts
+    };
+    const char* const domain = "DOM_decode: Invalid plot domain\n";
+    for (const Row& row : std::initializer_list<Row>{
+             {"",                                      "",                                                                  71, 11, true },
+             {"-unknown 7 --other",                    "",                                                                  71, 11, true },
+             {"-pd nonsense,x",                        domain,                                                              71, 11, true }, // the product's own domain
+             {"-pd nonsense",                          domain,                                                              71, 11, true },
+             {"-cof 5:nocolour,20:red",                "",                                                                  42, 5,  true }, // a figure a bin; one box
+             {"-cof 5:nocolour,30:red",                "",                                                                  18, 5,  true },
+             {"-cot nocolour",                         "",                                                                  71, 3,  true }, // bar labels have that colour
+             {"-cof nofile",                           "CONT_set_fill_colors: Unable to read contour level file: nofile\n", 0,
+              3,                                                                                                                    true },
+             {"-fl fi:gone",                           "gsetup_fonts: unable to load font list file: gone\n",               71, 11, true },
+             {"-fl gone.fnt",                          "read_font: unable to load font file: gone.fnt\n",                   71, 11, false},
+             {"-ct gone.clr",                          "",                                                                  0,  3,  true }, // no colour has a name
+             {"-dr map,sum,text -mf gone.map,fi:gone",
+              "MAP_draw: Unable to open map list file: gone\n" // before the data and after
+              "MAP_process: Map file not found: gone.map\n"
+              "MAP_draw: Unable to open map list file: gone\n",                                                             71, 11, true }
+    }) {
+        const ProgramRun result = run(std::string("radial -de p,page.ps -dr sum,text ") + row.args);
+        EXPECT_EQ(result.code, 0) << row.args;
+        EXPECT_EQ(result.err, row.err) << row.args;
+        EXPECT_EQ(count("\n%%FA"), row.figures) << row.args;
+        EXPECT_EQ(count("\n%%TE"), row.texts) << row.args;
+        // Every stroke of a letter is a path of its own.
+        EXPECT_EQ(count("\nstroke\n") > 40, row.strokes) << row.args;
+        EXPECT_TRUE(page.ends_with("%%EOF\n")) << row.args;
+    }
+}
+
+TEST_F(ProgramTest, FaultsThatEndTheRun) {
+    struct Row {
+        const char* args;
+        const char* input;
+        int code;
+        const char* err; // all of it
+    };
+    for (const Row& row : std::initializer_list<Row>{
+             {"gone -de p,page.ps",    "", 10,
+              "NIDS_open_file: Unable to open file:./gone\n"
+              "NIDS_open_file: Unable to open file:./gone\n"                                           },
+             {"-cu -1 -de p,page.ps",  "", 10, "File not found: ./201905202131.nids\n"                 },
+             {"-ba",                   "", 10, "File not found: ./201905201412.nids\n"                 }, // the 500 minutes before
+             {"radial -ba",            "", 4,  no_window                                               },
+             {"radial -de d",          "", 4,  no_window                                               },
+             {"radial -de m,x",        "", 4,
+              "gopen_ws: unable to open metafile\n\nGPH_begin: Error opening workstation\n"            },
+             {"radial -de q,x",        "", 4,
+              "gopen_ws: unable to open HPGL file\n\nGPH_begin: Error opening workstation\n"           },
+             {"radial -de w",          "", 4,
+              "gopen_ws: unable to open pixmap: this build has no window device\n\n"
+              "GPH_begin: Error opening workstation\n"                                                 },
+             {"radial -de p,radial/x", "", 4,
+              "gopen_ws: unable to open postscript file\n\nGPH_begin: Error opening workstation\n"     },
+             {"radial -inp lev2",      "", 10, "zyrrad: This build plots no input of this type: lev2\n"},
+             {"radial -inp=",          "", 10,
+              "zyrrad: This build plots no input of this type: radar summary\n"                        },
+             {"-if rcmsite -inp what", "", 10,
+              "zyrrad: This build plots no input of this type: what\n"                                 }
+    }) {
+        const ProgramRun result = run(row.args, row.input,
+                                      {
+                                          {"zyrcurtime", "201905202231"}
+        });
+        EXPECT_EQ(result.code, row.code) << row.args;
+        EXPECT_EQ(result.err, row.err) << row.args;
+    }
+}
+
+TEST_F(ProgramTest, SourcesOfSettingsHaveRanks) {
+    const std::string low = dir.write("low", "*.label ul:low\n*.plot_param nobar\n*.own low\n");
+    const std::string high = dir.write("high", "*.label ul:high\n");
+    const std::string both = std::string(low).append(":").append(high);
+    const std::string args = "radial -de p,page.ps -fp " ZYR_SOURCE_DIR "/etc -dr text";
+    struct Row {
+        std::string search;
+        const char* env;
+        const char* more;
+        const char* shown;
+    };
+    for (const Row& row : std::initializer_list<Row>{
+             {"/none", "",       "",                "Base reflectivity (Dbz)"},
+             {low,     "",       "",                "low"                    },
+             {both,    "",       "",                "high"                   },
+             {both,    "",       " -default=/none", "Base reflectivity (Dbz)"},
+             {low,     "ul:env", "",                "env"                    },
+             {low,     "ul:env", " -la ul:arg",     "arg"                    }
+    }) {
+        std::map<std::string, std::string> env = {
+            {"zyrdefault", row.search}
+        };
+        if (*row.env != '\0') {
+            env["zyrlabel"] = row.env;
+        }
+        EXPECT_EQ(run(args + row.more, "", env).code, 0);
+        EXPECT_TRUE(shows(row.shown)) << row.search << row.env << row.more;
+    }
+}
+
+TEST_F(ProgramTest, PromptsTakeFilesAndCommands) {
+    dir.write("201905202230.nids", read_text(file("radial")));
+    // Commands are no attempts; a free resource is kept as it was named.
+    const ProgramRun result =
+        run("-de p,page.ps -Free v", "set\nset label = ul:Typed by hand\ngone\n\nset\n./radial\n");
+    EXPECT_EQ(result.code, 0) << result.err;
+    EXPECT_TRUE(has(result.out, "List of available files:\n./201905202230.nids\n")) << result.out;
+    EXPECT_TRUE(has(result.out, "\nFree: v\n")) << result.out;
+    EXPECT_TRUE(has(result.out, "\nlabel: ul:Typed by hand\n")) << result.out;
+    EXPECT_TRUE(shows("Typed by hand"));
+    EXPECT_EQ(result.err, "File not found: ./gone\n");
+}
+
+TEST_F(ProgramTest, PromptsEndOrGoOn) {
+    dir.write("201905202230.nids", read_text(file("radial")));
+    struct Row {
+        const char* args;
+        const char* input;
+        int code;
+        const char* out;
+        const char* err;
+    };
+    for (const Row& row : std::initializer_list<Row>{
+             {"list",          "",                       0,  "201905202230.nids\n",                     ""       },
+             {"",              "exit\n",                 0,  "Enter the NIDS filename: ",               ""       },
+             {"",              "",                       0,  "\nEnd of input, leaving the program\n",   ""       },
+             {"",              "a\nb\nc\nd\n./radial\n", 10, "filename: ",
+              "File not found: ./a\nFile not found: ./b\nFile not found: ./c\n"
+              "File not found: ./d\n"                                                                            },
+             {"-de p,page.ps", "la\n",                   0,  "Current filename: ./201905202230.nids\n", ""       },
+             {"radial",        "Exit now\n",             0,  "Display (D) or Postscript (P): ",         ""       },
+             {"radial",        "P\n",                    0,  "Creating: zyr.ps\n",                      ""       },
+             {"radial",        "\nD\n",                  4,  "(P): Display (D)",                        no_window}
+    }) {
+        const ProgramRun result = run(row.args, row.input,
+                                      {
+                                          {"zyrcurtime", "201905202245"}
+        });
+        EXPECT_EQ(result.code, row.code) << row.args << row.input;
+        EXPECT_TRUE(has(result.out, row.out)) << row.input << "\n" << result.out;
+        EXPECT_EQ(result.err, row.err) << row.args << row.input;
+    }
+}
+
+// What files a request leads to, by the labels on the page: Base reflectivity
+// at 22:20, Comp reflectivity at 22:25, Digital precip at 22:30.
+TEST_F(ProgramTest, RequestsFindTheirFiles) {
+    dir.write("data/201905202220.nids", read_text(file("radial")));
+    dir.write("data/201905202225.nids", read_text(file("raster")));
+    dir.write("data/201905202230.nids", read_text(file("precip")));
+    const std::map<std::string, std::string> now = {
+        {"zyrcurtime", "201905202230"}
+    };
+    for (const auto& [request, expected] : std::initializer_list<std::array<const char*, 2>>{
+             {"-cu",                        "D"  },
+             {"-cu la-0:10",                "B"  },
+             {"-ho :25 -cu",                "C"  },
+             {"201905202225",               "C"  },
+             {"201905202230 -nh -0:10,0:5", "BCD"},
+             {"201905202220 -nh 0:7",       "BC" }, // a step a minute; most have no file
+             {"201905202220 -nh 0:10,0:10", "BD" },
+             {"./radial ./gone ./raster",   "BC" },
+             {"-cu la ./raster",            "C"  }  // a named file comes before
+    }) {
+        run(std::string("-dp data -de p,page.ps -dr sum,text ") + request, "", now);
+        std::string labels;
+        for (auto at = page.find("%%TE"); at < page.size(); at = page.find("%%TE", at + 1)) {
+            const char first = page[page.find(' ', page.find(' ', at) + 1) + 1];
+            labels += std::strchr("BCD", first) != nullptr ? std::string(1, first) : "";
+        }
+        EXPECT_EQ(labels, expected) << request;
+        EXPECT_EQ(count("%!PS") + count("%%EOF\n"), 2) << request;
+    }
+}
+
+TEST_F(ProgramTest, BatchGivesTheSamePageInTheBackground) {
+    ASSERT_EQ(run("radial raster -de p,page.ps").code, 0);
+    const std::string expected = without_date(page);
+    ASSERT_GT(expected.size(), 10000U);
+    for (const char* device : {"p,page.ps", "p,|cat>page.ps"}) {
+        const ProgramRun result = run(std::string("-ba radial raster -de ") + device);
+        EXPECT_EQ(result.code, 0);
+        EXPECT_EQ(result.out + result.err, "") << "errors and warnings alone";
+        EXPECT_EQ(without_date(wait_for_page(file("page.ps"))), expected) << device;
+    }
+}
