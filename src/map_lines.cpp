@@ -116,8 +116,8 @@ void repeat_label(const Image& place, const char* label) {
 void draw_parallel(const Grid& g, double lat, const char* label) {
     constexpr double step = 2.5;
     Image last = image_of(lat, -180);
-    for (double lon = -180 + 2 * step; lon <= 180; lon += step) {
-        const Image next = image_of(lat, lon);
+    for (int i = 2; i * step <= 360; ++i) { // the first piece is twice as long
+        const Image next = image_of(lat, -180 + i * step);
         if (last.seen && next.seen) {
             parallel_piece(g, last.at, next.at, label);
         }
@@ -125,8 +125,9 @@ void draw_parallel(const Grid& g, double lat, const char* label) {
     }
     if (g.extra > 0) {
         GPH_text_align(GCENTER_HOR, GHALF_VERT);
-        for (double lon = first_label(g.extra, -179, g.dlon); lon <= 180; lon += g.extra) {
-            repeat_label(image_of(lat, lon), label);
+        const double first = first_label(g.extra, -179, g.dlon);
+        for (int i = 0; first + i * g.extra <= 180; ++i) {
+            repeat_label(image_of(lat, first + i * g.extra), label);
         }
         GPH_text_align(GLEFT_HOR, GHALF_VERT);
     }
@@ -142,9 +143,9 @@ double meridian_end(const Grid& g) {
 void draw_meridian(const Grid& g, double lon, const char* label) {
     const double end = meridian_end(g);
     Image last = image_of(-end, lon);
-    for (double lat = -end; lat < end - g.dlat / 1000;) {
-        lat = std::min(lat + g.dlat, end);
-        const Image next = image_of(lat, lon);
+    const int pieces = static_cast<int>(std::ceil(2 * end / g.dlat - 0.001));
+    for (int i = 1; i <= pieces; ++i) {
+        const Image next = image_of(std::min(-end + i * g.dlat, end), lon);
         if (last.seen && next.seen && !map_is_torn(g.proj, last.at, next.at)) {
             GPH_line(last.at.x, last.at.y, next.at.x, next.at.y);
             label_meridian(g, last.at, next.at, label);
@@ -152,8 +153,9 @@ void draw_meridian(const Grid& g, double lon, const char* label) {
         last = next;
     }
     if (g.extra > 0) {
-        for (double lat = first_label(g.extra, -89, g.dlat); lat < 90; lat += g.extra) {
-            repeat_label(image_of(lat, lon), label);
+        const double first = first_label(g.extra, -89, g.dlat);
+        for (int i = 0; first + i * g.extra < 90; ++i) {
+            repeat_label(image_of(first + i * g.extra, lon), label);
         }
     }
 }
