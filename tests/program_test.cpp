@@ -3,6 +3,7 @@
 #include "nids_page.h"
 #include "nids_writer.h"
 #include "run_program.h"
+#include "zyrresrc.h"
 
 #include <array>
 #include <cstring>
@@ -280,5 +281,52 @@ TEST_F(ProgramTest, BatchGivesTheSamePageInTheBackground) {
         EXPECT_EQ(result.code, 0);
         EXPECT_EQ(result.out + result.err, "") << "errors and warnings alone";
         EXPECT_EQ(without_date(wait_for_page(file("page.ps"))), expected) << device;
+    }
+}
+
+namespace {
+
+// An entry of the manual begins with the option and goes on with the resource
+// and its environment variable. `manual` is without backslashes.
+bool documents(const std::string& manual, const RES_defobj& row) {
+    const std::string names = std::string("\nfB") + row.def + "fR, fB" + row.env + "fR.";
+    const std::string option = row.cmd.text;
+    for (const std::string& head : {"\n.TP\n.BI -" + option + " ", "\n.TP\n.B -" + option + "\n"}) {
+        const std::size_t at = manual.find(head);
+        if (at != std::string::npos) {
+            return has(manual.substr(at, manual.find("\n.TP", at + 1) - at), names);
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+TEST(Manual, NamesEveryOptionAndExitCode) {
+    std::string manual = read_text(ZYR_SOURCE_DIR "/doc/zyrrad.1");
+    std::erase(manual, '\\');
+    const std::string help = read_text(ZYR_SOURCE_DIR "/tests/data/golden/help.txt");
+    std::string unnamed;
+    int rows = 0;
+    testing::internal::CaptureStdout(); // numbers without a row are printed
+    for (int type = 1; type <= RES_sat_path; type++) {
+        RES_defobj row;
+        RES_enter(&row, static_cast<res_type>(type));
+        const std::string option = row.cmd.text != nullptr ? row.cmd.text : "";
+        const bool twin = type == RES_input || type == RES_in_files; // of a listed row
+        if (!twin && (type == RES_inputg || has(help, "\n -" + option + " "))) {
+            unnamed += documents(manual, row) ? "" : option + " ";
+            rows++;
+        }
+    }
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(unnamed, "");
+    EXPECT_EQ(rows, 57);
+    const std::size_t section = manual.find("\n.SH \"EXIT STATUS\"\n");
+    ASSERT_NE(section, manual.npos);
+    const std::string codes = manual.substr(section, manual.find("\n.SH ", section + 5) - section);
+    for (const char* code : {"\n.B 0\n", "\n.B 1\n", "\n.B 4\n", "\n.B 7\n", "\n.B 10\n", "\n3 (",
+                             " 11 (", " 43 ("}) { // the last of inputs to come
+        EXPECT_TRUE(has(codes, code)) << code;
     }
 }
