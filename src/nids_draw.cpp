@@ -55,9 +55,14 @@ public:
         figures_.clear();
     }
 
-    // Whether it is time to draw: bounds the memory of a damaged product, whose
-    // radials may be very long.
-    [[nodiscard]] bool full() const { return figures_.size() >= max_figures; }
+    // Draws what is held when it is much: a damaged product's radials may be
+    // very long.
+    void make_room(const Ruler& a, const Ruler& b) {
+        if (figures_.size() >= max_figures) {
+            draw(a, b);
+            begin();
+        }
+    }
 
     // Figures from step `start` on, each `chunk` steps long and the last as
     // long as what is left of `count`.
@@ -176,10 +181,7 @@ void draw_radials(const NIDS_frame& frame, NIDS_fills& fills) {
         int bin = 0;
         NIDS_data data;
         while (NIDS_get_data(frame.ifile, &data) > 0) {
-            if (strip.full()) {
-                strip.draw(edges.first, edges.second);
-                strip.begin();
-            }
+            strip.make_room(edges.first, edges.second);
             const int run = static_cast<int>(data.run);
             const Gattribs* attrib = fills.get(data.val);
             if (attrib != nullptr) {
@@ -200,10 +202,7 @@ void draw_row(const NIDS_frame& frame, NIDS_fills& fills, std::FILE* grid, const
     int column = 0;
     NIDS_data data;
     while (NIDS_get_data(frame.ifile, &data) > 0) {
-        if (strip.full()) {
-            strip.draw(edges.first, edges.second);
-            strip.begin();
-        }
+        strip.make_room(edges.first, edges.second);
         const int run = static_cast<int>(data.run);
         float value = data.val;
         if (frame.info->code == code_precip_array && is_set(value)) {
