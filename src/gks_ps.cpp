@@ -25,6 +25,9 @@
 #include <string_view>
 #include <utility>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace {
 
 constexpr float points_per_inch = 72.0F;
@@ -401,6 +404,14 @@ void output_name(const char* conn_id, char* name, std::size_t size) {
     copy_text(name, size, "zyr.ps");
 }
 
+// Standard output under a descriptor of its own: a run that goes on in the
+// background closes the program's.
+std::FILE* own_stdout() {
+    std::fflush(stdout);
+    const int fd = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
+    return fd < 0 ? nullptr : fdopen(fd, "w");
+}
+
 // --- Head of the file ---------------------------------------------------------
 
 void put_heading() {
@@ -476,9 +487,11 @@ std::FILE* gps_open_file(const char* name) {
         MESS_print(mess_mess, ps.append ? "Appending to: %s\n" : "Creating: %s\n", name);
     }
     ps.out_file = FILE_open(name, ps.append ? "a" : "w");
+    if (ps.out_file == stdout)
+        ps.out_file = own_stdout();
     if (std::getenv("PSCOLOR") != nullptr)
         ps.pr_color = 1;
-    if (ps.out_file != nullptr && ps.out_file != stdout)
+    if (ps.out_file != nullptr)
         std::setvbuf(ps.out_file, out_buffer.data(), _IOFBF, out_buffer.size());
     return ps.out_file;
 }

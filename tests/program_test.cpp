@@ -6,6 +6,7 @@
 #include "zyrresrc.h"
 
 #include <array>
+#include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -282,6 +283,12 @@ TEST_F(ProgramTest, BatchGivesTheSamePageInTheBackground) {
         EXPECT_EQ(result.out + result.err, "") << "errors and warnings alone";
         EXPECT_EQ(without_date(wait_for_page(file("page.ps"))), expected) << device;
     }
+    // The background process has no standard output, but the page still does.
+    const std::string command = "cd " + dir.path() +
+                                " && zyrdefault=" ZYR_SOURCE_DIR "/etc " ZYR_PROGRAM
+                                " -inp nids -ba radial raster -de p,- >out.ps";
+    EXPECT_EQ(std::system(command.c_str()), 0);
+    EXPECT_EQ(without_date(wait_for_page(file("out.ps"))), expected);
 }
 
 namespace {
