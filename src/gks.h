@@ -74,10 +74,10 @@ struct Gcenter {
     Gint x, y; // 2 centred, 3 against the maximum, else starting at 0
 };
 
-enum Gfill_int_style { GHOLLOW = 0, GSOLID = 1, GPAT = 2, GHATCH = 3 };
-enum Gtext_prec { GSTRING_PREC = 0, GCHAR_PREC = 1, GSTROKE_PREC = 2 };
-enum Gtext_hor { GNORMAL_HOR = 0, GLEFT_HOR = 1, GCENTER_HOR = 2, GRIGHT_HOR = 3 };
-enum Gtext_ver {
+enum Gfill_int_style : int { GHOLLOW = 0, GSOLID = 1, GPAT = 2, GHATCH = 3 };
+enum Gtext_prec : int { GSTRING_PREC = 0, GCHAR_PREC = 1, GSTROKE_PREC = 2 };
+enum Gtext_hor : int { GNORMAL_HOR = 0, GLEFT_HOR = 1, GCENTER_HOR = 2, GRIGHT_HOR = 3 };
+enum Gtext_ver : int {
     GNORMAL_VERT = 0,
     GTOP_VERT = 1,
     GCAP_VERT = 2,
@@ -85,7 +85,7 @@ enum Gtext_ver {
     GBASE_VERT = 4,
     GBOTTOM_VERT = 5
 };
-enum Gtext_path { GRIGHT_PATH = 0, GLEFT_PATH = 1, GUP_PATH = 2, GDOWN_PATH = 3 };
+enum Gtext_path : int { GRIGHT_PATH = 0, GLEFT_PATH = 1, GUP_PATH = 2, GDOWN_PATH = 3 };
 
 struct Gfontprec {
     Gint font; // place in the font list, from 1
@@ -162,21 +162,217 @@ const char* gget_prog_name();
 int gset_win_title(const char* title); // at most 59; -1 as long as there is no window
 const char* gget_win_title();
 
-// Status line: a comment in a PostScript file. `level` is kept for the window.
+// Status line: a comment in a PostScript file, a record of a metafile and of
+// the redraw list. `level` is kept for the window.
 int gmessage(int level, const char* text);
 
-// --- Frames and events (gks_loop.cpp) -----------------------------------------
-// Only a window keeps frames and has events. On a file device every frame is
-// drawn straight into the file and these calls say so by their results.
+// --- Window (gks_x11.cpp; X types and ids in gks_x11.h) -------------------------
+// A display is open on types 1 and 6. Calls that need one return 0 or -1 at
+// once on a file device and change nothing.
 
-int gcreate_frame(int ind);  // 0 without a window
+// What gopen_ws does for types 1 and 6. Returns 0, or -1 after a report.
+int gopen_window(const char* conn_id);
+int gopen_pixmap(const char* conn_id);
+// Gives back what the two opened; called by gclose_ws.
+int gclose_display();
+
+// "WxH+X+Y", or on type 6 a panel "PWxH+X+Y"; stronger than the resource.
+int gset_geometry(const char* geometry); // at most 39 characters
+int gset_iconic(int value);
+int gset_fixed_size();
+int gset_icon_bitmap(const unsigned char* bits); // 48 by 48, 288 bytes
+// On type 6: 1 clears the drawing area, 2 asks for a new frame, 9 ends the
+// window at closing.
+int gset_pix_mode(int mode);
+int gget_pix_mode();
+// Size of the whole window, or of the foreign drawable on type 6.
+int gget_root_size(int* width, int* height);
+// `width` above 0: the program resizes; -1: the window manager has resized.
+// Returns 1, with frames and zoom gone; 0 when the size is as before.
+int gresize_window(int width, int height);
+int gupdate_window(); // copies the base pixmap to the window; -1 without one
+// The window's part of gclear_region.
+int gclear_window_region(const Glim* lim);
+int gsync();
+int gbell(int percent);                     // 0: 50
+int gset_win_title_extra(const char* text); // behind the title; empty removes it
+int gget_win_title_extra(char* buf);        // buf: 60 bytes
+// Cursors 0 to 8. Return the number before.
+int gset_cursor(int n);
+int gset_cursor_type(int n);
+int gget_cursor_type();
+constexpr int cursor_number_x = 0;   // default, after a hold
+constexpr int cursor_number_ptr = 1; // during a callback
+constexpr int cursor_number_move = 2;
+constexpr int cursor_number_loop = 3; // looping
+constexpr int cursor_number_stop = 4; // frames, not looping
+constexpr int cursor_number_draw = 5;
+constexpr int cursor_number_rect = 6; // one image, waiting
+constexpr int cursor_number_text = 7;
+constexpr int cursor_number_wait = 8; // busy
+
+// --- Frames (gks_loop.cpp) and zoom (gks_zoom.cpp) ------------------------------
+// A frame is a pixmap on the server; only a window keeps frames. Frame
+// references: 0 and up a number, and the three below.
+
+constexpr int frame_last = -1;
+constexpr int frame_current = -2;
+constexpr int frame_base = -3; // the base pixmap, where a call can take it
+constexpr int frames_all = -4; // gset_loop_delay alone
+constexpr int max_frames = 128;
+constexpr int frame_data_size = 50;
+
+int ginit_loop(); // empties the table; frees nothing
+// Makes or reuses a frame, cleared; negative: the next one. Returns its
+// number; -1 with a report when the table is full; 0 without a display.
+int gcreate_frame(int ind);
+int gclear_frame(int ind);
 int gselect_frame(int ind);  // -1 without a window
 int gdisplay_frame(int ind); // -1 without a window
-int gget_num_images();       // 0
-int gget_cur_frame();        // -1: none on show
-int gset_looping(int value); // 0: nothing to loop over
-int gcheck_event();          // number of user events served
-int gupdate_window();        // -1 without a window
+int gswitch_frame(int ind1, int ind2);
+int gcopy_frame(int dest, int src);
+int gdelete_frame(int ind); // 1 done, 0 refused
+int gdelete_all_frames();
+int gget_num_images();
+int gget_cur_frame(); // -1: none on show
+int gset_looping(int value);
+int gget_looping();
+int gtoggle_loop(int value); // 1 on, 0 off, else the other
+int gset_loop_direct(int value);
+int gget_loop_direct();
+int gset_loop_title(int value);
+int gset_loop_delay(float delay, int ind);
+int ginc_loop_delay(float step);
+float gget_loop_delay();
+float gget_frame_delay(int ind);
+int ginc_frame(int step); // next frame number, -1 without frames
+int gloop_sleep();
+int gset_image_data(int ind, const unsigned char* data, int size); // -1 above 50 bytes
+int gget_image_data(int ind, unsigned char* data);                 // size
+
+// Pixel zoom about (x, y), -1 the old centre; a factor below -1 multiplies.
+// `flag` 1 renews the view of a frame, 0 is a new zoom. Returns 1 when done.
+int gzoom(int ind, int x, int y, int factor, int flag);
+int gunzoom();
+int greset_zoom();
+int gget_zoom();
+float xZ_p(float x); // window pixel to picture pixel
+float yZ_p(float y);
+
+// --- Events (gks_evnt.cpp) ------------------------------------------------------
+
+// Type 2 key or window size, 3 button; its name; world coordinates (pixels for
+// "size").
+using Gmouse_func = void(int type, const char* event, float x, float y);
+using Grefresh_func = void();
+
+int ginit_event(int type);
+int gcheck_event(); // serves what is pending; number of user events
+int gwait_event();  // the same, but waits for the first
+int ghold(int ws_id);
+int gset_input_mode(int value);
+int gget_input_mode(); // 1 until the hold is to end
+int gis_mapped();
+int gset_mouse_callback(Gmouse_func* func);
+int gset_rubber_band(int value); // 0 off, 1 line, 3 constrained line, else rectangle
+int gset_rubber_band_points(const Gpt* pts, int n, int constraint);
+int gset_rubber_band_limits(const Gpt* pts); // two points, world
+int gset_refresh_callback(int seconds, Grefresh_func* func);
+
+// --- Redraw list (gks_obj.cpp) --------------------------------------------------
+
+// One recorded call. `data` is its copy of the call's data, or null.
+struct drawable {
+    int type;
+    int values; // a number, or the count of points
+    drawable* next;
+    char* data;
+};
+using drawobj = drawable;
+
+// Object codes: what is called when a record is played.
+enum Gobj {
+    obj_message = 5,
+    obj_ws_vp = 10,
+    obj_ws_win = 11,
+    obj_norm_tran = 15,
+    obj_vp = 16,
+    obj_win = 17,
+    obj_colr_rep = 20,
+    obj_clear_region = 25,
+    obj_polyline = 30,
+    obj_linetype = 33,
+    obj_linewidth = 34,
+    obj_line_colr = 35,
+    obj_line_bold = 36,
+    obj_polymarker = 40,
+    obj_marker_type = 43,
+    obj_marker_size = 44,
+    obj_marker_colr = 45,
+    obj_marker_width = 46,
+    obj_text = 50,
+    obj_space = 53,
+    obj_char_space = 54,
+    obj_expan = 55,
+    obj_text_colr = 56,
+    obj_char_ht = 57,
+    obj_char_up = 58,
+    obj_fontprec = 59,
+    obj_text_align = 60,
+    obj_text_width = 61,
+    obj_fill_area = 70,
+    obj_fill_int_style = 73,
+    obj_fill_style_ind = 74,
+    obj_fill_colr = 75,
+    obj_fill_solid = 76
+};
+
+int ginit_objs();
+// Counts the call, serves events at every 500th, and records it while the list
+// is in use. Returns the place of its `size` bytes, copied from `data` if that
+// is not null; null when nothing is kept.
+char* gnew_obj(int type, int values, int size, const void* data);
+int gclear_objs();
+int gset_cache(int value); // 1: events are served
+int gget_cache();
+int gset_redraw(int value); // 1: the list is in use. Returns the old value
+int gget_redraw();
+int gobj_redraw_funcs(const drawobj* obj); // plays one record
+int gobj_print_meta();                     // writes the list as a metafile
+
+// --- Metafile (gks_meta.cpp) ----------------------------------------------------
+
+// What gopen_ws does for type 3. Returns 0, or -1 after a report.
+int gmeta_open_ws(const char* conn_id);
+std::FILE* gmeta_open_file(const char* name);
+int gmeta_init_file();
+int gmeta_close_file();       // -1 without a file
+int gmeta_set_type(int type); // 0 text, 1 CGM
+int gmeta_get_type();
+// Writes to a text metafile alone. Always 0.
+[[gnu::format(printf, 1, 2)]] int gmeta_printf(const char* format, ...);
+// "PL 5 x,y x,y ...": a keyword, the count and the points, broken after every
+// fourth. `end` 1: always ends the line; 0: not behind a multiple of four.
+int gmeta_points(const char* keyword, int n, const Gpt* pts, int end);
+int gread_metafile(const char* filename); // plays a text metafile
+// Binary elements; `len` 31 is the long form. Text metafiles take none of them.
+int gcgm_control(int maj, int min, int len, int param);
+int gcgm_point(float x, float y);    // world
+int gcgm_ps_point(float x, float y); // device units
+int gcgm_polyline(int n, const Gpt* pts);
+int gcgm_set_clip(float x0, float y0, float x1, float y1); // device units
+
+// --- Capture (gks_img.cpp; IMG_report in zyrimg.h) ------------------------------
+
+struct IMG_report;
+// The picture of the current draw window. Returns 1, or 0 after a report.
+int gget_image(IMG_report* image);
+int gread_image_file(const char* filename, IMG_report* image);
+// Lays an image over the plot, `background` transparent; position relative to
+// the viewport, negative from the right or bottom edge.
+int goverlay_image_file(const char* filename, const char* background, int x, int y);
+int goverlay_image(IMG_report* image, const char* background, int x, int y);
+int gsetup_image_colors(IMG_report* image, long trans);
 
 // --- Transformations (gks_tran.cpp) -------------------------------------------
 
@@ -226,6 +422,7 @@ int gset_line_print_bold(int value); // extra factor on widths in print
 int gget_line_print_bold();
 int gget_line_colr();
 int greset_line();
+int ginit_line(int type); // 0 makes the graphics context, 0 and 1 set it up
 
 // --- Fills (gks_fill.cpp) -----------------------------------------------------
 
@@ -238,6 +435,11 @@ int gset_fill_print_solid(int value); // 1: fills print black
 int gget_fill_print_solid();
 int gget_fill_colr();
 int greset_fill();
+int ginit_fill(int type);
+int gdel_fill_pat();
+// Sends what gfill_area still holds back to the display. Every other drawing
+// and every copy of the drawing comes behind it.
+void gflush_fill();
 // Paints the rectangle (world coordinates) in the background colour.
 int gclear_region(const Glim* lim);
 
@@ -250,6 +452,7 @@ int gset_marker_type(int type);     // 1 to 9; others draw nothing
 int gset_marker_width(float width);
 int gget_marker_colr();
 int greset_marker();
+int ginit_marker(int type);
 
 // --- Stroke text (gks_text.cpp) -----------------------------------------------
 
@@ -277,6 +480,7 @@ int gset_font_drop(int depth); // drop shadow, pixels, on a display
 int gget_font_drop();
 int gget_text_colr();
 int greset_text();
+int ginit_text(int type);
 
 // --- Colours (gks_colr.cpp) ---------------------------------------------------
 
@@ -284,16 +488,29 @@ int gset_colr_rep(int ws_id, int ind, const Gcolr_rep* rep);
 // Stores a colour on the device; a negative index asks for any near one or a
 // new one. Returns the device's pixel value, 1 on file devices.
 long galloc_colr(int ind, float red, float grn, float blu);
+// Pixel of an index, -1 being the background; -1 while it has none. 0 on file
+// devices.
+int gget_color_ind(int ind);
 // Components of an index, -1 being the background.
 int gget_color_rgb(int ind, float* red, float* grn, float* blu);
+int gget_color_rgb256(int ind, int* red, int* grn, int* blu); // 0 to 255
+// Pixel of a colour of 16-bit components on a true colour visual.
+unsigned long gget_color_rgb_Xval(unsigned red, unsigned grn, unsigned blu);
 int gis_valid_colr(int ind);
 // 1 if the colour lies within 0.01, summed over the components, of entry
-// `ind`; -1 has no colour.
-int gis_color_near(float red, float grn, float blu, int ind);
-// The checks of every colour setter, reported under `func`.
-int gchk_colr(const char* func, int ind);
+// `ind`, or with `flag` of the last entry with the pixel `ind`; -1 has no
+// colour.
+int gis_color_near(float red, float grn, float blu, int ind, int flag);
+// The checks of every colour setter, reported under `func`. A print colour
+// becomes 1 on a display.
+int gchk_colr(const char* func, int* ind);
 int gset_inverse(int value); // 1: black on white
 int gget_inverse();
+int gset_background(const char* text); // stronger than the resource; at most 49 characters
+int gget_back_color();
+int gset_rw_colors(int value);      // 1: try writable colour cells
+int gset_local_colormap(int value); // 1: make a private colour map
+int ginit_xcolr();
 int ginit_background();
 
 // --- PostScript (gks_ps.cpp) --------------------------------------------------

@@ -1,7 +1,7 @@
 // gks_colr.cpp: the workstation's colour table. Owns the components of the 257
 // entries, of which the last is the background.
 
-#include "gks.h"
+#include "gks_x11.h"
 
 #include <array>
 #include <cmath>
@@ -25,7 +25,7 @@ int entry(int ind) {
 int suitable_index(float red, float grn, float blu) {
     int found = -1;
     for (int i = 0; i < colr.max_color_ind; ++i) {
-        if (gis_color_near(red, grn, blu, i) != 0)
+        if (gis_color_near(red, grn, blu, i, 0) != 0)
             found = i;
     }
     return found >= 0 ? found : colr.max_color_ind + 1;
@@ -75,7 +75,7 @@ int gis_valid_colr(int ind) {
     return in_table || print ? 1 : 0;
 }
 
-int gis_color_near(float red, float grn, float blu, int ind) {
+int gis_color_near(float red, float grn, float blu, int ind, int /*flag*/) {
     if (ind < 0 || ind >= num_colrs)
         return 0;
     const float distance = std::fabs(red - colr.red[ind]) + std::fabs(grn - colr.grn[ind]) +
@@ -83,11 +83,11 @@ int gis_color_near(float red, float grn, float blu, int ind) {
     return distance < 0.01F ? 1 : 0;
 }
 
-int gchk_colr(const char* func, int ind) {
+int gchk_colr(const char* func, int* ind) {
     if (gchk_open(func) != 0)
         return -1;
-    if (gis_valid_colr(ind) == 0) {
-        gerr_printf(func, "invalid color index: %d\n", ind);
+    if (gis_valid_colr(*ind) == 0) {
+        gerr_printf(func, "invalid color index: %d\n", *ind);
         return -1;
     }
     return 0;
@@ -109,4 +109,41 @@ int ginit_background() {
     colr.grn[background_colr] = 1.0F;
     colr.blu[background_colr] = 1.0F;
     return gps_set_color_rep(1.0F, 1.0F, 1.0F, background_colr);
+}
+
+int gget_color_ind(int) {
+    return 0;
+}
+int gget_color_rgb256(int, int*, int*, int*) {
+    return 0;
+}
+unsigned long gget_color_rgb_Xval(unsigned, unsigned, unsigned) {
+    return 0;
+}
+int gset_background(const char*) {
+    return 0;
+}
+int gget_back_color() {
+    return 0;
+}
+int gset_rw_colors(int) {
+    return 0;
+}
+int gset_local_colormap(int) {
+    return 0;
+}
+int ginit_xcolr() {
+    return 0;
+}
+Colormap gget_colormap() {
+    return 0;
+}
+int gset_def_cmap(Colormap) {
+    return 0;
+}
+int gset_user_cmap(Colormap) {
+    return 0;
+}
+Colormap gget_user_cmap() {
+    return 0;
 }

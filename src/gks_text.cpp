@@ -1,10 +1,14 @@
 // gks_text.cpp: text as strokes of a font of the program's own. Owns the text
 // attributes, the list of fonts and the one font in memory. gsetup_fonts (from
 // gopen_ws) makes the list and reads the first font; ginit_plot resets the
-// attributes, but neither font nor shadow.
+// attributes, but neither font nor shadow. On a display it owns the graphics
+// context of the strokes, which ginit_text makes, and a font of the server if
+// one was asked for.
 
-#include "gks.h"
 #include "gks_font.h"
+#include "gks_pix.h"
+#include "gks_tran.h"
+#include "gks_x11.h"
 #include "text_num.h"
 #include "zyr.h"
 
@@ -34,6 +38,8 @@ struct TextState {
     int font_ind = 1; // place in the list, from 1
 };
 TextState state;
+TextState state_aside; // of the window while a replay runs
+GC text_gc = nullptr;
 
 struct FontEntry {
     std::array<char, 10> abbr{};
@@ -46,8 +52,15 @@ struct FontState {
     std::array<char, 80> font_list{}; // given by gset_font_list
     int drop_shadow = 0;              // pixels
     Gfont font{};
+    XFontStruct* font_info = nullptr; // a font of the server, in place of `font`
 };
 FontState font_state;
+
+void free_server_font() {
+    if (font_state.font_info != nullptr && gget_display() != nullptr)
+        XFreeFont(gget_display(), font_state.font_info);
+    font_state.font_info = nullptr;
+}
 
 // Opens a file along `file_path`; an empty name would be standard input.
 FILE_ptr open_along_path(const char* name) {
@@ -94,6 +107,8 @@ int setup_list() {
     if (*text == '\0')
         text = RES_get("font_list");
     font_state.num_fonts = 0;
+    if ((text == nullptr || *text == '\0') && gget_display() != nullptr)
+        text = XGetDefault(gget_display(), gget_prog_name(), "font_list");
     if (text == nullptr || *text == '\0') {
         if (const FILE_ptr file = open_along_path("zyr.fnl"))
             read_font_list(file.get(), static_cast<int>(font_state.fonts.size()));
@@ -127,14 +142,26 @@ bool read_file(std::FILE* file, std::string* text) {
     return text->size() <= most;
 }
 
+// A font of the window server; a file device has none.
+int read_server_font(const char* name) {
+    Display* display = gget_display();
+    if (display != nullptr)
+        font_state.font_info = XLoadQueryFont(display, name);
+    if (font_state.font_info == nullptr) {
+        MESS_print(mess_warn, "read_font: unable to load font: %s\n", name);
+        return -1;
+    }
+    XSetFont(display, text_gc, font_state.font_info->fid);
+    return 0;
+}
+
 int read_font(const char* name) {
     if (gchk_graphics() == 0)
         return -1;
     gclear_font(&font_state.font);
-    if (*name == '#') { // a font of the window server
-        MESS_print(mess_warn, "read_font: unable to load font: %s\n", name + 1);
-        return -1;
-    }
+    free_server_font();
+    if (*name == '#')
+        return read_server_font(name + 1);
     const FILE_ptr file = open_along_path(name);
     std::string text;
     if (!file || !read_file(file.get(), &text) || gparse_font(text, &font_state.font) != 0) {
@@ -240,6 +267,82 @@ void print_glyph(const Layout& layout, int place) {
     gps_printf("stroke\n");
 }
 
+// One XDrawLines a stroke.
+class ShownStroke {
+public:
+    explicit ShownStroke() = default;
+    void move(const Gpt& p) {
+        flush();
+        add(p);
+    }
+    void line(const Gpt& p) {
+        add(p);
+        if (n < longest)
+            return;
+        flush();
+        points[0] = points[longest - 1];
+        n = 1;
+    }
+    void flush() {
+        if (n > 1)
+            XDrawLines(gget_display(), gget_draw_window(), text_gc, points.data(), n,
+                       CoordModeOrigin);
+        n = 0;
+    }
+
+private:
+    static constexpr int longest = 30;
+    void add(const Gpt& p) { points[n++] = pixel_of(p); }
+    std::array<XPoint, longest> points{};
+    int n = 0;
+};
+
+void show_glyph(const Layout& layout, int place) {
+    ShownStroke stroke;
+    Gstroke s{};
+    bool begun = false; // a damaged glyph may begin with the pen down
+    while (gnext_stroke(font_state.font, &place, &s)) {
+        const Gpt p = glyph_point(layout, s);
+        if (s.down && begun)
+            stroke.line(p);
+        else
+            stroke.move(p);
+        begun = true;
+    }
+    stroke.flush();
+}
+
+// A glyph in a binary metafile: a polyline a stroke.
+void plot_glyph(const Layout& layout, int place) {
+    constexpr int longest = 30;
+    std::array<Gpt, longest> points{};
+    int n = 0;
+    Gstroke s{};
+    const auto flush = [&] {
+        if (n > 1)
+            gcgm_polyline(n, points.data());
+    };
+    while (gnext_stroke(font_state.font, &place, &s)) {
+        if (!s.down || n == longest) {
+            flush();
+            if (s.down)
+                points[0] = points[longest - 1];
+            n = s.down ? 1 : 0;
+        }
+        points[n++] = glyph_point(layout, s);
+    }
+    flush();
+}
+
+void draw_glyph(const Layout& layout, int place) {
+    if (gtype_is_WIN_PIX())
+        show_glyph(layout, place);
+    else if (gtype_is_PS())
+        print_glyph(layout, place);
+    else if (gtype_is_META())
+        plot_glyph(layout, place);
+}
+
 void draw_text(const Gpt& pos, std::string_view text) {
     Layout layout = {pos, state.text_height / 105.0F, start_x(total_width(text)), start_y()};
     for (const char c : text) {
@@ -247,10 +350,108 @@ void draw_text(const Gpt& pos, std::string_view text) {
         const int place = font_state.font.index[code];
         if (place < 0 && code != ' ')
             continue;
-        if (place >= 0 && gtype_is_PS())
-            print_glyph(layout, place);
+        if (place >= 0)
+            draw_glyph(layout, place);
         layout.xo = sum(layout.xo, letter_step(code) * state.text_expan);
     }
+}
+
+void apply_color() {
+    if (text_gc != nullptr)
+        XSetForeground(gget_display(), text_gc,
+                       static_cast<unsigned long>(gget_color_ind(state.text_color)));
+}
+
+// Draws by `draw(k)`: the shadow in black, moved by k pixels, and then the text.
+template <typename Draw> void with_shadow(Draw draw) {
+    if (font_state.drop_shadow > 0) {
+        XSetForeground(gget_display(), text_gc, BlackPixel(gget_display(), gget_screen()));
+        for (int k = 0; k < font_state.drop_shadow; ++k)
+            draw(k);
+        apply_color();
+    }
+    draw(0);
+}
+
+// A string in a font of the server, which neither scales nor turns.
+void show_server_text(const Gpt& pos, std::string_view text) {
+    const XFontStruct& font = *font_state.font_info;
+    const int length = static_cast<int>(text.size());
+    const int width = XTextWidth(font_state.font_info, text.data(), length);
+    int dx = 0;
+    if (state.horiz_align == GCENTER_HOR)
+        dx = -width / 2;
+    else if (state.horiz_align == GRIGHT_HOR)
+        dx = -width;
+    int dy = 0;
+    if (state.vert_align == GTOP_VERT || state.vert_align == GCAP_VERT)
+        dy = font.ascent;
+    else if (state.vert_align == GHALF_VERT)
+        dy = font.ascent / 2;
+    else if (state.vert_align == GBOTTOM_VERT)
+        dy = -font.descent;
+    const XPoint at = pixel_of(pos);
+    with_shadow([&](int k) {
+        XDrawString(gget_display(), gget_draw_window(), text_gc, at.x + dx + k, at.y + dy + k,
+                    text.data(), length);
+    });
+}
+
+void show_text(const Gpt& pos, const char* str) {
+    const std::string_view text = str;
+    gflush_fill();
+    const int length = static_cast<int>(text.size());
+    char* kept = gnew_obj(obj_text, 1, static_cast<int>(sizeof pos) + length + 1, nullptr);
+    if (kept != nullptr) {
+        std::memcpy(kept, &pos, sizeof pos);
+        std::memcpy(kept + sizeof pos, str, text.size() + 1);
+    }
+    if (font_state.font_info != nullptr) {
+        show_server_text(pos, text);
+        return;
+    }
+    // A pixel in world units.
+    const float dx = 1.0F / (xW_p(pos.x + 1.0F) - xW_p(pos.x));
+    const float dy = 1.0F / (yW_p(pos.y + 1.0F) - yW_p(pos.y));
+    with_shadow([&](int k) {
+        const auto step = static_cast<float>(k);
+        draw_text(k == 0 ? pos : Gpt{pos.x + step * dx, pos.y + step * dy}, text);
+    });
+}
+
+int write_text(const Gpt& pos, const char* str) {
+    if (gmeta_get_type() == 0)
+        gmeta_printf("TE %f,%f %s\n", static_cast<double>(pos.x), static_cast<double>(pos.y), str);
+    else
+        draw_text(pos, str);
+    return 0;
+}
+
+// Records a changed attribute: a line of a metafile, or an object of the list.
+// True on a metafile, where nothing is left to do.
+bool put_float(const char* keyword, Gobj code, float value) {
+    if (gtype_is_META())
+        gmeta_printf("%s %f\n", keyword, static_cast<double>(value));
+    else
+        gnew_obj(code, 1, sizeof value, &value);
+    return gtype_is_META();
+}
+
+// Attributes that no setter is given, so that each next one counts.
+TextState unknown_state() {
+    TextState unknown;
+    unknown.text_color = missing_index;
+    unknown.text_width = -1.0F;
+    unknown.text_height = -1.0F;
+    unknown.text_expan = -1.0F;
+    unknown.text_space = missing_f;
+    unknown.text_char_space = missing_f;
+    unknown.horiz_align = static_cast<Gtext_hor>(missing_index);
+    unknown.vert_align = static_cast<Gtext_ver>(missing_index);
+    unknown.upx = missing_f;
+    unknown.upy = missing_f;
+    unknown.font_ind = missing_index;
+    return unknown;
 }
 
 // The checks that all setters of a size share.
@@ -270,6 +471,12 @@ int gtext(const Gpt* pos, const char* str) {
         return -1;
     if (*str == '\0')
         return 0;
+    if (gtype_is_META())
+        return write_text(*pos, str);
+    if (gtype_is_WIN_PIX()) {
+        show_text(*pos, str);
+        return 0;
+    }
     if (gtype_is_PS()) {
         gps_comment("%%%%TE:%f %f %s", static_cast<double>(pos->x), static_cast<double>(pos->y),
                     str);
@@ -282,9 +489,15 @@ int gtext(const Gpt* pos, const char* str) {
 }
 
 int gset_text_colr_ind(int ind) {
-    if (gchk_colr("gset_text_colr_ind", ind) != 0)
+    if (gchk_colr("gset_text_colr_ind", &ind) != 0)
         return -1;
+    if (ind == state.text_color)
+        return 0;
     state.text_color = ind;
+    if (gtype_is_META())
+        return gmeta_printf("TE_CLR %d\n", ind);
+    gnew_obj(obj_text_colr, ind, 0, nullptr);
+    apply_color();
     return 0;
 }
 
@@ -294,6 +507,7 @@ int gset_char_ht(float height) {
     if (!valid_size("gset_char_ht", "character height", height))
         return -1;
     state.text_height = height;
+    put_float("TE_HGHT", obj_char_ht, height);
     return 0;
 }
 
@@ -303,6 +517,7 @@ int gset_expan(float factor) {
     if (!valid_size("gset_expan", "expansion factor", factor))
         return -1;
     state.text_expan = factor;
+    put_float("TE_EXP", obj_expan, factor);
     return 0;
 }
 
@@ -312,6 +527,11 @@ int gset_text_width(float width) {
     if (!valid_size("gset_text_width", "text width", width))
         return -1;
     state.text_width = gtype_is_PS() && width == 0.0F ? 1.0F : width;
+    if (!put_float("TE_WDTH", obj_text_width, state.text_width) && text_gc != nullptr) {
+        XGCValues values{};
+        values.line_width = static_cast<int>(width);
+        XChangeGC(gget_display(), text_gc, GCLineWidth, &values);
+    }
     return 0;
 }
 
@@ -321,6 +541,7 @@ int gset_space(float space) {
     if (gchk_open("gset_space") != 0)
         return -1;
     state.text_space = space;
+    put_float("TE_SPC", obj_space, space);
     return 0;
 }
 
@@ -330,6 +551,7 @@ int gset_char_space(float space) {
     if (gchk_open("gset_char_space") != 0)
         return -1;
     state.text_char_space = space;
+    put_float("TE_CSPC", obj_char_space, space);
     return 0;
 }
 
@@ -341,6 +563,10 @@ int gset_char_up_vec(const Gpt* up) {
     const float length = std::hypot(up->x, up->y);
     if (!std::isfinite(length) || length == 0.0F)
         return -1; // it points nowhere
+    if (gtype_is_META())
+        return gmeta_printf("TE_UP %f,%f\n", static_cast<double>(up->x),
+                            static_cast<double>(up->y));
+    gnew_obj(obj_char_up, 1, sizeof *up, up);
     state.upx = up->x / length;
     state.upy = up->y / length;
     return 0;
@@ -353,6 +579,9 @@ int gset_text_align(const Gtext_align* align) {
         return -1;
     state.horiz_align = align->hor;
     state.vert_align = align->ver;
+    if (gtype_is_META())
+        return gmeta_printf("TE_ALGN %d %d\n", align->hor, align->ver);
+    gnew_obj(obj_text_align, 1, sizeof *align, align);
     return 0;
 }
 
@@ -372,6 +601,9 @@ int gset_fontprec(const Gfontprec* font) {
     if (gchk_open("gset_fontprec") != 0)
         return -1;
     state.font_ind = font->font;
+    if (gtype_is_META() && gmeta_get_type() == 0)
+        return gmeta_printf("TE_FNT %d %d\n", font->font, font->prec);
+    gnew_obj(obj_fontprec, 1, sizeof *font, font);
     if (font_state.num_fonts == 0)
         return 0;
     if (font->font < 1 || font->font > font_state.num_fonts) {
@@ -420,4 +652,62 @@ int gget_text_colr() {
 int greset_text() {
     state = {};
     return 0;
+}
+
+int ginit_text(int type) {
+    Display* display = gget_display();
+    if (display == nullptr || type < 0 || type > 1)
+        return 0;
+    if (type == 0)
+        text_gc = XCreateGC(display, gget_draw_window(), 0, nullptr);
+    XSetForeground(display, text_gc, WhitePixel(display, gget_screen()));
+    XSetBackground(display, text_gc, BlackPixel(display, gget_screen()));
+    XSetLineAttributes(display, text_gc, 1, LineSolid, CapProjecting, JoinBevel);
+    gset_gc_clip();
+    return 0;
+}
+
+void gput_text_state() {
+    const TextState now = state;
+    state = unknown_state();
+    gset_text_colr_ind(now.text_color);
+    gset_text_width(now.text_width);
+    gset_char_ht(now.text_height);
+    gset_expan(now.text_expan);
+    gset_space(now.text_space);
+    gset_char_space(now.text_char_space);
+    const Gtext_align align = {now.horiz_align, now.vert_align};
+    gset_text_align(&align);
+    const Gpt up = {now.upx, now.upy};
+    gset_char_up_vec(&up);
+    const Gfontprec font = {now.font_ind, GSTROKE_PREC};
+    if (gtype_is_META())
+        gset_fontprec(&font);
+    else
+        gnew_obj(obj_fontprec, 1, sizeof font, &font); // the font in memory stays
+    state = now;                                       // also what a setter refused
+}
+
+void ghold_text_state(int begin) {
+    if (begin == 0) {
+        state = state_aside;
+        return;
+    }
+    state_aside = state;
+    state = unknown_state();
+}
+
+GC gget_text_gc() {
+    return text_gc;
+}
+
+void grenew_text_color() {
+    apply_color();
+}
+
+void gfree_text_gc() {
+    free_server_font();
+    if (text_gc != nullptr)
+        XFreeGC(gget_display(), text_gc);
+    text_gc = nullptr;
 }

@@ -3,7 +3,7 @@
 // all that is derived from them; ginit_tran (from gopen_ws) sets it up.
 
 #include "gks_tran.h"
-#include "gks.h"
+#include "gks_x11.h"
 #include "text_num.h"
 
 #include <algorithm>
@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr float pixel_limit = 30000.0F;
+constexpr int missing_tran = -1; // selected at the start of a replay
 constexpr Gcoords unit_square = {0.0F, 0.0F, 1.0F, 1.0F, 1.0F, 1.0F};
 
 struct Transformations {
@@ -29,6 +29,7 @@ struct Transformations {
     Gpipe pipe{};
 };
 Transformations tran;
+Transformations tran_aside; // of the window while a replay runs
 
 Gcoords from_lim(const Glim& lim) {
     return {
@@ -83,7 +84,8 @@ void derive() {
     tran.wkwn_plt = scales(tran.plt, tran.wkwn);
     tran.pipe = {tran.cur_wn.x_min, tran.cur_wn.y_min, tran.wn_vp.x,    tran.wn_vp.y,
                  tran.cur_vp.x_min, tran.cur_vp.y_min, tran.wkwn.x_min, tran.wkwn.y_min,
-                 tran.wkwn_plt.x,   tran.wkwn_plt.y,   tran.plt.x_min,  tran.plt.y_min};
+                 tran.wkwn_plt.x,   tran.wkwn_plt.y,   tran.plt.x_min,  tran.plt.y_min,
+                 tran.wkwn.y_max};
     tran.clip_rect = pixel_rect(tran.cur_vp);
 }
 
@@ -97,8 +99,29 @@ void refit() {
 
 void write_clip() {
     const Gcoords& vp = tran.cur_vp;
-    if (gtype_is_PS())
+    if (gtype_is_WIN_PIX())
+        gset_gc_clip();
+    else if (gtype_is_PS())
         gps_set_clip(xNDC_ps(vp.x_min), yNDC_ps(vp.y_min), xNDC_ps(vp.x_max), yNDC_ps(vp.y_max));
+    else if (gtype_is_META())
+        gcgm_set_clip(xNDC_ps(vp.x_min), yNDC_ps(vp.y_min), xNDC_ps(vp.x_max), yNDC_ps(vp.y_max));
+}
+
+// A record of limits: of a metafile, or else of the redraw list.
+void put_limits(const char* keyword, Gobj code, int n, const Glim* lim) {
+    if (gtype_is_META())
+        gmeta_printf("%s %d %f %f %f %f\n", keyword, n, static_cast<double>(lim->x_min),
+                     static_cast<double>(lim->y_min), static_cast<double>(lim->x_max),
+                     static_cast<double>(lim->y_max));
+    else
+        gnew_obj(code, n, sizeof *lim, lim);
+}
+
+void put_selection(int n) {
+    if (gtype_is_META())
+        gmeta_printf("TR %d\n", n);
+    else
+        gnew_obj(obj_norm_tran, n, 0, nullptr);
 }
 
 bool valid(const char* func, int n) {
@@ -128,6 +151,42 @@ const Gpipe& gget_pipe() {
     return tran.pipe;
 }
 
+void gset_gc_clip() {
+    Display* display = gget_display();
+    if (display == nullptr)
+        return;
+    gflush_fill();
+    XRectangle rect = {tran.clip_rect.x, tran.clip_rect.y, tran.clip_rect.width,
+                       tran.clip_rect.height};
+    for (GC gc : {gget_line_gc(), gget_marker_gc(), gget_fill_gc(), gget_text_gc()}) {
+        if (gc != nullptr)
+            XSetClipRectangles(display, gc, 0, 0, &rect, 1, Unsorted);
+    }
+}
+
+void gput_tran_state() {
+    const Glim wkvp = to_lim(tran.wkvp);
+    const Glim wkwn = to_lim(tran.wkwn);
+    put_limits("WS_VP", obj_ws_vp, gget_ws_id(), &wkvp);
+    put_limits("WS_WIN", obj_ws_win, gget_ws_id(), &wkwn);
+    for (int n = 0; n < num_trans; ++n) {
+        const Glim vp = to_lim(tran.vp[n]);
+        const Glim wn = to_lim(tran.wn[n]);
+        put_limits("VP", obj_vp, n, &vp);
+        put_limits("WIN", obj_win, n, &wn);
+    }
+    put_selection(tran.cur_trans);
+}
+
+void ghold_tran_state(int begin) {
+    if (begin == 0) {
+        tran = tran_aside;
+        return;
+    }
+    tran_aside = tran;
+    tran.cur_trans = missing_tran;
+}
+
 int ginit_tran(int type) {
     constexpr int size_changed = 10;
     int width = 0;
@@ -149,14 +208,16 @@ int ginit_tran(int type) {
     return 0;
 }
 
-int gset_ws_win(int /*ws_id*/, const Glim* lim) {
+int gset_ws_win(int ws_id, const Glim* lim) {
+    put_limits("WS_WIN", obj_ws_win, ws_id, lim);
     tran.wkwn = from_lim(*lim);
     refit();
     write_clip();
     return 0;
 }
 
-int gset_ws_vp(int /*ws_id*/, const Glim* lim) {
+int gset_ws_vp(int ws_id, const Glim* lim) {
+    put_limits("WS_VP", obj_ws_vp, ws_id, lim);
     tran.wkvp = from_lim(*lim);
     refit();
     write_clip();
@@ -168,6 +229,7 @@ int gsel_norm_tran(int n) {
         return -1;
     if (n == tran.cur_trans)
         return 0;
+    put_selection(n);
     tran.cur_trans = n;
     tran.cur_wn = tran.wn[n];
     tran.cur_vp = tran.vp[n];
@@ -179,6 +241,7 @@ int gsel_norm_tran(int n) {
 int gset_vp(int n, const Glim* lim) {
     if (!valid("gset_vp", n))
         return -1;
+    put_limits("VP", obj_vp, n, lim);
     tran.vp[n] = from_lim(*lim);
     if (n == tran.cur_trans) {
         tran.cur_vp = tran.vp[n];
@@ -191,6 +254,7 @@ int gset_vp(int n, const Glim* lim) {
 int gset_win(int n, const Glim* lim) {
     if (!valid("gset_win", n))
         return -1;
+    put_limits("WIN", obj_win, n, lim);
     tran.wn[n] = from_lim(*lim);
     if (n == tran.cur_trans) {
         tran.cur_wn = tran.wn[n];

@@ -1,5 +1,5 @@
-// gks_tran.h: the road from world coordinates to the print device, for loops
-// over many points. All steps are in single precision, in this order.
+// gks_tran.h: the road from world coordinates to the device, for loops over many
+// points. All steps are in single precision, in this order.
 #pragma once
 
 // The current transformation and the workstation's, ready to use.
@@ -10,12 +10,14 @@ struct Gpipe {
     float wkwn_x, wkwn_y;   // corner of the workstation window, NDC
     float plt_fx, plt_fy;   // NDC to device units
     float plt_x, plt_y;     // corner of the device rectangle
+    float wkwn_y_max;       // upper edge of the workstation window, NDC
 };
 
 // Valid until the next call that changes a transformation.
 const Gpipe& gget_pipe();
 
 constexpr float print_limit = 100000.0F;
+constexpr float pixel_limit = 30000.0F;
 
 // Holds a device coordinate within `limit`; NaN becomes -limit.
 inline float hold_within(float v, float limit) {
@@ -31,3 +33,38 @@ inline float pipe_y(const Gpipe& p, float y) {
     const float ndc = (y - p.wn_y) * p.wn_vp_y + p.vp_y;
     return hold_within((ndc - p.wkwn_y) * p.plt_fy + p.plt_y, print_limit);
 }
+
+// Pixels, Y down.
+inline float pipe_px(const Gpipe& p, float x) {
+    const float ndc = (x - p.wn_x) * p.wn_vp_x + p.vp_x;
+    return hold_within((ndc - p.wkwn_x) * p.plt_fx + p.plt_x, pixel_limit);
+}
+
+inline float pipe_py(const Gpipe& p, float y) {
+    const float ndc = (y - p.wn_y) * p.wn_vp_y + p.vp_y;
+    return hold_within((p.wkwn_y_max - ndc) * p.plt_fy + p.plt_y, pixel_limit);
+}
+
+// Sets the clip of the current viewport on a new graphics context's behalf: all
+// four contexts get it.
+void gset_gc_clip();
+
+// --- Attribute state as a whole -------------------------------------------------
+// A metafile and the redraw list hold only changes: both begin with the state
+// in force. gput_... sends every attribute of the module as its setter does.
+void gput_tran_state();
+void gput_line_state();
+void gput_fill_state();
+void gput_marker_state();
+void gput_text_state();
+
+// An attribute that no setter is given.
+constexpr int missing_index = -9999;
+// A replay into a metafile must leave the state of the window alone. `begin` 1
+// sets the state aside, so that the replay's first setters all count; 0 brings
+// it back.
+void ghold_tran_state(int begin);
+void ghold_line_state(int begin);
+void ghold_fill_state(int begin);
+void ghold_marker_state(int begin);
+void ghold_text_state(int begin);
