@@ -138,7 +138,7 @@ const LEV2_gates& LEV2_get_gates();
 // What the walk since LEV2_get_header has met of one elevation number.
 struct LEV2_cut {
     int num = 0;     // elevation number
-    float angle = 0; // of its first radial, degrees
+    float angle = 0; // mean of its radials, degrees
     int radials = 0;
     std::array<int, lev2_moments> moments{}; // radials that have the moment
 };

@@ -1,0 +1,99 @@
+// lev2_cuts: the table of the cuts that a walk of a Level II volume meets, and
+// the texts that tell of it. It keeps no state.
+#include "lev2_cuts.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr std::array<const char*, lev2_moments> moment_names = {"reflectivity", "velocity",
+                                                                "spectrum width"};
+
+// Numbers in ascending order, runs joined: "1-3,5".
+std::string number_list(std::vector<int> numbers) {
+    std::sort(numbers.begin(), numbers.end());
+    std::string text;
+    for (std::size_t i = 0, n = 0; i < numbers.size(); i += n) {
+        for (n = 1; i + n < numbers.size() && numbers[i + n] == numbers[i] + static_cast<int>(n);) {
+            n++;
+        }
+        text += (i == 0 ? "" : ",") + std::to_string(numbers[i]);
+        text += n > 1 ? "-" + std::to_string(numbers[i + n - 1]) : "";
+    }
+    return text;
+}
+
+// Numbers of the cuts that have a moment; of all for a type below 0.
+std::string scans_with(const Lev2Cuts& cuts, int type) {
+    std::vector<int> numbers;
+    for (const LEV2_cut& cut : cuts.rows()) {
+        if (type < 0 || cut.moments[static_cast<std::size_t>(type)] > 0) {
+            numbers.push_back(cut.num);
+        }
+    }
+    return number_list(std::move(numbers));
+}
+
+std::string angle_text(float angle) {
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.1f", static_cast<double>(angle));
+    return text.data();
+}
+
+} // namespace
+
+void lev2_count_radial(Lev2Cuts& cuts, const LEV2_data& data) {
+    const auto begin = cuts.row.begin();
+    const auto end = begin + static_cast<int>(cuts.count);
+    auto at = std::find_if(begin, end, [&](const LEV2_cut& c) { return c.num == data.elev_num; });
+    if (at == end) {
+        if (cuts.count == cuts.row.size()) {
+            return;
+        }
+        cuts.count++;
+        *at = {};
+        at->num = data.elev_num;
+    }
+    at->radials++;
+    at->angle += (data.elev_ang - at->angle) / static_cast<float>(at->radials);
+    at->moments[lev2_refl] += data.refl_ptr != 0 ? 1 : 0;
+    at->moments[lev2_vel] += data.vel_ptr != 0 ? 1 : 0;
+    at->moments[lev2_spect] += data.spect_ptr != 0 ? 1 : 0;
+}
+
+std::string lev2_cut_text(const LEV2_cut& cut) {
+    std::string text = "Scan " + std::to_string(cut.num) + ": El=" + angle_text(cut.angle) + " " +
+                       std::to_string(cut.radials) + " radials:";
+    bool any = false;
+    for (std::size_t type = 0; type < lev2_moments; type++) {
+        if (cut.moments[type] > 0) {
+            text += any ? ", " : " ";
+            text += moment_names[type];
+            any = true;
+        }
+    }
+    return any ? text : text + " no moment that is plotted";
+}
+
+std::string lev2_empty_text(const Lev2Cuts& cuts, int scan, int type) {
+    if (cuts.count == 0) {
+        return "The file holds no radials";
+    }
+    const auto rows = cuts.rows();
+    const auto at =
+        std::find_if(rows.begin(), rows.end(), [&](const LEV2_cut& c) { return c.num == scan; });
+    if (at == rows.end()) {
+        return "There is no scan " + std::to_string(scan) + ", the volume has " +
+               scans_with(cuts, -1);
+    }
+    const std::string name = moment_names[static_cast<std::size_t>(type)];
+    if (at->moments[static_cast<std::size_t>(type)] > 0) {
+        return "";
+    }
+    const std::string others = scans_with(cuts, type);
+    return "Scan " + std::to_string(scan) + " (El=" + angle_text(at->angle) + ") has no " + name +
+           (others.empty() ? ", nor has any other" : ", scans that have it: " + others);
+}

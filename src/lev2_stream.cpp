@@ -1,0 +1,366 @@
+// lev2_stream: the bytes of a Level II volume. Three layers, each of a fixed
+// size, so that any volume is read in the same memory:
+//
+//   source    the file in pieces of 64 KiB, unpacked if it is a gzip file
+//   units     of a packed volume: 4 bytes length, whose sign means nothing,
+//             and that many bytes with a bzip2 stream
+//   buffer    decoded records; all before the current one may be dropped
+//
+// lev2_stream_open comes first. State: the open file and these layers.
+#include "lev2_stream.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <memory>
+#include <utility>
+
+#include <bzlib.h>
+#include <zlib.h>
+
+namespace {
+
+// --- Constants ----------------------------------------------------------------
+
+constexpr std::size_t piece_size = 65536;
+
+// A unit may be as large as the file, but no larger than this.
+constexpr std::int64_t max_unit_bytes = 64L * 1024 * 1024;
+
+// What a file and a volume may unpack to. The largest real ones come to a
+// hundred million.
+constexpr std::size_t max_volume_bytes = 512UL * 1024 * 1024;
+
+constexpr std::array<std::uint8_t, 4> trailer = {0x0D, 0x0D, 0x0A, 0x03};
+constexpr std::size_t trailer_read = 1000; // it ends a shorter read
+
+constexpr std::array<std::uint8_t, 2> gzip_mark = {0x1F, 0x8B};
+constexpr std::array<std::uint8_t, 3> bzip2_mark = {'B', 'Z', 'h'};
+constexpr std::size_t length_size = 4; // of a unit
+
+// --- State --------------------------------------------------------------------
+
+struct EndInflate {
+    void operator()(z_stream* zs) const {
+        // The checker takes an owner that was moved from for a full one.
+        inflateEnd(zs); // NOLINT(clang-analyzer-cplusplus.NewDelete)
+        delete zs;
+    }
+};
+struct EndBunzip {
+    void operator()(bz_stream* bz) const {
+        BZ2_bzDecompressEnd(bz); // NOLINT(clang-analyzer-cplusplus.NewDelete): as above
+        delete bz;
+    }
+};
+
+// The file's bytes. `at` and `left` are those not yet consumed, in `piece` or,
+// of a gzip file, in `unzipped`.
+struct Source {
+    std::array<std::uint8_t, piece_size> piece{}, unzipped{};
+    const std::uint8_t* at = nullptr;
+    std::size_t left = 0;
+    std::unique_ptr<z_stream, EndInflate> zs;
+    std::size_t total = 0; // bytes delivered to `at`
+    bool broken = false;   // the gzip stream is damaged or not whole
+    bool ended = false;    // or it is done
+};
+
+struct Stream {
+    FILE_ptr file;
+    bool started = false; // the header was read
+    std::array<std::uint8_t, lev2_header_size> header{};
+    std::size_t header_size = 0;
+    bool packed = false;
+    Source source;
+    std::unique_ptr<bz_stream, EndBunzip> bz; // of the open unit
+    std::int64_t unit_left = 0;               // its bytes that are still in the source
+    std::array<std::uint8_t, lev2_buffer_size> out{};
+    std::size_t osize = 0;   // bytes held in `out`
+    std::size_t blk_off = 0; // of these, before the current record
+    std::size_t total = 0;   // bytes that came into `out` so far
+    Lev2End end = Lev2End::none;
+};
+Stream stream;
+
+// --- Source -------------------------------------------------------------------
+
+std::size_t read_file(Source& s, std::FILE* file) {
+    return std::fread(s.piece.data(), 1, s.piece.size(), file);
+}
+
+// More input for the gzip stream. False at the end of the file.
+bool feed_inflate(Source& s, std::FILE* file) {
+    if (s.zs->avail_in == 0) {
+        s.zs->next_in = s.piece.data();
+        s.zs->avail_in = static_cast<uInt>(read_file(s, file));
+    }
+    return s.zs->avail_in > 0;
+}
+
+// At the end of a gzip stream: whether another one follows.
+bool next_member(Source& s, std::FILE* file) {
+    return feed_inflate(s, file) && *s.zs->next_in == gzip_mark[0] &&
+           inflateReset(s.zs.get()) == Z_OK;
+}
+
+// Fills `unzipped`; the number of bytes, 0 at the end.
+std::size_t inflate_piece(Source& s, std::FILE* file) {
+    z_stream& zs = *s.zs;
+    zs.next_out = s.unzipped.data();
+    zs.avail_out = static_cast<uInt>(s.unzipped.size());
+    while (zs.avail_out > 0 && !s.broken && !s.ended) {
+        const int status = feed_inflate(s, file) ? inflate(&zs, Z_NO_FLUSH) : Z_BUF_ERROR;
+        if (status == Z_STREAM_END) {
+            s.ended = !next_member(s, file);
+        } else {
+            s.broken = status != Z_OK;
+        }
+    }
+    return s.unzipped.size() - zs.avail_out;
+}
+
+void start_inflate(Source& s, std::size_t got) {
+    s.zs.reset(new z_stream{});
+    constexpr int gzip_window = 16 + MAX_WBITS;
+    s.broken = inflateInit2(s.zs.get(), gzip_window) != Z_OK;
+    s.zs->next_in = s.piece.data();
+    s.zs->avail_in = static_cast<uInt>(got);
+}
+
+// Has bytes at hand unless the file ends; false then.
+bool source_has(Source& s, std::FILE* file) {
+    if (s.left > 0) {
+        return true;
+    }
+    if (s.total > max_volume_bytes) {
+        return false;
+    }
+    if (s.zs == nullptr) {
+        s.left = read_file(s, file);
+        s.at = s.piece.data();
+        if (s.total == 0 && s.left > gzip_mark.size() &&
+            std::equal(gzip_mark.begin(), gzip_mark.end(), s.at)) {
+            start_inflate(s, s.left);
+            s.left = 0;
+        }
+    }
+    if (s.zs != nullptr) {
+        s.left = inflate_piece(s, file);
+        s.at = s.unzipped.data();
+    }
+    s.total += s.left;
+    return s.left > 0;
+}
+
+void consume(Source& s, std::size_t n) {
+    s.at += n;
+    s.left -= n;
+}
+
+// The number of bytes that were there of `n`.
+std::size_t source_read(Source& s, std::FILE* file, std::uint8_t* to, std::size_t n) {
+    std::size_t done = 0;
+    while (done < n && source_has(s, file)) {
+        const std::size_t part = std::min(n - done, s.left);
+        std::memcpy(to + done, s.at, part);
+        consume(s, part);
+        done += part;
+    }
+    return done;
+}
+
+// Passes over up to `n` bytes.
+void source_skip(Source& s, std::FILE* file, std::int64_t n) {
+    while (n > 0 && source_has(s, file)) {
+        const std::size_t part = std::min(static_cast<std::size_t>(n), s.left);
+        consume(s, part);
+        n -= static_cast<std::int64_t>(part);
+    }
+}
+
+// --- Units --------------------------------------------------------------------
+
+Lev2End source_end(const Source& s) {
+    return s.total > max_volume_bytes ? Lev2End::too_long
+           : s.broken                 ? Lev2End::damaged
+                                      : Lev2End::file;
+}
+
+// False at the end of the volume.
+bool open_unit(Stream& s) {
+    std::array<std::uint8_t, length_size> field{};
+    if (source_read(s.source, s.file.get(), field.data(), length_size) < length_size) {
+        s.end = source_end(s.source);
+        return false;
+    }
+    std::uint32_t bits = 0;
+    for (const std::uint8_t b : field) {
+        bits = bits << 8 | b;
+    }
+    const std::int64_t length = static_cast<std::int32_t>(bits);
+    s.unit_left = std::min(length < 0 ? -length : length, max_unit_bytes);
+    if (s.unit_left == 0) {
+        s.end = Lev2End::file;
+        return false;
+    }
+    s.bz.reset(new bz_stream{});
+    if (BZ2_bzDecompressInit(s.bz.get(), 0, 0) != BZ_OK) {
+        s.end = Lev2End::damaged;
+        return false;
+    }
+    return true;
+}
+
+void close_unit(Stream& s) {
+    s.bz.reset();
+    source_skip(s.source, s.file.get(), s.unit_left);
+    s.unit_left = 0;
+}
+
+// One call of the decompressor. Returns the bytes that it produced.
+std::size_t bunzip_step(Stream& s) {
+    // Output may be left inside when there is no more input.
+    const bool fed = s.unit_left > 0 && source_has(s.source, s.file.get());
+    const std::size_t room = s.out.size() - s.osize;
+    const std::size_t given =
+        fed ? std::min(static_cast<std::size_t>(s.unit_left), s.source.left) : 0;
+    bz_stream& bz = *s.bz;
+    bz.next_in = reinterpret_cast<char*>(const_cast<std::uint8_t*>(s.source.at));
+    bz.avail_in = static_cast<unsigned>(given);
+    bz.next_out = reinterpret_cast<char*>(s.out.data() + s.osize);
+    bz.avail_out = static_cast<unsigned>(room);
+    const int status = BZ2_bzDecompress(&bz);
+    const std::size_t used = given - bz.avail_in;
+    consume(s.source, used);
+    s.unit_left -= static_cast<std::int64_t>(used);
+    const std::size_t produced = room - bz.avail_out;
+    if (status == BZ_STREAM_END) {
+        close_unit(s);
+    } else if (status != BZ_OK || (!fed && produced == 0)) {
+        s.end = s.source.total > max_volume_bytes ? Lev2End::too_long : Lev2End::damaged;
+    }
+    return produced;
+}
+
+std::size_t fill_packed(Stream& s) {
+    std::size_t produced = 0;
+    while (produced == 0 && s.end == Lev2End::none) {
+        if (s.bz != nullptr || open_unit(s)) {
+            produced = bunzip_step(s);
+        }
+    }
+    return produced;
+}
+
+std::size_t fill_plain(Stream& s) {
+    const std::size_t room = s.out.size() - s.osize;
+    std::uint8_t* to = s.out.data() + s.osize;
+    std::size_t got = source_read(s.source, s.file.get(), to, room);
+    if (got < room) {
+        s.end = source_end(s.source);
+    }
+    if (got < trailer_read && got >= trailer.size() &&
+        std::equal(trailer.begin(), trailer.end(), to + got - trailer.size())) {
+        got -= trailer.size();
+    }
+    return got;
+}
+
+// --- Buffer -------------------------------------------------------------------
+
+// Drops what lies before the current record and brings more behind it. Returns
+// 1; 0 at the end of the volume.
+int read_block(Stream& s) {
+    MESS_print(mess_debug, "Block: %d %d - %d %d %d %d\n", static_cast<int>(s.source.total),
+               static_cast<int>(s.source.left), static_cast<int>(s.osize),
+               static_cast<int>(s.blk_off), static_cast<int>(s.osize - s.blk_off),
+               static_cast<int>(s.end));
+    if (s.end != Lev2End::none) {
+        return 0;
+    }
+    if (s.blk_off > 0) {
+        s.osize -= s.blk_off;
+        std::memmove(s.out.data(), s.out.data() + s.blk_off, s.osize);
+        s.blk_off = 0;
+    }
+    const std::size_t got = s.packed ? fill_packed(s) : fill_plain(s);
+    s.osize += got;
+    s.total += got;
+    if (s.total > max_volume_bytes) {
+        s.end = Lev2End::too_long;
+    }
+    return got > 0 ? 1 : 0;
+}
+
+// Reads the header, and looks at what follows it for the kind of volume. A
+// piece of a packed volume has a unit at its front. Once a file.
+void start(Stream& s) {
+    if (s.started) {
+        return;
+    }
+    s.started = true;
+    Source& source = s.source;
+    if (!source_has(source, s.file.get())) {
+        return;
+    }
+    const auto is_unit = [&source](std::size_t at, std::size_t letters) {
+        return source.left >= at + length_size + letters &&
+               std::equal(bzip2_mark.begin(), bzip2_mark.begin() + static_cast<int>(letters),
+                          source.at + at + length_size);
+    };
+    if (is_unit(0, 2)) {
+        s.packed = true;
+        return;
+    }
+    s.packed = is_unit(lev2_header_size, bzip2_mark.size());
+    s.header_size = source_read(source, s.file.get(), s.header.data(), lev2_header_size);
+}
+
+} // namespace
+
+// --- Shared with lev2_read.cpp ------------------------------------------------
+
+void lev2_stream_open(FILE_ptr file) {
+    stream = {};
+    stream.file = std::move(file);
+}
+
+bool lev2_stream_is_open() {
+    return stream.file != nullptr;
+}
+
+bool lev2_stream_rewind() {
+    if (std::fseek(stream.file.get(), 0, SEEK_SET) != 0) {
+        return false;
+    }
+    lev2_stream_open(std::move(stream.file));
+    return true;
+}
+
+std::span<const std::uint8_t> lev2_stream_header() {
+    start(stream);
+    return std::span<const std::uint8_t>(stream.header).first(stream.header_size);
+}
+
+bool lev2_stream_packed() {
+    start(stream);
+    return stream.packed;
+}
+
+std::span<const std::uint8_t> lev2_record(std::size_t n) {
+    start(stream);
+    while (stream.osize - stream.blk_off < n && read_block(stream) == 1) {
+    }
+    return std::span<const std::uint8_t>(stream.out)
+        .subspan(stream.blk_off, stream.osize - stream.blk_off);
+}
+
+void lev2_advance(std::size_t n) {
+    const std::size_t held = lev2_record(n).size();
+    stream.blk_off += std::min(n, held);
+}
+
+Lev2End lev2_stream_end() {
+    return stream.end;
+}
