@@ -2,12 +2,16 @@
 //   make_sample FILE             a storm as a reflectivity product (code 94)
 //   make_sample --super FILE     the same in super resolution (code 153)
 //   make_sample --seeds DIR      a small product of every kind, a file each
+//   make_sample --lev2-seeds DIR a small Level II volume of every kind
+#include "lev2_writer.h"
 #include "nids_storm.h"
 #include "nids_writer.h"
 
 #include <cstdio>
 #include <fstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -22,6 +26,14 @@ bool write_file(const std::string& name, const Bytes& bytes) {
     return static_cast<bool>(out);
 }
 
+bool write_files(const std::string& dir, const std::vector<std::pair<std::string, Bytes>>& files) {
+    bool good = true;
+    for (const auto& [name, bytes] : files) {
+        good = write_file(std::string(dir).append("/").append(name), bytes) && good;
+    }
+    return good;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -33,12 +45,12 @@ int main(int argc, char** argv) {
         return write_file(argv[2], nids_sample_storm(153)) ? 0 : 1;
     }
     if (option == "--seeds") {
-        bool good = true;
-        for (const auto& [name, bytes] : nids_samples()) {
-            good = write_file(argv[2] + ("/" + name), bytes) && good;
-        }
-        return good ? 0 : 1;
+        return write_files(argv[2], nids_samples()) ? 0 : 1;
     }
-    std::fprintf(stderr, "usage: make_sample FILE | --super FILE | --seeds DIR\n");
+    if (option == "--lev2-seeds") {
+        return write_files(argv[2], lev2_samples()) ? 0 : 1;
+    }
+    std::fprintf(stderr,
+                 "usage: make_sample FILE | --super FILE | --seeds DIR | --lev2-seeds DIR\n");
     return 2;
 }

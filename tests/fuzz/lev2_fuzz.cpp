@@ -1,0 +1,51 @@
+// The Level II reader on any bytes: header, records, gates and the texts about
+// the cuts. The seeds are made by
+// `make_sample --lev2-seeds tests/fuzz/seeds/lev2_fuzz`.
+#include "lev2_walk.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <vector>
+
+namespace {
+
+void expect(bool good) {
+    if (!good) {
+        std::abort();
+    }
+}
+
+// What a plotter takes for granted.
+void check(const LEV2_data& data) {
+    expect(std::isfinite(data.rad_az) && std::isfinite(data.elev_ang));
+    expect(std::isfinite(data.lat) && std::isfinite(data.lon));
+    for (int type = -1; type <= lev2_moments; type++) {
+        const bool has = LEV2_set_data_type(type) == 1;
+        const LEV2_gates& gates = LEV2_get_gates();
+        expect(has == (gates.count > 0));
+        expect(gates.bytes.size() == static_cast<std::size_t>(gates.count * gates.word_bytes));
+        for (int i = 0; i < gates.count; i++) {
+            const float value = LEV2_get_data();
+            expect(std::isfinite(value) && value == gates.value(gates.word(i)));
+        }
+        expect(LEV2_get_data() == lev2_below);
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    MESS_set(0, 0);
+    const MemoryFile file(std::vector<std::uint8_t>(data, data + size));
+    LEV2_info info;
+    lev2_walk(file.name(), info, check);
+    expect(std::isfinite(info.lat) && std::isfinite(info.lon));
+    for (int type = 0; type < lev2_moments; type++) {
+        LEV2_warn_empty(1, type);
+    }
+    LEV2_list_cuts(mess_mess);
+    expect(LEV2_get_cuts().size() <= static_cast<std::size_t>(lev2_max_cuts));
+    return 0;
+}
