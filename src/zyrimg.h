@@ -1,0 +1,86 @@
+// zyrimg.h: pictures in memory and as files. Screen captures go out through an
+// IMG_report and image files come in through one. Calls return 1, or 0 after a
+// message (some failures of PNG files are silent: the caller names the file).
+#pragma once
+
+#include "zyr.h"
+
+struct IMG_color {
+    float red, grn, blu; // 0.0 to 1.0
+};
+
+// Origin of a picture: field `source`.
+constexpr int img_native = 50; // a native image file
+
+struct IMG_report {
+    int source = 0;
+    int type = 0;
+    int version = 0;
+    char datim[50] = ""; // date and time label
+    Date date;
+    char info[75] = "";            // description or window name
+    int width = 0, height = 0;     // pixels
+    int depth = 0;                 // significant bits of a pixel
+    float xres = 0, yres = 0;      // resolution
+    float xoff = 0, yoff = 0;      // offset
+    int bits_pixel = 0;            // bits a pixel takes in `data`
+    int bytes_line = 0;            // bytes a row takes, padding included
+    int byte_order = 1;            // 0 least, 1 most significant byte first
+    int color_type = 0;            // 0 true colour with masks, 1 indexed
+    int num_colors = 0;            // entries of `colors`
+    unsigned red = 0;              // masks of a true colour pixel
+    unsigned grn = 0;              //
+    unsigned blu = 0;              //
+    IMG_color* colors = nullptr;   // owned, new[]
+    int trans_color = -1;          // transparent colour, -1 none
+    Domain domain;                 // location on the earth, `proj` missing: none
+    unsigned char* data = nullptr; // owned, new[]: height * bytes_line bytes
+};
+
+// Most bytes of pixels, and pixels, that a file may ask for.
+constexpr std::size_t img_most_bytes = std::size_t{128} << 20;
+constexpr std::size_t img_most_pixels = std::size_t{64} << 20;
+
+// --- Record and native format (img_tool.cpp) ------------------------------------
+
+// Clears a record; frees nothing.
+int IMG_init(IMG_report* image);
+int IMG_free(IMG_report* image);
+// A copy with its own pixels and colours; `dest` is overwritten, not freed.
+int IMG_copy(IMG_report* dest, const IMG_report* src);
+int IMG_print(int level, const IMG_report* image);
+// New pixels of height * bytes_line bytes, all 0, in the place of the old; 0
+// when the size is none, or above the ceiling, or memory is short.
+int IMG_alloc(IMG_report* image);
+int IMG_alloc_colors(IMG_report* image, int count); // black
+// Reads any kind of image file; `type` 1 asks for the header alone where the
+// reader can.
+int IMG_read(const char* filename, IMG_report* image, int type);
+// Native files. `type` 1 of the writer compresses.
+int IMG_read_zyr(const char* filename, IMG_report* image, int type);
+int IMG_write(const char* filename, IMG_report* image, int type);
+// Captures the window or the current frame, and writes it.
+int IMG_dump(const char* filename);
+
+// --- GIF (gif.cpp) --------------------------------------------------------------
+
+int GIF_dump(const char* filename);
+// The pixels of `image` become palette indexes.
+int GIF_write(const char* filename, IMG_report* image);
+int GIF_read(const char* filename, IMG_report* image, int type);
+int GIF_interlace(int value);   // 1: interlaced output
+int GIF_transparent(int value); // 1: the background is transparent
+
+// --- PNG (png.cpp) --------------------------------------------------------------
+
+int PNG_dump(const char* filename);
+int PNG_write(const char* filename, IMG_report* image);
+int PNG_read(const char* filename, IMG_report* image, int type);
+
+// --- XWD (xdump.cpp) ------------------------------------------------------------
+// Messages of this module go to standard error.
+
+int XWD_dump(const char* filename);
+int XWD_write(const char* filename, IMG_report* image);
+// `depth` of the record on entry is the largest depth allowed.
+int XWD_read(const char* filename, IMG_report* image, int type);
