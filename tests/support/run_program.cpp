@@ -30,11 +30,13 @@ public:
         std::rewind(file_.get());
     }
     int fd() const { return fileno(file_.get()); }
+    // All of it; a program that still writes is not disturbed.
     std::string text() const {
         std::string all;
-        std::rewind(file_.get());
-        for (int c = std::getc(file_.get()); c != EOF; c = std::getc(file_.get())) {
-            all += static_cast<char>(c);
+        std::array<char, 4096> part{};
+        ssize_t got = 0;
+        while ((got = pread(fd(), part.data(), part.size(), static_cast<off_t>(all.size()))) > 0) {
+            all.append(part.data(), static_cast<std::size_t>(got));
         }
         return all;
     }
@@ -78,42 +80,73 @@ int exit_code(int status) {
 
 } // namespace
 
-ProgramRun run_program(const std::string& program, const ProgramCall& call) {
-    const TempDir fresh;
-    const std::string directory = call.directory.empty() ? fresh.path() : call.directory;
+// What a program reads and writes, and the directory made for it.
+struct RunningProgram::Streams {
+    explicit Streams(const std::string& input) : in(input) {}
+    TempDir fresh;
+    Exchange in;
+    Exchange out;
+    Exchange err;
+};
+
+RunningProgram::RunningProgram(const std::string& program, const ProgramCall& call)
+    : streams_(std::make_unique<Streams>(call.input)), timeout_s_(call.timeout_s) {
+    const std::string directory = call.directory.empty() ? streams_->fresh.path() : call.directory;
     std::vector<std::string> args = {program};
     args.insert(args.end(), call.args.begin(), call.args.end());
     std::vector<std::string> env = environment(call);
     const auto argv = pointers(args);
     const auto envp = pointers(env);
-    const Exchange in(call.input);
-    const Exchange out;
-    const Exchange err;
-    const pid_t pid = fork();
-    if (pid == 0) {
-        dup2(in.fd(), STDIN_FILENO);
-        dup2(out.fd(), STDOUT_FILENO);
-        dup2(err.fd(), STDERR_FILENO);
+    pid_ = fork();
+    if (pid_ == 0) {
+        dup2(streams_->in.fd(), STDIN_FILENO);
+        dup2(streams_->out.fd(), STDOUT_FILENO);
+        dup2(streams_->err.fd(), STDERR_FILENO);
         if (chdir(directory.c_str()) == 0) {
             execve(program.c_str(), argv.data(), envp.data());
         }
         _exit(127);
     }
+}
+
+RunningProgram::~RunningProgram() {
+    if (!ended()) {
+        kill(pid_, SIGKILL);
+        waitpid(pid_, nullptr, 0);
+    }
+}
+
+std::string RunningProgram::out() const {
+    return streams_->out.text();
+}
+
+std::string RunningProgram::err() const {
+    return streams_->err.text();
+}
+
+bool RunningProgram::ended() {
+    ended_ = ended_ || waitpid(pid_, &status_, WNOHANG) != 0;
+    return ended_;
+}
+
+ProgramRun RunningProgram::wait() {
     ProgramRun run;
-    int status = 0;
     constexpr int tries_a_second = 200;
-    int tries = call.timeout_s * tries_a_second;
-    while (waitpid(pid, &status, WNOHANG) == 0) {
-        if (--tries < 0) {
+    for (int tries = timeout_s_ * tries_a_second; !ended(); tries--) {
+        if (tries < 0) {
             run.timed_out = true;
-            kill(pid, SIGKILL);
+            kill(pid_, SIGKILL);
         }
         usleep(1000000 / tries_a_second);
     }
-    run.code = exit_code(status);
-    run.out = out.text();
-    run.err = err.text();
+    run.code = exit_code(status_);
+    run.out = out();
+    run.err = err();
     return run;
+}
+
+ProgramRun run_program(const std::string& program, const ProgramCall& call) {
+    return RunningProgram(program, call).wait();
 }
 
 std::string in_child(const std::function<std::string()>& body) {

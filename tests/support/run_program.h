@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,31 @@ struct ProgramRun {
 };
 
 ProgramRun run_program(const std::string& program, const ProgramCall& call);
+
+// A program that stays: started here, ended by what the test does to it, or
+// killed with the object.
+class RunningProgram {
+public:
+    RunningProgram(const std::string& program, const ProgramCall& call);
+    ~RunningProgram();
+    RunningProgram(const RunningProgram&) = delete;
+    RunningProgram& operator=(const RunningProgram&) = delete;
+
+    int pid() const { return pid_; }
+    std::string out() const; // what it has said so far
+    std::string err() const;
+    bool ended(); // has it ended by itself?
+    // Waits for its end, and kills it if that does not come in time.
+    ProgramRun wait();
+
+private:
+    struct Streams;
+    std::unique_ptr<Streams> streams_;
+    int timeout_s_;
+    int pid_ = -1;
+    int status_ = 0;
+    bool ended_ = false;
+};
 
 // Runs `body` in a process of its own and returns its result, with "exit N"
 // behind it if the process did not end well. So a row of a table starts from
