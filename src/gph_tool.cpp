@@ -164,9 +164,9 @@ int GPH_panel(int* /*ws_id*/, Gws_type* /*ws_type*/, float asp_ratio, Glim* offs
     return 0;
 }
 
-int GPH_hold(int /*ws_id*/) {
+int GPH_hold(int ws_id) {
     gupdate_window();
-    return 0; // only a window is held
+    return gtype_is_WIN() ? ghold(ws_id) : 0;
 }
 
 int GPH_set_win_title() {

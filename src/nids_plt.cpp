@@ -258,13 +258,17 @@ int NIDS_plot(Domain* domain) {
     MAP_fill_cont(0);
     FILE_first(&nids.base_date);
     char name[file_name_size] = "";
+    int left_out = 0;
     for (int frame = 0; FILE_get_next(name) != 0;) {
-        if (plot_file(name, frame, domain)) {
+        if (!PLT_has_room(frame)) {
+            left_out++;
+        } else if (plot_file(name, frame, domain)) {
             frame++;
         } else if (FILE_get_num_file() == 0) {
             PLT_exit(10);
         }
     }
+    PLT_tell_left_out(left_out);
     if (FILE_get_num_file() != 0) {
         gset_looping(1);
     }
@@ -299,8 +303,20 @@ int NIDS_plot_nextfile() {
     }
     NIDS_set_date(nullptr);
     nids.fsecs = seconds;
+    const int frames = gget_num_images();
+    for (int i = 0; i + 1 < frames; i++) {
+        gcopy_frame(i, i + 1); // the oldest frame goes
+    }
+    if (frames > 0) {
+        gselect_frame(gcreate_frame(frames - 1));
+    } else {
+        gclear_frame(frame_base);
+    }
     NIDS_plot_frame();
     NIDS_close_file();
+    if (frames > 0) {
+        gdisplay_frame(frames - 1);
+    }
     return 0;
 }
 

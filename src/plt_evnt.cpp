@@ -19,7 +19,6 @@ struct Events {
     PLT_domain_func* zoom_func = nullptr;
     PLT_domain_func* resize_func = nullptr;
     PLT_refresh_func* refresh_func = nullptr;
-    int refresh_seconds = 0;
     int zoom = 0;    // depth of the zoom
     int code = 0;    // 1: a rectangle is being drawn
     Gpt press{0, 0}; // its first corner
@@ -61,13 +60,22 @@ Domain zoom_diagram(Domain domain, Gpt a, Gpt b) {
     return domain;
 }
 
-int redraw(PLT_domain_func* func, Domain domain) {
+// Runs a redraw of the plotter between what every one needs before and after.
+template <typename Func> void run_redraw(Func func) {
     gsel_norm_tran(0);
-    if (func != nullptr) {
-        func(&domain);
-    }
+    const int cursor = gset_cursor(cursor_number_wait);
+    func();
     gsel_norm_tran(tran_map);
     gupdate_window();
+    gset_cursor(cursor);
+}
+
+int redraw(PLT_domain_func* func, Domain domain) {
+    run_redraw([&] {
+        if (func != nullptr) {
+            func(&domain);
+        }
+    });
     return 0;
 }
 
@@ -111,6 +119,9 @@ int zoom_out() {
 
 int PLT_set_callback(PLT_mouse_func* func) {
     events.callback = func;
+    if (func != nullptr) {
+        gset_mouse_callback(func);
+    }
     return 0;
 }
 
@@ -125,9 +136,8 @@ int PLT_set_resize_func(PLT_domain_func* func) {
 }
 
 int PLT_set_refresh_func(int seconds, PLT_refresh_func* func) {
-    events.refresh_seconds = seconds;
     events.refresh_func = func;
-    return 0;
+    return gset_refresh_callback(seconds, PLT_plot_refresh);
 }
 
 int PLT_get_zoom() {
@@ -138,12 +148,14 @@ int PLT_plot_zoom(const char* event, float x, float y) {
     if (std::strcmp(event, "B1-P-Shft") == 0) {
         events.press = {x, y};
         events.code = 1;
+        constexpr int rectangle_band = 2;
+        gset_rubber_band(rectangle_band);
         return 0;
     }
     if (std::strncmp(event, "B1-R", 4) == 0 && events.code == 1) {
         return zoom_in({x, y});
     }
-    if (std::strcmp(event, "u-Alt") == 0 && events.zoom > 0) {
+    if (std::strcmp(event, "u-Alt") == 0 && gget_zoom() == 1 && events.zoom > 0) {
         return zoom_out();
     }
     if (std::strcmp(event, "r-Alt") == 0) {
@@ -158,12 +170,11 @@ int PLT_plot_resize(const char* event, float, float) {
 }
 
 void PLT_plot_refresh() {
-    gsel_norm_tran(0);
-    if (events.refresh_func != nullptr) {
-        events.refresh_func();
-    }
-    gsel_norm_tran(tran_map);
-    gupdate_window();
+    run_redraw([] {
+        if (events.refresh_func != nullptr) {
+            events.refresh_func();
+        }
+    });
 }
 
 int PLT_print_location(const char* event, float x, float y) {

@@ -186,6 +186,17 @@ int PLT_get_full_lab() {
     return session.full_lab;
 }
 
+bool PLT_has_room(int frame) {
+    return frame < max_frames || !gtype_is_WIN_PIX();
+}
+
+void PLT_tell_left_out(int files) {
+    if (files > 0) {
+        MESS_print(mess_warn, "A loop holds %d frames: %d more files are left out\n", max_frames,
+                   files);
+    }
+}
+
 int PLT_set_dump(int type, const char* filename) {
     session.dump = type;
     if (filename != nullptr && *filename != '\0') {

@@ -75,6 +75,11 @@ struct PLT_settings {
 };
 const PLT_settings& PLT_get_settings();
 
+// Whether a loop has room for frame number `frame`: only a window's is bounded.
+bool PLT_has_room(int frame);
+// Tells how many files found no room in the loop; 0 tells nothing.
+void PLT_tell_left_out(int files);
+
 // Image dump after each frame: kind 0 none, 1 XWD, 2 GIF, 3 native image,
 // 4 PNG, and the convention that names it (null or empty: the kind's own).
 int PLT_set_dump(int type, const char* filename);
