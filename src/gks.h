@@ -241,7 +241,7 @@ int gtoggle_loop(int value); // 1 on, 0 off, else the other
 int gset_loop_direct(int value);
 int gget_loop_direct();
 int gset_loop_title(int value);
-int gset_loop_delay(float delay, int ind);
+int gset_loop_delay(float delay, int ind); // 1 done, 0 refused
 int ginc_loop_delay(float step);
 float gget_loop_delay();
 float gget_frame_delay(int ind);

@@ -283,7 +283,8 @@ void show_cursor(int number) {
 void poll_still(int* quiet) {
     constexpr int lively_passes = 50;
     pollfd connection = {ConnectionNumber(gget_display()), POLLIN, 0};
-    poll(&connection, 1, *quiet < lively_passes ? 100 : 500);
+    if (XPending(gget_display()) == 0)
+        poll(&connection, 1, *quiet < lively_passes ? 100 : 500);
     *quiet = gcheck_event() > 0 ? 0 : *quiet + 1;
 }
 

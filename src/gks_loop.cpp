@@ -382,8 +382,9 @@ int gloop_sleep() {
     constexpr float slice = 0.2F; // the window answers after that at the latest
     if (loop.cur_image < 0 || loop.cur_image > loop.num_images)
         return -1;
+    const int looping = loop.looping;
     // An event may stop the loop or end the hold: then the wait is over too.
-    while (loop.looping != 0 && gget_input_mode() != 0) {
+    while (loop.looping == looping && gget_input_mode() != 0) {
         const float rest = gget_frame_delay(frame_current) - ZYR_elapse_time();
         if (!(rest > 0.0F))
             return 0;
