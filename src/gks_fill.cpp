@@ -239,7 +239,8 @@ void gput_fill_state() {
     fill = {missing_index, missing_index, missing_index, now.print_solid};
     gset_fill_int_style(now.fill_inter_style);
     gset_fill_style_ind(now.fill_inter_index);
-    gset_fill_colr_ind(now.fill_color);
+    if (gget_color_ind(now.fill_color) != -1) // without a pixel no setter takes it
+        gset_fill_colr_ind(now.fill_color);
     fill = now; // also what a setter refused
 }
 

@@ -194,7 +194,8 @@ int ginit_line(int type) {
 void gput_line_state() {
     const LineState now = line;
     line = {missing_index, missing_index, -1.0F, now.print_bold};
-    gset_line_colr_ind(now.line_color);
+    if (gget_color_ind(now.line_color) != -1) // without a pixel no setter takes it
+        gset_line_colr_ind(now.line_color);
     gset_linetype(now.line_type);
     gset_linewidth(now.line_width);
     line = now; // also what a setter refused

@@ -294,7 +294,8 @@ int ginit_marker(int type) {
 void gput_marker_state() {
     const MarkerState now = marker;
     marker = {missing_index, missing_index, -1.0F, -1.0F};
-    gset_marker_colr_ind(now.marker_color);
+    if (gget_color_ind(now.marker_color) != -1) // without a pixel no setter takes it
+        gset_marker_colr_ind(now.marker_color);
     gset_marker_type(now.marker_type);
     gset_marker_width(now.marker_width);
     gset_marker_size(now.marker_height);

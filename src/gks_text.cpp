@@ -670,7 +670,8 @@ int ginit_text(int type) {
 void gput_text_state() {
     const TextState now = state;
     state = unknown_state();
-    gset_text_colr_ind(now.text_color);
+    if (gget_color_ind(now.text_color) != -1) // without a pixel no setter takes it
+        gset_text_colr_ind(now.text_color);
     gset_text_width(now.text_width);
     gset_char_ht(now.text_height);
     gset_expan(now.text_expan);

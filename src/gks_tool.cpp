@@ -2,12 +2,14 @@
 // the type and size of the device, names, and the kernel's reports. gopen_gks
 // comes first, then gopen_ws.
 
-#include "gks.h"
+#include "gks_disp.h"
+#include "gks_tran.h"
 #include "zyr.h"
 
 #include <array>
 #include <cstdarg>
 #include <cstdlib>
+#include <cstring>
 #include <utility>
 
 namespace {
@@ -29,27 +31,44 @@ struct Station {
 };
 Station station;
 
-// What the kernel says when a device cannot be opened at all.
-struct MissingDevice {
-    Gws_type type;
-    const char* text;
-};
-constexpr std::array missing_devices = {
-    MissingDevice{ws_window,   "unable to open window: this build has no window device\n"},
-    MissingDevice{ws_metafile, "unable to open metafile\n"                               },
-    MissingDevice{ws_hpgl,     "unable to open HPGL file\n"                              },
-    MissingDevice{ws_pixmap,   "unable to open pixmap: this build has no window device\n"},
+// How ginit_plot and ginit_tran are told the device.
+enum Init_type {
+    init_none = -1,
+    init_display = 0,
+    init_again = 1, // on the same display
+    init_postscript = 2,
+    init_metafile = 4,
+    init_size = 10 // the size of the device has changed
 };
 
-int no_device(Gws_type type) {
-    for (const MissingDevice& device : missing_devices) {
-        if (device.type == type) {
-            gerr_printf("gopen_ws", "%s", device.text);
-            return -1;
-        }
+// The branch of the device, with what initialises the plot there. Negative
+// after a report.
+int open_device(const char* conn_id, Gws_type type) {
+    switch (type) {
+    case ws_window:
+        return gopen_window(conn_id) == 0 ? init_display : init_none;
+    case ws_pixmap:
+        return gopen_pixmap(conn_id) == 0 ? init_display : init_none;
+    case ws_postscript:
+        return gps_open_ws(conn_id) == 0 ? init_postscript : init_none;
+    case ws_metafile:
+        return gmeta_open_ws(conn_id) == 0 ? init_metafile : init_none;
+    case ws_hpgl:
+        gerr_printf("gopen_ws", "unable to open HPGL file\n");
+        return init_none;
+    default:
+        gerr_printf("gopen_ws", "invalid workstation type: %d\n", type);
+        return init_none;
     }
-    gerr_printf("gopen_ws", "invalid workstation type: %d\n", type);
-    return -1;
+}
+
+// A metafile and the redraw list hold changes alone: they begin with the state.
+void put_state() {
+    gput_tran_state();
+    gput_line_state();
+    gput_fill_state();
+    gput_marker_state();
+    gput_text_state();
 }
 
 } // namespace
@@ -82,31 +101,56 @@ int gopen_ws(int /*ws_id*/, const char* conn_id, Gws_type ws_type) {
     const char* print = std::getenv("zyrprint");
     if (ws_type == ws_postscript && print != nullptr && stricmp(print, "hpgl") == 0)
         ws_type = ws_hpgl;
-    if (ws_type != ws_postscript)
-        return no_device(ws_type);
-    if (gps_open_ws(conn_id) != 0)
+    const int init = open_device(conn_id, ws_type);
+    if (init == init_none)
         return -1;
     kernel.open_graphics = 1;
-    constexpr int init_postscript = 2;
-    ginit_plot(init_postscript);
+    ginit_objs();
+    ginit_plot(init);
+    if (gtype_is_META())
+        put_state();
     gsetup_fonts(); // a missing font has been reported: the plot goes on without text
     ginit_background();
+    constexpr int mode_clear = 1;
+    if (gtype_is_PIX() && gget_pix_mode() == mode_clear)
+        gclear_frame(frame_base);
+    if (gtype_is_WIN_PIX()) {
+        gsync();
+        gcheck_event();
+    }
+    gset_cursor(cursor_number_wait);
     return 0;
 }
 
 int gclose_ws(int /*ws_id*/) {
     if (kernel.open_graphics == 0)
         return -1;
+    gclose_display();
     station.win_width = 0;
     station.win_height = 0;
+    if (gtype_is_WIN())
+        gclear_objs();
     if (gtype_is_PS())
         gps_close_file();
+    if (gtype_is_META())
+        gmeta_close_file();
     kernel.open_graphics = 0;
     return 0;
 }
 
 int gclear_ws(int /*ws_id*/, int /*flag*/) {
-    return 0; // a page of a file device begins with its opening
+    if (!gtype_is_WIN() || gget_base_window() == 0)
+        return 0; // a page of a file device begins with its opening
+    int width = 0;
+    int height = 0;
+    gget_root_size(&width, &height);
+    gflush_fill();
+    gfill_drawable(gget_base_window(), static_cast<unsigned long>(gget_color_ind(-1)),
+                   static_cast<unsigned>(width), static_cast<unsigned>(height));
+    gclear_objs();
+    put_state();
+    ginit_plot(init_none);
+    return 0;
 }
 
 int gchk_graphics() {
@@ -137,13 +181,27 @@ void gerr_printf(const char* func, const char* format, ...) {
 }
 
 int ginit_plot(int type) {
-    if (type == -1)
+    if (type == init_none)
         return -1;
     greset_text();
     greset_line();
     greset_marker();
     greset_fill();
+    ginit_loop();
     ginit_tran(type);
+    ginit_text(type);
+    ginit_line(type);
+    ginit_marker(type);
+    ginit_fill(type);
+    if (type == init_display) {
+        gclear_errors();
+        if (gtype_is_PIX())
+            gset_rw_colors(0); // the colours of its owner stay
+    }
+    if (type == init_display || type == init_again) {
+        ginit_event(type);
+        greset_gcs();
+    }
     return 0;
 }
 
@@ -194,8 +252,7 @@ int gget_win_offset(int* x, int* y) {
 
 int gset_win_size(int width, int height) {
     gset_xsize(width, height);
-    constexpr int size_changed = 10;
-    return ginit_tran(size_changed);
+    return ginit_tran(init_size);
 }
 
 int gset_xsize(int width, int height) {
@@ -208,11 +265,6 @@ int gset_xoff(int x, int y) {
     station.win_x = x;
     station.win_y = y;
     return 0;
-}
-
-int gget_win_depth() {
-    constexpr int file_depth = 10; // marks that no display is in use
-    return file_depth;
 }
 
 int ginq_disp_space_size(Gws_type /*ws_type*/, int* err, Gdsp_size* size) {
@@ -235,14 +287,17 @@ const char* gget_prog_name() {
 
 int gset_win_title(const char* title) {
     copy_text(station.win_title.data(), station.win_title.size(), title);
-    return -1; // there is no window to show it
+    return gshow_win_title();
 }
 
 const char* gget_win_title() {
     return station.win_title.data();
 }
 
-int gmessage(int /*level*/, const char* text) {
+int gmessage(int level, const char* text) {
+    if (gtype_is_META())
+        return gmeta_printf("ME %s\n", text);
+    gnew_obj(obj_message, level, static_cast<int>(std::strlen(text)) + 1, text);
     if (gtype_is_PS())
         gps_comment("%%%%Message: %s", text);
     return 0;

@@ -37,6 +37,8 @@ Colormap gget_colormap(); // the private one, else the screen's
 int gset_def_cmap(Colormap map);
 int gset_user_cmap(Colormap map);
 Colormap gget_user_cmap();
+// Gives back the private map and forgets all pixels.
+void gfree_xcolr();
 
 // --- Graphics contexts ----------------------------------------------------------
 

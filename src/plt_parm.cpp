@@ -243,6 +243,21 @@ void apply_elsewhere(const WordRow& row, const char* rest, const char* value) {
     case Word::inverse:
         gset_inverse(row.number);
         break;
+    case Word::redraw:
+        gset_redraw(row.number);
+        break;
+    case Word::local_colormap:
+        gset_local_colormap(row.number);
+        break;
+    case Word::rw_colors:
+        gset_rw_colors(row.number);
+        break;
+    case Word::loop_title:
+        gset_loop_title(row.number);
+        break;
+    case Word::pix_mode:
+        gset_pix_mode(row.number);
+        break;
     case Word::ps_color:
         gps_set_colorPS(row.number);
         gset_inverse(1);
@@ -291,26 +306,11 @@ void apply(const WordRow& row, const char* rest) {
     case Word::dump:
         PLT_set_dump(row.number, value);
         break;
-    case Word::redraw:
-        settings.redraw = row.number;
-        break;
     case Word::gif_interlace:
         settings.gif_interlace = row.number;
         break;
     case Word::gif_transparent:
         settings.gif_transparent = row.number;
-        break;
-    case Word::local_colormap:
-        settings.local_colormap = row.number;
-        break;
-    case Word::rw_colors:
-        settings.rw_colors = row.number;
-        break;
-    case Word::loop_title:
-        settings.loop_title = row.number;
-        break;
-    case Word::pix_mode:
-        settings.pix_mode = row.number;
         break;
     case Word::headers:
         settings.headers = row.number;

