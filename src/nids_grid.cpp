@@ -10,7 +10,7 @@
 #include "nids_plt.h"
 
 #include "files.h"
-#include "maptran.h"
+#include "region.h"
 #include "zyrresrc.h"
 
 #include <string>
@@ -18,37 +18,6 @@
 namespace {
 
 constexpr char default_convention[] = "nids_grd_zyr";
-
-template <typename... Numbers> std::string fields(const char* name, Numbers... numbers) {
-    std::string text = name;
-    for (const float number : {static_cast<float>(numbers)...}) {
-        char field[64];
-        std::snprintf(field, sizeof field, ":%f", static_cast<double>(number));
-        text += field;
-    }
-    return text + " ";
-}
-
-// Empty for projections that the file has no word for.
-std::string projection_word(const Domain& domain) {
-    switch (domain.proj) {
-    case proj_latlon:
-        return "LL ";
-    case proj_merc:
-        return "ME ";
-    case proj_pstereo:
-        return is_set(domain.plon) && domain.plon != domain.clon ? fields("PS", domain.plon)
-                                                                 : "PS ";
-    case proj_lambert:
-        if (is_set(domain.param[0])) {
-            return fields("LC", domain.plat, domain.plon, domain.param[0], domain.param[1],
-                          domain.param[2]);
-        }
-        return is_set(domain.plon) ? fields("LC", domain.plon) : "LC ";
-    default:
-        return "";
-    }
-}
 
 } // namespace
 
@@ -82,7 +51,7 @@ std::FILE* NIDS_grd_open(const NIDS_info& info, const char* datim) {
     if (grid != nullptr) {
         const Domain& d = info.domain;
         std::fprintf(grid, "ZYRGRID\n%s\n%s\n%s%f %f %f %f %d %d\n", datim, info.info,
-                     projection_word(d).c_str(), static_cast<double>(d.clat),
+                     DOM_proj_word(&d).c_str(), static_cast<double>(d.clat),
                      static_cast<double>(d.clon), static_cast<double>(d.dx),
                      static_cast<double>(d.dy), d.nx, d.ny);
     }

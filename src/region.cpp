@@ -638,6 +638,17 @@ float plon_of(const Domain& d) {
     return is_set(d.plon) ? d.plon : d.clon;
 }
 
+// ":%f" for each number.
+std::string colon_numbers(std::initializer_list<float> numbers) {
+    std::string text;
+    for (const float number : numbers) {
+        char field[64];
+        std::snprintf(field, sizeof field, ":%f", static_cast<double>(number));
+        text += field;
+    }
+    return text;
+}
+
 } // namespace
 
 // --- The record -------------------------------------------------------------------------
@@ -928,4 +939,26 @@ int DOM_set_loc_prior(int prior) {
 
 int DOM_get_loc_prior() {
     return state.loc_prior;
+}
+
+std::string DOM_proj_word(const Domain* domain) {
+    const Domain& d = *domain;
+    switch (d.proj) {
+    case proj_latlon:
+        return "LL ";
+    case proj_merc:
+        return "ME ";
+    case proj_pstereo:
+        return is_set(d.plon) && d.plon != d.clon ? "PS" + colon_numbers({d.plon}) + " " : "PS ";
+    case proj_lambert:
+        if (is_set(d.param[0])) {
+            return "LC" + colon_numbers({d.plat, d.plon, d.param[0], d.param[1], d.param[2]}) + " ";
+        }
+        return is_set(d.plon) ? "LC" + colon_numbers({d.plon}) + " " : "LC ";
+    case proj_satellite:
+        return "SAT" + colon_numbers({d.plat, d.plon}) +
+               (is_set(d.param[0]) ? colon_numbers({d.param[0]}) : "") + " ";
+    default:
+        return "";
+    }
 }

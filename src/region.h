@@ -4,6 +4,8 @@
 
 #include "zyr.h"
 
+#include <string>
+
 // --- The record -------------------------------------------------------------
 
 // Clears the record: every number unset, `ellipse` 0. Returns 0.
@@ -24,6 +26,10 @@ int DOM_comp_proj(const Domain* dom1, const Domain* dom2);
 
 // Width over height, (nx - 1) / (ny - 1); 1.0 unless both counts exceed 1.
 float DOM_aspect(const Domain* domain);
+
+// The projection word of a grid or image file, such as "PS:-105.000000 ", with its
+// blank; empty for a projection that has none.
+std::string DOM_proj_word(const Domain* domain);
 
 // Prints the record as a domain string at message level `level`; nothing when
 // that level is off. Returns 1 if printed, else 0.

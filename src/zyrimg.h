@@ -59,6 +59,8 @@ int IMG_read(const char* filename, IMG_report* image, int type);
 // Native files. `type` 1 of the writer compresses.
 int IMG_read_zyr(const char* filename, IMG_report* image, int type);
 int IMG_write(const char* filename, IMG_report* image, int type);
+// Seconds that the reader of a compressed file waits for it to grow, 10 at start.
+int IMG_set_patience(int tries);
 // Captures the window or the current frame, and writes it.
 int IMG_dump(const char* filename);
 

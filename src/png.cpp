@@ -1,0 +1,259 @@
+// png: PNG files, written from a capture as 256-colour pictures and read for an
+// overlay. libpng does the format. No state.
+//
+// libpng reports an error by a jump back into the routine that called
+// setjmp; those routines own nothing and hold nothing that has a destructor.
+#include "img_pixel.h"
+
+#include "files.h"
+#include "gks.h"
+
+#include <array>
+#include <csetjmp>
+#include <ctime>
+#include <vector>
+
+#include <png.h>
+
+namespace {
+
+constexpr int signature_size = 8;
+
+void silent_warning(png_structp, png_const_charp) {}
+
+[[noreturn]] void jump_back(png_structp png, png_const_charp) {
+    png_longjmp(png, 1);
+}
+
+// --- Writing --------------------------------------------------------------------
+
+struct Writer {
+    Writer()
+        : png(png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, jump_back, silent_warning)),
+          info(png == nullptr ? nullptr : png_create_info_struct(png)) {}
+    ~Writer() { png_destroy_write_struct(&png, &info); }
+    Writer(const Writer&) = delete;
+    Writer& operator=(const Writer&) = delete;
+    png_structp png;
+    png_infop info;
+};
+
+struct TextLine {
+    std::array<char, 16> key;
+    std::array<char, 80> text;
+};
+
+// What the writer puts into the file, in the words of libpng.
+struct WriteJob {
+    std::FILE* file;
+    png_uint_32 width, height;
+    std::array<png_color, img_palette_size> palette;
+    std::array<png_text, 3> text;
+    png_bytepp rows;
+};
+
+bool write_png(png_structp png, png_infop info, WriteJob* job) {
+    if (setjmp(png_jmpbuf(png)) != 0) { // NOLINT(cert-err52-cpp): the library's way
+        return false;
+    }
+    png_init_io(png, job->file);
+    png_set_IHDR(png, info, job->width, job->height, 8, PNG_COLOR_TYPE_PALETTE, PNG_INTERLACE_NONE,
+                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    png_set_PLTE(png, info, job->palette.data(), img_palette_size);
+    png_set_text(png, info, job->text.data(), static_cast<int>(job->text.size()));
+    png_write_info(png, info);
+    png_write_image(png, job->rows);
+    png_write_end(png, info);
+    return true;
+}
+
+std::array<TextLine, 3> text_lines() {
+    std::array<TextLine, 3> lines{
+        {{{"Title"}, {}}, {{"Software"}, {"ZYR - Sky Foundry v5.0"}}, {{"Creation Time"}, {}}}
+    };
+    copy_text(lines[0].text.data(), lines[0].text.size(), gget_win_title());
+    const std::time_t now = std::time(nullptr);
+    std::tm utc{};
+    if (gmtime_r(&now, &utc) != nullptr) {
+        std::strftime(lines[2].text.data(), lines[2].text.size(), "%d %b %Y %H:%M:%S GMT", &utc);
+    }
+    return lines;
+}
+
+// --- Reading --------------------------------------------------------------------
+
+struct Reader {
+    Reader()
+        : png(png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, jump_back, silent_warning)),
+          info(png == nullptr ? nullptr : png_create_info_struct(png)) {}
+    ~Reader() { png_destroy_read_struct(&png, &info, nullptr); }
+    Reader(const Reader&) = delete;
+    Reader& operator=(const Reader&) = delete;
+    png_structp png;
+    png_infop info;
+};
+
+struct Header {
+    png_uint_32 width, height;
+    int bit_depth, color_type, passes;
+    std::size_t row_bytes;
+    int num_palette;
+    png_colorp palette; // libpng's own
+};
+
+// Up to the pixels. Grey with alpha comes as colour, 16 bits as 8; the alpha
+// byte stands before the colour, where a 32-bit pixel has nothing.
+bool read_header(png_structp png, png_infop info, std::FILE* file, Header* h) {
+    constexpr png_uint_32 most_side = 65535;
+    constexpr png_alloc_size_t most_chunk = 8U << 20; // of text and profiles
+    if (setjmp(png_jmpbuf(png)) != 0) {               // NOLINT(cert-err52-cpp): the library's way
+        return false;
+    }
+    png_set_user_limits(png, most_side, most_side);
+    png_set_chunk_malloc_max(png, most_chunk);
+    png_init_io(png, file);
+    png_set_sig_bytes(png, signature_size);
+    png_read_info(png, info);
+    png_get_IHDR(png, info, &h->width, &h->height, &h->bit_depth, &h->color_type, nullptr, nullptr,
+                 nullptr);
+    if (h->bit_depth == 16) {
+        png_set_strip_16(png);
+    }
+    if (h->bit_depth == 1) {
+        png_set_packswap(png); // the lowest bit of a byte first
+    }
+    if (h->color_type == PNG_COLOR_TYPE_GRAY_ALPHA) {
+        png_set_gray_to_rgb(png);
+    }
+    if ((h->color_type & PNG_COLOR_MASK_ALPHA) != 0) {
+        png_set_swap_alpha(png);
+    }
+    h->passes = png_set_interlace_handling(png);
+    png_get_PLTE(png, info, &h->palette, &h->num_palette);
+    png_read_update_info(png, info);
+    h->row_bytes = png_get_rowbytes(png, info);
+    return true;
+}
+
+bool read_rows(png_structp png, png_infop info, const Header& h, unsigned char* data) {
+    if (setjmp(png_jmpbuf(png)) != 0) { // NOLINT(cert-err52-cpp): the library's way
+        return false;
+    }
+    for (int pass = 0; pass < h.passes; pass++) {
+        for (png_uint_32 row = 0; row < h.height; row++) {
+            png_read_row(png, data + h.row_bytes * row, nullptr);
+        }
+    }
+    png_read_end(png, info);
+    return true;
+}
+
+void take_header(const Header& h, IMG_report* image) {
+    copy_text(image->info, sizeof image->info, "PNG");
+    image->width = static_cast<int>(h.width);
+    image->height = static_cast<int>(h.height);
+    image->bytes_line = static_cast<int>(h.row_bytes);
+    image->byte_order = 1;
+    const int bits = h.bit_depth == 16 ? 8 : h.bit_depth;
+    const bool palette = h.color_type == PNG_COLOR_TYPE_PALETTE;
+    if (palette || h.color_type == PNG_COLOR_TYPE_GRAY) {
+        image->depth = bits;
+        image->bits_pixel = bits;
+    } else {
+        image->depth = 3 * bits;
+        image->bits_pixel = 8 * image->bytes_line / image->width;
+        image->red = 0xFF0000;
+        image->grn = 0xFF00;
+        image->blu = 0xFF;
+    }
+    image->color_type = palette ? 1 : 0;
+}
+
+bool take_palette(const Header& h, IMG_report* image) {
+    if (h.color_type != PNG_COLOR_TYPE_PALETTE) {
+        return true;
+    }
+    if (h.palette == nullptr || IMG_alloc_colors(image, h.num_palette) == 0) {
+        return false;
+    }
+    for (int i = 0; i < h.num_palette; i++) {
+        const png_color& c = h.palette[i];
+        image->colors[i] = {static_cast<float>(c.red) / 255.0F,
+                            static_cast<float>(c.green) / 255.0F,
+                            static_cast<float>(c.blue) / 255.0F};
+    }
+    return true;
+}
+
+} // namespace
+
+int PNG_dump(const char* filename) {
+    IMG_report image;
+    const int result = gget_image(&image) != 0 ? PNG_write(filename, &image) : 0;
+    IMG_free(&image);
+    return result;
+}
+
+int PNG_write(const char* filename, IMG_report* image) {
+    const FILE_ptr file(FILE_open(filename, "wb"));
+    if (!file) {
+        MESS_print(mess_warn, "Unable to open PNG file\n");
+        return 0;
+    }
+    IMG_indexed picture;
+    const auto background = static_cast<std::uint32_t>(gget_color_ind(-1));
+    if (image->data == nullptr || image->width < 1 || image->height < 1 ||
+        !IMG_make_indexed(*image, background, &picture)) {
+        return 0;
+    }
+    std::vector<png_bytep> rows;
+    for (int row = 0; row < image->height; row++) {
+        rows.push_back(picture.index.data() + static_cast<std::size_t>(image->width) * row);
+    }
+    std::array<TextLine, 3> lines = text_lines();
+    WriteJob job{};
+    job.file = file.get();
+    job.width = static_cast<png_uint_32>(image->width);
+    job.height = static_cast<png_uint_32>(image->height);
+    job.rows = rows.data();
+    for (int i = 0; i < img_palette_size; i++) {
+        const IMG_rgb c = picture.color[i];
+        job.palette[i] = {c.red, c.grn, c.blu};
+    }
+    for (std::size_t i = 0; i < lines.size(); i++) {
+        job.text[i].compression = PNG_TEXT_COMPRESSION_NONE;
+        job.text[i].key = lines[i].key.data();
+        job.text[i].text = lines[i].text.data();
+    }
+    const Writer writer;
+    const bool written = writer.info != nullptr && write_png(writer.png, writer.info, &job) &&
+                         std::fflush(file.get()) == 0;
+    return written ? 1 : 0;
+}
+
+int PNG_read(const char* filename, IMG_report* image, int type) {
+    const FILE_ptr file(FILE_open(filename, "rb"));
+    std::array<unsigned char, signature_size> signature{};
+    if (!file || !IMG_read_head(file.get(), signature.data(), signature.size()) ||
+        png_sig_cmp(signature.data(), 0, signature.size()) != 0) {
+        return 0;
+    }
+    const Reader reader;
+    Header header{};
+    if (reader.info == nullptr || !read_header(reader.png, reader.info, file.get(), &header) ||
+        header.row_bytes > img_most_bytes) {
+        return 0;
+    }
+    take_header(header, image);
+    if (type == 1) {
+        return 1;
+    }
+    if (!take_palette(header, image)) {
+        return 0;
+    }
+    if (IMG_alloc(image) == 0) {
+        MESS_print(mess_warn, "Unable to allocate data buffer.\n");
+        return 0;
+    }
+    return read_rows(reader.png, reader.info, header, image->data) ? 1 : 0;
+}
