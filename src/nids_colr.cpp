@@ -5,7 +5,6 @@
 #include "cont.h"
 
 #include <array>
-#include <cstring>
 
 namespace {
 
@@ -111,23 +110,4 @@ int NIDS_set_colors(const NIDS_info& info) {
     }
     CONT_set_type(cont_fill);
     return 0;
-}
-
-NIDS_fills::NIDS_fills() : pattern_(CONT_get_fill_pat()) {}
-
-const Gattribs* NIDS_fills::find(float value) {
-    std::uint32_t bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    Slot& slot = slots_[(bits * 0x9E3779B1U) >> 22];
-    if (!slot.used || slot.bits != bits) {
-        slot.used = true;
-        slot.bits = bits;
-        CONT_get_fill_attrib(value, &slot.attrib);
-        if (is_set(pattern_)) {
-            slot.attrib.fill_pat = pattern_;
-        } else if (!is_set(slot.attrib.fill_pat)) {
-            slot.attrib.fill_pat = 0; // a hatched step before it must not show through
-        }
-    }
-    return slot.attrib.color == -1 ? nullptr : &slot.attrib;
 }

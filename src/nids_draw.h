@@ -5,8 +5,6 @@
 #include "nids.h"
 #include "zyrgks.h"
 
-#include <array>
-#include <cstdint>
 #include <cstdio>
 
 // --- Colours (nids_colr.cpp) --------------------------------------------------
@@ -14,35 +12,6 @@
 // Levels and colours of a product, by its code: settled anew for each frame,
 // so that nothing of the frame before is left. Returns 0.
 int NIDS_set_colors(const NIDS_info& info);
-
-// How the values of one frame are filled. CONT_get_fill_attrib is asked once
-// for each value met; the answer depends on the value alone while the frame's
-// colours stand. A product holds at most some 256 different values.
-class NIDS_fills {
-public:
-    NIDS_fills();
-    // Null for a value that is not drawn. Valid until the next call.
-    const Gattribs* get(float value) {
-        if (value != last_value_) { // neighbours are often equal
-            last_ = find(value);
-            last_value_ = value;
-        }
-        return last_;
-    }
-
-private:
-    const Gattribs* find(float value);
-
-    struct Slot {
-        bool used = false;
-        std::uint32_t bits = 0; // of the value
-        Gattribs attrib;
-    };
-    std::array<Slot, 1024> slots_{};
-    int pattern_; // takes the place of each step's own; missing: none
-    float last_value_ = missing_f;
-    const Gattribs* last_ = nullptr; // a missing value is never drawn
-};
 
 // --- Symbology packets (nids_draw.cpp) ----------------------------------------
 

@@ -15,6 +15,7 @@
 #include "map.h"
 #include "maptran.h"
 #include "plt_tool.h"
+#include "rad_fill.h"
 #include "region.h"
 #include "zyrgks.h"
 #include "zyrresrc.h"
@@ -268,7 +269,7 @@ TEST(NidsColors, FollowTheCodeAndForgetTheFrameBefore) {
         }
         NIDS_set_colors(info);
         EXPECT_EQ(CONT_get_type(), 15);
-        NIDS_fills fills;
+        RadFills fills;
         std::string color;
         for (float value = 0; in >> value >> color;) {
             const Gattribs* attrib = fills.get(value);

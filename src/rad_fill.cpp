@@ -1,0 +1,152 @@
+// rad_fill: the look of radar values, and strips of filled figures. No state
+// of its own; the levels and colours of the frame (cont.h) must be set, and
+// the plot's domain be current.
+#include "rad_fill.h"
+
+#include "cont.h"
+#include "maptran.h"
+#include "region.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <numbers>
+#include <span>
+
+namespace {
+
+constexpr double deg_to_rad = std::numbers::pi / 180.0;
+constexpr float overlap_deg = 0.01F; // by which radials cover the next one's edge
+
+bool is_place(const Gpt& p) {
+    return is_set(p.x) && std::isfinite(p.x) && std::isfinite(p.y);
+}
+
+} // namespace
+
+// --- Look of values -------------------------------------------------------------
+
+RadFills::RadFills() : pattern_(CONT_get_fill_pat()) {}
+
+const Gattribs* RadFills::find(float value) {
+    std::uint32_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    Slot& slot = slots_[(bits * 0x9E3779B1U) >> 22];
+    if (!slot.used || slot.bits != bits) {
+        slot.used = true;
+        slot.bits = bits;
+        CONT_get_fill_attrib(value, &slot.attrib);
+        if (is_set(pattern_)) {
+            slot.attrib.fill_pat = pattern_;
+        } else if (!is_set(slot.attrib.fill_pat)) {
+            slot.attrib.fill_pat = 0; // a hatched step before it must not show through
+        }
+    }
+    return slot.attrib.color == -1 ? nullptr : &slot.attrib;
+}
+
+// --- Strips ---------------------------------------------------------------------
+
+RadEdges rad_radial_edges(const Domain& own, const Domain& plot, Gpt site, float azimuth,
+                          float width, double start, double step) {
+    MAP_domain(&own);
+    const float from = MAP_dir_adj(azimuth, site.x, site.y);
+    MAP_domain(&plot);
+    const auto edge = [&](double angle) {
+        const double east = std::sin(angle * deg_to_rad);
+        const double north = std::cos(angle * deg_to_rad);
+        return RadRuler{site.x + start * east, site.y + start * north, step * east, step * north};
+    };
+    return {edge(from), edge(from + width + overlap_deg)};
+}
+
+RadStrip::RadStrip(const Domain& own, const Domain& plot)
+    : own_(own), plot_(plot), same_(DOM_comp_proj(&own, &plot) != 0) {}
+
+void RadStrip::begin() {
+    steps_.clear();
+    figures_.clear();
+}
+
+void RadStrip::add(int start, int count, int chunk, const Gattribs& attrib) {
+    const int end = start + count;
+    if (start >= end) {
+        return;
+    }
+    if (steps_.empty() || steps_.back() != start) {
+        steps_.push_back(start);
+    }
+    for (int step = start; step < end;) {
+        step = std::min(step + chunk, end);
+        figures_.push_back({steps_.size() - 1, attrib.color, attrib.fill_pat});
+        steps_.push_back(step);
+    }
+}
+
+void RadStrip::draw(const RadEdges& edges) {
+    if (figures_.empty()) {
+        return;
+    }
+    drawn_ = true;
+    place(edges.first, near_);
+    place(edges.second, far_);
+    if (!same_) {
+        reproject();
+    }
+    for (const Figure& figure : figures_) {
+        const std::size_t i = figure.first;
+        const std::array<Gpt, 5> corners = {near_[i], near_[i + 1], far_[i + 1], far_[i], near_[i]};
+        if (!std::all_of(corners.begin(), corners.end(), is_place)) {
+            continue;
+        }
+        if (!in_view_) {
+            note(corners);
+        }
+        if (figure.color != color_ || figure.fill_pat != fill_pat_) {
+            color_ = figure.color;
+            fill_pat_ = figure.fill_pat;
+            Gattribs attrib;
+            attrib.color = color_;
+            attrib.fill_pat = fill_pat_;
+            GPH_fill_attr(&attrib);
+        }
+        gfill_area(static_cast<int>(corners.size()), corners.data());
+    }
+}
+
+void RadStrip::place(const RadRuler& ruler, std::vector<Gpt>& points) const {
+    points.clear();
+    for (const int step : steps_) {
+        points.push_back(ruler.at(step));
+    }
+}
+
+// The data's coordinates to latitude and longitude, and these to the plot's.
+void RadStrip::reproject() {
+    MAP_domain(&own_);
+    for (const std::span<Gpt> line : {std::span(near_), std::span(far_)}) {
+        for (Gpt& p : line) {
+            const Gpt from = p;
+            MAP_untran(from.x, from.y, &p.x, &p.y);
+        }
+    }
+    MAP_domain(&plot_);
+    for (const std::span<Gpt> line : {std::span(near_), std::span(far_)}) {
+        for (Gpt& p : line) {
+            const Gpt from = p;
+            if (!is_place(from) || MAP_tran(from.x, from.y, &p.x, &p.y) == 0) {
+                p = {missing_f, missing_f};
+            }
+        }
+    }
+}
+
+// Looks whether the box about a figure meets the plot window.
+void RadStrip::note(const std::array<Gpt, 5>& corners) {
+    MAP_limits lim;
+    MAP_get_limits(&lim);
+    const auto [left, right] =
+        std::minmax({corners[0].x, corners[1].x, corners[2].x, corners[3].x});
+    const auto [low, high] = std::minmax({corners[0].y, corners[1].y, corners[2].y, corners[3].y});
+    in_view_ = left <= lim.x_max && right >= lim.x_min && low <= lim.y_max && high >= lim.y_min;
+}

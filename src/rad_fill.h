@@ -1,0 +1,115 @@
+// rad_fill.h: how radar values become filled figures: the look of each value,
+// and the bins of a radial or cells of a row as polygons between two lines.
+#pragma once
+
+#include "zyrgks.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+// How the values of one frame are filled. CONT_get_fill_attrib is asked once
+// for each value met; the answer depends on the value alone while the frame's
+// colours stand. Most frames hold at most some 256 different values.
+class RadFills {
+public:
+    RadFills();
+    // Null for a value that is not drawn. Valid until the next call.
+    const Gattribs* get(float value) {
+        if (value != last_value_) { // neighbours are often equal
+            last_ = find(value);
+            last_value_ = value;
+        }
+        return last_;
+    }
+
+private:
+    const Gattribs* find(float value);
+
+    struct Slot {
+        bool used = false;
+        std::uint32_t bits = 0; // of the value
+        Gattribs attrib;
+    };
+    std::array<Slot, 1024> slots_{};
+    int pattern_; // takes the place of each step's own; missing: none
+    float last_value_ = missing_f;
+    const Gattribs* last_ = nullptr; // a missing value is never drawn
+};
+
+// A line of points at steps from an origin, in the coordinates of the data.
+struct RadRuler {
+    double x = 0, y = 0;   // step 0
+    double dx = 0, dy = 0; // a step
+
+    [[nodiscard]] Gpt at(int step) const {
+        return {static_cast<float>(x + step * dx), static_cast<float>(y + step * dy)};
+    }
+};
+
+// The two edges of a radial, a step being a bin, or of a row, a step being a
+// cell.
+struct RadEdges {
+    RadRuler first, second;
+};
+
+// The edges of a radial around (x0, y0) in the data's domain `own`. `plot` is
+// the plot's domain, current on entry and exit.
+//   azimuth, width  degrees; the second edge lies a little beyond the width
+//   start, step     distance of the first bin and length of a bin, plot units
+RadEdges rad_radial_edges(const Domain& own, const Domain& plot, Gpt site, float azimuth,
+                          float width, double start, double step);
+
+// The figures between two rulers: the bins of a radial between its edges, the
+// cells of a row between its top and bottom. They are collected first, so that
+// the domain is changed but once for all corners of a radial or row.
+class RadStrip {
+public:
+    // Domain of the data and of the plot, which is current; both must stay.
+    RadStrip(const Domain& own, const Domain& plot);
+
+    // Whether plot and data share their projection, so that corners need no
+    // way through latitude and longitude.
+    [[nodiscard]] bool same() const { return same_; }
+
+    void begin();
+    // Draws what is held when it is much: a damaged file's radials may be very
+    // long.
+    void make_room(const RadEdges& edges) {
+        if (figures_.size() >= max_figures) {
+            draw(edges);
+            begin();
+        }
+    }
+    // Figures from step `start` on, each `chunk` steps long and the last as
+    // long as what is left of `count`.
+    void add(int start, int count, int chunk, const Gattribs& attrib);
+    void draw(const RadEdges& edges);
+
+    // Whether a figure was drawn so far, and whether one meets the plot window.
+    [[nodiscard]] bool drawn() const { return drawn_; }
+    [[nodiscard]] bool in_view() const { return in_view_; }
+
+private:
+    static constexpr std::size_t max_figures = 8192;
+
+    struct Figure {
+        std::size_t first; // its near step; the far one is the next
+        int color, fill_pat;
+    };
+
+    void place(const RadRuler& ruler, std::vector<Gpt>& points) const;
+    void reproject();
+    void note(const std::array<Gpt, 5>& corners);
+
+    const Domain& own_;
+    const Domain& plot_;
+    bool same_;
+    bool drawn_ = false, in_view_ = false;
+    int color_ = missing;    // of the last figure drawn
+    int fill_pat_ = missing; // and its pattern
+    std::vector<int> steps_; // steps at which figures begin and end
+    std::vector<Figure> figures_;
+    std::vector<Gpt> near_, far_; // the points of the two rulers at steps_
+};
