@@ -1,0 +1,295 @@
+// rad_run: the run of a plotter over the selected radar files: the session is
+// opened for the first one, each file becomes a frame, and a refresh shows the
+// newest. It keeps nothing: a run's state is the plotter's (RadRun). The
+// resources must be read and the first file chosen.
+#include "rad_run.h"
+
+#include "cont.h"
+#include "date.h"
+#include "map.h"
+#include "maptran.h"
+#include "region.h"
+#include "zyrgks.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+constexpr float default_ring_nmi = 100.0F;
+constexpr int default_clutter = 25;
+constexpr int refresh_seconds = 60;
+constexpr int exit_no_file = 10;
+constexpr float km_per_nmi = 1.852F;
+
+// --- Words of plot_param ------------------------------------------------------
+
+void set_rings(RadWords& words, const char* word) {
+    constexpr std::size_t length = 4; // of "dist"
+    if (std::strlen(word) == length) {
+        words.rings[0] = default_ring_nmi;
+        return;
+    }
+    const char* at = word + length + 1;
+    for (float& ring : words.rings) {
+        char* end = nullptr;
+        const float value = std::strtof(at, &end);
+        if (end == at) {
+            return;
+        }
+        ring = std::isfinite(value) ? value : 0.0F;
+        if (*end != ':') {
+            return;
+        }
+        at = end + 1;
+    }
+}
+
+void set_clutter(RadWords& words, const char* word) {
+    constexpr std::size_t length = 7; // of "clutter"
+    words.clutter = std::strlen(word) == length ? default_clutter : rad_word_int(word, length);
+}
+
+// A word and what it stores.
+struct Switch {
+    const char* word;
+    int RadWords::*field;
+    int value;
+};
+constexpr std::array<Switch, 5> switches = {
+    {
+     {"site", &RadWords::site, 1},
+     {"nograph", &RadWords::graph, 0},
+     {"graph", &RadWords::graph, 1},
+     {"refresh", &RadWords::refresh, 1},
+     {"noclutter", &RadWords::clutter, 0},
+     }
+};
+
+// --- Files --------------------------------------------------------------------
+
+// Cuts seconds down to a multiple of the step between files.
+std::int64_t on_file_step(std::int64_t seconds) {
+    const std::int64_t step = std::max<std::int64_t>(FILE_get_late_off(), 1);
+    return seconds / step * step;
+}
+
+void fill_unset(int& field, int value) {
+    if (!is_set(field)) {
+        field = value;
+    }
+}
+
+// A file's own domain serves a request without one.
+bool take_own_domain(const Domain& own, Domain* domain) {
+    if (is_set(domain->proj) || !is_set(own.proj)) {
+        return false;
+    }
+    *domain = own;
+    return true;
+}
+
+// Opens a file of the walk. The first one is open already, behind its header:
+// a standard stream can be read but once, and half of its unpacking would be
+// done twice.
+bool open_next(const RadPlotter& plotter, RadRun& run, const char* name) {
+    const bool probed = *run.probed != '\0' && std::strcmp(run.probed, name) == 0;
+    run.probed[0] = '\0';
+    if (!probed) {
+        plotter.close();
+        if (plotter.open(name) == 0) {
+            plotter.close();
+            return false;
+        }
+    }
+    if (CONT_get_bar() != -2) { // the session may have refused it since
+        CONT_set_bar(1);
+    }
+    return true;
+}
+
+// Draws the file `name` as frame number `frame`; false if it does not open.
+bool plot_file(const RadPlotter& plotter, RadRun& run, const char* name, int frame,
+               Domain* domain) {
+    if (!open_next(plotter, run, name)) {
+        return false;
+    }
+    Date date;
+    FILE_get_date(&date);
+    run.fsecs = on_file_step(DATE_num_sec(&date));
+    if (take_own_domain(*plotter.begin(), domain)) {
+        PLT_panel(DOM_aspect(domain));
+        MAP_setup(domain);
+    }
+    const bool several = FILE_get_num_file() != 0;
+    if (several) {
+        gselect_frame(gcreate_frame(frame));
+    }
+    plotter.frame();
+    plotter.close();
+    if (several) {
+        gdisplay_frame(frame);
+    }
+    PLT_dump(frame);
+    return true;
+}
+
+// Makes room for a new picture: the oldest frame goes and the last one becomes
+// empty. Returns the number of frames.
+int shift_frames() {
+    const int frames = gget_num_images();
+    if (frames < 1) {
+        gclear_frame(frame_base);
+        return 0;
+    }
+    for (int i = 0; i < frames - 1; i++) {
+        gcopy_frame(i, i + 1);
+    }
+    gselect_frame(gcreate_frame(frames - 1));
+    return frames;
+}
+
+} // namespace
+
+bool rad_take_word(RadWords& words, const char* word) {
+    for (const Switch& row : switches) {
+        if (stricmp(word, row.word) == 0) {
+            words.*row.field = row.value;
+            return true;
+        }
+    }
+    if (strnicmp(word, "dist", 4) == 0) {
+        set_rings(words, word);
+    } else if (stricmp(word, "nodist") == 0) {
+        words.rings[0] = 0.0F;
+    } else if (strnicmp(word, "clutter", 7) == 0) {
+        set_clutter(words, word);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+double rad_word_number(const char* word, std::size_t length) {
+    return std::strlen(word) > length ? std::strtod(word + length + 1, nullptr) : 0.0;
+}
+
+int rad_word_int(const char* word, std::size_t length) {
+    const double number = rad_word_number(word, length);
+    return std::isnan(number) ? 0 : static_cast<int>(std::clamp(number, -1.0e9, 1.0e9));
+}
+
+void rad_set_date(RadRun& run, const Date* date) {
+    if (date == nullptr) {
+        FILE_get_date(&run.base_date);
+    } else {
+        run.base_date = *date;
+    }
+}
+
+void rad_fill_date(RadRun& run, const Date& date) {
+    fill_unset(run.file_date.year, date.year);
+    fill_unset(run.file_date.month, date.month);
+    fill_unset(run.file_date.day, date.day);
+    fill_unset(run.file_date.hour, date.hour);
+    fill_unset(run.file_date.min, date.min);
+}
+
+// A first file that does not open is met again in the walk over the files,
+// which decides about it.
+bool rad_open_session(const RadPlotter& plotter, RadRun& run, const RadWords& words,
+                      Domain* domain) {
+    if (gchk_graphics() != 0) {
+        PLT_reset(DOM_aspect(domain));
+        return true;
+    }
+    plotter.decode();
+    char name[file_name_size] = "";
+    FILE_set_date(&run.base_date, name);
+    if (plotter.open(name) != 0) {
+        copy_text(run.probed, sizeof run.probed, name);
+        take_own_domain(*plotter.begin(), domain);
+    }
+    PLT_open(DOM_aspect(domain));
+    PLT_set_callback(plotter.callback);
+    PLT_set_zoom_func(plotter.plot);
+    PLT_set_resize_func(plotter.plot);
+    if (words.refresh != 0) {
+        PLT_set_refresh_func(refresh_seconds, plotter.refresh);
+    }
+    return false;
+}
+
+int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool redraw) {
+    MAP_setup(domain);
+    MAP_fill_cont(0);
+    FILE_first(&run.base_date);
+    char name[file_name_size] = "";
+    int left_out = 0;
+    for (int frame = 0; FILE_get_next(name) != 0;) {
+        if (!PLT_has_room(frame)) {
+            left_out++;
+        } else if (plot_file(plotter, run, name, frame, domain)) {
+            frame++;
+        } else if (FILE_get_num_file() == 0) {
+            PLT_exit(exit_no_file);
+        }
+    }
+    PLT_tell_left_out(left_out);
+    if (FILE_get_num_file() != 0) {
+        gset_looping(1);
+    }
+    if (!redraw) {
+        PLT_close();
+    }
+    return 0;
+}
+
+int rad_plot_nextfile(const RadPlotter& plotter, RadRun& run) {
+    char name[file_name_size] = "";
+    const std::int64_t seconds = FILE_set_current(nullptr, name);
+    MESS_print(mess_debug, "File: %d %s\n", static_cast<int>(seconds), name);
+    if (seconds == run.fsecs || !open_next(plotter, run, name)) {
+        return 0;
+    }
+    rad_set_date(run, nullptr);
+    run.fsecs = seconds;
+    const int frames = shift_frames();
+    plotter.begin();
+    plotter.frame();
+    plotter.close();
+    if (frames > 0) {
+        gdisplay_frame(frames - 1);
+    }
+    return 0;
+}
+
+void rad_draw_bar() {
+    if (CONT_get_bar() > 0) {
+        GPH_trans(tran_page);
+        CONT_draw_bar(1, "");
+        GPH_trans(tran_map);
+    }
+}
+
+void rad_draw_site(const RadWords& words, float lat, float lon) {
+    float x = missing_f;
+    float y = missing_f;
+    if (MAP_tran(lat, lon, &x, &y) == 0) {
+        return;
+    }
+    if (words.site != 0) {
+        GPH_mark(x, y);
+    }
+    for (std::size_t i = 0; words.rings[0] != 0.0F && i < words.rings.size(); i++) {
+        if (words.rings[i] != 0.0F) {
+            MAP_draw_circle(x, y, words.rings[i] * km_per_nmi);
+        }
+    }
+}
+
+const char* rad_plain_color() {
+    return gget_inverse() != 0 ? "black" : "white";
+}

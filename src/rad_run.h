@@ -1,0 +1,81 @@
+// rad_run.h: what the plotters of radar files have in common: words of
+// `plot_param`, the run over the selected files with a frame for each, the
+// refresh, and the mark and range rings of a site.
+//
+// A plotter owns a RadRun and tells of itself in a RadPlotter. Its plot routine,
+// which is also called for a zoom or a resize, calls rad_open_session and then
+// rad_plot_files; its refresh routine calls rad_plot_nextfile.
+#pragma once
+
+#include "files.h"
+#include "plt_tool.h"
+#include "zyr.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+// --- Words of plot_param ------------------------------------------------------
+
+struct RadWords {
+    int site = 0;                 // mark the site
+    int graph = 0;                // draw the graphic block
+    int clutter = 0;              // bins near the site that are left out
+    int refresh = 0;              // look for newer files every 60 seconds
+    std::array<float, 4> rings{}; // range rings, nautical miles; none when the first is 0
+};
+
+// Takes a word that these plotters share. Returns whether it was one.
+bool rad_take_word(RadWords& words, const char* word);
+// The number behind `length` letters of a word and one character; 0 for none.
+double rad_word_number(const char* word, std::size_t length);
+int rad_word_int(const char* word, std::size_t length); // cut, and to 1e9 in size
+
+// --- The run ------------------------------------------------------------------
+
+struct RadPlotter {
+    int (*decode)();                   // takes the plotter's words of `plot_param`
+    int (*open)(const char* filename); // 1; 0 with a message when it does not open
+    int (*close)();
+    // Takes what the open file tells before its data, in the zone of the
+    // session. Gives the file's own domain, whose `proj` may be unset.
+    const Domain* (*begin)();
+    int (*frame)(); // draws a frame of the open file
+    PLT_mouse_func* callback;
+    PLT_domain_func* plot;     // zoom and resize
+    PLT_refresh_func* refresh; //
+};
+
+struct RadRun {
+    Date base_date;                   // reference date of the file selection
+    Date file_date;                   // date of the file, filled from the data where unset
+    char probed[file_name_size] = ""; // name of the first file while it is open, else empty
+    std::int64_t fsecs = 0;           // time of the file shown last, on a multiple of the file step
+};
+
+// Takes the reference date; null: the file's date.
+void rad_set_date(RadRun& run, const Date* date);
+// Gives the parts of the file's date that are not known those of its data.
+void rad_fill_date(RadRun& run, const Date& date);
+
+// Opens the session for the first file, or prepares the open one for a redraw. A
+// domain whose `proj` is not set takes the first file's own. Returns whether
+// this is a redraw.
+bool rad_open_session(const RadPlotter& plotter, RadRun& run, const RadWords& words,
+                      Domain* domain);
+// Draws the selected files, and closes the session unless this is a redraw.
+// Returns 0; ends the program with 10 when a single file does not open.
+int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool redraw);
+// Shows the newest file, as the last frame, when there is a newer one than on
+// show. Returns 0.
+int rad_plot_nextfile(const RadPlotter& plotter, RadRun& run);
+
+// --- Parts of a frame ---------------------------------------------------------
+
+// The colour bar, unless it is refused.
+void rad_draw_bar();
+// Mark and range rings of a site at its image on the plot, in the line and
+// marker attributes in force.
+void rad_draw_site(const RadWords& words, float lat, float lon);
+// The colour of texts and marks that no resource names.
+const char* rad_plain_color();
