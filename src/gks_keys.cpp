@@ -3,10 +3,14 @@
 
 #include "gks_evnt.h"
 
+#include "files.h"
 #include "gks_loop.h"
 #include "gks_x11.h"
 #include "zyr.h"
+#include "zyrimg.h"
+#include "zyrresrc.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstring>
@@ -27,7 +31,7 @@ constexpr std::array modifiers = {
     Modifier{ControlMask, "-Cntrl"},
 };
 
-enum class Key { leave, remove, zoom, unzoom, meta, loop, forward, back };
+enum class Key { leave, remove, zoom, unzoom, meta, gif, xwd, loop, forward, back };
 struct KeyRow {
     KeySym sym;
     Key key;
@@ -38,10 +42,68 @@ constexpr std::array key_map = {
     KeyRow{XK_z,            Key::zoom   },
     KeyRow{XK_u,            Key::unzoom },
     KeyRow{XK_m,            Key::meta   },
+    KeyRow{XK_g,            Key::gif    },
+    KeyRow{XK_x,            Key::xwd    },
     KeyRow{XK_l,            Key::loop   },
     KeyRow{XK_bracketright, Key::forward},
     KeyRow{XK_bracketleft,  Key::back   },
 };
+
+// --- Dumps --------------------------------------------------------------------
+
+struct DumpRow {
+    const char* label;
+    const char* extension;
+    int (*dump)(const char* path);
+};
+constexpr DumpRow gif_dump = {"GIF", "gif", GIF_dump};
+constexpr DumpRow xwd_dump = {"XWD", "xwd", XWD_dump};
+
+// Name of a dump along the image path: the first letters of the title, and the
+// frame number unless it is negative.
+void dump_path(const DumpRow& row, int frame, char* path) {
+    char title[6];
+    std::snprintf(title, sizeof title, "%.5s", gget_win_title());
+    for (char& c : title)
+        c = c == ' ' || c == '/' ? '_' : c; // a title names no directory
+    char name[file_name_size];
+    if (frame < 0)
+        std::snprintf(name, sizeof name, "%s.%s", title, row.extension);
+    else
+        std::snprintf(name, sizeof name, "%s-%2.2d.%s", title, frame, row.extension);
+    FILE_add_path(RES_get("image_path"), name, path);
+}
+
+// Writes one file and tells of it; by its bare path where a heading stands.
+void dump_one(const DumpRow& row, int frame, bool in_list) {
+    char path[file_name_size];
+    dump_path(row, frame, path);
+    if (row.dump(path) == 0)
+        MESS_print(mess_warn, "gprocess_x11_event: Unable to write %s file: %s\n", row.label, path);
+    else if (in_list)
+        MESS_print(mess_mess, "%s\n", path);
+    else
+        MESS_print(mess_mess, "Created %s file: %s\n", row.label, path);
+}
+
+void dump_frames(const DumpRow& row) {
+    const int n = gget_num_images();
+    const int cursor = gset_cursor(cursor_number_wait);
+    if (n < 2) {
+        dump_one(row, -1, false);
+    } else if (gget_looping() != 0) {
+        MESS_print(mess_mess, "Creating %s files:\n", row.label);
+        for (int i = 0; i < n; ++i) {
+            gselect_frame(i);
+            dump_one(row, i, true);
+        }
+    } else {
+        const int frame = std::max(gget_cur_frame(), 0);
+        gselect_frame(frame);
+        dump_one(row, frame, false);
+    }
+    gset_cursor(cursor);
+}
 
 // --- Loop and frames ----------------------------------------------------------
 
@@ -77,6 +139,12 @@ Key_end act(Key key, int x, int y) {
         break;
     case Key::meta:
         print_metafile();
+        break;
+    case Key::gif:
+        dump_frames(gif_dump);
+        break;
+    case Key::xwd:
+        dump_frames(xwd_dump);
         break;
     case Key::loop:
         gtoggle_loop(-1);
