@@ -19,6 +19,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cstdio>
 #include <utility>
 
 #include <poll.h>
@@ -305,6 +306,7 @@ void hold_pass(int* quiet) {
         *quiet = 0;
         return;
     }
+    std::fflush(stdout); // a pipe behind the program reads on while it waits
     show_cursor(gget_num_images() < 2 ? cursor_number_rect : cursor_number_stop);
     if (evnt.refresh > 0)
         poll_still(quiet);

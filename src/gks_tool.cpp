@@ -147,6 +147,7 @@ int gclear_ws(int /*ws_id*/, int /*flag*/) {
     gflush_fill();
     gfill_drawable(gget_base_window(), static_cast<unsigned long>(gget_color_ind(-1)),
                    static_cast<unsigned>(width), static_cast<unsigned>(height));
+    greset_zoom();
     gclear_objs();
     put_state();
     ginit_plot(init_none);

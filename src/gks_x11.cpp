@@ -323,6 +323,7 @@ int gclose_display() {
         return 0;
     gflush_fill();
     if (gtype_is_WIN()) {
+        greset_zoom();
         gdelete_all_frames();
         if (disp.base_window != 0)
             XFreePixmap(display, disp.base_window);
