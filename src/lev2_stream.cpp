@@ -29,7 +29,7 @@ constexpr std::int64_t max_unit_bytes = 64L * 1024 * 1024;
 
 // What a file and a volume may unpack to. The largest real ones come to a
 // hundred million.
-constexpr std::size_t max_volume_bytes = 512UL * 1024 * 1024;
+constexpr std::size_t max_volume_bytes = 256UL * 1024 * 1024;
 
 constexpr std::array<std::uint8_t, 4> trailer = {0x0D, 0x0D, 0x0A, 0x03};
 constexpr std::size_t trailer_read = 1000; // it ends a shorter read

@@ -23,7 +23,7 @@ void check(const LEV2_data& data) {
         const bool has = LEV2_set_data_type(type) == 1;
         const LEV2_gates& gates = LEV2_get_gates();
         expect(has == (gates.count > 0));
-        expect(gates.bytes.size() == static_cast<std::size_t>(gates.count * gates.word_bytes));
+        expect(static_cast<int>(gates.bytes.size()) == gates.count * gates.word_bytes);
         for (int i = 0; i < gates.count; i++) {
             const float value = LEV2_get_data();
             expect(std::isfinite(value) && value == gates.value(gates.word(i)));

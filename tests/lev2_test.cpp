@@ -1,0 +1,351 @@
+// The Level II reader on small written volumes.
+#include "lev2_walk.h"
+#include "lev2_writer.h"
+
+#include "lev2_cuts.h"
+#include "maptran.h"
+#include "zyrresrc.h"
+
+#include <cmath>
+#include <limits>
+#include <sstream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// The radials of a volume with the values of their moments, as text.
+std::string dump(const char* name, LEV2_info* info = nullptr) {
+    LEV2_info own;
+    std::ostringstream out;
+    lev2_walk(name, info != nullptr ? *info : own, [&out](const LEV2_data& d) {
+        if (d.type != lev2_radial_fixed && d.type != lev2_radial_generic) {
+            return;
+        }
+        out << d.elev_num << '/' << d.rad_num << ' ' << d.rad_az << ' ' << d.elev_ang;
+        for (int type = 0; type < lev2_moments; type++) {
+            out << (LEV2_set_data_type(type) == 1 ? " |" : " -");
+            for (int i = 0; i < LEV2_get_gates().count; i++) {
+                out << ' ' << LEV2_get_data();
+            }
+        }
+        out << '\n';
+    });
+    return out.str();
+}
+std::string dump(const Bytes& bytes, LEV2_info* info = nullptr) {
+    const MemoryFile file(bytes);
+    return dump(file.name(), info);
+}
+
+// The walk of one radial behind a volume header; `data` takes its record.
+std::string dump_one(const Lev2Radial& radial, LEV2_data& data) {
+    Lev2Volume volume;
+    volume.units = {lev2_radial(radial)};
+    const MemoryFile file(lev2_volume(volume, false));
+    LEV2_info info;
+    lev2_walk(file.name(), info, [&data](const LEV2_data& d) { data = d; });
+    return dump(file.name());
+}
+
+// Without the name of the file, which is the text's end.
+std::string warnings(const Bytes& bytes, int compress) {
+    const MemoryFile file(bytes);
+    LEV2_open_file("/dev/null"); // what was told of a file of this name is forgotten
+    MESS_set(0, mess_warn | mess_error);
+    LEV2_set_compress(compress);
+    testing::internal::CaptureStderr();
+    dump(file.name());
+    dump(file.name()); // nothing is told twice
+    std::string text = testing::internal::GetCapturedStderr();
+    for (std::size_t at = text.find(file.name()); at != std::string::npos;
+         at = text.find(file.name())) {
+        text.erase(at, std::string(file.name()).size());
+    }
+    MESS_set(0, 0);
+    return text;
+}
+
+void put32(Bytes& bytes, std::size_t at, std::uint32_t value) {
+    for (std::size_t i = 0; i < 4; i++) {
+        bytes[at + i] = static_cast<std::uint8_t>(value >> (24 - 8 * i));
+    }
+}
+
+class Lev2 : public testing::Test {
+protected:
+    void SetUp() override {
+        MESS_set(0, 0);
+        RES_put("file_path", ZYR_SOURCE_DIR "/etc");
+    }
+};
+
+} // namespace
+
+TEST_F(Lev2, SameRadialsInEveryPacking) {
+    for (const int type : {1, 31}) {
+        const Lev2Volume volume = lev2_sample(type);
+        const Bytes plain = lev2_volume(volume, false);
+        const Bytes packed = lev2_volume(volume, true);
+        const std::string text = dump(plain);
+        EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 36);
+        const std::string az = type == 31 ? "0.25 1.5" : "0.252686 1.49963";
+        EXPECT_NE(text.find("2/1 " + az +
+                            " | -100 -90 2 4.5 7 9.5 12 14.5 17 19.5 22 24.5 27 29.5 32 34.5 37 "
+                            "39.5 42 44.5 | -100 -90 -29.5"),
+                  std::string::npos)
+            << text;
+        const Bytes front(plain.begin(), plain.begin() + 5000);
+        const Bytes rest(plain.begin() + 5000, plain.end());
+        for (const Bytes& bytes : {packed, lev2_gzip(plain), lev2_gzip(packed),
+                                   nids_join({lev2_gzip(front), lev2_gzip(rest)}), plain}) {
+            EXPECT_EQ(dump(bytes), text);
+        }
+        const std::string scan = text.substr(text.find("2/1"), text.find("3/1") - text.find("2/1"));
+        EXPECT_EQ(dump(lev2_unit(volume.units[2])), scan);
+    }
+}
+
+TEST_F(Lev2, FixedRadial) {
+    Lev2Radial radial;
+    radial.type = 1;
+    radial.az = 359.9945F; // the last code
+    radial.moments = {
+        {"VEL", -375, 250, 8, 0, 0, {0, 1, 2, 129, 255}},
+        {"SW ", -375, 250, 8, 0, 0, {129, 131}         }
+    };
+    LEV2_data d;
+    EXPECT_EQ(dump_one(radial, d),
+              "1/1 359.995 0.499878 - | -100 -90 -63.5 0 63 | 0 1 -100 -100 -100\n");
+    radial.vel_res = 4;
+    EXPECT_NE(dump_one(radial, d).find("| -100 -90 -127 0 126"), std::string::npos);
+    EXPECT_EQ(d.first_vel, 0.0F); // whole kilometres
+    EXPECT_EQ(d.vel_size, 0.25F);
+    EXPECT_EQ(d.nyquist_vel, 26.0F);
+    EXPECT_TRUE(d.num_vel == 5 && d.num_refl == 0 && d.cov_patt == 12 && d.refl_ptr == 0);
+}
+
+// What decides whether a moment of a generic radial is there, and its values.
+TEST_F(Lev2, MomentBlocks) {
+    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+    const Lev2Moment refl = {
+        "REF", 2125, 250, 8, 2, 66, {0, 1, 2, 66}
+    };
+    const Lev2Moment zdr = {
+        "ZDR", 0, 250, 8, 16, 128, {9, 9}
+    };
+    const Lev2Moment unnamed = {"", 0, 250, 8, 2, 129, {129}};
+    const struct {
+        const char* note;
+        std::vector<Lev2Moment> moments;
+        const char* values;
+    } rows[] = {
+        {"others in place of the Doppler moments", {refl, zdr, zdr},                                  "| -100 -90 -32 0 - -"     },
+        {"by name, in any place",
+         {zdr, zdr, zdr, {"VEL", 0, 250, 8, 1, 0, {5}}, refl},
+         "| -100 -90 -32 0 | 5 -"                                                                                                },
+        {"without a name by place",                {refl, unnamed, unnamed},                          "| -100 -90 -32 0 | 0 | 0" },
+        {"a name before a place",                  {unnamed, unnamed, {"REF", 0, 250, 8, 1, 0, {7}}}, "| 7 | 0 -"                },
+        {"no gates",                               {{"REF", 0, 250, 8, 2, 66, {}}},                   "- - -"                    },
+        {"scale 0",                                {{"REF", 0, 250, 8, 0, 66, {5}}},                  "- - -"                    },
+        {"scale no number",                        {{"REF", 0, 250, 8, nan, 66, {5}}},                "- - -"                    },
+        {"offset no number",                       {{"REF", 0, 250, 8, 2, nan, {5}}},                 "- - -"                    },
+        {"value overflows",                        {{"REF", 0, 250, 8, 1e-38F, 0, {5}}},              "- - -"                    },
+        {"words",                                  {{"REF", 0, 250, 16, 2, 66, {0, 1, 256, 65535}}},  "| -100 -90 95 32734.5 - -"},
+        {"width has its own scale",                {{"SW ", 0, 250, 8, 7, 7, {131}}},                 "- - | 1"                  },
+        {"but not in words",                       {{"SW ", 0, 250, 16, 7, 7, {21}}},                 "- - | 2"                  },
+    };
+    for (const auto& row : rows) {
+        Lev2Radial radial;
+        radial.moments = row.moments;
+        LEV2_data d;
+        EXPECT_EQ(dump_one(radial, d), std::string("1/1 0 0.5 ") + row.values + "\n") << row.note;
+        EXPECT_EQ(d.num_refl == missing, d.refl_ptr == 0) << row.note;
+    }
+}
+
+// Offsets and counts of the record that do not fit it.
+TEST_F(Lev2, DamagedRecords) {
+    Lev2Radial radial;
+    radial.moments = {
+        {"REF", 0, 250, 8, 2, 66, {66, 68}}
+    };
+    const std::size_t header = 24;
+    const std::size_t pointer = header + lev2_pointers_at + 12;
+    Lev2Volume volume;
+    volume.units = {nids_join({lev2_radial(radial), lev2_radial(radial)})};
+    const Bytes good = lev2_volume(volume, false);
+    const std::size_t block = header + lev2_data_at + good[pointer + 3];
+    const std::size_t end = header + (good.size() - header) / 2;
+    const struct {
+        const char* note;
+        std::size_t at;
+        std::uint32_t value;
+        const char* first; // values of the first radial
+    } rows[] = {
+        {"pointer 0",         pointer,                    0,                                                            "1/1 0 0.5 - - -\n"    },
+        {"far pointer",       pointer,                    0xFFFFFFF0,                                                   "1/1 0 0.5 - - -\n"    },
+        {"at the end",        pointer,                    static_cast<std::uint32_t>(end - header - lev2_data_at - 27),
+         "1/1 0 0.5 - - -\n"                                                                                                                   },
+        {"too many gates",    block + 8,                  0xFFFF0000,                                                   "1/1 0 0.5 | 0 1 - -\n"},
+        {"azimuth no number", header + lev2_data_at + 12, 0x7FC00000,                                                   "1/1 0 0 - - -\n"      },
+        {"azimuth too large", header + lev2_data_at + 12, 0x7F000000,                                                   "1/1 0 0 - - -\n"      },
+        {"no size",           header + lev2_size_at,      0x0000001F,                                                   ""                     },
+    };
+    for (const auto& row : rows) {
+        Bytes bytes = good;
+        put32(bytes, row.at, row.value);
+        EXPECT_EQ(dump(bytes).substr(0, std::string(row.first).size()), row.first) << row.note;
+    }
+}
+
+// Cut anywhere, a volume gives its whole radials.
+TEST_F(Lev2, CutVolumes) {
+    for (const int type : {1, 31}) {
+        const Lev2Volume volume = lev2_sample(type, 2);
+        const Bytes plain = lev2_volume(volume, false);
+        const std::string all = dump(plain);
+        std::size_t held = 0;
+        for (std::size_t size = 0; size <= plain.size(); size += type == 1 ? 97 : 7) {
+            const std::string text = dump(Bytes(plain.begin(), plain.begin() + size));
+            EXPECT_TRUE(all.starts_with(text) && text.size() >= held) << size;
+            held = text.size();
+        }
+        const Bytes packed = lev2_gzip(lev2_volume(volume, true));
+        for (std::size_t size = 0; size <= packed.size(); size++) {
+            EXPECT_TRUE(all.starts_with(dump(Bytes(packed.begin(), packed.begin() + size))));
+        }
+    }
+}
+
+TEST_F(Lev2, Units) {
+    const Lev2Volume volume = lev2_sample(31, 2);
+    const Bytes header = lev2_header(volume);
+    const Bytes first = lev2_unit(volume.units[1]);
+    const Bytes second = lev2_unit(volume.units[2], true);
+    const std::string both = dump(nids_join({header, first, second}));
+    const std::string one = dump(nids_join({header, first}));
+    const auto with_length = [&](std::uint32_t length, std::size_t more) {
+        Bytes unit = first;
+        put32(unit, 0, length);
+        unit.resize(unit.size() + more);
+        return dump(nids_join({header, unit, second}));
+    };
+    const auto size = static_cast<std::uint32_t>(first.size() - 4);
+    EXPECT_GT(both.size(), one.size());
+    EXPECT_EQ(with_length(size + 1000, 1000), both); // bytes behind the stream
+    EXPECT_EQ(with_length(0 - size, 0), both);
+    EXPECT_EQ(with_length(0, 0), "");
+    EXPECT_EQ(with_length(size - 20, 0), ""); // the block is not whole
+    for (const std::uint32_t length : {0x7FFFFFFFU, 0x80000000U, 0x80000001U}) {
+        EXPECT_EQ(with_length(length, 0), one);
+    }
+    Bytes broken = nids_join({header, first, second});
+    broken[header.size() + first.size() + 40] ^= 0xFF;
+    EXPECT_EQ(dump(broken), one);
+}
+
+// Units that unpack to ever more nothing end at a limit.
+TEST_F(Lev2, Bomb) {
+    const Bytes unit = lev2_unit(Bytes(45000000));
+    Bytes bytes = lev2_header(Lev2Volume{});
+    for (int i = 0; i < 8; i++) {
+        bytes.insert(bytes.end(), unit.begin(), unit.end());
+    }
+    EXPECT_EQ(warnings(bytes, 1), "LEV2_get_block: The volume is too long:\n");
+}
+
+TEST_F(Lev2, Header) {
+    const Lev2Volume sample = lev2_sample(31, 1);
+    LEV2_info info;
+    dump(lev2_volume(sample, false), &info);
+    EXPECT_STREQ(info.id, "TLX");
+    EXPECT_NEAR(info.lat, 35.3334, 1e-4);
+    EXPECT_EQ(info.date.year * 10000 + info.date.month * 100 + info.date.day, 20190520);
+    EXPECT_EQ(info.date.hour * 10000 + info.date.min * 100 + info.date.sec, 223124);
+    dump(lev2_unit(sample.units[2]), &info);
+    EXPECT_STREQ(info.id, "TLX");
+    EXPECT_TRUE(info.date.day == 20 && info.date.hour == 22);
+    dump(Bytes(10), &info);
+    EXPECT_TRUE(info.id[0] == '\0' && !is_set(info.date.year) && info.lat == 38.98F);
+}
+
+TEST_F(Lev2, Warnings) {
+    const auto volume = [](const char* site, float lat, float lon, const char* id) {
+        Lev2Radial radial;
+        radial.lat = lat;
+        radial.lon = lon;
+        radial.id = id;
+        Lev2Volume made;
+        made.site = site;
+        made.units = {lev2_other(15), lev2_radial(radial)};
+        return made;
+    };
+    const Lev2Volume known = volume("KTLX", 1, 2, "KTLX");
+    const Bytes plain = lev2_volume(known, false);
+    const std::string unknown = "LEV2_get_header: Unknown site:";
+    const struct {
+        Bytes bytes;
+        int compress;
+        std::string text;
+    } rows[] = {
+        {plain,             0,        ""                                                          },
+        {plain,             1,        "LEV2_get_header: An uncompressed file, read as \"lev2\":\n"},
+        {lev2_volume(known, true),    0,                                                            "LEV2_get_header: A compressed file, read as \"lev2z\":\n"},
+        {lev2_unit(known.units[1]),                 1,
+         "LEV2_get_header: No volume header, read as a piece of a volume:\n"                                           },
+        {lev2_volume(volume("KQQQ",                 35.5F, -97.25F,"KQQQ"), false), 0,
+         unknown + "\"QQQ\" (the volume says 35.500,-97.250), plotted at 38.98,-77.48\n"},
+        {lev2_volume(volume("TQQQ",          35500,            -97250,                                                                           "TQQQ"), false), 0,
+         unknown + "\"QQQ\" (the volume says 35.500,-97.250), plotted at 38.98,-77.48\n"},
+        {lev2_volume(volume("",                 1, 2,                                               "KTLX"), false), 0, ""},
+        {lev2_header(volume("KQQQ",          0,            0,"")), 0, unknown + "\"QQQ\", plotted at 38.98,-77.48\n"},
+        {Bytes(plain.begin(),                 plain.end() - 1),     0,
+         "LEV2_get_block: The volume ends inside a radial:\n"},
+        {lev2_gzip(plain),          0,            ""                        },
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(warnings(row.bytes, row.compress), row.text);
+    }
+}
+
+TEST_F(Lev2, WhyThePictureIsEmpty) {
+    const MemoryFile file(lev2_volume(lev2_sample(31), true));
+    dump(file.name());
+    ASSERT_EQ(LEV2_get_cuts().size(), 3U);
+    EXPECT_EQ(lev2_cut_text(LEV2_get_cuts()[1]),
+              "Scan 2: El=1.5 12 radials: reflectivity, velocity, spectrum width");
+    Lev2Cuts cuts;
+    EXPECT_EQ(lev2_empty_text(cuts, 1, 0), "The file holds no radials");
+    LEV2_data d;
+    for (const int num : {1, 2, 3, 7, 4, 2, 0, 255}) {
+        d.elev_num = num;
+        d.refl_ptr = 68;
+        d.vel_ptr = num % 2 == 0 && num != 0 ? 90 : 0;
+        lev2_count_radial(cuts, d);
+    }
+    EXPECT_EQ(lev2_empty_text(cuts, 2, 1), "");
+    EXPECT_EQ(lev2_empty_text(cuts, 9, 1), "There is no scan 9, the volume has 0-4,7,255");
+    EXPECT_EQ(lev2_empty_text(cuts, 1, 1),
+              "Scan 1 (El=0.0) has no velocity, scans that have it: 2,4");
+    EXPECT_EQ(lev2_empty_text(cuts, 1, 2), "Scan 1 (El=0.0) has no spectrum width, nor has any "
+                                           "other");
+    for (d.elev_num = 0; d.elev_num < 300; d.elev_num++) {
+        lev2_count_radial(cuts, d);
+    }
+    EXPECT_EQ(cuts.count, static_cast<std::size_t>(lev2_max_cuts));
+}
+
+TEST_F(Lev2, Domain) {
+    Domain domain;
+    MAP_proj(proj_lambert);
+    LEV2_get_domain(35.3F, -97.3F, 230, &domain);
+    EXPECT_EQ(MAP_get_proj(), proj_lambert);
+    EXPECT_TRUE(domain.proj == proj_pstereo && domain.nx == 691 && domain.ny == 461);
+    EXPECT_TRUE(domain.plat == 35.3F && domain.clon == -97.3F && domain.dx == domain.dy);
+    MAP_proj(proj_pstereo);
+    EXPECT_NEAR(domain.dx, MAP_factor(35.3F, -97.3F) * 0.54 * 1.852 / 100, 1e-8);
+    LEV2_get_domain(35.3F, -97.3F, -5, &domain);
+    EXPECT_TRUE(domain.nx == 4 && domain.ny == 3);
+}
