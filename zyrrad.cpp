@@ -2,6 +2,8 @@
 // radar file is asked for, gets the name of the first file and hands over to
 // the plotter of that kind, which does the rest of the run.
 #include "files.h"
+#include "lev2.h"
+#include "lev2_plt.h"
 #include "nids.h"
 #include "nids_plt.h"
 #include "rad_input.h"
@@ -43,6 +45,17 @@ void run_nids(Domain* domain) {
     NIDS_plot(domain);
 }
 
+void run_lev2(Domain* domain) {
+    LEV2_set_date(nullptr);
+    DOM_get_region(domain, 3);
+    LEV2_plot(domain);
+}
+
+void run_lev2z(Domain* domain) {
+    LEV2_set_compress(1);
+    run_lev2(domain);
+}
+
 // One kind of radar file: how a typed name is read, what the user is asked, and
 // what plots it.
 struct Plotter {
@@ -53,7 +66,9 @@ struct Plotter {
 };
 
 constexpr Plotter plotters[] = {
-    {input_nids, 1, "Enter the NIDS filename: ", run_nids},
+    {input_nids,  1, "Enter the NIDS filename: ",    run_nids },
+    {input_lev2,  1, "Enter the Level 2 filename: ", run_lev2 },
+    {input_lev2z, 1, "Enter the Level 2 filename: ", run_lev2z},
 };
 
 } // namespace

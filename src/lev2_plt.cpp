@@ -1,0 +1,340 @@
+// lev2_plt: the Level II plotter: one elevation scan of one moment as a polar
+// picture around the site. State: the header of the open volume, the moment
+// and scan chosen, the words of `plot_param`, the run over the files (rad_run).
+#include "lev2_plt.h"
+
+#include "cont.h"
+#include "date.h"
+#include "lev2.h"
+#include "map.h"
+#include "maptran.h"
+#include "rad_fill.h"
+#include "rad_run.h"
+#include "region.h"
+#include "zyrgks.h"
+#include "zyrresrc.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+constexpr int default_range = 460;   // grid steps of 0.54 nautical miles
+constexpr int item_summary = 10;     // plot component
+constexpr float radial_width = 1.0F; // degrees, also of radials half as far apart
+constexpr int first_clear = 30;      // coverage patterns of clear air
+constexpr int last_clear = 39;
+
+struct State {
+    LEV2_info info;                   // header of the open volume
+    char datim[date_label_size] = ""; // its date label
+    char misc[40] = "";               // lower right label
+    Domain domain;                    // its own
+    int scan_num = 1;                 // elevation number drawn
+    int scan_type = lev2_refl;        // moment drawn
+    int range = default_range;        // size of the own domain
+    RadWords words;
+    RadRun run;
+};
+State lev2;
+
+// --- Moments ------------------------------------------------------------------
+
+constexpr char reflectivity[] =
+    "-50:off,5:blue,10:lblue,15:cyan,20:lcyan,25:green,30:lgreen,35:brown,40:yellow,45:red,"
+    "50:lred,55:magenta,60:lmagenta,65:dgray,70:lgray,75:white";
+constexpr char velocity[] =
+    "-70:blue,-63:lblue,-49:cyan,-35:lcyan,-25:green,-19:lgreen,-9:dgray,0:off,1:lgray,"
+    "10:yellow,20:brown,26:lred,36:red,50:lmagenta,64:magenta";
+
+struct Moment {
+    const char* word; // how `variable` begins, the number of the scan behind it
+    const char* label;
+    const char* colors;
+    bool range; // smallest and largest value are told, not the largest alone
+};
+constexpr std::array<Moment, lev2_moments> moments = {
+    {
+     {"ref", "Reflectivity (Dbz)", reflectivity, false},
+     {"vel", "Velocity (m/s)", velocity, true},
+     {"spect", "Spectrum width (m/s)", velocity, true},
+     }
+};
+
+const Moment& moment() {
+    return moments[static_cast<std::size_t>(lev2.scan_type)];
+}
+
+void decode_variable() {
+    const char* variable = RES_get("variable");
+    for (std::size_t i = 0; variable != nullptr && i < moments.size(); i++) {
+        const int length = static_cast<int>(std::strlen(moments[i].word));
+        if (strnicmp(variable, moments[i].word, length) == 0) {
+            lev2.scan_type = static_cast<int>(i);
+            lev2.scan_num = static_cast<int>(
+                std::clamp(std::strtol(variable + length, nullptr, 10), -1000000L, 1000000L));
+            return;
+        }
+    }
+}
+
+// --- Radials ------------------------------------------------------------------
+
+// The values and looks of the words of a scale.
+class Looks {
+public:
+    struct Look {
+        float value = lev2_below;
+        bool drawn = false;
+        Gattribs attrib;
+    };
+
+    // Settles the looks of one-byte words, unless the scale is that of before.
+    void take(const LEV2_gates& gates) {
+        wide_ = gates.word_bytes != 1;
+        if (wide_ || (settled_ && gates.scale == scale_ && gates.offset == offset_)) {
+            return;
+        }
+        settled_ = true;
+        scale_ = gates.scale;
+        offset_ = gates.offset;
+        for (std::size_t word = 0; word < bytes_.size(); word++) {
+            bytes_[word] = look(gates.value(static_cast<unsigned>(word)));
+        }
+    }
+
+    // Of a gate of the radial taken last; valid until the next call.
+    const Look& get(const LEV2_gates& gates, int gate) {
+        if (!wide_) {
+            return bytes_[gates.bytes[static_cast<std::size_t>(gate)]];
+        }
+        return other_ = look(gates.value(gates.word(gate)));
+    }
+
+private:
+    Look look(float value) {
+        const Gattribs* attrib = fills_.get(value);
+        return attrib != nullptr ? Look{value, true, *attrib} : Look{value, false, {}};
+    }
+
+    RadFills fills_;
+    std::array<Look, 256> bytes_; // by word
+    Look other_;                  // of a wider word
+    float scale_ = 0, offset_ = 0;
+    bool settled_ = false, wide_ = false;
+};
+
+// A walk over the volume, and what it finds for the labels.
+struct Walk {
+    Domain plot;   // the plot's domain, current on entry and exit
+    Gpt site = {}; // in the volume's own domain
+    Looks looks;
+    RadStrip strip;
+    int elev_num = missing; // of the radial before
+    float largest = lev2_below, smallest = 100.0F;
+    float elev = 0;         // degrees, of the scan
+    bool clear_air = false; // mode of the scan
+    bool cluttered = false; // a gate was left out near the site
+
+    explicit Walk(const Domain& plot_domain) : plot(plot_domain), strip(lev2.domain, plot) {}
+};
+
+void print_radial(Walk& walk, const LEV2_data& data) {
+    const bool first = data.elev_num != walk.elev_num;
+    walk.elev_num = data.elev_num;
+    const unsigned level = first ? mess_mess : mess_debug;
+    if (MESS_check(level) != 0) {
+        MESS_print(level, "El#=%d El=%.1f Az=%.1f Ptr=%d,%d,%d Num=%d,%d\n", data.elev_num,
+                   data.elev_ang, data.rad_az, data.refl_ptr, data.vel_ptr, data.spect_ptr,
+                   data.num_refl, data.num_vel);
+    }
+}
+
+// Draws the gates of the moment selected.
+void draw_radial(Walk& walk, const LEV2_data& data) {
+    const LEV2_gates& gates = LEV2_get_gates();
+    walk.clear_air = data.cov_patt >= first_clear && data.cov_patt <= last_clear;
+    walk.elev = data.elev_ang;
+    const double step = static_cast<double>(gates.size_km) * lev2.domain.dx;
+    const RadEdges edges = rad_radial_edges(lev2.domain, walk.plot, walk.site, data.rad_az,
+                                            radial_width, gates.first_km / 100.0, step);
+    walk.looks.take(gates);
+    walk.strip.begin();
+    for (int i = 0; i < gates.count; i++) {
+        const Looks::Look& look = walk.looks.get(gates, i);
+        walk.largest = std::max(walk.largest, look.value);
+        if (look.value > lev2_folded) {
+            walk.smallest = std::min(walk.smallest, look.value);
+        }
+        if (look.drawn && i < lev2.words.clutter) {
+            walk.cluttered = true;
+        } else if (look.drawn) {
+            walk.strip.make_room(edges);
+            walk.strip.add(i, 1, 1, look.attrib);
+        }
+    }
+    walk.strip.draw(edges);
+}
+
+void draw_scan(Walk& walk) {
+    LEV2_data data;
+    for (; LEV2_get_block(&data) != 0; LEV2_next_block()) {
+        if (data.type != lev2_radial_fixed && data.type != lev2_radial_generic) {
+            continue;
+        }
+        print_radial(walk, data);
+        if (data.elev_num == lev2.scan_num && LEV2_set_data_type(lev2.scan_type) != 0) {
+            draw_radial(walk, data);
+        }
+    }
+}
+
+// Tells why nothing is to be seen.
+void tell_empty(const Walk& walk) {
+    if (walk.strip.in_view() || LEV2_warn_empty(lev2.scan_num, lev2.scan_type) != 0) {
+        return;
+    }
+    if (walk.strip.drawn()) {
+        MESS_print(mess_warn, "LEV2_plot: Scan %d lies outside the plot domain\n", lev2.scan_num);
+    } else if (walk.cluttered) {
+        MESS_print(mess_warn, "LEV2_plot: Scan %d has no echo beyond the %d gates of \"clutter\"\n",
+                   lev2.scan_num, lev2.words.clutter);
+    } else {
+        MESS_print(mess_warn,
+                   "LEV2_plot: Scan %d has no value that is drawn, the largest is %.1f\n",
+                   lev2.scan_num, walk.largest);
+    }
+}
+
+// --- Frame --------------------------------------------------------------------
+
+void set_colors() {
+    CONT_init();
+    CONT_param_decode();
+    CONT_reset_fill_set();
+    CONT_set_fill_colors(moment().colors, 0);
+    CONT_set_type(cont_fill);
+}
+
+void draw_site() {
+    Gattribs data;
+    ATTRIB_init(&data);
+    ATTRIB_get("color_data", rad_plain_color(), &data);
+    GPH_line_attr(&data);
+    GPH_mark_attr(&data, 1.0F);
+    rad_draw_site(lev2.words, lev2.info.lat, lev2.info.lon);
+}
+
+void set_labels(const Walk& walk) {
+    const char* mode = walk.clear_air ? "cl" : "pr";
+    if (moment().range) {
+        std::snprintf(lev2.misc, sizeof lev2.misc, "Md=%s Sc=%d El=%.1f Rng=%.0f,%.0f", mode,
+                      lev2.scan_num, walk.elev, walk.smallest, walk.largest);
+    } else {
+        std::snprintf(lev2.misc, sizeof lev2.misc, "Md=%s Sc=%d El=%.1f Mx=%.0f", mode,
+                      lev2.scan_num, walk.elev, walk.largest);
+    }
+    PLT_label_up_left(moment().label);
+    PLT_label_low_right(lev2.misc);
+    PLT_label_up_right(lev2.datim);
+}
+
+// --- Run ----------------------------------------------------------------------
+
+// Reads the header of the open volume: its site, domain and date.
+const Domain* take_volume() {
+    LEV2_get_header(&lev2.info);
+    LEV2_get_domain(lev2.info.lat, lev2.info.lon, static_cast<float>(lev2.range), &lev2.domain);
+    DATE_make_label(&lev2.info.date, lev2.datim);
+    rad_fill_date(lev2.run, lev2.info.date);
+    return &lev2.domain;
+}
+
+constexpr RadPlotter plotter = {
+    LEV2_plot_param, LEV2_open_file, LEV2_close_file, take_volume,
+    LEV2_plot_frame, LEV2_callback,  LEV2_plot,       LEV2_plot_nextfile,
+};
+
+void decode_word(const char* word) {
+    if (strnicmp(word, "range", 5) == 0) {
+        lev2.range = rad_word_int(word, 5);
+    } else {
+        rad_take_word(lev2.words, word);
+    }
+}
+
+} // namespace
+
+int LEV2_set_date(const Date* datim) {
+    rad_set_date(lev2.run, datim);
+    return 0;
+}
+
+int LEV2_plot(Domain* domain) {
+    const bool redraw = rad_open_session(plotter, lev2.run, lev2.words, domain);
+    MESS_print(mess_mess, "Product domain: ");
+    DOM_print(mess_mess, &lev2.domain);
+    return rad_plot_files(plotter, lev2.run, domain, redraw);
+}
+
+int LEV2_plot_frame() {
+    MAP_draw(map_under);
+    LEV2_print_info();
+    LEV2_plot_summary();
+    rad_draw_bar();
+    MAP_draw(map_over | map_plain);
+    PLT_labels();
+    return 0;
+}
+
+int LEV2_plot_nextfile() {
+    return rad_plot_nextfile(plotter, lev2.run);
+}
+
+int LEV2_plot_summary() {
+    PLT_set_callback(LEV2_callback);
+    decode_variable();
+    if (FLAG_getplot(item_summary) == 0) {
+        return 0;
+    }
+    GPH_trans(tran_map);
+    set_colors();
+    Domain plot;
+    MAP_get_domain(&plot);
+    Walk walk(plot);
+    MAP_domain(&lev2.domain);
+    MAP_tran(lev2.info.lat, lev2.info.lon, &walk.site.x, &walk.site.y);
+    MAP_domain(&plot);
+    PLT_mess("LEV2 Sum");
+    draw_scan(walk);
+    LEV2_list_cuts(mess_mess);
+    tell_empty(walk);
+    draw_site();
+    set_labels(walk);
+    return 0;
+}
+
+int LEV2_plot_param() {
+    int count = 0;
+    char** words = nullptr;
+    RES_getvals("plot_param", &count, &words);
+    for (int i = 0; i < count; i++) {
+        decode_word(words[i]);
+    }
+    free_parsed_array(count, words);
+    return 0;
+}
+
+void LEV2_callback(int, const char* str, float x, float y) {
+    PLT_print_location(str, x, y);
+    PLT_plot_zoom(str, x, y);
+    PLT_plot_resize(str, x, y);
+}
+
+int LEV2_print_info() {
+    MESS_print(mess_mess, "\n");
+    return 0;
+}
