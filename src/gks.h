@@ -9,6 +9,7 @@
 // -1 after a report, and then the old state stays in force.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 
@@ -333,6 +334,7 @@ int ginit_objs();
 // is not null; null when nothing is kept.
 char* gnew_obj(int type, int values, int size, const void* data);
 int gclear_objs();
+std::size_t gget_objs_bytes(); // bytes of the records and their data
 int gset_cache(int value); // 1: events are served
 int gget_cache();
 int gset_redraw(int value); // 1: the list is in use. Returns the old value
