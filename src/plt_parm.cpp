@@ -12,6 +12,7 @@
 #include "region.h"
 #include "zyrcty.h"
 #include "zyrgks.h"
+#include "zyrimg.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
@@ -240,6 +241,12 @@ void apply_elsewhere(const WordRow& row, const char* rest, const char* value) {
     case Word::font:
         GPH_set_def_font(value);
         break;
+    case Word::gif_interlace:
+        GIF_interlace(row.number);
+        break;
+    case Word::gif_transparent:
+        GIF_transparent(row.number);
+        break;
     case Word::inverse:
         gset_inverse(row.number);
         break;
@@ -305,12 +312,6 @@ void apply(const WordRow& row, const char* rest) {
         break;
     case Word::dump:
         PLT_set_dump(row.number, value);
-        break;
-    case Word::gif_interlace:
-        settings.gif_interlace = row.number;
-        break;
-    case Word::gif_transparent:
-        settings.gif_transparent = row.number;
         break;
     case Word::headers:
         settings.headers = row.number;

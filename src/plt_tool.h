@@ -58,11 +58,9 @@ int PLT_param_decode();
 // Panel "WxH+X+Y". Returns 0; -1 when the four numbers are not all there.
 int PLT_panel_decode(const char* text);
 
-// Words of `plot_param` whose readers are no part of the plot session: the
-// window, the image writers and gridded fields take their settings from here.
+// Words of `plot_param` whose readers are no part of the plot session:
+// header files and gridded fields take their settings from here.
 struct PLT_settings {
-    int gif_interlace = 0;     // "gif_inter" 1, "gif_norm" 0
-    int gif_transparent = 0;   // "gif_trans" 1
     int headers = 1;           // "nohdr" 0: no header files
     int grid_factor = missing; // "gridx"
     int max_bad = missing;     // "max_bad"
