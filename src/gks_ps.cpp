@@ -4,8 +4,10 @@
 // first; options set by the plot parameters hold from before it.
 
 #include "fixed_format.h"
+#include "geometry_text.h"
 #include "gks.h"
 #include "gks_tran.h"
+#include "out_file.h"
 #include "text_num.h"
 #include "zyr.h"
 
@@ -17,16 +19,12 @@
 #include <array>
 #include <cctype>
 #include <charconv>
-#include <csignal>
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <string_view>
 #include <utility>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace {
 
@@ -81,10 +79,6 @@ struct Printer {
     bool append = false;
 };
 Printer ps;
-
-// Buffer of `out_file`. It has to outlive the file, which an early exit leaves
-// to the library to flush.
-std::array<char, 1 << 16> out_buffer;
 
 // Collects the text of one primitive, so that it goes out in one piece.
 class Text {
@@ -308,108 +302,11 @@ void decode_options(const char* text, int first, float* x, float* y) {
     free_parsed_array(count, fields);
 }
 
-struct Area {
-    int x, y, width, height; // points
-};
-
-// "wxh+x+y" behind the P: fractions of the page, or with w above 1 a grid of
-// w columns and h rows and the cell x, y in it, row 0 at the top.
-Area panel_area(const char* text, const Area& page) {
-    float sx = 1.0F;
-    float sy = 1.0F;
-    float ox = 0.0F;
-    float oy = 0.0F;
-    if (take_float(&text, &sx) && take_char(&text, 'x') && take_float(&text, &sy) &&
-        take_char(&text, '+') && take_float(&text, &ox) && take_char(&text, '+'))
-        take_float(&text, &oy);
-    if (sx > 1.0F) {
-        sx = std::clamp(sx, 1.0F, 8.0F);
-        sy = std::clamp(sy, 1.0F, 8.0F);
-        ox = ox / sx;
-        oy = 1.0F - (oy + 1.0F) / sy;
-        sx = 1.0F / sx;
-        sy = 1.0F / sy;
-    }
-    const auto w = static_cast<float>(page.width);
-    const auto h = static_cast<float>(page.height);
-    return {trunc_int(w * ox), trunc_int(h * oy), trunc_int(w * sx), trunc_int(h * sy)};
-}
-
-int pixels(int n) {
-    return trunc_int(static_cast<float>(n) * points_per_pixel);
-}
-
-// "wxh+x+y", "wxh" or "+x+y" in pixels.
-Area pixel_area(const char* text, Area area) {
-    const char* cursor = text;
-    int w = 0;
-    int h = 0;
-    int x = 0;
-    int y = 0;
-    if (take_int(&cursor, &w) && take_char(&cursor, 'x') && take_int(&cursor, &h)) {
-        area.width = pixels(w);
-        area.height = pixels(h);
-        if (take_int(&cursor, &x) && take_int(&cursor, &y)) {
-            area.x = pixels(x);
-            area.y = pixels(y);
-        }
-        return area;
-    }
-    cursor = text;
-    if (take_int(&cursor, &x) && take_int(&cursor, &y)) {
-        area.x = pixels(x);
-        area.y = pixels(y);
-    }
-    return area;
-}
-
-void set_geometry(Area page) {
+const char* geometry_text() {
     const char* text = RES_get("geometry");
     for (const char* env : {"zyrps_geometry", "PSGEOMETRY"})
         text = text != nullptr ? text : std::getenv(env);
-    if (text == nullptr || *text == '\0')
-        return;
-    const Area area = std::tolower(static_cast<unsigned char>(*text)) == 'p'
-                          ? panel_area(text + 1, page)
-                          : pixel_area(text, page);
-    constexpr int least = 2; // one point has no extent
-    constexpr int most = 100000;
-    const auto in_range = [](int v, int low) { return v >= low && v <= most; };
-    if (!in_range(area.width, least) || !in_range(area.height, least) || !in_range(area.x, -most) ||
-        !in_range(area.y, -most)) {
-        MESS_print(mess_warn, "gopen_ws: geometry leaves no room: %s\n", text);
-        return;
-    }
-    gset_xsize(area.width, area.height);
-    gset_xoff(area.x, area.y);
-}
-
-// First field of the connection text, else the environment, else the default.
-void output_name(const char* conn_id, char* name, std::size_t size) {
-    std::string_view field = conn_id != nullptr ? conn_id : "";
-    field = field.substr(0, field.find(','));
-    if (!field.empty()) {
-        const std::size_t n = std::min(field.size(), size - 1);
-        std::memcpy(name, field.data(), n);
-        name[n] = '\0';
-        return;
-    }
-    for (const char* env : {"zyrps_print", "PSPRINT"}) {
-        const char* value = std::getenv(env);
-        if (value != nullptr && *value != '\0') {
-            copy_text(name, size, value);
-            return;
-        }
-    }
-    copy_text(name, size, "zyr.ps");
-}
-
-// Standard output under a descriptor of its own: a run that goes on in the
-// background closes the program's.
-std::FILE* own_stdout() {
-    std::fflush(stdout);
-    const int fd = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
-    return fd < 0 ? nullptr : fdopen(fd, "w");
+    return text;
 }
 
 // --- Head of the file ---------------------------------------------------------
@@ -454,7 +351,7 @@ void put_page_setup() {
 
 int gps_open_ws(const char* conn_id) {
     std::array<char, file_name_size> name{};
-    output_name(conn_id, name.data(), name.size());
+    output_name(conn_id, {"zyrps_print", "PSPRINT"}, "zyr.ps", name.data(), name.size());
     gset_win_type(ws_postscript);
     if (gps_open_file(name.data()) == nullptr) {
         gerr_printf("gopen_ws", "unable to open postscript file\n");
@@ -465,13 +362,11 @@ int gps_open_ws(const char* conn_id) {
     gps_init();
     decode_options(std::getenv("zyrps_param"), 0, &x, &y);
     decode_options(conn_id, 1, &x, &y);
-    const Area page = {0, 0, trunc_int((x - 0.5F) * points_per_inch),
-                       trunc_int((y - 0.5F) * points_per_inch)};
-    gset_xsize(page.width, page.height);
-    gset_xoff(page.x, page.y);
+    const Grectangle page = {0, 0, trunc_int((x - 0.5F) * points_per_inch),
+                             trunc_int((y - 0.5F) * points_per_inch)};
     gps_set_size(x, y);
     gps_init_file();
-    set_geometry(page);
+    set_page_area(geometry_text(), page, points_per_pixel);
     return 0;
 }
 
@@ -479,20 +374,13 @@ std::FILE* gps_open_file(const char* name) {
     ps.append = *name == '+';
     if (ps.append)
         ++name;
-    if (!ps.append && *name == '|') {
+    if (!ps.append && *name == '|')
         MESS_print(mess_mess, "Spooling to: %s\n", name + 1);
-        // A command that ends early must not take the program with it.
-        std::signal(SIGPIPE, SIG_IGN);
-    } else {
+    else
         MESS_print(mess_mess, ps.append ? "Appending to: %s\n" : "Creating: %s\n", name);
-    }
-    ps.out_file = FILE_open(name, ps.append ? "a" : "w");
-    if (ps.out_file == stdout)
-        ps.out_file = own_stdout();
+    ps.out_file = open_output(name, ps.append);
     if (std::getenv("PSCOLOR") != nullptr)
         ps.pr_color = 1;
-    if (ps.out_file != nullptr)
-        std::setvbuf(ps.out_file, out_buffer.data(), _IOFBF, out_buffer.size());
     return ps.out_file;
 }
 
@@ -538,9 +426,7 @@ int gps_close_file() {
     if (!ps.append)
         gps_printf(ps.pr_eps != 0 ? "showpage\n%%%%EOF\n"
                                   : "saveobj restore\nshowpage\nend\n%%%%EOF\n");
-    std::FILE* file = std::exchange(ps.out_file, nullptr);
-    const bool failed = std::fflush(file) != 0 || std::ferror(file) != 0;
-    if (FILE_close(file) != 0 || failed) {
+    if (close_output(std::exchange(ps.out_file, nullptr)) != 0) {
         gerr_printf("gps_close_file", "unable to write postscript file\n");
         return -1;
     }

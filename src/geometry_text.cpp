@@ -1,0 +1,85 @@
+// geometry_text.cpp: the area of a page that a plot may use. No state.
+
+#include "geometry_text.h"
+
+#include "text_num.h"
+#include "zyr.h"
+
+#include <algorithm>
+#include <cctype>
+
+namespace {
+
+int scaled(int n, float unit) {
+    return trunc_int(static_cast<float>(n) * unit);
+}
+
+int scaled(float fraction, int side) {
+    return trunc_int(static_cast<float>(side) * fraction);
+}
+
+// A point has no extent, and coordinates beyond the limit are held back.
+bool usable(const Grectangle& area) {
+    constexpr int least = 2;
+    constexpr int most = 100000;
+    const auto in_range = [](int v, int low) { return v >= low && v <= most; };
+    return in_range(area.width, least) && in_range(area.height, least) && in_range(area.x, -most) &&
+           in_range(area.y, -most);
+}
+
+} // namespace
+
+Gpanel read_panel(const char* text) {
+    constexpr float most_cells = 8.0F;
+    Gpanel panel;
+    if (take_float(&text, &panel.width) && take_char(&text, 'x') &&
+        take_float(&text, &panel.height) && take_char(&text, '+') && take_float(&text, &panel.x) &&
+        take_char(&text, '+'))
+        take_float(&text, &panel.y);
+    if (panel.width > 1.0F) {
+        const float columns = std::clamp(panel.width, 1.0F, most_cells);
+        const float rows = std::clamp(panel.height, 1.0F, most_cells);
+        panel = {1.0F / columns, 1.0F / rows, panel.x / columns, 1.0F - (panel.y + 1.0F) / rows};
+    }
+    return panel;
+}
+
+Grectangle panel_area(const Gpanel& panel, const Grectangle& page) {
+    return {page.x + scaled(panel.x, page.width), page.y + scaled(panel.y, page.height),
+            scaled(panel.width, page.width), scaled(panel.height, page.height)};
+}
+
+Grectangle unit_area(const char* text, const Grectangle& page, float unit) {
+    Grectangle area = page;
+    const char* cursor = text;
+    int w = 0;
+    int h = 0;
+    if (take_int(&cursor, &w) && take_char(&cursor, 'x') && take_int(&cursor, &h)) {
+        area.width = scaled(w, unit);
+        area.height = scaled(h, unit);
+    } else {
+        cursor = text;
+    }
+    int x = 0;
+    int y = 0;
+    if (take_int(&cursor, &x) && take_int(&cursor, &y)) {
+        area.x = page.x + scaled(x, unit);
+        area.y = page.y + scaled(y, unit);
+    }
+    return area;
+}
+
+void set_page_area(const char* text, const Grectangle& page, float unit) {
+    Grectangle area = page;
+    if (text != nullptr && *text != '\0') {
+        area = std::tolower(static_cast<unsigned char>(*text)) == 'p'
+                   ? panel_area(read_panel(text + 1), page)
+                   : unit_area(text, page, unit);
+        if (!usable(area)) {
+            MESS_print(mess_warn, "gopen_ws: geometry leaves no room: %s\n", text);
+            area = page;
+        }
+    }
+    gset_xsize(area.width, area.height);
+    gset_xoff(area.x, area.y);
+}

@@ -1,0 +1,67 @@
+// out_file.cpp: the output of a file device. Owns its buffer, which has to
+// outlive the file: an early exit leaves the last of it to the library to flush.
+
+#include "out_file.h"
+
+#include "files.h"
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+std::array<char, 1 << 16> out_buffer;
+
+// Standard output under a descriptor of its own: a run that goes on in the
+// background closes the program's.
+std::FILE* own_stdout() {
+    std::fflush(stdout);
+    const int fd = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
+    return fd < 0 ? nullptr : fdopen(fd, "w");
+}
+
+} // namespace
+
+void output_name(const char* conn_id, std::initializer_list<const char*> environment,
+                 const char* otherwise, char* name, std::size_t size) {
+    std::string_view field = conn_id != nullptr ? conn_id : "";
+    field = field.substr(0, field.find(','));
+    if (!field.empty()) {
+        const std::size_t n = std::min(field.size(), size - 1);
+        std::memcpy(name, field.data(), n);
+        name[n] = '\0';
+        return;
+    }
+    for (const char* variable : environment) {
+        const char* value = std::getenv(variable);
+        if (value != nullptr && *value != '\0') {
+            copy_text(name, size, value);
+            return;
+        }
+    }
+    copy_text(name, size, otherwise);
+}
+
+std::FILE* open_output(const char* name, bool append) {
+    // A command that ends early must not take the program with it.
+    if (*name == '|')
+        std::signal(SIGPIPE, SIG_IGN);
+    std::FILE* file = FILE_open(name, append ? "a" : "w");
+    if (file == stdout)
+        file = own_stdout();
+    if (file != nullptr)
+        std::setvbuf(file, out_buffer.data(), _IOFBF, out_buffer.size());
+    return file;
+}
+
+int close_output(std::FILE* file) {
+    const bool failed = std::fflush(file) != 0 || std::ferror(file) != 0;
+    return FILE_close(file) != 0 || failed ? -1 : 0;
+}
