@@ -35,6 +35,7 @@ struct State {
     int over = map_plain;    // bits of the MAP_draw that runs
     int fill_cont = 0;       // 1: databases take `color_cmap`
     Blocks blocks = Blocks::none;
+    bool told_no_image = false; // a file device was told of, once
 };
 State state;
 
@@ -219,20 +220,83 @@ int database_entry(const char* entry) {
     return 0;
 }
 
-// Entries that lay another file over the picture. Images need a window, and
-// metafiles and raw files their readers; this program is built without them.
+// An image entry behind its word: the file and, split at colons, the colour
+// that is not drawn, which may be empty, and the place.
+struct ImageEntry {
+    char name[file_name_size] = "";
+    char background[50] = "";
+    int x = 0;
+    int y = 0;
+};
+
+// Copies the text up to the next colon. Returns the place behind that.
+const char* take_field(const char* text, char* out, std::size_t size) {
+    const std::size_t length = std::strcspn(text, ":");
+    copy_text(out, std::min(size, length + 1), text);
+    return text + length + (text[length] == ':' ? 1 : 0);
+}
+
+ImageEntry read_image_entry(const char* text) {
+    ImageEntry entry;
+    const char* at = take_field(text, entry.name, sizeof entry.name);
+    at = take_field(at, entry.background, sizeof entry.background);
+    float x = 0;
+    float y = 0;
+    if (read_number(&at, &x) && *at == ':') {
+        read_number(&++at, &y);
+    }
+    constexpr float far = 30000; // beyond any window
+    entry.x = static_cast<int>(std::clamp(x, -far, far));
+    entry.y = static_cast<int>(std::clamp(y, -far, far));
+    return entry;
+}
+
+// "im:" on the map and "if:" on the page lay an image over the picture.
+int image_entry(const char* text, int transformation) {
+    const ImageEntry entry = read_image_entry(text);
+    PLT_mess("Map-image: %s", entry.name);
+    if (!gtype_is_WIN_PIX()) {
+        if (!state.told_no_image) {
+            MESS_print(mess_warn, "MAP_process: Images are drawn in a window alone: %s\n",
+                       entry.name);
+        }
+        state.told_no_image = true;
+        return -1;
+    }
+    char path[file_name_size];
+    FILE_add_path(RES_get("image_path"), entry.name, path);
+    if (entry.name[0] == '\0' || FILE_exist(path) == 0) {
+        MESS_print(mess_warn, "MAP_process: Image file not found: %s\n", entry.name);
+        return -1;
+    }
+    gsel_norm_tran(transformation);
+    const int drawn = goverlay_image_file(path, entry.background, entry.x, entry.y);
+    gsel_norm_tran(tran_map);
+    if (drawn == 0) {
+        MESS_print(mess_warn, "MAP_process: Unable to draw image: %s\n", path);
+        return -1;
+    }
+    return 0;
+}
+
+// Entries that lay another file over the picture. Metafiles and raw files need
+// their readers; this program is built without them.
 struct OtherEntry {
     const char* word;
     const char* what;
 };
 constexpr OtherEntry other_entries[] = {
-    {"im:", "image"   },
-    {"if:", "image"   },
     {"mf:", "metafile"},
     {"rf:", "rawfile" },
 };
 
 int draw_entry(const char* entry) {
+    if (begins(entry, "im:")) {
+        return image_entry(entry + std::strlen("im:"), tran_map);
+    }
+    if (begins(entry, "if:")) {
+        return image_entry(entry + std::strlen("if:"), tran_page);
+    }
     for (const OtherEntry& other : other_entries) {
         if (begins(entry, other.word)) {
             const char* file = entry + std::strlen(other.word);

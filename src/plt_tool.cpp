@@ -7,6 +7,7 @@
 #include "files.h"
 #include "gks.h"
 #include "zyrgks.h"
+#include "zyrimg.h"
 #include "zyrresrc.h"
 
 #include <array>
@@ -58,9 +59,23 @@ bool nothing_to_draw() {
     return FLAG_getplot(12) == 0 || FLAG_get(flag_plot_type) == type_none;
 }
 
+int write_image(const char* path) {
+    switch (session.dump) {
+    case 1:
+        return XWD_dump(path);
+    case 2:
+        return GIF_dump(path);
+    case 3:
+        return IMG_dump(path);
+    case 4:
+        return PNG_dump(path);
+    default:
+        return 0;
+    }
+}
+
 // Writes the picture of the selected frame under the name that the dump's
-// convention gives with the key `i`. Only a window has a picture that could be
-// taken, and no writer of image files is part of this build.
+// convention gives with the key `i`.
 void dump_image(const char* key) {
     Date date;
     char name[file_name_size] = "";
@@ -72,8 +87,15 @@ void dump_image(const char* key) {
     FILE_set_date(&date, name);
     FILE_add_path(RES_get("image_path"), name, path);
     const DumpKind* kind = find_kind(session.dump);
-    MESS_print(mess_warn, "PLT_dump: Unable to write %s file: %s\n",
-               kind == nullptr ? "" : kind->label, path);
+    const char* label = kind == nullptr ? "" : kind->label;
+    if (!gtype_is_WIN_PIX()) {
+        MESS_print(mess_warn, "PLT_dump: Images are taken of a window alone\n");
+    }
+    if (write_image(path) != 0) {
+        MESS_print(mess_mess, "Wrote %s file: %s\n", label, path);
+    } else {
+        MESS_print(mess_warn, "PLT_dump: Unable to write %s file: %s\n", label, path);
+    }
 }
 
 void dump_frame(int number) {
@@ -199,12 +221,15 @@ void PLT_tell_left_out(int files) {
 
 int PLT_set_dump(int type, const char* filename) {
     session.dump = type;
-    if (filename != nullptr && *filename != '\0') {
-        return copy_text(session.dump_file, sizeof session.dump_file, filename);
+    if (filename == nullptr || *filename == '\0') {
+        const DumpKind* kind = find_kind(type);
+        filename = kind == nullptr ? "" : kind->file_name;
     }
-    const DumpKind* kind = find_kind(type);
-    return copy_text(session.dump_file, sizeof session.dump_file,
-                     kind == nullptr ? "" : kind->file_name);
+    const int status = copy_text(session.dump_file, sizeof session.dump_file, filename);
+    if (status != 0) {
+        MESS_print(mess_warn, "PLT_set_dump: Name is too long, cut to: %s\n", session.dump_file);
+    }
+    return status;
 }
 
 int PLT_dump(int frame) {
@@ -213,7 +238,7 @@ int PLT_dump(int frame) {
     }
     FILE_save_name_conv();
     const int images = gget_num_images();
-    if (frame == -4 && images >= 2) {
+    if (frame == frames_all && images >= 2) {
         for (int i = 0; i < images; i++) {
             gselect_frame(i);
             dump_frame(i);

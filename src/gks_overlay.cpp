@@ -1,0 +1,407 @@
+// gks_overlay.cpp: lays an image over the plot, its background transparent, on
+// displays of any depth. Owns nothing. Needs a display and its draw window;
+// pictures of the window are taken in gks_img.cpp.
+//
+// An image goes through three forms: the record as its file gave it; the
+// pixels of this display, as an X image; and a bitmap that has a bit for each
+// pixel to be drawn.
+
+#include "gks_x11.h"
+#include "img_pixel.h"
+#include "zyrgks.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <vector>
+
+namespace {
+
+using Pixel = std::uint32_t;
+
+constexpr int small_depth = 8; // displays up to it have a colour map
+constexpr int table_size = 256;
+
+// --- Pixels of a record ---------------------------------------------------------
+
+struct Masks {
+    Pixel red, grn, blu;
+};
+constexpr Masks usual_masks = {0xff0000, 0xff00, 0xff};
+
+Masks display_masks() {
+    return {static_cast<Pixel>(gget_red_mask()), static_cast<Pixel>(gget_grn_mask()),
+            static_cast<Pixel>(gget_blu_mask())};
+}
+
+// The bits of a pixel that count.
+Pixel display_planes() {
+    const int depth = gget_win_depth();
+    return depth >= 32 ? ~Pixel{0} : (Pixel{1} << depth) - 1;
+}
+
+bool same(const Masks& a, const Masks& b) {
+    return a.red == b.red && a.grn == b.grn && a.blu == b.blu;
+}
+
+// What a pixel's value means.
+enum class Meaning {
+    index, // an entry of the table
+    gray,  // a level
+    masked // components under masks
+};
+
+Meaning meaning_of(const IMG_report& image) {
+    if (image.num_colors > 0 && image.colors != nullptr && image.depth <= 16)
+        return Meaning::index;
+    const bool has_masks = (image.red | image.grn | image.blu) != 0;
+    return has_masks || image.depth > 16 ? Meaning::masked : Meaning::gray;
+}
+
+Masks masks_of(const IMG_report& image) {
+    return (image.red | image.grn | image.blu) != 0 ? Masks{image.red, image.grn, image.blu}
+                                                    : usual_masks;
+}
+
+// Whether the record holds all its pixels, in a layout that can be read.
+bool is_readable(const IMG_report& image) {
+    return image.data != nullptr && image.width > 0 && image.height > 0 &&
+           IMG_line_pixels(image) >= image.width;
+}
+
+// --- Colours of a record --------------------------------------------------------
+
+float masked_component(Pixel value, Pixel mask) {
+    if (mask == 0)
+        return 0.0F;
+    const int shift = std::countr_zero(mask);
+    return static_cast<float>((value & mask) >> shift) / static_cast<float>(mask >> shift);
+}
+
+// A value beyond the table is entry 0.
+IMG_color color_of(const IMG_report& image, Pixel value) {
+    const Masks masks = masks_of(image);
+    switch (meaning_of(image)) {
+    case Meaning::index:
+        return image.colors[value < static_cast<Pixel>(image.num_colors) ? value : 0];
+    case Meaning::masked:
+        return {masked_component(value, masks.red), masked_component(value, masks.grn),
+                masked_component(value, masks.blu)};
+    case Meaning::gray:
+        break;
+    }
+    const auto most = static_cast<float>((Pixel{1} << image.depth) - 1);
+    const float level = static_cast<float>(value) / most;
+    return {level, level, level};
+}
+
+// --- Pixels of a display with masks ---------------------------------------------
+
+// A component under its mask: rounded at eight bits, where it then is what the
+// file says, and cut to fewer.
+Pixel under_mask(float component, Pixel mask) {
+    if (mask == 0)
+        return 0;
+    constexpr Pixel byte = 0xff;
+    const int shift = std::countr_zero(mask);
+    const Pixel most = mask >> shift;
+    constexpr float cut = 0.001F; // keeps a whole number from falling short
+    const float level = std::clamp(component, 0.0F, 1.0F) * static_cast<float>(most);
+    return static_cast<Pixel>(level + (most >= byte ? 0.5F : cut)) << shift;
+}
+
+Pixel pixel_of_color(const IMG_color& color, const Masks& masks) {
+    return under_mask(color.red, masks.red) | under_mask(color.grn, masks.grn) |
+           under_mask(color.blu, masks.blu);
+}
+
+// Turns the values of a record into pixels of this display.
+class Converter {
+public:
+    explicit Converter(const IMG_report& image)
+        : image_(image), masks_(display_masks()),
+          unchanged_(gget_win_depth() <= small_depth ||
+                     (meaning_of(image) == Meaning::masked && same(masks_of(image), masks_))) {
+        for (Pixel value = 0; !unchanged_ && image.depth <= small_depth && value < table_size;
+             ++value)
+            table_[value] = convert(value);
+    }
+
+    // The record's bytes are those of such an X image.
+    [[nodiscard]] bool fits(const XImage& ximage) const {
+        const int bits = image_.bits_pixel;
+        const bool order = bits == 8 || (image_.byte_order == 1) == (ximage.byte_order == MSBFirst);
+        return unchanged_ && bits >= 8 && bits == ximage.bits_per_pixel && order;
+    }
+
+    [[nodiscard]] Pixel operator()(Pixel value) const {
+        if (unchanged_)
+            return value;
+        return image_.depth <= small_depth ? table_[value % table_size] : convert(value);
+    }
+
+private:
+    [[nodiscard]] Pixel convert(Pixel value) const {
+        // Levels of eight bits fill both bytes of a pixel of two.
+        const bool two_bytes = gget_win_depth() == 16 || gget_win_depth() == 15;
+        if (two_bytes && image_.depth == 8 && meaning_of(image_) == Meaning::gray)
+            return value << 8 | value;
+        return pixel_of_color(color_of(image_, value), masks_);
+    }
+
+    const IMG_report& image_;
+    Masks masks_;
+    bool unchanged_; // the record holds pixels of this display
+    std::array<Pixel, table_size> table_{};
+};
+
+void fill_ximage(const IMG_report& image, const Converter& converter, XImage* ximage) {
+    const bool direct =
+        ximage->bits_per_pixel == 32 &&
+        (ximage->byte_order == MSBFirst) == (std::endian::native == std::endian::big);
+    std::vector<Pixel> row(static_cast<std::size_t>(image.width));
+    for (int y = 0; y < image.height; ++y) {
+        IMG_row_values(image, y, image.width, row.data());
+        std::transform(row.begin(), row.end(), row.begin(), converter);
+        if (direct) {
+            char* out = ximage->data + static_cast<std::size_t>(y) * ximage->bytes_per_line;
+            std::memcpy(out, row.data(), row.size() * sizeof(Pixel));
+            continue;
+        }
+        for (int x = 0; x < image.width; ++x)
+            XPutPixel(ximage, x, y, row[x]);
+    }
+}
+
+// --- Pixels of a display with a colour map --------------------------------------
+
+// Gives each colour of an image a pixel when it first turns up.
+class Palette {
+public:
+    explicit Palette(long trans) : trans_(trans) { pixels_.fill(-1); }
+
+    unsigned char pixel(Pixel key, const IMG_color& color) {
+        long& pixel = pixels_[key];
+        if (pixel < 0)
+            pixel =
+                gis_color_near(color.red, color.grn, color.blu, static_cast<int>(trans_), 1) != 0
+                    ? trans_
+                    : galloc_colr(-1, color.red, color.grn, color.blu);
+        return static_cast<unsigned char>(pixel);
+    }
+
+private:
+    long trans_;
+    std::array<long, table_size> pixels_{};
+};
+
+// A colour map has no room for all colours of a deep image: each component
+// goes to one of a few steps. `key` tells the resulting colours apart.
+IMG_color to_steps(const IMG_color& color, Pixel* key) {
+    const int steps = gget_win_depth() == small_depth ? 5 : 2;
+    const auto top = static_cast<float>(steps - 1);
+    *key = 0;
+    const auto step = [&](float component) {
+        const auto level = static_cast<Pixel>(std::lround(std::clamp(component, 0.0F, 1.0F) * top));
+        *key = *key * static_cast<Pixel>(steps) + level;
+        return static_cast<float>(level) / top;
+    };
+    const float red = step(color.red);
+    const float grn = step(color.grn);
+    const float blu = step(color.blu);
+    return {red, grn, blu};
+}
+
+// The colours of all pixels of an image as pixels of this display.
+void map_pixels(const IMG_report& image, long trans, unsigned char* out) {
+    Palette palette(trans);
+    std::vector<Pixel> row(static_cast<std::size_t>(image.width));
+    for (int y = 0; y < image.height; ++y) {
+        IMG_row_values(image, y, image.width, row.data());
+        for (const Pixel value : row) {
+            Pixel key = value % table_size;
+            IMG_color color = color_of(image, value);
+            if (image.depth > small_depth)
+                color = to_steps(color, &key);
+            *out++ = palette.pixel(key, color);
+        }
+    }
+}
+
+// --- Background and place -------------------------------------------------------
+
+// The pixel that is not drawn: that of a colour name, or of the background.
+long transparent_pixel(const char* background) {
+    if (background == nullptr || *background == '\0')
+        return gget_color_ind(-1);
+    const int ind = CLR_get_ind(background);
+    if (ind >= 0)
+        return gget_color_ind(ind);
+    XColor color{};
+    if (XParseColor(gget_display(), gget_colormap(), background, &color) == 0) {
+        MESS_print(mess_warn, "goverlay_image: invalid color: %s\n", background);
+        return gget_color_ind(-1);
+    }
+    if (gget_win_depth() <= small_depth) { // where the image's own colours are looked up, too
+        constexpr float full = 65535.0F;
+        return galloc_colr(-1, static_cast<float>(color.red) / full,
+                           static_cast<float>(color.green) / full,
+                           static_cast<float>(color.blue) / full);
+    }
+    XAllocColor(gget_display(), gget_colormap(), &color);
+    return static_cast<long>(color.pixel);
+}
+
+constexpr int far_away = 30000; // places of a server have 16 bits
+
+// From the near edge of the viewport, or with a negative distance from the far
+// one.
+int place(int start, int size, int image_size, int distance) {
+    distance = std::clamp(distance, -far_away, far_away);
+    return distance >= 0 ? start + distance : start + size - image_size + distance;
+}
+
+// The part of an image that can be seen, with pixels of its own; the colours
+// stay those of the image.
+struct ImagePart {
+    IMG_report record;
+
+    ImagePart(const IMG_report& image, int width, int height) : record(image) {
+        record.width = std::min(image.width, width);
+        record.height = std::min(image.height, height);
+        const std::size_t size = static_cast<std::size_t>(record.height) * image.bytes_line;
+        record.data = new (std::nothrow) unsigned char[size];
+        if (record.data != nullptr)
+            std::memcpy(record.data, image.data, size);
+    }
+    ~ImagePart() { delete[] record.data; }
+    ImagePart(const ImagePart&) = delete;
+    ImagePart& operator=(const ImagePart&) = delete;
+};
+
+// A bitmap of the pixels that differ from the transparent one.
+Pixmap make_mask(XImage* ximage, long trans) {
+    const Pixel planes = display_planes();
+    const Pixel clear = static_cast<Pixel>(trans) & planes;
+    const std::size_t row_size = (static_cast<std::size_t>(ximage->width) + 7) / 8;
+    const std::size_t size = row_size * ximage->height;
+    const std::unique_ptr<char[]> bits(new (std::nothrow) char[size]());
+    if (bits == nullptr)
+        return 0;
+    for (int y = 0; y < ximage->height; ++y) {
+        char* row = bits.get() + static_cast<std::size_t>(y) * row_size;
+        for (int x = 0; x < ximage->width; ++x) {
+            if ((static_cast<Pixel>(XGetPixel(ximage, x, y)) & planes) != clear)
+                row[x / 8] = static_cast<char>(row[x / 8] | 1 << x % 8);
+        }
+    }
+    return XCreateBitmapFromData(gget_display(), gget_draw_window(), bits.get(),
+                                 static_cast<unsigned>(ximage->width),
+                                 static_cast<unsigned>(ximage->height));
+}
+
+void put_masked(XImage* ximage, long trans, int x, int y) {
+    const Pixmap mask = make_mask(ximage, trans);
+    if (mask == 0)
+        return;
+    Display* display = gget_display();
+    XSetClipMask(display, gget_root_gc(), mask);
+    XSetClipOrigin(display, gget_root_gc(), x, y);
+    XPutImage(display, gget_draw_window(), gget_root_gc(), ximage, 0, 0, x, y,
+              static_cast<unsigned>(ximage->width), static_cast<unsigned>(ximage->height));
+    XSetClipMask(display, gget_root_gc(), None);
+    XFreePixmap(display, mask);
+}
+
+} // namespace
+
+int gread_image_file(const char* filename, IMG_report* image) {
+    return IMG_read(filename, image, 0);
+}
+
+int goverlay_image_file(const char* filename, const char* background, int x, int y) {
+    if (gget_display() == nullptr || gget_draw_window() == 0)
+        return 0;
+    IMG_report image;
+    if (gread_image_file(filename, &image) == 0)
+        return 0;
+    const int result = goverlay_image(&image, background, x, y);
+    IMG_free(&image);
+    return result;
+}
+
+int gsetup_image_colors(IMG_report* image, long trans) {
+    if (gget_display() == nullptr || gget_win_depth() > small_depth || !is_readable(*image))
+        return 0;
+    if (image->depth == small_depth && meaning_of(*image) == Meaning::gray)
+        return 1; // pixels already
+    IMG_report mapped = *image;
+    mapped.depth = small_depth;
+    mapped.bits_pixel = small_depth;
+    mapped.bytes_line = image->width;
+    mapped.data = nullptr;
+    if (IMG_alloc(&mapped) == 0)
+        return 0;
+    map_pixels(*image, trans, mapped.data);
+    delete[] image->data;
+    *image = mapped;
+    return 1;
+}
+
+int gset_ximage_params(IMG_report* image, XImage* ximage) {
+    if (gget_display() == nullptr || !is_readable(*image))
+        return 0;
+    XImage* made = XCreateImage(
+        gget_display(), gget_visual(), static_cast<unsigned>(gget_win_depth()), ZPixmap, 0, nullptr,
+        static_cast<unsigned>(image->width), static_cast<unsigned>(image->height), 32, 0);
+    if (made == nullptr)
+        return 0;
+    *ximage = *made;
+    XDestroyImage(made);
+    const Converter converter(*image);
+    if (converter.fits(*ximage)) {
+        ximage->data = reinterpret_cast<char*>(image->data);
+        ximage->bytes_per_line = image->bytes_line;
+        return 1;
+    }
+    const std::size_t size = static_cast<std::size_t>(ximage->bytes_per_line) * image->height;
+    ximage->data = new (std::nothrow) char[size]();
+    if (ximage->data == nullptr)
+        return 0;
+    fill_ximage(*image, converter, ximage);
+    return 1;
+}
+
+int goverlay_image(IMG_report* image, const char* background, int x, int y) {
+    if (gget_display() == nullptr || gget_draw_window() == 0)
+        return 0;
+    if (!is_readable(*image)) {
+        MESS_print(mess_warn, "goverlay_image: Pixels of depth %d cannot be shown\n", image->depth);
+        return 0;
+    }
+    gflush_fill();
+    const long trans = transparent_pixel(background);
+    Gclip_rect view{};
+    gget_xviewport(&view);
+    const int left = place(view.x, view.width, image->width, x);
+    const int top = place(view.y, view.height, image->height, y);
+    if (std::max(std::abs(left), std::abs(top)) > far_away)
+        return 1; // nothing of it can be seen
+    ImagePart part(*image, view.width, view.height);
+    if (part.record.data == nullptr)
+        return 0;
+    gsetup_image_colors(&part.record, trans);
+    XImage ximage{};
+    if (gset_ximage_params(&part.record, &ximage) == 0)
+        return 0;
+    put_masked(&ximage, trans, left, top);
+    if (ximage.data != reinterpret_cast<char*>(part.record.data))
+        delete[] ximage.data;
+    return 1;
+}
