@@ -315,7 +315,8 @@ int ginit_background() {
 
 int gget_color_rgb256(int ind, int* red, int* grn, int* blu) {
     const int i = entry(ind);
-    const auto whole = [](float value) { return static_cast<int>(value * 255.0F + 0.5F); };
+    // The nearest step of a screen with 256 steps a component, as the server takes it.
+    const auto whole = [](float value) { return (component(value) + 128) / 257; };
     *red = whole(colr.red[i]);
     *grn = whole(colr.grn[i]);
     *blu = whole(colr.blu[i]);

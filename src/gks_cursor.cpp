@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int name_size = 60; // title and what stands behind it each
+constexpr std::size_t name_size = 60; // title and what stands behind it each
 
 // In the order of the cursor numbers.
 constexpr std::array<unsigned, num_cursors> shapes = {XC_X_cursor, XC_left_ptr, XC_fleur,

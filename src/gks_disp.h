@@ -1,6 +1,7 @@
-// gks_disp.h: the open display as its own modules share it: gks_x11.cpp opens,
-// shows and closes it, gks_pixmap.cpp attaches to the window of another
-// program, gks_cursor.cpp has its cursors and titles, gks_xerr.cpp its errors.
+// gks_disp.h: the open display as its own modules share it: gks_x11.cpp connects,
+// shows and closes, gks_window.cpp makes the plot's window, gks_pixmap.cpp
+// attaches to that of another program, gks_cursor.cpp has cursors and titles,
+// gks_xerr.cpp the errors.
 #pragma once
 
 #include "gks_x11.h"
@@ -63,6 +64,12 @@ void gsetup_display(Drawable drawable);
 const char* gchosen_geometry();
 // Closes what is open and leaves no workstation. Returns -1.
 int gfail_display();
+// A side of a window held within its limits; `usual` for 0 or less.
+int gwindow_side(int side, int usual);
+void gset_root_size(int width, int height);
+XWindowAttributes gwindow_attributes();
+// A pixmap in the background's pixel; 0 if the server has no room for it.
+Pixmap gmake_base(int width, int height);
 // Paints a drawable in a pixel from corner to corner.
 void gfill_drawable(Drawable drawable, unsigned long pixel, unsigned width, unsigned height);
 // Plain lines in all four contexts: width 0, solid, bevel joins.

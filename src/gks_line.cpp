@@ -54,7 +54,7 @@ void apply_width() {
     if (context.gc == nullptr)
         return;
     XGCValues values{};
-    values.line_width = static_cast<int>(line.line_width);
+    values.line_width = pixel_width(line.line_width);
     XChangeGC(gget_display(), context.gc, GCLineWidth, &values);
 }
 

@@ -122,9 +122,11 @@ void print_path(std::span<const Gpt> points) {
 }
 
 void show_path(std::span<const Gpt> points) {
+    constexpr float short_limit = 32767.0F; // a marker may be of any size
     std::array<XPoint, std::size(circle)> pixels{};
     for (std::size_t i = 0; i < points.size(); ++i)
-        pixels[i] = {static_cast<short>(points[i].x), static_cast<short>(points[i].y)};
+        pixels[i] = {static_cast<short>(hold_within(points[i].x, short_limit)),
+                     static_cast<short>(hold_within(points[i].y, short_limit))};
     if (points.size() == 1)
         XDrawPoint(gget_display(), gget_draw_window(), mark_gc, pixels[0].x, pixels[0].y);
     else
@@ -164,7 +166,7 @@ void apply_width() {
     if (mark_gc == nullptr)
         return;
     XGCValues values{};
-    values.line_width = static_cast<int>(marker.marker_width);
+    values.line_width = pixel_width(marker.marker_width);
     XChangeGC(gget_display(), mark_gc, GCLineWidth, &values);
 }
 

@@ -9,11 +9,24 @@
 #include <memory>
 #include <new>
 
+// The pixel that a place falls on: half a pixel on, and cut.
+inline short to_pixel(float place) {
+    constexpr float half = 0.5F;
+    return static_cast<short>(static_cast<int>(place + half));
+}
+
+inline XPoint to_pixel(const Gpipe& p, const Gpt& pt) {
+    return {to_pixel(pipe_px(p, pt.x)), to_pixel(pipe_py(p, pt.y))};
+}
+
 // Pixel of a point of the current transformation.
 inline XPoint pixel_of(const Gpt& pt) {
-    const Gpipe& p = gget_pipe();
-    return {static_cast<short>(static_cast<int>(pipe_px(p, pt.x) + 0.5F)),
-            static_cast<short>(static_cast<int>(pipe_py(p, pt.y) + 0.5F))};
+    return to_pixel(gget_pipe(), pt);
+}
+
+// Line width in pixels, within what a request holds.
+inline int pixel_width(float width) {
+    return static_cast<int>(hold_within(width, pixel_limit));
 }
 
 class PixelFigure {
@@ -25,10 +38,8 @@ public:
             at = more.get();
         }
         const Gpipe& p = gget_pipe();
-        for (int i = 0; at != nullptr && i < n; ++i) {
-            at[i] = {static_cast<short>(static_cast<int>(pipe_px(p, pts[i].x) + 0.5F)),
-                     static_cast<short>(static_cast<int>(pipe_py(p, pts[i].y) + 0.5F))};
-        }
+        for (int i = 0; at != nullptr && i < n; ++i)
+            at[i] = to_pixel(p, pts[i]);
     }
     XPoint* points() { return at; }
 

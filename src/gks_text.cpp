@@ -529,7 +529,7 @@ int gset_text_width(float width) {
     state.text_width = gtype_is_PS() && width == 0.0F ? 1.0F : width;
     if (!put_float("TE_WDTH", obj_text_width, state.text_width) && text_gc != nullptr) {
         XGCValues values{};
-        values.line_width = static_cast<int>(width);
+        values.line_width = pixel_width(width);
         XChangeGC(gget_display(), text_gc, GCLineWidth, &values);
     }
     return 0;

@@ -1,0 +1,256 @@
+// gks_window.cpp: opens the plot's own window, workstation type 1: its place and
+// size, what the window manager is told, its pixmap. The state is that of the
+// display (gks_disp.h).
+
+#include "gks_disp.h"
+#include "zyr.h"
+
+#include "zyrresrc.h"
+
+#include <poll.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+// A radar screen with its sweep. Rows of six bytes, the lowest bit leftmost.
+constexpr std::array<unsigned char, icon_bytes> zyr_bits = {
+    0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xfc, 0x3f, 0x00, 0x00, 0x00, 0x80, 0x5f, 0xfd,
+    0x01, 0x00, 0x00, 0xe0, 0x01, 0xab, 0x07, 0x00, 0x00, 0x38, 0xd5, 0xd5, 0x1f, 0x00, 0x00, 0x1c,
+    0x00, 0xaa, 0x3f, 0x00, 0x00, 0x06, 0x55, 0xd5, 0x6f, 0x00, 0x00, 0x03, 0x80, 0xea, 0xcf, 0x00,
+    0x80, 0x01, 0xd4, 0xd5, 0x87, 0x01, 0xc0, 0x00, 0xfc, 0xff, 0x03, 0x03, 0x60, 0x00, 0xd7, 0xf5,
+    0x01, 0x06, 0x30, 0x80, 0x01, 0xea, 0x01, 0x0c, 0x30, 0x40, 0x50, 0xf5, 0x02, 0x0c, 0x18, 0x20,
+    0x80, 0x7a, 0x04, 0x18, 0x08, 0x10, 0x50, 0x75, 0x08, 0x10, 0x0c, 0x08, 0x00, 0x3b, 0x10, 0x30,
+    0x0c, 0x0c, 0xe0, 0x1f, 0x30, 0x30, 0x04, 0x04, 0x38, 0x1e, 0x20, 0x20, 0x06, 0x06, 0x4c, 0x3d,
+    0x60, 0x60, 0x06, 0x02, 0x86, 0x66, 0x40, 0x60, 0x06, 0x02, 0x42, 0x43, 0x40, 0x60, 0x02, 0x02,
+    0x03, 0xc3, 0x40, 0x40, 0x02, 0x02, 0x81, 0x81, 0x40, 0x40, 0x92, 0x27, 0x49, 0x92, 0xe4, 0x49,
+    0x4a, 0x93, 0x25, 0xc9, 0xd2, 0x44, 0x02, 0x02, 0x81, 0x80, 0x40, 0x40, 0x02, 0x02, 0x03, 0xc0,
+    0xe0, 0x40, 0x06, 0x02, 0x02, 0x41, 0xe0, 0x60, 0x06, 0x02, 0x86, 0x60, 0xe0, 0x60, 0x06, 0x06,
+    0x0c, 0x30, 0x60, 0x60, 0x04, 0x04, 0x38, 0x1d, 0x27, 0x20, 0x0c, 0x0c, 0xe0, 0x87, 0x3f, 0x30,
+    0x0c, 0x08, 0x00, 0xc0, 0x1f, 0x30, 0x08, 0xf0, 0x00, 0xc1, 0x1f, 0x10, 0x18, 0xe0, 0x80, 0xc0,
+    0x1f, 0x18, 0x30, 0xe0, 0x00, 0x80, 0x0f, 0x0c, 0x30, 0x80, 0x01, 0x81, 0x07, 0x0c, 0x60, 0x00,
+    0x87, 0xe0, 0x00, 0x06, 0xc0, 0x00, 0xfc, 0x3f, 0x00, 0x03, 0x80, 0x01, 0x80, 0x01, 0x80, 0x01,
+    0x00, 0x03, 0x80, 0x00, 0xc0, 0x00, 0x00, 0x06, 0x00, 0x00, 0x60, 0x00, 0x00, 0x1c, 0x00, 0x01,
+    0x38, 0x00, 0x00, 0x38, 0x80, 0x00, 0x1c, 0x00, 0x00, 0xe0, 0x01, 0x80, 0x07, 0x00, 0x00, 0x80,
+    0x1f, 0xf8, 0x01, 0x00, 0x00, 0x00, 0xfc, 0x3f, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
+};
+
+constexpr long window_events = KeyPressMask | KeyReleaseMask | ButtonPressMask | ButtonReleaseMask |
+                               EnterWindowMask | LeaveWindowMask | ButtonMotionMask | ExposureMask |
+                               StructureNotifyMask | FocusChangeMask;
+
+bool is_environment(const char* name) {
+    return std::getenv(name) != nullptr;
+}
+
+// An X default of the program's name; null if there is none.
+const char* x_default(const char* name) {
+    return XGetDefault(gdisp().display, gget_prog_name(), name);
+}
+
+// A side of 0 is the usual one, and one that is too long is held within what a
+// server can keep.
+void place_size(XSizeHints* hints, unsigned width, unsigned height) {
+    constexpr unsigned most = max_side;
+    hints->flags = (hints->flags & ~PSize) | USSize;
+    if (width > most || height > most)
+        MESS_print(mess_warn, "gopen_ws: window size cut to %d\n", max_side);
+    hints->width = gwindow_side(static_cast<int>(std::min(width, most)), hints->width);
+    hints->height = gwindow_side(static_cast<int>(std::min(height, most)), hints->height);
+}
+
+// `negative` as XParseGeometry tells it: from the right or the bottom.
+void place_position(XSizeHints* hints, int x, int y, int negative) {
+    constexpr int far = 30000; // a window's place has 16 bits
+    Display* display = gdisp().display;
+    x = std::clamp(x, -far, far);
+    y = std::clamp(y, -far, far);
+    if ((negative & XNegative) != 0)
+        x += DisplayWidth(display, gdisp().screen) - hints->width;
+    if ((negative & YNegative) != 0)
+        y += DisplayHeight(display, gdisp().screen) - hints->height;
+    hints->flags = (hints->flags & ~PPosition) | USPosition;
+    hints->x = std::clamp(x, -far, far);
+    hints->y = std::clamp(y, -far, far);
+}
+
+// Position and size, from the geometry asked for.
+XSizeHints size_hints() {
+    constexpr int usual_place = 100;
+    XSizeHints hints{};
+    hints.flags = PPosition | PSize;
+    hints.x = usual_place;
+    hints.y = usual_place;
+    gget_win_size(&hints.width, &hints.height);
+    hints.width = gwindow_side(hints.width, default_width);
+    hints.height = gwindow_side(hints.height, default_height);
+
+    const char* text = gchosen_geometry();
+    if (text == nullptr)
+        text = x_default("geometry");
+    if (text != nullptr && *text != '\0') {
+        int x = 0;
+        int y = 0;
+        unsigned width = 0;
+        unsigned height = 0;
+        const int found = XParseGeometry(text, &x, &y, &width, &height);
+        if (found == 0)
+            MESS_print(mess_warn, "gopen_ws: invalid geometry: %s\n", text);
+        if ((found & WidthValue) != 0 && (found & HeightValue) != 0)
+            place_size(&hints, width, height);
+        if ((found & XValue) != 0 && (found & YValue) != 0)
+            place_position(&hints, x, y, found);
+    }
+    if (gdisp_settings().fixed_size != 0) {
+        hints.flags |= PMinSize | PMaxSize;
+        hints.min_width = hints.max_width = hints.width;
+        hints.min_height = hints.max_height = hints.height;
+    }
+    return hints;
+}
+
+bool make_window(const XSizeHints& hints) {
+    constexpr unsigned border = 5;
+    const bool inverse = gget_inverse() != 0;
+    const unsigned long black = BlackPixel(gdisp().display, gdisp().screen);
+    const unsigned long white = WhitePixel(gdisp().display, gdisp().screen);
+    XSetWindowAttributes values{};
+    values.background_pixel = inverse ? white : black;
+    values.border_pixel = values.background_pixel;
+    values.backing_store = Always;
+    values.event_mask = window_events;
+    values.colormap = gget_colormap();
+    gtrap_errors(0);
+    gdisp().root_window = XCreateWindow(
+        gdisp().display, RootWindow(gdisp().display, gdisp().screen), hints.x, hints.y,
+        static_cast<unsigned>(hints.width), static_cast<unsigned>(hints.height), border,
+        gdisp().depth, InputOutput, gdisp().visual,
+        CWBackPixel | CWBorderPixel | CWBackingStore | CWEventMask | CWColormap, &values);
+    if (gtrap_errors(1) != 0)
+        gdisp().root_window = 0;
+    gdisp().has_window = gdisp().root_window != 0;
+    return gdisp().has_window;
+}
+
+bool starts_iconic() {
+    int icon = 0;
+    if (RES_get("icon") != nullptr)
+        RES_getval("icon", &icon, CV_bool);
+    if (gdisp_settings().icon != 0 || icon > 0)
+        return true;
+    const char* text = x_default("iconic");
+    return text != nullptr && stricmp(text, "on") == 0;
+}
+
+// Title, icon and size for the window manager.
+void tell_window_manager(XSizeHints* hints) {
+    Display* display = gdisp().display;
+    std::array<char, 60> title{};
+    copy_text(title.data(), title.size(), gget_win_title());
+    fill_string(title.data(), '_', ' ');
+    XSetStandardProperties(display, gdisp().root_window, title.data(), title.data(), 0, nullptr, 0,
+                           hints);
+    gset_win_title(title.data());
+
+    const auto* bits =
+        gdisp_settings().own_icon ? gdisp_settings().icon_bits.data() : zyr_bits.data();
+    std::array<char, icon_bytes> image{};
+    std::memcpy(image.data(), bits, image.size());
+    gdisp().icon_pixmap =
+        XCreatePixmapFromBitmapData(display, gdisp().root_window, image.data(), icon_size,
+                                    icon_size, 1, 0, 1); // set bits are ink
+    XWMHints wm{};
+    wm.flags = InputHint | StateHint | IconPixmapHint;
+    wm.input = True;
+    wm.initial_state = starts_iconic() ? IconicState : NormalState;
+    wm.icon_pixmap = gdisp().icon_pixmap;
+    XSetWMHints(display, gdisp().root_window, &wm);
+
+    std::array<char, 20> name{};
+    std::array<char, 4> kind{"Zyr"};
+    copy_text(name.data(), name.size(), gget_prog_name());
+    XClassHint hint{name.data(), kind.data()};
+    XSetClassHint(display, gdisp().root_window, &hint);
+}
+
+// The window is up when its first event comes, which stays for the event loop.
+// An iconic window may never get one: the wait is bounded.
+void wait_until_up() {
+    constexpr int most_waits = 60;
+    constexpr int wait_ms = 50;
+    XSync(gdisp().display, False);
+    for (int i = 0; i < most_waits; ++i) {
+        XEvent event{};
+        if (XCheckWindowEvent(gdisp().display, gdisp().root_window,
+                              ExposureMask | StructureNotifyMask, &event) != 0) {
+            XPutBackEvent(gdisp().display, &event);
+            return;
+        }
+        pollfd connection = {ConnectionNumber(gdisp().display), POLLIN, 0};
+        poll(&connection, 1, wait_ms);
+    }
+}
+
+int unable() {
+    MESS_print(mess_warn, "gopen_ws: unable to open window\n");
+    return gfail_display();
+}
+
+} // namespace
+
+const char* gchosen_geometry() {
+    return gdisp_settings().geometry[0] != '\0' ? gdisp_settings().geometry.data()
+                                                : RES_get("geometry");
+}
+
+int gset_geometry(const char* geometry) {
+    return copy_text(gdisp_settings().geometry.data(), gdisp_settings().geometry.size(), geometry);
+}
+
+int gset_iconic(int value) {
+    gdisp_settings().icon = value;
+    return 0;
+}
+
+int gset_fixed_size() {
+    gdisp_settings().fixed_size = 1;
+    return 0;
+}
+
+int gset_icon_bitmap(const unsigned char* bits) {
+    gdisp_settings().own_icon = bits != nullptr;
+    if (bits != nullptr)
+        std::memcpy(gdisp_settings().icon_bits.data(), bits, gdisp_settings().icon_bits.size());
+    return 0;
+}
+
+int gopen_window(const char* conn_id) {
+    gset_win_type(ws_window);
+    if (gopen_display(conn_id) != 0)
+        return -1;
+    gset_cache(1);
+    if (is_environment("zyrinverse"))
+        gset_inverse(1);
+    XSizeHints hints = size_hints();
+    if (!make_window(hints))
+        return unable();
+    tell_window_manager(&hints);
+    gsetup_display(gdisp().root_window);
+    XMapWindow(gdisp().display, gdisp().root_window);
+    wait_until_up();
+    ginit_xcolr();
+
+    // The window manager has the last word on the size.
+    const XWindowAttributes given = gwindow_attributes();
+    gset_root_size(given.width, given.height);
+    gset_xsize(given.width, given.height);
+    gdisp().base_window = gmake_base(given.width, given.height);
+    if (gdisp().base_window == 0)
+        return unable();
+    gdisp().draw_window = gdisp().base_window;
+    XClearWindow(gdisp().display, gdisp().root_window);
+    gmake_cursors();
+    return 0;
+}
