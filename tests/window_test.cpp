@@ -1,0 +1,203 @@
+// The window as a user has it on the screen: what it shows, how it lives through
+// what happens to it, and how it ends.
+#include "plot_window.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <tuple>
+
+namespace {
+
+constexpr const char* plain = " -dr sum,text ";
+
+class WindowTest : public PlotWindow {
+protected:
+    void SetUp() override {
+        PlotWindow::SetUp();
+        write("disc", disc_product(9));
+        for (const auto& [name, bytes] : nids_samples()) {
+            write(name, bytes);
+        }
+    }
+    ProgramRun end_of(const std::string& args, const std::map<std::string, std::string>& env = {}) {
+        return launch(args, env)->wait();
+    }
+};
+
+// Are two colours as near as a server of 16 bits keeps them?
+bool near(std::uint32_t a, std::uint32_t b) {
+    constexpr int step = 8; // of five bits a component
+    for (const unsigned shift : {0U, 8U, 16U}) {
+        const int one = static_cast<int>(a >> shift & 255U);
+        const int other = static_cast<int>(b >> shift & 255U);
+        if (std::abs(one - other) > step) {
+            return false;
+        }
+    }
+    return true;
+}
+
+long resident_kb(int pid) {
+    std::ifstream file("/proc/" + std::to_string(pid) + "/statm");
+    long pages = 0;
+    file >> pages >> pages;
+    return pages * 4;
+}
+
+} // namespace
+
+TEST_F(WindowTest, KeepsItsPicture) {
+    const Picture small = picture_of("disc -ge 420x333");
+    start("disc -ti A_title_in_words");
+    EXPECT_EQ(user->title(window), "A title in words");
+    EXPECT_EQ(user->icon_title(window), "A title in words");
+    const Picture whole = picture();
+    EXPECT_EQ(std::tie(whole.width, whole.height), std::make_tuple(640, 512));
+    EXPECT_GT(whole.colors(), 8) << "disc, bar, maps and texts";
+    user->cover(window);
+    EXPECT_TRUE(shows(whole)) << "another window went away";
+    user->iconify(window);
+    settle();
+    user->map(window);
+    EXPECT_TRUE(shows(whole)) << "an icon again opened";
+    user->resize(window, 420, 333);
+    EXPECT_TRUE(shows(small)) << "drawn for the new size";
+    user->resize(window, 640, 512);
+    EXPECT_TRUE(shows(whole)) << "and for the old one";
+    leave();
+}
+
+// The same picture from every event order: a size that comes while the program
+// draws is taken behind the plot.
+TEST_F(WindowTest, ManySizesEndInTheLast) {
+    const Picture expected = picture_of("disc -ge 500x400");
+    start("disc");
+    for (int width = 300; width <= 500; width += 4) {
+        user->resize(window, width, width * 4 / 5);
+    }
+    EXPECT_TRUE(shows(expected));
+    user->resize(window, 1, 1); // no room for anything
+    settle();
+    user->resize(window, 500, 400);
+    EXPECT_TRUE(shows(expected));
+    user->point(window, 5, 5);
+    leave();
+}
+
+TEST_F(WindowTest, SizePlaceAndLook) {
+    constexpr std::uint32_t black = 0;
+    constexpr std::uint32_t white = 0xFFFFFF;
+    struct Row {
+        const char* args;
+        const char* env; // set to a word, or none
+        int width, height, x, y;
+        std::uint32_t corner;
+    };
+    for (const Row& row : std::initializer_list<Row>{
+             {"",                  "",              640,  512, 105, 105, black},
+             {"-ge 400x300",       "",              400,  300, 105, 105, black},
+             {"-ge 400x300+17+23", "",              400,  300, 22,  28,  black},
+             {"-ge 400x300-0-0",   "",              400,  300, 629, 505, black},
+             {"-ge +30+40",        "",              640,  512, 35,  45,  black},
+             {"-ge 65000x300",     "",              8192, 300, 105, 105, black},
+             {"-ge nonsense",      "",              640,  512, 105, 105, black},
+             {"-pp inv",           "",              640,  512, 105, 105, white},
+             {"",                  "zyrinverse",    640,  512, 105, 105, white},
+             {"-pp lcmap",         "",              640,  512, 105, 105, black},
+             {"",                  "zyrlocal_cmap", 640,  512, 105, 105, black}
+    }) {
+        std::map<std::string, std::string> env;
+        if (*row.env != '\0') {
+            env[row.env] = "on";
+        }
+        start(std::string("disc ") + row.args + plain, env);
+        const std::string note = std::string(row.args) + row.env;
+        const Picture shown = picture();
+        int x = 0;
+        int y = 0;
+        Window child = 0;
+        XTranslateCoordinates(user->display(), window, DefaultRootWindow(user->display()), 0, 0, &x,
+                              &y, &child);
+        EXPECT_EQ(std::tie(shown.width, shown.height), std::tie(row.width, row.height)) << note;
+        EXPECT_EQ(std::tie(x, y), std::tie(row.x, row.y)) << note;
+        EXPECT_EQ(shown.at(1, 1), row.corner) << note;
+        leave();
+    }
+}
+
+TEST_F(WindowTest, FaultsOfTheServer) {
+    struct Row {
+        const char* args;
+        const char* display;
+        std::string err;
+    };
+    const std::string refused =
+        "gopen_ws: unable to connect to display\nGPH_begin: Error opening workstation\n";
+    for (const Row& row : std::initializer_list<Row>{
+             {"disc",              ":64321", refused},
+             {"disc -de d,:64321", "",       refused},
+             {"disc -de d",        "unset",  refused}
+    }) {
+        std::map<std::string, std::string> env;
+        if (*row.display != '\0') {
+            env["DISPLAY"] = row.display;
+        }
+        const ProgramRun run = end_of(row.args, env);
+        EXPECT_EQ(run.code, 4) << row.args;
+        EXPECT_EQ(run.err, row.err) << row.args;
+    }
+    // The connection text comes before the environment.
+    start("disc -de d," + server->name(), {
+                                              {"DISPLAY", ":64321"}
+    });
+    leave();
+    start("disc");
+    server->stop();
+    const ProgramRun run = program->wait();
+    EXPECT_EQ(run.code, 4);
+    EXPECT_EQ(run.err, "Fatal X11 Error\n");
+    user.release(); // its connection is gone: closing it would end the test
+}
+
+// A picture has the same colours whatever the server's pixels are like.
+TEST_F(WindowTest, DepthsAgree) {
+    const Picture full = picture_of("digital" + std::string(plain));
+    ASSERT_GT(full.colors(), 6);
+    for (const int depth : {16, 8}) {
+        for (const char* words : {"", " -pp norwclr", " -pp lcmap"}) {
+            use_server(depth);
+            const Picture other = picture_of("digital" + std::string(plain) + words);
+            ASSERT_EQ(other.rgb.size(), full.rgb.size());
+            const auto differ =
+                std::mismatch(full.rgb.begin(), full.rgb.end(), other.rgb.begin(), near);
+            EXPECT_EQ(other.colors(), full.colors());
+            EXPECT_EQ(differ.first, full.rgb.end())
+                << depth << words << " at " << differ.first - full.rgb.begin() << std::hex << " "
+                << *differ.first << " " << *differ.second;
+        }
+    }
+}
+
+TEST_F(WindowTest, ReplotsHoldNothingBack) {
+    start("disc -ge 120x90 -dr sum,text");
+    const Picture before = picture();
+    user->key(XK_r, alt);
+    settle();
+    const auto held = user->resources(window);
+    ASSERT_GE(held.at("PIXMAP"), 1);
+    const long memory_kb = resident_kb(program->pid());
+    constexpr int replots = 1000;
+    for (int i = 0; i < replots; i++) {
+        user->key(XK_r, alt);
+    }
+    EXPECT_EQ(picture(), before);
+    EXPECT_EQ(user->resources(window), held);
+    user->resize(window, 121, 91); // new pixmaps for old ones
+    settle();
+    EXPECT_EQ(user->resources(window), held);
+#ifndef __SANITIZE_ADDRESS__
+    EXPECT_LT(resident_kb(program->pid()) - memory_kb, 1000);
+#endif
+    leave();
+}
