@@ -1,8 +1,10 @@
 // Writes sample radar products.
 //   make_sample FILE             a storm as a reflectivity product (code 94)
 //   make_sample --super FILE     the same in super resolution (code 153)
+//   make_sample --lev2 FILE      the same as a Level II volume, with velocities
 //   make_sample --seeds DIR      a small product of every kind, a file each
 //   make_sample --lev2-seeds DIR a small Level II volume of every kind
+#include "lev2_storm.h"
 #include "lev2_writer.h"
 #include "nids_storm.h"
 #include "nids_writer.h"
@@ -44,13 +46,16 @@ int main(int argc, char** argv) {
     if (option == "--super") {
         return write_file(argv[2], nids_sample_storm(153)) ? 0 : 1;
     }
+    if (option == "--lev2") {
+        return write_file(argv[2], lev2_sample_storm()) ? 0 : 1;
+    }
     if (option == "--seeds") {
         return write_files(argv[2], nids_samples()) ? 0 : 1;
     }
     if (option == "--lev2-seeds") {
         return write_files(argv[2], lev2_samples()) ? 0 : 1;
     }
-    std::fprintf(stderr,
-                 "usage: make_sample FILE | --super FILE | --seeds DIR | --lev2-seeds DIR\n");
+    std::fprintf(stderr, "usage: make_sample FILE | --super FILE | --lev2 FILE | --seeds DIR | "
+                         "--lev2-seeds DIR\n");
     return 2;
 }
