@@ -1,0 +1,332 @@
+// The kernel at a display: each test opens a workstation on an X server of its
+// own in this process, and a second connection looks at what is there.
+#include <gtest/gtest.h>
+
+#include "gks.h"
+#include "zyr.h"
+#include "zyrresrc.h"
+
+#include "gks_x11.h" // behind gtest: Xlib's macros hide names of its
+#include "x_server.h"
+
+#include <array>
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr std::uint32_t black = 0;
+constexpr std::uint32_t red = 0xff0000;
+constexpr std::uint32_t green = 0x00ff00;
+constexpr std::uint32_t blue = 0x0000ff;
+
+void set_color(int ind, std::uint32_t rgb) {
+    const auto part = [&](int shift) { return static_cast<float>(rgb >> shift & 255U) / 255.0F; };
+    const Gcolr_rep rep = {part(16), part(8), part(0)};
+    EXPECT_EQ(gset_colr_rep(1, ind, &rep), 0);
+}
+
+void fill(float x0, float y0, float x1, float y1, int color) {
+    gset_fill_colr_ind(color);
+    const Gpt pts[] = {
+        {x0, y0},
+        {x1, y0},
+        {x1, y1},
+        {x0, y1},
+        {x0, y0}
+    };
+    EXPECT_EQ(gfill_area(5, pts), 0);
+}
+
+class AtDisplay : public testing::Test {
+protected:
+    explicit AtDisplay(int depth = 24) : server(std::make_unique<XServer>(depth)) {}
+    void SetUp() override {
+        if (!server->works())
+            GTEST_SKIP() << "no X server";
+        user = std::make_unique<XUser>(*server);
+        for (const char* name : {"zyrwindow", "WINDOW", "zyrinverse", "zyrlocal_cmap"})
+            unsetenv(name);
+        gopen_gks(nullptr, 10000);
+    }
+    int open(Gws_type type = ws_window, const std::string& rest = "") const {
+        return gopen_ws(1, (server->name() + rest).c_str(), type);
+    }
+    // The window, after all that was drawn has reached it.
+    Picture shown() const {
+        gupdate_window();
+        return user->look(user->find_window());
+    }
+    void TearDown() override {
+        gclose_ws(1);
+        gclose_gks();
+    }
+    std::unique_ptr<XServer> server;
+    std::unique_ptr<XUser> user;
+};
+
+// --- Pictures and colours -------------------------------------------------------
+
+class Depths : public testing::WithParamInterface<int>, public AtDisplay {
+protected:
+    Depths() : AtDisplay(GetParam()) {}
+};
+
+TEST_P(Depths, ColorsReachTheScreen) {
+    gset_background("#204060");
+    ASSERT_EQ(open(), 0);
+    EXPECT_EQ(gget_win_depth(), GetParam());
+    EXPECT_EQ(gset_fill_colr_ind(7), -1) << "has no colour yet";
+    EXPECT_EQ(gget_fill_colr(), 1);
+    set_color(1, green);
+    set_color(7, red);
+    fill(0.25F, 0.25F, 0.5F, 0.5F, 7);
+    fill(0.6F, 0.25F, 0.8F, 0.5F, 505); // a print colour stands for 1
+    const int before = gget_color_ind(7);
+    set_color(7, red);
+    EXPECT_EQ(gget_color_ind(7), before);
+    set_color(7, blue); // what was drawn, and then what is
+    fill(0.25F, 0.6F, 0.5F, 0.8F, 7);
+    const Picture picture = shown();
+    ASSERT_EQ(picture.width, 640);
+    ASSERT_EQ(picture.height, 512);
+    const bool writable = GetParam() == 8;
+    const auto near = [](std::uint32_t a, std::uint32_t b) {
+        int most = 0;
+        for (const int shift : {0, 8, 16})
+            most = std::max(most, std::abs(static_cast<int>(a >> shift & 255U) -
+                                           static_cast<int>(b >> shift & 255U)));
+        return most <= (GetParam() == 16 ? 8 : 0);
+    };
+    const std::array<std::uint32_t, 4> seen = {picture.at(192, 320), picture.at(358, 320),
+                                               picture.at(192, 150), picture.at(5, 5)};
+    const std::array<std::uint32_t, 4> expected = {writable ? blue : red, green, blue, 0x204060};
+    for (std::size_t i = 0; i < seen.size(); ++i)
+        EXPECT_TRUE(near(seen[i], expected[i])) << i << std::hex << ": " << seen[i];
+    int grn = 0;
+    int rest = 0;
+    gget_color_rgb256(-1, &rest, &grn, &rest);
+    EXPECT_NEAR(grn, 0x40, 8);
+}
+
+INSTANTIATE_TEST_SUITE_P(Screens, Depths, testing::Values(8, 16, 24));
+
+TEST_F(AtDisplay, AnAreaHeldBackComesInItsTurn) {
+    ASSERT_EQ(open(), 0);
+    set_color(1, green);
+    set_color(2, red);
+    const Glim left = {0.1F, 0.3F, 0.1F, 0.3F};
+    const Glim clip = {0.0F, 0.45F, 0.0F, 1.0F};
+    fill(0.1F, 0.1F, 0.3F, 0.3F, 1);
+    gclear_region(&left); // over an area still held
+    fill(0.4F, 0.1F, 0.5F, 0.3F, 1);
+    fill(0.4F, 0.1F, 0.5F, 0.3F, 2); // hides its twin
+    gset_vp(1, &clip);
+    gset_win(1, &clip);
+    gsel_norm_tran(1); // from here on the right half of the pair is out of reach
+    fill(0.4F, 0.1F, 0.5F, 0.3F, 1);
+    gset_fill_int_style(GPAT); // lets what is below shine through
+    gset_fill_style_ind(10);
+    fill(0.4F, 0.1F, 0.5F, 0.3F, 2);
+    const Picture picture = shown();
+    const auto at = [&](float x, float y) {
+        return picture.at(static_cast<int>(x * 511), static_cast<int>((1.0F - y) * 511));
+    };
+    EXPECT_EQ(at(0.2F, 0.2F), black);
+    EXPECT_EQ(at(0.42F, 0.2F), green);
+    EXPECT_EQ(at(0.48F, 0.2F), red);
+}
+
+// --- Window -----------------------------------------------------------------------
+
+TEST_F(AtDisplay, GeometryIsHeldWithinWhatAServerCanKeep) {
+    struct Row {
+        const char* text;
+        int x, y, width, height;
+        const char* message;
+    };
+    constexpr Row rows[] = {
+        {"300x200-0-10", 1024 - 300, 800 - 200 - 10, 300,  200, ""                                 },
+        {"300x200+7",    100,        100,            300,  200, ""                                 },
+        {"+7+9",         7,          9,              640,  512, ""                                 },
+        {"0x0",          100,        100,            640,  512, ""                                 },
+        {"99999x30",     100,        100,            8192, 30,  "gopen_ws: window size cut to 8192"},
+        {"-5x-5",        100,        100,            640,  512, "invalid geometry: -5x-5"          },
+        {"300",          100,        100,            640,  512, ""                                 },
+    };
+    RES_conv_data("warn", nullptr, CV_mess);
+    for (const Row& row : rows) {
+        gset_geometry(row.text);
+        testing::internal::CaptureStderr();
+        ASSERT_EQ(open(), 0) << row.text;
+        XWindowAttributes is{};
+        XGetWindowAttributes(user->display(), user->find_window(), &is);
+        EXPECT_EQ((std::array{is.x, is.y, is.width, is.height}),
+                  (std::array{row.x, row.y, row.width, row.height}))
+            << row.text;
+        gclose_ws(1);
+        const std::string said = testing::internal::GetCapturedStderr();
+        EXPECT_NE(said.find(row.message), std::string::npos) << row.text << said;
+    }
+    EXPECT_EQ(gget_num_error(), 0);
+}
+
+TEST_F(AtDisplay, TitleIsAChannel) {
+    EXPECT_EQ(gset_win_title("Radar_of_today"), -1) << "no window yet";
+    ASSERT_EQ(open(), 0);
+    const Window window = user->find_window();
+    EXPECT_EQ(user->title(window), "Radar of today");
+    EXPECT_EQ(user->icon_title(window), "Radar of today");
+    char extra[60];
+    EXPECT_EQ(gset_win_title_extra("[3]"), 0);
+    EXPECT_EQ(user->title(window), "Radar of today [3]");
+    EXPECT_EQ(gget_win_title_extra(extra), 0);
+    EXPECT_STREQ(extra, "[3]");
+    EXPECT_EQ(gset_win_title("new"), 0);
+    gget_win_title_extra(extra);
+    EXPECT_STREQ(extra, "");
+}
+
+TEST_F(AtDisplay, ResizingKeepsThePicture) {
+    ASSERT_EQ(open(), 0);
+    set_color(1, green);
+    fill(0.0F, 0.9F, 0.1F, 1.0F, 1);
+    const Window window = user->find_window();
+    gupdate_window();
+    const auto held = user->resources(window);
+    EXPECT_EQ(gresize_window(-1, -1), 0) << "as before";
+    user->resize(window, 700, 300);
+    EXPECT_EQ(gresize_window(-1, -1), 1);
+    EXPECT_EQ(gresize_window(800, 400), 1);
+    EXPECT_EQ(gresize_window(-1, -1), 0) << "its own doing";
+    int width = 0;
+    int height = 0;
+    gget_win_size(&width, &height);
+    EXPECT_EQ(width * 1000 + height, 800400);
+    const Picture picture = shown();
+    EXPECT_EQ(picture.at(20, 20), green) << picture;
+    EXPECT_EQ(picture.at(790, 390), black) << "new room is cleared";
+    fill(0.9F, 0.0F, 1.0F, 0.1F, 1);
+    EXPECT_EQ(shown().at(395, 395), green) << "the square takes the new height";
+    EXPECT_EQ(user->resources(window), held) << "nothing is left behind";
+}
+
+// --- The window of another program --------------------------------------------------
+
+TEST_F(AtDisplay, PanelsOfAnotherWindow) {
+    const LoopWindow loop(*user, 640, 512);
+    const auto decimal = std::to_string(loop.pixmap());
+    char hex[30];
+    std::snprintf(hex, sizeof hex, "0x%lx", loop.pixmap());
+    const std::string whole = "+" + std::to_string(loop.window()) + ":" + decimal;
+    std::ofstream("zyrloop.3") << hex << ":640x512\n";
+    struct Row {
+        std::string id;
+        const char* geometry;
+        int x, y, width, height;
+        const char* note;
+    };
+    const Row rows[] = {
+        {whole + ":640x512",   "P2x2+1+0",     320, 0,  320, 256, "top right quarter"    },
+        {decimal,              "P20x1+7+0",    560, 0,  80,  512, "at most 8 columns"    },
+        {hex,                  "P1x1+0+0",     0,   0,  640, 512, "all of it"            },
+        {"w3",                 "100x90+30+20", 30,  20, 100, 90,  "pixels"               },
+        {decimal + ":200x100", "999x999",      0,   0,  200, 100, "the id's own size"    },
+        {decimal,              "P.5x.5+0+0",   0,   0,  320, 256, "stays in the drawable"},
+    };
+    for (const Row& row : rows) {
+        gset_geometry(row.geometry);
+        ASSERT_EQ(open(ws_pixmap, "," + row.id), 0) << row.note;
+        int x = 0;
+        int y = 0;
+        int width = 0;
+        int height = 0;
+        gget_win_offset(&x, &y);
+        gget_win_size(&width, &height);
+        EXPECT_EQ((std::array{x, y, width, height}),
+                  (std::array{row.x, row.y, row.width, row.height}))
+            << row.note;
+        set_color(1, green);
+        fill(0.0F, 0.0F, 1.0F, 1.0F, 1);
+        gclose_ws(1); // sends what is held back
+        const Picture after = loop.look();
+        const int side = std::min(row.width, row.height);
+        EXPECT_EQ(after.at(row.x + side - 1, row.y + side - 1), green) << row.note;
+    }
+    EXPECT_EQ(gget_num_error(), 0);
+}
+
+TEST_F(AtDisplay, OwnerOfTheWindowIsAskedAndLeft) {
+    LoopWindow loop(*user, 640, 512);
+    const std::string id =
+        ",+" + std::to_string(loop.window()) + ":" + std::to_string(loop.pixmap());
+    XStoreName(user->display(), loop.window(), "Loop window [2]");
+    XSync(user->display(), False);
+    gset_pix_mode(2);
+    ASSERT_EQ(open(ws_pixmap, id), 0);
+    EXPECT_EQ(loop.serve(), std::vector<int>{2});
+    EXPECT_STREQ(gget_win_title(), "Loop window");
+    gset_pix_mode(9);
+    gclose_ws(1);
+    EXPECT_EQ(loop.serve(), std::vector<int>{9});
+}
+
+TEST_F(AtDisplay, WhatCannotBeOpenedIsReported) {
+    struct Row {
+        Gws_type type;
+        std::string conn;
+        const char* message;
+    };
+    const Row rows[] = {
+        {ws_window, ":nowhere",                "gopen_ws: unable to connect to display\n"   },
+        {ws_pixmap, server->name(),            "gopen_ws: window parameters not specified\n"},
+        {ws_pixmap, server->name() + ",0x",    "gopen_ws: window id not specified\n"        },
+        {ws_pixmap, server->name() + ",0:9x9", "gopen_ws: window id not specified\n"        },
+        {ws_pixmap, server->name() + ",w77",   "gopen_ws: unable to open window id file\n"  },
+        {ws_pixmap, server->name() + ",99999", "gopen_ws: unable to open window\n"          },
+    };
+    RES_conv_data("warn", nullptr, CV_mess);
+    for (const Row& row : rows) {
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(gopen_ws(1, row.conn.c_str(), row.type), -1) << row.conn;
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), row.message) << row.conn;
+        EXPECT_EQ(gchk_graphics(), 0);
+        EXPECT_EQ(gclear_ws(1, 1), 0) << "nothing is left to draw on";
+    }
+    ASSERT_EQ(open(), 0) << "a later opening is none the worse";
+}
+
+TEST_F(AtDisplay, ErrorsOfTheServerEndTheRun) {
+    RES_conv_data("warn", nullptr, CV_mess);
+    const Pixmap pixmap =
+        XCreatePixmap(user->display(), DefaultRootWindow(user->display()), 90, 90, 24);
+    XSync(user->display(), False);
+    const std::string id = "," + std::to_string(pixmap) + ":90x90";
+    const auto draw_on_nothing = [&] {
+        const XUser other(*server);
+        if (open(ws_pixmap, id) != 0)
+            return;
+        XFreePixmap(other.display(), pixmap);
+        XSync(other.display(), False);
+        set_color(1, green);
+        for (int i = 0; i < 40; ++i)
+            fill(0.1F, 0.1F, 0.2F, static_cast<float>(i) * 0.02F, 1);
+        gsync();
+    };
+    EXPECT_EXIT(draw_on_nothing(), testing::ExitedWithCode(4),
+                "X11 error: BadDrawable.* in X_(.|\n)*too many errors");
+    const auto lose_connection = [&] {
+        const XUser other(*server);
+        if (open() != 0)
+            return;
+        XKillClient(other.display(), other.find_window());
+        XSync(other.display(), False);
+        gsync();
+    };
+    EXPECT_EXIT(lose_connection(), testing::ExitedWithCode(4), "Fatal X11 Error");
+}
+
+} // namespace
