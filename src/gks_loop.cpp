@@ -243,8 +243,10 @@ int gdelete_frame(int ind) {
     }
     const bool on_show = loop.cur_image == ind;
     remove_entry(ind);
-    if (loop.num_images == 0)
+    if (loop.num_images == 0) {
         XClearWindow(gget_display(), gget_root_window());
+        gset_win_title_extra("");
+    }
     if (loop.cur_image == loop.num_images)
         --loop.cur_image;
     if (on_show && loop.num_images > 0)

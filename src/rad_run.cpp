@@ -141,7 +141,12 @@ bool plot_file(const RadPlotter& plotter, RadRun& run, const char* name, int fra
 int shift_frames() {
     const int frames = gget_num_images();
     if (frames < 1) {
-        gclear_frame(frame_base);
+        // A new page begins the redraw list anew, too: it would grow by a picture
+        // with each refresh.
+        Domain domain;
+        MAP_get_domain(&domain);
+        PLT_reset(DOM_aspect(&domain));
+        MAP_setup(&domain);
         return 0;
     }
     for (int i = 0; i < frames - 1; i++) {
