@@ -24,7 +24,7 @@ namespace {
 
 constexpr int default_range = 460;   // grid steps of 0.54 nautical miles
 constexpr int item_summary = 10;     // plot component
-constexpr float radial_width = 1.0F; // degrees, also of radials half as far apart
+constexpr float radial_width = 1.0F; // degrees about the azimuth, also of half degree radials
 constexpr int first_clear = 30;      // coverage patterns of clear air
 constexpr int last_clear = 39;
 
@@ -158,9 +158,9 @@ void draw_radial(Walk& walk, const LEV2_data& data) {
     const LEV2_gates& gates = LEV2_get_gates();
     walk.clear_air = data.cov_patt >= first_clear && data.cov_patt <= last_clear;
     walk.elev = data.elev_ang;
-    const double step = static_cast<double>(gates.size_km) * lev2.domain.dx;
-    const RadEdges edges = rad_radial_edges(lev2.domain, walk.plot, walk.site, data.rad_az,
-                                            radial_width, gates.first_km / 100.0, step);
+    const RadBeam beam = {data.rad_az, -radial_width / 2, radial_width, gates.first_km / 100.0,
+                          static_cast<double>(gates.size_km) * lev2.domain.dx};
+    const RadEdges edges = rad_radial_edges(lev2.domain, walk.plot, walk.site, beam);
     walk.looks.take(gates);
     walk.strip.begin();
     for (int i = 0; i < gates.count; i++) {

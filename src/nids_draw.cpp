@@ -26,7 +26,8 @@ bool is_place(const Gpt& p) {
 // The edges of a radial whose bins begin at the site.
 RadEdges radial_edges(const NIDS_frame& frame, float sangle, float dangle) {
     const Domain& own = frame.info->domain;
-    return rad_radial_edges(own, frame.plot, {frame.x0, frame.y0}, sangle, dangle, 0.0, own.dx);
+    const RadBeam beam = {sangle, 0.0F, dangle, 0.0, own.dx};
+    return rad_radial_edges(own, frame.plot, {frame.x0, frame.y0}, beam);
 }
 
 void draw_radials(const NIDS_frame& frame, RadFills& fills) {

@@ -47,17 +47,17 @@ const Gattribs* RadFills::find(float value) {
 
 // --- Strips ---------------------------------------------------------------------
 
-RadEdges rad_radial_edges(const Domain& own, const Domain& plot, Gpt site, float azimuth,
-                          float width, double start, double step) {
+RadEdges rad_radial_edges(const Domain& own, const Domain& plot, Gpt site, const RadBeam& beam) {
     MAP_domain(&own);
-    const float from = MAP_dir_adj(azimuth, site.x, site.y);
+    const float from = MAP_dir_adj(beam.azimuth, site.x, site.y) + beam.shift;
     MAP_domain(&plot);
     const auto edge = [&](double angle) {
         const double east = std::sin(angle * deg_to_rad);
         const double north = std::cos(angle * deg_to_rad);
-        return RadRuler{site.x + start * east, site.y + start * north, step * east, step * north};
+        return RadRuler{site.x + beam.start * east, site.y + beam.start * north, beam.step * east,
+                        beam.step * north};
     };
-    return {edge(from), edge(from + width + overlap_deg)};
+    return {edge(from), edge(from + beam.width + overlap_deg)};
 }
 
 RadStrip::RadStrip(const Domain& own, const Domain& plot)

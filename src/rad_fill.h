@@ -54,12 +54,17 @@ struct RadEdges {
     RadRuler first, second;
 };
 
-// The edges of a radial around (x0, y0) in the data's domain `own`. `plot` is
-// the plot's domain, current on entry and exit.
-//   azimuth, width  degrees; the second edge lies a little beyond the width
-//   start, step     distance of the first bin and length of a bin, plot units
-RadEdges rad_radial_edges(const Domain& own, const Domain& plot, Gpt site, float azimuth,
-                          float width, double start, double step);
+// Where a radial lies: its first edge at the azimuth plus the shift, the second
+// a little beyond the width; degrees. Distances in plot units.
+struct RadBeam {
+    float azimuth = 0, shift = 0, width = 0;
+    double start = 0; // of the first bin
+    double step = 0;  // length of a bin
+};
+
+// The edges of a radial around a site in the data's domain `own`. `plot` is the
+// plot's domain, current on entry and exit.
+RadEdges rad_radial_edges(const Domain& own, const Domain& plot, Gpt site, const RadBeam& beam);
 
 // The figures between two rulers: the bins of a radial between its edges, the
 // cells of a row between its top and bottom. They are collected first, so that

@@ -41,21 +41,6 @@ std::string sample_text(const std::string& name) {
     return "";
 }
 
-// What a golden file keeps of a page: all but the line that changes from run to
-// run and the strokes of texts, which are the font's.
-std::string golden_text(const std::string& page) {
-    std::istringstream lines(page);
-    std::string text;
-    bool in_text = false;
-    for (std::string line; std::getline(lines, line);) {
-        in_text = line.starts_with("%%TE") || (in_text && !line.starts_with("%%"));
-        if (!line.starts_with("%%CreationDate") && (!in_text || line.starts_with("%%TE"))) {
-            text += line + "\n";
-        }
-    }
-    return text;
-}
-
 class Program : public testing::Test {
 protected:
     void SetUp() override {

@@ -1,5 +1,5 @@
-// nids_page.h: a page of a NIDS product, drawn by the program itself with the
-// data files of the source tree.
+// nids_page.h: a page of a radar file, drawn by the program itself with the data
+// files of the source tree.
 #pragma once
 
 #include "run_program.h"
@@ -21,10 +21,26 @@ struct NidsPage {
     [[nodiscard]] int figures() const { return count_text(text, "\n%%FA:"); }
 };
 
-// `args`: files and options, split at blanks.
-inline NidsPage nids_page(const TempDir& dir, const std::string& args) {
+// What a golden file keeps of a page: all but the line that changes from run to
+// run and the strokes of texts, which are the font's.
+inline std::string golden_text(const std::string& page) {
+    std::istringstream lines(page);
+    std::string text;
+    bool in_text = false;
+    for (std::string line; std::getline(lines, line);) {
+        in_text = line.starts_with("%%TE") || (in_text && !line.starts_with("%%"));
+        if (!line.starts_with("%%CreationDate") && (!in_text || line.starts_with("%%TE"))) {
+            text += line + "\n";
+        }
+    }
+    return text;
+}
+
+// `args`: files and options, split at blanks. `input`: the kind of file.
+inline NidsPage nids_page(const TempDir& dir, const std::string& args,
+                          const std::string& input = "nids") {
     ProgramCall call;
-    std::istringstream words("-inp nids -de p,page.ps -fp " ZYR_SOURCE_DIR "/etc " + args);
+    std::istringstream words("-inp " + input + " -de p,page.ps -fp " ZYR_SOURCE_DIR "/etc " + args);
     for (std::string word; words >> word;) {
         call.args.push_back(word);
     }
