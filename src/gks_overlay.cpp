@@ -181,6 +181,22 @@ void fill_ximage(const IMG_report& image, const Converter& converter, XImage* xi
 
 // --- Pixels of a display with a colour map --------------------------------------
 
+// A shared cell: the table's next free index would be a cell that the plot
+// stores its next colour in.
+long shared_pixel(const IMG_color& color) {
+    constexpr float full = 65535.0F;
+    const auto part = [](float value) {
+        return static_cast<unsigned short>(std::clamp(value, 0.0F, 1.0F) * full);
+    };
+    XColor cell{};
+    cell.red = part(color.red);
+    cell.green = part(color.grn);
+    cell.blue = part(color.blu);
+    if (XAllocColor(gget_display(), gget_colormap(), &cell) != 0)
+        return static_cast<long>(cell.pixel);
+    return galloc_colr(-1, color.red, color.grn, color.blu); // the map is full
+}
+
 // Gives each colour of an image a pixel when it first turns up.
 class Palette {
 public:
@@ -188,11 +204,11 @@ public:
 
     unsigned char pixel(Pixel key, const IMG_color& color) {
         long& pixel = pixels_[key];
+        const int trans = static_cast<int>(trans_);
         if (pixel < 0)
-            pixel =
-                gis_color_near(color.red, color.grn, color.blu, static_cast<int>(trans_), 1) != 0
-                    ? trans_
-                    : galloc_colr(-1, color.red, color.grn, color.blu);
+            pixel = gis_color_near(color.red, color.grn, color.blu, trans, 1) != 0
+                        ? trans_
+                        : shared_pixel(color);
         return static_cast<unsigned char>(pixel);
     }
 
@@ -247,12 +263,6 @@ long transparent_pixel(const char* background) {
     if (XParseColor(gget_display(), gget_colormap(), background, &color) == 0) {
         MESS_print(mess_warn, "goverlay_image: invalid color: %s\n", background);
         return gget_color_ind(-1);
-    }
-    if (gget_win_depth() <= small_depth) { // where the image's own colours are looked up, too
-        constexpr float full = 65535.0F;
-        return galloc_colr(-1, static_cast<float>(color.red) / full,
-                           static_cast<float>(color.green) / full,
-                           static_cast<float>(color.blue) / full);
     }
     XAllocColor(gget_display(), gget_colormap(), &color);
     return static_cast<long>(color.pixel);

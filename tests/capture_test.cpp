@@ -1,0 +1,332 @@
+// Pictures between the window and files: what an image dump writes is what the
+// window shows, and what lies in an image file is laid over the plot.
+#include "img_pixel.h"
+#include "plot_window.h"
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+
+#include <png.h>
+
+namespace {
+
+constexpr std::initializer_list<int> depths = {24, 16, 8};
+
+Picture read_png(const std::string& name) {
+    png_image png{};
+    png.version = PNG_IMAGE_VERSION;
+    if (png_image_begin_read_from_file(&png, name.c_str()) == 0) {
+        return {};
+    }
+    png.format = PNG_FORMAT_BGRA; // 0xAARRGGBB as this machine reads it
+    Picture picture{static_cast<int>(png.width), static_cast<int>(png.height), {}};
+    picture.rgb.resize(std::size_t{png.width} * png.height);
+    png_image_finish_read(&png, nullptr, picture.rgb.data(), 0, nullptr);
+    for (std::uint32_t& pixel : picture.rgb) {
+        pixel &= 0xFFFFFF;
+    }
+    return picture;
+}
+
+Picture picture_of_record(const IMG_report& image) {
+    Picture picture{image.width, image.height, {}};
+    const IMG_coloring coloring(image);
+    std::vector<std::uint32_t> row(static_cast<std::size_t>(image.width));
+    for (int y = 0; y < image.height; y++) {
+        IMG_row_values(image, y, image.width, row.data());
+        for (const std::uint32_t value : row) {
+            const IMG_rgb c = coloring(value);
+            picture.rgb.push_back(std::uint32_t{c.red} << 16U | std::uint32_t{c.grn} << 8U | c.blu);
+        }
+    }
+    return picture;
+}
+
+// By the kind's own reader: there is no display that would bound the depth.
+Picture read_picture(const std::string& name, const std::string& kind) {
+    if (kind == "png") {
+        return read_png(name);
+    }
+    IMG_report image;
+    image.depth = 32;
+    const int status = kind == "gif"   ? GIF_read(name.c_str(), &image, 0)
+                       : kind == "xwd" ? XWD_read(name.c_str(), &image, 0)
+                                       : IMG_read_zyr(name.c_str(), &image, 0);
+    Picture picture = status != 0 ? picture_of_record(image) : Picture{};
+    IMG_free(&image);
+    return picture;
+}
+
+// A colour map's components above 0.99 count as full.
+Picture as_captured(Picture picture, int depth) {
+    for (std::uint32_t& pixel : picture.rgb) {
+        for (const unsigned shift : {0U, 8U, 16U}) {
+            if (depth == 8 && (pixel >> shift & 255U) > 252) {
+                pixel |= 255U << shift;
+            }
+        }
+    }
+    return picture;
+}
+
+Picture averages(Picture picture) {
+    for (std::uint32_t& pixel : picture.rgb) {
+        pixel = ((pixel >> 16U) + (pixel >> 8U & 255U) + (pixel & 255U)) / 3 * 0x10101;
+    }
+    return picture;
+}
+
+// --- Images to be laid over a plot ----------------------------------------------
+
+constexpr std::uint32_t colors[] = {0, 0xFFFFFF, 0xFF0000, 0x7FFF00, 0x00FFFF, 0xFF00FF};
+
+std::uint8_t pattern(int x, int y, int bits) {
+    const int count = bits == 1 ? 2 : static_cast<int>(std::size(colors));
+    return static_cast<std::uint8_t>((x / 3 + y / 2) % count);
+}
+
+// A picture of 24 bits, or of a palette with 8, 4 or 1 bits a pixel.
+void write_png(const std::string& name, int bits, int width, int height) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(name.c_str(), "wb"),
+                                                               &std::fclose);
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info = png_create_info_struct(png);
+    std::vector<png_color> palette;
+    for (const std::uint32_t c : colors) {
+        palette.push_back({static_cast<png_byte>(c >> 16U), static_cast<png_byte>(c >> 8U),
+                           static_cast<png_byte>(c)});
+    }
+    png_init_io(png, file.get());
+    png_set_IHDR(png, info, static_cast<png_uint_32>(width), static_cast<png_uint_32>(height),
+                 bits == 24 ? 8 : bits, bits == 24 ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_PALETTE,
+                 PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    if (bits != 24) {
+        png_set_PLTE(png, info, palette.data(), bits == 1 ? 2 : static_cast<int>(palette.size()));
+    }
+    png_write_info(png, info);
+    png_set_packing(png);
+    for (int y = 0; y < height; y++) {
+        std::vector<png_byte> row;
+        for (int x = 0; x < width; x++) {
+            const std::uint8_t index = pattern(x, y, bits);
+            if (bits != 24) {
+                row.push_back(index);
+                continue;
+            }
+            row.insert(row.end(), {palette[index].red, palette[index].green, palette[index].blue});
+        }
+        png_write_row(png, row.data());
+    }
+    png_write_end(png, info);
+    png_destroy_write_struct(&png, &info);
+}
+
+// Pixels beyond the table, which all are its entry 0.
+void write_xwd_beyond(const std::string& name, int width, int height) {
+    IMG_report image;
+    image.width = width;
+    image.height = height;
+    image.depth = image.bits_pixel = 8;
+    image.bytes_line = width;
+    image.color_type = 1;
+    IMG_alloc_colors(&image, 2);
+    image.colors[0] = {1.0F, 0.0F, 0.0F};
+    IMG_alloc(&image);
+    std::memset(image.data, 200, static_cast<std::size_t>(width) * height);
+    XWD_write(name.c_str(), &image);
+    IMG_free(&image);
+}
+
+class CaptureTest : public PlotWindow {
+protected:
+    void SetUp() override {
+        PlotWindow::SetUp();
+        write("disc", disc_product(9));
+        write("other", disc_product(4, 32));
+    }
+    ProgramRun dump(const std::string& args) { return launch("-ba -me warn " + args)->wait(); }
+    std::string file(const std::string& name) const { return dir.path() + "/" + name; }
+};
+
+} // namespace
+
+TEST_F(CaptureTest, FilesAgreeWithTheWindow) {
+    struct Row {
+        const char* kind;
+        const char* option;
+        int depth; // 0: all
+    };
+    constexpr Row rows[] = {
+        {"png", "-pp full,png=shot.png",     0 },
+        {"gif", "-pp full,gif=shot.gif",     0 },
+        {"xwd", "-pp full,xwd=shot.xwd",     0 },
+        {"img", "-pp full,img=shot.img",     24},
+        {"png", "-pp full -of png=shot.png", 24},
+        {"gif", "-pp full -of gif=shot.gif", 24},
+    };
+    for (const int depth : depths) {
+        use_server(depth);
+        const Picture seen = as_captured(picture_of("disc -ge 403x301 -pp full"), depth);
+        ASSERT_GT(seen.colors(), 8);
+        for (const Row& row : rows) {
+            if (row.depth != 0 && row.depth != depth) {
+                continue;
+            }
+            const std::string name = file(std::string("shot.") + row.kind);
+            std::remove(name.c_str());
+            const ProgramRun run = dump(std::string("disc -ge 403x301 ") + row.option);
+            EXPECT_EQ(run.code, 0);
+            EXPECT_EQ(run.err, "");
+            const Picture written = read_picture(name, row.kind);
+            const Picture expected = row.kind == std::string("img") ? averages(seen) : seen;
+            EXPECT_EQ(pixels_that_differ(written, expected), 0) << depth << " " << row.option;
+        }
+    }
+}
+
+TEST_F(CaptureTest, EachFrameHasItsFile) {
+    const Picture first = picture_of("disc");
+    const Picture second = picture_of("other");
+    ASSERT_NE(first, second);
+    EXPECT_EQ(dump("disc other -ip shots -ti Two_files -pp png=%p_%i.png").err, "");
+    EXPECT_EQ(read_png(file("shots/Two_files_00.png")), first);
+    EXPECT_EQ(read_png(file("shots/Two_files_01.png")), second);
+    EXPECT_EQ(dump("disc -pp png").err, "");
+    EXPECT_EQ(read_png(file("zyr_win.png")), first) << "without a name or frames";
+}
+
+TEST_F(CaptureTest, ImagesLieOverThePlot) {
+    struct Row {
+        int bits; // 0: an XWD file whose pixels are beyond its table
+        int width, height, x, y;
+        const char* kind;
+        const char* rest;    // of the entry, behind the file
+        std::uint32_t clear; // the colour that is not drawn
+    };
+    // The picture fills the window of 401 by 301. One picture holds them all,
+    // each over those before it.
+    constexpr Row rows[] = {
+        {24, 20,  14,  0,   0,   "im", "",                    0       },
+        {24, 500, 160, 0,   150, "im", ":#FF0000:0:150",      0xFF0000},
+        {24, 20,  14,  30,  40,  "if", ":black:30:40",        0       },
+        {8,  20,  14,  371, 47,  "im", ":chartreuse:-10:47",  0x7FFF00},
+        {8,  20,  14,  -5,  286, "im", "::-386:-1",           0       },
+        {4,  21,  15,  100, 277, "im", ":white:100:-9",       0xFFFFFF},
+        {4,  21,  15,  395, 295, "im", ":#00FFFF:395:295",    0x00FFFF},
+        {1,  19,  15,  7,   8,   "im", "::7:8",               0       },
+        {1,  19,  15,  9,   199, "im", ":white:9:199",        0xFFFFFF},
+        {8,  20,  14,  -99, -99, "im", "::99999999:99999999", 0       },
+        {0,  20,  14,  5,   66,  "im", "::5:66",              0       },
+    };
+    std::string list = "s+9999:none";
+    for (const Row& row : rows) {
+        std::string name = std::to_string(&row - rows);
+        if (row.bits == 0) {
+            write_xwd_beyond(file(name), row.width, row.height);
+        } else {
+            write_png(file(name), row.bits, row.width, row.height);
+        }
+        list.append(",").append(row.kind).append(":").append(name).append(row.rest);
+    }
+    std::replace(list.begin(), list.end(), ',', ' ');
+    dir.write("images.lst", list);
+    const std::string plot =
+        "disc -ge 401x301 -dr sum,map -pp full -pd ps,35.35,-97.6,401,301,.01,.01 -mf ";
+    for (const int depth : depths) {
+        use_server(depth);
+        Picture expected = picture_of(plot + "s+9999:none");
+        ASSERT_GT(expected.colors(), 1);
+        for (const Row& row : rows) {
+            for (int y = std::max(0, -row.y); y < std::min(row.height, 301 - row.y); y++) {
+                for (int x = std::max(0, -row.x); x < std::min(row.width, 401 - row.x); x++) {
+                    const std::uint32_t pixel =
+                        row.bits == 0 ? 0xFF0000 : colors[pattern(x, y, row.bits)];
+                    if (pixel != row.clear) {
+                        expected.rgb[(row.y + y) * 401 + row.x + x] = pixel;
+                    }
+                }
+            }
+        }
+        for (std::uint32_t& pixel : expected.rgb) {
+            pixel &= depth == 16 ? 0xF8FCF8 : 0xFFFFFF;
+        }
+        const Picture seen = picture_of(plot + "fi:" + file("images.lst"));
+        EXPECT_EQ(pixels_that_differ(seen, expected), 0) << depth;
+    }
+}
+
+// No picture and no image: the plot is made all the same.
+TEST_F(CaptureTest, WhatCannotBeDoneIsTold) {
+    dir.write("torn.png", std::string("\x89PNG\r\n\x1a\n", 8) + "torn");
+    struct Row {
+        const char* args;
+        const char* err;
+    };
+    constexpr Row rows[] = {
+        {"-ba disc -mf im:none.png,lalo",              "MAP_process: Image file not found: none.png\n"                          },
+        {"-ba disc -mf im:torn.png,lalo",              "MAP_process: Unable to draw image: torn.png\n"                          },
+        {"-de p,o.ps disc -mf im:i.png,im:i.png,lalo",
+         "MAP_process: Images are drawn in a window alone: i.png\n"                                                             },
+        {"-de p,o.ps disc -pp png=o.png",              "PLT_dump: Images are taken of a window alone\n"
+                                          "PLT_dump: Unable to write PNG file: o.png\n"},
+        {"-ba disc -pp gif=/proc/o.gif",
+         "Unable to open GIF file\nPLT_dump: Unable to write GIF file: /proc/o.gif\n"                                           },
+    };
+    for (const Row& row : rows) {
+        const std::string more =
+            std::strstr(row.args, "-ba") != nullptr && std::strstr(row.args, "-pp") == nullptr
+                ? " -pp png=shot.png"
+                : "";
+        const ProgramRun run = launch(std::string("-me warn ") + row.args + more)->wait();
+        EXPECT_EQ(run.code, 0) << row.args;
+        EXPECT_EQ(run.err, row.err) << row.args;
+    }
+}
+
+// The script that needs no display, beside the program as it is installed.
+TEST_F(CaptureTest, ZyrshotMakesPicturesWithoutADisplay) {
+    const std::string script = file("zyrshot");
+    std::filesystem::copy(ZYR_SOURCE_DIR "/scripts/zyrshot", script);
+    std::filesystem::create_symlink(ZYR_PROGRAM, file("zyrrad"));
+    const Picture seen = picture_of("disc -ge 403x301 -pp full");
+    struct Row {
+        const char* args;
+        int code;
+        const char* written; // empty: nothing
+        const char* err;     // begins so
+    };
+    constexpr Row rows[] = {
+        {"-s 403x301 disc a.png -- -pp full",        0,  "a.png",  ""                           },
+        {"-s 403x301 disc a.gif -- -pp full",        0,  "a.gif",  ""                           },
+        {"-s 403x301 other disc %i.png -- -pp full", 0,  "01.png", ""                           },
+        {"none a.png",                               10, "",       "NIDS_open_file: Unable to"  },
+        {"disc a.jpg",                               2,  "",       "zyrshot: no .png or .gif"   },
+        {"-s 403 disc a.png",                        2,  "",       "zyrshot: no size: 403\n"    },
+        {"disc other a.png",                         2,  "",       "zyrshot: several files need"},
+        {"disc none/a.png",                          1,  "",       "zyrshot: no such directory" },
+        {"-x disc a.png",                            2,  "",       "zyrshot: unknown option: -x"},
+    };
+    std::vector<std::unique_ptr<RunningProgram>> running; // all at once
+    for (const Row& row : rows) {
+        ProgramCall call;
+        call.env["zyrdefault"] = ZYR_SOURCE_DIR "/etc";
+        call.directory = dir.path();
+        std::istringstream words(row.args);
+        for (std::string word; words >> word;) {
+            call.args.push_back(word);
+        }
+        running.push_back(std::make_unique<RunningProgram>(script, call));
+    }
+    for (const Row& row : rows) {
+        const ProgramRun run = running[&row - rows]->wait();
+        EXPECT_EQ(run.code, row.code) << row.args << run.err;
+        EXPECT_EQ(run.err.substr(0, std::strlen(row.err)), row.err) << row.args;
+        EXPECT_EQ(run.err.empty(), row.code == 0) << row.args << run.err;
+        const std::string name = row.written;
+        if (!name.empty()) {
+            EXPECT_EQ(read_picture(file(name), name.substr(name.size() - 3)), seen) << row.args;
+        }
+    }
+}
