@@ -1,4 +1,5 @@
-// fixed_format.cpp: two-decimal numbers, byte for byte as "%3.2f". No state.
+// fixed_format.cpp: numbers of two and six decimals, byte for byte as "%3.2f" and
+// "%f". No state.
 
 #include "fixed_format.h"
 
@@ -27,7 +28,7 @@ char* put_pair(char* out, std::uint32_t n) {
     return out + 2;
 }
 
-// The whole part, without leading zeros; below 10^7.
+// The whole part, without leading zeros.
 char* put_whole(char* out, std::uint32_t n) {
     if (n < 10) {
         *out = static_cast<char>('0' + n);
@@ -38,6 +39,13 @@ char* put_whole(char* out, std::uint32_t n) {
     return put_pair(put_whole(out, n / 100), n % 100);
 }
 
+// Adding 2^52 leaves no bits for a fraction: the sum is rounded to a whole
+// number, ties to even, and its low bits are that number. Below 2^52.
+std::uint64_t rounded(double value) {
+    constexpr double shift = 4503599627370496.0;
+    return std::bit_cast<std::uint64_t>(value + shift) - std::bit_cast<std::uint64_t>(shift);
+}
+
 } // namespace
 
 char* format_fixed2(char* out, float value) {
@@ -46,13 +54,27 @@ char* format_fixed2(char* out, float value) {
     // False for NaN too.
     if (!(hundredths < 1.0e9))
         return out + std::snprintf(out, fixed2_size, "%3.2f", static_cast<double>(value));
-    // Adding 2^52 leaves no bits for a fraction: the sum is rounded to a whole
-    // number, ties to even, and its low bits are that number.
-    constexpr double shift = 4503599627370496.0;
-    const auto n = static_cast<std::uint32_t>(std::bit_cast<std::uint64_t>(hundredths + shift));
+    const auto n = static_cast<std::uint32_t>(rounded(hundredths));
     if (std::signbit(value))
         *out++ = '-';
     out = put_whole(out, n / 100);
     *out++ = '.';
     return put_pair(out, n % 100);
+}
+
+char* format_fixed6(char* out, float value) {
+    constexpr std::uint64_t million = 1000000;
+    // A float times 10^6 has at most 38 significant bits, so this is exact.
+    const double millionths = std::fabs(static_cast<double>(value) * 1.0e6);
+    if (!(millionths < 1.0e15))
+        return out + std::snprintf(out, fixed6_size, "%f", static_cast<double>(value));
+    const std::uint64_t n = rounded(millionths);
+    const auto decimals = static_cast<std::uint32_t>(n % million);
+    if (std::signbit(value))
+        *out++ = '-';
+    out = put_whole(out, static_cast<std::uint32_t>(n / million));
+    *out++ = '.';
+    out = put_pair(out, decimals / 10000);
+    out = put_pair(out, decimals / 100 % 100);
+    return put_pair(out, decimals % 100);
 }

@@ -1,5 +1,5 @@
-// fixed_format.h: the printf conversion "%3.2f", which writes every coordinate
-// of a picture, some ten times as fast.
+// fixed_format.h: the printf conversions "%3.2f" and "%f", which write every
+// coordinate of a picture, some ten times as fast.
 #pragma once
 
 // Room that any float needs: sign, 39 digits, point, 2 decimals.
@@ -10,3 +10,9 @@ constexpr int fixed2_size = 48;
 // fixed2_size characters. Returns the end of the text. Every float gives the
 // bytes of snprintf, infinity and NaN included.
 char* format_fixed2(char* out, float value);
+
+// Room that any float needs: sign, 39 digits, point, 6 decimals, zero.
+constexpr int fixed6_size = 48;
+
+// The same for "%f", six decimals.
+char* format_fixed6(char* out, float value);

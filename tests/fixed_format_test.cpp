@@ -11,14 +11,18 @@
 
 namespace {
 
+// Both formats of a value.
 std::string ours(float value) {
-    std::array<char, fixed2_size> text{};
-    return {text.data(), format_fixed2(text.data(), value)};
+    std::array<char, fixed2_size> two{};
+    std::array<char, fixed6_size> six{};
+    const std::string first(two.data(), format_fixed2(two.data(), value));
+    return first + " " + std::string(six.data(), format_fixed6(six.data(), value));
 }
 
 std::string theirs(float value) {
-    std::array<char, fixed2_size> text{};
-    std::snprintf(text.data(), text.size(), "%3.2f", static_cast<double>(value));
+    std::array<char, fixed2_size + fixed6_size> text{};
+    std::snprintf(text.data(), text.size(), "%3.2f %f", static_cast<double>(value),
+                  static_cast<double>(value));
     return text.data();
 }
 
@@ -41,6 +45,8 @@ TEST(FixedFormat, KnownValues) {
                           9999999.0F,
                           1e7F,
                           1.1e7F,
+                          9.99999936e8F,
+                          1e9F,
                           3e9F,
                           1e20F,
                           limits::max(),
@@ -60,7 +66,8 @@ TEST(FixedFormat, BytesOfPrintfForEveryKindOfValue) {
     for (int i = 0; i < 300000; ++i) {
         const auto bits = static_cast<std::uint32_t>(random());
         const float tie = static_cast<float>(static_cast<int>(bits % 2000001) - 1000000) / 8.0F;
-        for (const float v : {std::bit_cast<float>(bits), page(random), clamped(random), tie}) {
+        for (const float v :
+             {std::bit_cast<float>(bits), page(random), clamped(random), tie, tie / 16.0F}) {
             ASSERT_EQ(ours(v), theirs(v)) << "bits " << std::bit_cast<std::uint32_t>(v);
         }
     }
