@@ -335,14 +335,15 @@ int ginit_objs();
 char* gnew_obj(int type, int values, int size, const void* data);
 int gclear_objs();
 std::size_t gget_objs_bytes(); // bytes of the records and their data
-int gset_cache(int value); // 1: events are served
+int gset_cache(int value);     // 1: events are served
 int gget_cache();
 int gset_redraw(int value); // 1: the list is in use. Returns the old value
 int gget_redraw();
 int gobj_redraw_funcs(const drawobj* obj); // plays one record
 int gobj_print_meta();                     // writes the list as a metafile
 
-// --- Metafile (gks_meta.cpp) ----------------------------------------------------
+// --- Metafile (gks_meta.cpp, gks_cgm.cpp, gks_meta_read.cpp)
+// ----------------------------------------------------
 
 // What gopen_ws does for type 3. Returns 0, or -1 after a report.
 int gmeta_open_ws(const char* conn_id);
@@ -353,10 +354,17 @@ int gmeta_set_type(int type); // 0 text, 1 CGM
 int gmeta_get_type();
 // Writes to a text metafile alone. Always 0.
 [[gnu::format(printf, 1, 2)]] int gmeta_printf(const char* format, ...);
+// The same as one line: control characters in it become blanks, so that no
+// text of a plot is taken for records. Cut at 511 characters.
+[[gnu::format(printf, 1, 2)]] int gmeta_line(const char* format, ...);
 // "PL 5 x,y x,y ...": a keyword, the count and the points, broken after every
 // fourth. `end` 1: always ends the line; 0: not behind a multiple of four.
 int gmeta_points(const char* keyword, int n, const Gpt* pts, int end);
-int gread_metafile(const char* filename); // plays a text metafile
+// Plays a text metafile on the open workstation, in the state in force, and
+// leaves the state that it set. -1 after a report if it cannot be opened.
+int gread_metafile(const char* filename);
+// The same over a plot: state and colours are afterwards as they were before.
+int goverlay_metafile(const char* filename);
 // Binary elements; `len` 31 is the long form. Text metafiles take none of them.
 int gcgm_control(int maj, int min, int len, int param);
 int gcgm_point(float x, float y);    // world

@@ -202,9 +202,13 @@ int gset_colr_rep(int ws_id, int ind, const Gcolr_rep* rep) {
         gerr_printf("gset_colr_rep", "invalid color index: %d\n", ind);
         return -1;
     }
-    if (gtype_is_META())
-        return gmeta_printf("CLR %d %d %f %f %f\n", ws_id, ind, static_cast<double>(rep->red),
-                            static_cast<double>(rep->green), static_cast<double>(rep->blue));
+    if (gtype_is_META()) {
+        gmeta_printf("CLR %d %d %f %f %f\n", ws_id, ind, static_cast<double>(rep->red),
+                     static_cast<double>(rep->green), static_cast<double>(rep->blue));
+        if (gget_display() == nullptr) // else a window's list is written out
+            galloc_colr(ind, rep->red, rep->green, rep->blue);
+        return 0;
+    }
     gnew_obj(obj_colr_rep, ind, sizeof *rep, rep);
     galloc_colr(ind, rep->red, rep->green, rep->blue);
     return 0;

@@ -50,9 +50,12 @@ struct FillState {
     int fill_inter_index = 1; // pattern number
     int fill_color = 1;
     int print_solid = 0; // 1: fills print black; no reset touches it
+    // A metafile holds another pattern than this state: a pattern only goes to
+    // the file there.
+    bool pattern_elsewhere = false;
 };
 FillState fill;
-FillState fill_aside; // of the window while a replay runs
+FillState fill_aside; // while a replay runs
 
 struct FillContext {
     GC gc = nullptr;
@@ -177,7 +180,8 @@ int gset_fill_int_style(int style) {
 }
 
 int gset_fill_style_ind(int ind) {
-    if (ind == fill.fill_inter_index)
+    const bool same = ind == fill.fill_inter_index;
+    if (same && !fill.pattern_elsewhere)
         return 0;
     if (gchk_open("gset_fill_style_ind") != 0)
         return -1;
@@ -185,9 +189,11 @@ int gset_fill_style_ind(int ind) {
         gerr_printf("gset_fill_style_ind", "invalid style index: %d\n", ind);
         return -1;
     }
-    fill.fill_inter_index = ind;
-    if (gtype_is_META())
+    if (gtype_is_META()) {
+        fill.pattern_elsewhere = !same;
         return gmeta_printf("FA_ST %d\n", ind);
+    }
+    fill.fill_inter_index = ind;
     gnew_obj(obj_fill_style_ind, ind, 0, nullptr);
     apply_style();
     return 0;
@@ -244,14 +250,15 @@ void gput_fill_state() {
     fill = now; // also what a setter refused
 }
 
-void ghold_fill_state(int begin) {
-    if (begin == 0) {
+void ghold_fill_state(Ghold what) {
+    if (what == Ghold::restore) {
         fill = fill_aside;
         return;
     }
     gflush_fill();
     fill_aside = fill;
-    fill = {missing_index, missing_index, missing_index, fill.print_solid};
+    if (what == Ghold::begin)
+        fill = {missing_index, missing_index, missing_index, fill.print_solid};
 }
 
 GC gget_fill_gc() {

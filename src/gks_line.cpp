@@ -20,7 +20,7 @@ struct LineState {
     int print_bold = 1; // factor on widths in print; no reset touches it
 };
 LineState line;
-LineState line_aside; // of the window while a replay runs
+LineState line_aside; // while a replay runs
 
 struct LineContext {
     GC gc = nullptr;
@@ -201,13 +201,14 @@ void gput_line_state() {
     line = now; // also what a setter refused
 }
 
-void ghold_line_state(int begin) {
-    if (begin == 0) {
+void ghold_line_state(Ghold what) {
+    if (what == Ghold::restore) {
         line = line_aside;
         return;
     }
     line_aside = line;
-    line = {missing_index, missing_index, -1.0F, line.print_bold};
+    if (what == Ghold::begin)
+        line = {missing_index, missing_index, -1.0F, line.print_bold};
 }
 
 GC gget_line_gc() {

@@ -21,7 +21,7 @@ struct MarkerState {
     float marker_height = 10.0F; // one unit is 10 pixels on a display
 };
 MarkerState marker;
-MarkerState marker_aside; // of the window while a replay runs
+MarkerState marker_aside; // while a replay runs
 GC mark_gc = nullptr;
 
 // A path in half sizes about the position.
@@ -304,13 +304,14 @@ void gput_marker_state() {
     marker = now; // also what a setter refused
 }
 
-void ghold_marker_state(int begin) {
-    if (begin == 0) {
+void ghold_marker_state(Ghold what) {
+    if (what == Ghold::restore) {
         marker = marker_aside;
         return;
     }
     marker_aside = marker;
-    marker = {missing_index, missing_index, -1.0F, -1.0F};
+    if (what == Ghold::begin)
+        marker = {missing_index, missing_index, -1.0F, -1.0F};
 }
 
 GC gget_marker_gc() {

@@ -1,46 +1,189 @@
-// gks_meta.cpp: the metafile workstation.
+// gks_meta.cpp: the metafile workstation: every kernel call as a line of text, or
+// a binary metafile of polylines (gks_cgm.cpp). Owns the file and its form.
+// gmeta_open_ws (from gopen_ws) comes first; the redraw list opens a file of its
+// own while a window is up.
+//
+// The records are written where the calls are, by gmeta_printf and its like. A
+// text metafile begins with the state in force, so that it plays the same
+// wherever it is played.
 
+#include "gks_meta.h"
+
+#include "fixed_format.h"
+#include "geometry_text.h"
 #include "gks.h"
+#include "out_file.h"
+#include "zyr.h"
 
-int gmeta_open_ws(const char*) {
-    return -1;
+#include "date.h"
+#include "zyrresrc.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdarg>
+#include <cstring>
+#include <ctime>
+#include <utility>
+
+#include <sys/stat.h>
+
+namespace {
+
+struct Metafile {
+    std::FILE* out_file = nullptr;
+    bool append = false;
+    int meta_type = meta_text;
+};
+Metafile meta;
+
+bool is_text_open() {
+    return meta.meta_type == meta_text && meta.out_file != nullptr;
 }
-std::FILE* gmeta_open_file(const char*) {
-    return nullptr;
+
+// The form of the file, among the options behind its name.
+void decode_type(const char* conn_id) {
+    int count = 0;
+    char** fields = nullptr;
+    parse_string(conn_id, ',', &count, &fields);
+    for (int i = 1; i < count; ++i) {
+        if (stricmp(fields[i], "cgm") == 0)
+            gmeta_set_type(meta_cgm);
+        else if (stricmp(fields[i], "zyr") == 0)
+            gmeta_set_type(meta_text);
+    }
+    free_parsed_array(count, fields);
 }
+
+void put_heading() {
+    std::time_t now = 0;
+    DATE_get_time(&now);
+    std::array<char, 32> date{};
+    gmeta_printf("ZYRMETA\n");
+    gmeta_line("#Title: ZYR Graphics Display: %s", gget_win_title());
+    gmeta_printf("#Creator: ZYR Metafile Processor-1.0\n");
+    gmeta_printf("#CreationDate: %s", ctime_r(&now, date.data()));
+}
+
+// "x,y ", with a line break behind it.
+void put_point(const Gpt& pt, bool line_break) {
+    constexpr char indent[] = "\n   ";
+    std::array<char, 2 * fixed6_size + 8> text;
+    char* end = format_fixed6(text.data(), pt.x);
+    *end++ = ',';
+    end = format_fixed6(end, pt.y);
+    *end++ = ' ';
+    if (line_break)
+        end = std::copy_n(indent, sizeof indent - 1, end);
+    fwrite_unlocked(text.data(), 1, static_cast<std::size_t>(end - text.data()), meta.out_file);
+}
+
+} // namespace
+
+int gmeta_open_ws(const char* conn_id) {
+    constexpr Grectangle page = {0, 0, 1000, 800};
+    constexpr float unit = 100.0F; // of a page of 10 by 8
+    gset_win_type(ws_metafile);
+    decode_type(conn_id);
+    std::array<char, file_name_size> name{};
+    output_name(conn_id, {"zyrmeta_out"}, meta.meta_type == meta_cgm ? "zyr.cgm" : "zyr.meta",
+                name.data(), name.size());
+    if (gmeta_open_file(name.data()) == nullptr) {
+        gerr_printf("gopen_ws", "unable to open metafile\n");
+        return -1;
+    }
+    gmeta_init_file();
+    set_page_area(RES_get("geometry"), page, unit);
+    return 0;
+}
+
+std::FILE* gmeta_open_file(const char* name) {
+    MESS_print(mess_mess, "Creating metafile: %s\n", name);
+    meta.append = *name == '+';
+    if (meta.append)
+        ++name;
+    meta.out_file = open_output(name, meta.append);
+    return meta.out_file;
+}
+
 int gmeta_init_file() {
+    if (meta.meta_type == meta_cgm)
+        gcgm_begin();
+    else
+        put_heading();
     return 0;
 }
+
 int gmeta_close_file() {
-    return -1;
-}
-int gmeta_set_type(int) {
+    if (meta.out_file == nullptr)
+        return -1;
+    if (!meta.append)
+        gcgm_end();
+    if (close_output(std::exchange(meta.out_file, nullptr)) != 0) {
+        gerr_printf("gmeta_close_file", "unable to write metafile\n");
+        return -1;
+    }
+    MESS_print(mess_mess, "Created metafile\n");
     return 0;
 }
+
+int gmeta_set_type(int type) {
+    meta.meta_type = type;
+    return 0;
+}
+
 int gmeta_get_type() {
+    return meta.meta_type;
+}
+
+int gmeta_printf(const char* format, ...) {
+    if (!is_text_open())
+        return 0;
+    std::va_list args;
+    va_start(args, format);
+    std::vfprintf(meta.out_file, format, args);
+    va_end(args);
     return 0;
 }
-int gmeta_printf(const char*, ...) {
+
+int gmeta_line(const char* format, ...) {
+    if (!is_text_open())
+        return 0;
+    std::array<char, 512> text{};
+    std::va_list args;
+    va_start(args, format);
+    std::vsnprintf(text.data(), text.size(), format, args);
+    va_end(args);
+    std::replace_if(
+        text.begin(), text.begin() + std::strlen(text.data()),
+        [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');
+    return gmeta_printf("%s\n", text.data());
+}
+
+int gmeta_points(const char* keyword, int n, const Gpt* pts, int end) {
+    constexpr int points_per_line = 4;
+    if (!is_text_open())
+        return 0;
+    gmeta_printf("%s %d ", keyword, n);
+    for (int i = 0; i < n; ++i) {
+        const bool full = (i + 1) % points_per_line == 0;
+        put_point(pts[i], full && (end == 0 || i + 1 < n));
+    }
+    if (end != 0 || n % points_per_line != 0)
+        gmeta_printf("\n");
     return 0;
 }
-int gmeta_points(const char*, int, const Gpt*, int) {
-    return 0;
+
+void gmeta_put_bytes(const unsigned char* bytes, std::size_t n) {
+    if (meta.meta_type == meta_cgm && meta.out_file != nullptr)
+        fwrite_unlocked(bytes, 1, n, meta.out_file);
 }
-int gread_metafile(const char*) {
-    return -1;
-}
-int gcgm_control(int, int, int, int) {
-    return 0;
-}
-int gcgm_point(float, float) {
-    return 0;
-}
-int gcgm_ps_point(float, float) {
-    return 0;
-}
-int gcgm_polyline(int, const Gpt*) {
-    return 0;
-}
-int gcgm_set_clip(float, float, float, float) {
-    return 0;
+
+int gmeta_is_output(std::FILE* file) {
+    struct stat in {};
+    struct stat out {};
+    if (meta.out_file == nullptr || fstat(fileno(file), &in) != 0 ||
+        fstat(fileno(meta.out_file), &out) != 0)
+        return 0;
+    return S_ISREG(in.st_mode) && in.st_dev == out.st_dev && in.st_ino == out.st_ino ? 1 : 0;
 }

@@ -17,27 +17,31 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <utility>
 #include <vector>
 
 namespace {
 
 constexpr std::size_t block_size = std::size_t{64} << 10;
-constexpr int heartbeat = 500; // events are served at every so many calls
+constexpr unsigned heartbeat = 500; // events are served at every so many calls
 
 // Memory of the list. What is larger than a block gets one of its own.
 class Arena {
 public:
     // Null when there is none.
-    void* take(std::size_t size) {
+    char* take(std::size_t size) {
         constexpr std::size_t align = alignof(drawable);
         size = (size + align - 1) / align * align;
-        if (size > left && !grow(std::max(size, block_size)))
+        if (size > block_size)
+            return new_block(size);
+        if (size > left) {
+            next = new_block(block_size);
+            left = next == nullptr ? 0 : block_size;
+        }
+        if (next == nullptr)
             return nullptr;
-        char* place = next;
-        next += size;
         left -= size;
-        held_bytes += size;
-        return place;
+        return std::exchange(next, next + size);
     }
     void clear() {
         blocks.clear();
@@ -45,18 +49,18 @@ public:
         left = 0;
         held_bytes = 0;
     }
+    // Of all blocks.
     [[nodiscard]] std::size_t bytes() const { return held_bytes; }
 
 private:
-    bool grow(std::size_t size) {
+    char* new_block(std::size_t size) {
         try {
-            blocks.emplace_back(new char[size]);
+            blocks.push_back(std::make_unique_for_overwrite<char[]>(size));
         } catch (const std::bad_alloc&) {
-            return false;
+            return nullptr;
         }
-        next = blocks.back().get();
-        left = size;
-        return true;
+        held_bytes += size;
+        return blocks.back().get();
     }
     std::vector<std::unique_ptr<char[]>> blocks;
     char* next = nullptr;
@@ -67,7 +71,7 @@ private:
 struct RedrawList {
     drawable root{0, 0, nullptr, nullptr}; // begins the list and holds no object
     drawable* last = nullptr;              // where the next record hangs; null: the list has ended
-    int num_objects = 0;                   // calls counted
+    unsigned num_objects = 0;              // calls counted
     int action = 0;                        // 1: events are served
     int redraw = 1;                        // the list is in use
     int redrawn = 0;                       // a metafile was written
@@ -75,65 +79,133 @@ struct RedrawList {
 };
 RedrawList list;
 
-const Glim* as_lim(const drawobj* obj) {
-    return reinterpret_cast<const Glim*>(obj->data);
-}
-
-float as_float(const drawobj* obj) {
-    float value = 0.0F;
-    std::memcpy(&value, obj->data, sizeof value);
+// The data of a record, which was copied byte by byte.
+template <typename T> T data_as(const drawobj* obj) {
+    T value{};
+    if (obj->data != nullptr)
+        std::memcpy(&value, obj->data, sizeof value);
     return value;
 }
 
-const Gpt* as_points(const drawobj* obj) {
+const Gpt* points_of(const drawobj* obj) {
     return reinterpret_cast<const Gpt*>(obj->data);
 }
 
-// How a record is played.
-struct Player {
-    int type;
-    void (*play)(const drawobj* obj);
-};
-constexpr std::array players = {
-    Player{obj_message,        [](const drawobj* o) { gmessage(1, o->data); }                                          },
-    Player{obj_ws_vp,          [](const drawobj* o) { gset_ws_vp(1, as_lim(o)); }                                      },
-    Player{obj_ws_win,         [](const drawobj* o) { gset_ws_win(1, as_lim(o)); }                                     },
-    Player{obj_norm_tran,      [](const drawobj* o) { gsel_norm_tran(o->values); }                                     },
-    Player{obj_vp,             [](const drawobj* o) { gset_vp(o->values, as_lim(o)); }                                 },
-    Player{obj_win,            [](const drawobj* o) { gset_win(o->values, as_lim(o)); }                                },
-    Player{obj_colr_rep,
-           [](const drawobj* o) {
-               gset_colr_rep(1, o->values, reinterpret_cast<const Gcolr_rep*>(o->data));
-           }                                                                                                           },
-    Player{obj_clear_region,   [](const drawobj* o) { gclear_region(as_lim(o)); }                                      },
-    Player{obj_polyline,       [](const drawobj* o) { gpolyline(o->values, as_points(o)); }                            },
-    Player{obj_linetype,       [](const drawobj* o) { gset_linetype(o->values); }                                      },
-    Player{obj_linewidth,      [](const drawobj* o) { gset_linewidth(as_float(o)); }                                   },
-    Player{obj_line_colr,      [](const drawobj* o) { gset_line_colr_ind(o->values); }                                 },
-    Player{obj_line_bold,      [](const drawobj* o) { gset_line_print_bold(o->values); }                               },
-    Player{obj_polymarker,     [](const drawobj* o) { gpolymarker(o->values, as_points(o)); }                          },
-    Player{obj_marker_type,    [](const drawobj* o) { gset_marker_type(o->values); }                                   },
-    Player{obj_marker_size,    [](const drawobj* o) { gset_marker_size(as_float(o)); }                                 },
-    Player{obj_marker_colr,    [](const drawobj* o) { gset_marker_colr_ind(o->values); }                               },
-    Player{obj_marker_width,   [](const drawobj* o) { gset_marker_width(as_float(o)); }                                },
-    Player{obj_text,           [](const drawobj* o) { gtext(as_points(o), o->data + sizeof(Gpt)); }                    },
-    Player{obj_space,          [](const drawobj* o) { gset_space(as_float(o)); }                                       },
-    Player{obj_char_space,     [](const drawobj* o) { gset_char_space(as_float(o)); }                                  },
-    Player{obj_expan,          [](const drawobj* o) { gset_expan(as_float(o)); }                                       },
-    Player{obj_text_colr,      [](const drawobj* o) { gset_text_colr_ind(o->values); }                                 },
-    Player{obj_char_ht,        [](const drawobj* o) { gset_char_ht(as_float(o)); }                                     },
-    Player{obj_char_up,        [](const drawobj* o) { gset_char_up_vec(as_points(o)); }                                },
-    Player{obj_fontprec,
-           [](const drawobj* o) { gset_fontprec(reinterpret_cast<const Gfontprec*>(o->data)); }                        },
-    Player{
-           obj_text_align,     [](const drawobj* o) { gset_text_align(reinterpret_cast<const Gtext_align*>(o->data)); }},
-    Player{obj_text_width,     [](const drawobj* o) { gset_text_width(as_float(o)); }                                  },
-    Player{obj_fill_area,      [](const drawobj* o) { gfill_area(o->values, as_points(o)); }                           },
-    Player{obj_fill_int_style, [](const drawobj* o) { gset_fill_int_style(o->values); }                                },
-    Player{obj_fill_style_ind, [](const drawobj* o) { gset_fill_style_ind(o->values); }                                },
-    Player{obj_fill_colr,      [](const drawobj* o) { gset_fill_colr_ind(o->values); }                                 },
-    Player{obj_fill_solid,     [](const drawobj* o) { gset_fill_print_solid(o->values); }                              },
-};
+// Records whose `values` says all.
+bool has_no_data(int type) {
+    constexpr std::array types = {obj_norm_tran, obj_linetype,       obj_line_colr,
+                                  obj_line_bold, obj_marker_type,    obj_marker_colr,
+                                  obj_text_colr, obj_fill_int_style, obj_fill_style_ind,
+                                  obj_fill_colr, obj_fill_solid};
+    return std::find(types.begin(), types.end(), type) != types.end();
+}
+
+int play_number(int type, int n) {
+    switch (type) {
+    case obj_norm_tran:
+        return gsel_norm_tran(n);
+    case obj_linetype:
+        return gset_linetype(n);
+    case obj_line_colr:
+        return gset_line_colr_ind(n);
+    case obj_line_bold:
+        return gset_line_print_bold(n);
+    case obj_marker_type:
+        return gset_marker_type(n);
+    case obj_marker_colr:
+        return gset_marker_colr_ind(n);
+    case obj_text_colr:
+        return gset_text_colr_ind(n);
+    case obj_fill_int_style:
+        return gset_fill_int_style(n);
+    case obj_fill_style_ind:
+        return gset_fill_style_ind(n);
+    case obj_fill_colr:
+        return gset_fill_colr_ind(n);
+    case obj_fill_solid:
+        return gset_fill_print_solid(n);
+    default:
+        return -1;
+    }
+}
+
+int play_float(int type, float value) {
+    switch (type) {
+    case obj_linewidth:
+        return gset_linewidth(value);
+    case obj_marker_size:
+        return gset_marker_size(value);
+    case obj_marker_width:
+        return gset_marker_width(value);
+    case obj_space:
+        return gset_space(value);
+    case obj_char_space:
+        return gset_char_space(value);
+    case obj_expan:
+        return gset_expan(value);
+    case obj_char_ht:
+        return gset_char_ht(value);
+    case obj_text_width:
+        return gset_text_width(value);
+    default:
+        return -1;
+    }
+}
+
+int play_limits(int type, int n, const Glim& lim) {
+    switch (type) {
+    case obj_ws_vp:
+        return gset_ws_vp(1, &lim);
+    case obj_ws_win:
+        return gset_ws_win(1, &lim);
+    case obj_vp:
+        return gset_vp(n, &lim);
+    case obj_win:
+        return gset_win(n, &lim);
+    case obj_clear_region:
+        return gclear_region(&lim);
+    default:
+        return -1;
+    }
+}
+
+int play_record(const drawobj* obj) {
+    const int n = obj->values;
+    switch (obj->type) {
+    case obj_message:
+        return gmessage(1, obj->data);
+    case obj_polyline:
+        return gpolyline(n, points_of(obj));
+    case obj_polymarker:
+        return gpolymarker(n, points_of(obj));
+    case obj_fill_area:
+        return gfill_area(n, points_of(obj));
+    case obj_text:
+        return gtext(points_of(obj), obj->data + sizeof(Gpt));
+    case obj_char_up:
+        return gset_char_up_vec(points_of(obj));
+    case obj_colr_rep: {
+        const auto rep = data_as<Gcolr_rep>(obj);
+        return gset_colr_rep(1, n, &rep);
+    }
+    case obj_fontprec: {
+        const auto font = data_as<Gfontprec>(obj);
+        return gset_fontprec(&font);
+    }
+    case obj_text_align: {
+        const auto align = data_as<Gtext_align>(obj);
+        return gset_text_align(&align);
+    }
+    case obj_ws_vp:
+    case obj_ws_win:
+    case obj_vp:
+    case obj_win:
+    case obj_clear_region:
+        return play_limits(obj->type, n, data_as<Glim>(obj));
+    default:
+        return play_float(obj->type, data_as<float>(obj));
+    }
+}
 
 bool says_no(const char* text) {
     return text != nullptr && stricmp(text, "no") == 0;
@@ -146,7 +218,7 @@ public:
     Replay() {
         gget_win_size(&width, &height);
         gset_cursor(cursor_number_wait);
-        hold(1);
+        ghold_state(Ghold::begin);
         list.redraw = 0;
         gset_win_type(ws_metafile);
     }
@@ -154,20 +226,13 @@ public:
         gset_win_type(type);
         list.redraw = redraw;
         gset_win_size(width, height);
-        hold(0);
+        ghold_state(Ghold::restore);
         gset_cursor(cursor);
     }
     Replay(const Replay&) = delete;
     Replay& operator=(const Replay&) = delete;
 
 private:
-    static void hold(int begin) {
-        ghold_tran_state(begin);
-        ghold_line_state(begin);
-        ghold_fill_state(begin);
-        ghold_marker_state(begin);
-        ghold_text_state(begin);
-    }
     Gws_type type = gget_win_type();
     int redraw = list.redraw;
     int cursor = gget_cursor_type();
@@ -176,6 +241,22 @@ private:
 };
 
 } // namespace
+
+void gput_state() {
+    gput_tran_state();
+    gput_line_state();
+    gput_fill_state();
+    gput_marker_state();
+    gput_text_state();
+}
+
+void ghold_state(Ghold what) {
+    ghold_tran_state(what);
+    ghold_line_state(what);
+    ghold_fill_state(what);
+    ghold_marker_state(what);
+    ghold_text_state(what);
+}
 
 int ginit_objs() {
     gclear_objs();
@@ -193,19 +274,23 @@ char* gnew_obj(int type, int values, int size, const void* data) {
         gcheck_event();
     if (list.redraw == 0 || list.last == nullptr)
         return nullptr;
-    const auto bytes = static_cast<std::size_t>(std::max(size, 0));
-    void* place = list.arena.take(sizeof(drawable) + bytes);
+    void* place = list.arena.take(sizeof(drawable));
     if (place == nullptr) {
         gerr_printf("newobj", "malloc error\n");
         list.last = nullptr; // the list ends here, the plot does not
         return nullptr;
     }
-    char* behind = static_cast<char*>(place) + sizeof(drawable);
-    auto* object = new (place) drawable{type, values, nullptr, bytes > 0 ? behind : nullptr};
-    if (bytes > 0 && data != nullptr)
-        std::memcpy(behind, data, bytes);
+    auto* object = new (place) drawable{type, values, nullptr, nullptr};
     list.last->next = object;
     list.last = object;
+    if (size <= 0)
+        return nullptr;
+    const auto bytes = static_cast<std::size_t>(size);
+    object->data = list.arena.take(bytes);
+    if (object->data == nullptr)
+        gerr_printf("newobj", "data malloc error\n");
+    else if (data != nullptr)
+        std::memcpy(object->data, data, bytes);
     return object->data;
 }
 
@@ -240,12 +325,9 @@ int gget_redraw() {
 }
 
 int gobj_redraw_funcs(const drawobj* obj) {
-    const auto* player = std::find_if(players.begin(), players.end(),
-                                      [&](const Player& row) { return row.type == obj->type; });
-    if (player == players.end())
-        return -1;
-    player->play(obj);
-    return 0;
+    if (has_no_data(obj->type))
+        return play_number(obj->type, obj->values);
+    return obj->data == nullptr ? -1 : play_record(obj);
 }
 
 int gobj_print_meta() {

@@ -558,6 +558,7 @@ int gps_set_color_rep(float red, float grn, float blu, int ind) {
     if (ind < -1 || ind >= num_colrs)
         return -1;
     PrintColor& color = ps.colors[ind < 0 ? background_colr : ind];
+    const auto before = color.rgb_text;
     const double sum =
         0.9 * static_cast<double>(red) + static_cast<double>(grn) + 0.8 * static_cast<double>(blu);
     const auto gray = static_cast<float>(sum / 2.7);
@@ -566,6 +567,8 @@ int gps_set_color_rep(float red, float grn, float blu, int ind) {
                   static_cast<double>(color.gray));
     std::snprintf(color.rgb_text.data(), color.rgb_text.size(), "%4.2f %4.2f %4.2f setrgbcolor\n",
                   static_cast<double>(red), static_cast<double>(grn), static_cast<double>(blu));
+    if (ind == ps.ps_col_ind && before != color.rgb_text)
+        ps.ps_col_ind = missing_index; // what is in force is its old colour
     return 0;
 }
 

@@ -36,9 +36,12 @@ struct TextState {
     float upx = 0.0F; // up vector, of length 1
     float upy = 1.0F;
     int font_ind = 1; // place in the list, from 1
+    // A metafile holds another up vector than these: nothing is laid out there,
+    // so its vector only goes to the file.
+    bool up_elsewhere = false;
 };
 TextState state;
-TextState state_aside; // of the window while a replay runs
+TextState state_aside; // while a replay runs
 GC text_gc = nullptr;
 
 struct FontEntry {
@@ -52,6 +55,8 @@ struct FontState {
     std::array<char, 80> font_list{}; // given by gset_font_list
     int drop_shadow = 0;              // pixels
     Gfont font{};
+    int in_memory = 1; // place in the list that `font` was read for
+    int aside_in_memory = 1;
     XFontStruct* font_info = nullptr; // a font of the server, in place of `font`
 };
 FontState font_state;
@@ -169,6 +174,12 @@ int read_font(const char* name) {
         return -1;
     }
     return 0;
+}
+
+int read_listed_font(int ind) {
+    font_state.in_memory = ind;
+    const bool listed = ind >= 1 && ind <= font_state.num_fonts;
+    return read_font(listed ? font_state.fonts[ind - 1].name.data() : "modern.fnt");
 }
 
 // --- Layout -------------------------------------------------------------------
@@ -312,35 +323,11 @@ void show_glyph(const Layout& layout, int place) {
     stroke.flush();
 }
 
-// A glyph in a binary metafile: a polyline a stroke.
-void plot_glyph(const Layout& layout, int place) {
-    constexpr int longest = 30;
-    std::array<Gpt, longest> points{};
-    int n = 0;
-    Gstroke s{};
-    const auto flush = [&] {
-        if (n > 1)
-            gcgm_polyline(n, points.data());
-    };
-    while (gnext_stroke(font_state.font, &place, &s)) {
-        if (!s.down || n == longest) {
-            flush();
-            if (s.down)
-                points[0] = points[longest - 1];
-            n = s.down ? 1 : 0;
-        }
-        points[n++] = glyph_point(layout, s);
-    }
-    flush();
-}
-
 void draw_glyph(const Layout& layout, int place) {
     if (gtype_is_WIN_PIX())
         show_glyph(layout, place);
     else if (gtype_is_PS())
         print_glyph(layout, place);
-    else if (gtype_is_META())
-        plot_glyph(layout, place);
 }
 
 void draw_text(const Gpt& pos, std::string_view text) {
@@ -419,14 +406,6 @@ void show_text(const Gpt& pos, const char* str) {
     });
 }
 
-int write_text(const Gpt& pos, const char* str) {
-    if (gmeta_get_type() == 0)
-        gmeta_printf("TE %f,%f %s\n", static_cast<double>(pos.x), static_cast<double>(pos.y), str);
-    else
-        draw_text(pos, str);
-    return 0;
-}
-
 // Records a changed attribute: a line of a metafile, or an object of the list.
 // True on a metafile, where nothing is left to do.
 bool put_float(const char* keyword, Gobj code, float value) {
@@ -472,7 +451,8 @@ int gtext(const Gpt* pos, const char* str) {
     if (*str == '\0')
         return 0;
     if (gtype_is_META())
-        return write_text(*pos, str);
+        return gmeta_line("TE %f,%f %s", static_cast<double>(pos->x), static_cast<double>(pos->y),
+                          str);
     if (gtype_is_WIN_PIX()) {
         show_text(*pos, str);
         return 0;
@@ -556,16 +536,19 @@ int gset_char_space(float space) {
 }
 
 int gset_char_up_vec(const Gpt* up) {
-    if (up->x == state.upx && up->y == state.upy)
+    const bool same = up->x == state.upx && up->y == state.upy;
+    if (same && !state.up_elsewhere)
         return 0;
     if (gchk_open("gset_char_up_vec") != 0)
         return -1;
     const float length = std::hypot(up->x, up->y);
     if (!std::isfinite(length) || length == 0.0F)
         return -1; // it points nowhere
-    if (gtype_is_META())
+    if (gtype_is_META()) {
+        state.up_elsewhere = !same;
         return gmeta_printf("TE_UP %f,%f\n", static_cast<double>(up->x),
                             static_cast<double>(up->y));
+    }
     gnew_obj(obj_char_up, 1, sizeof *up, up);
     state.upx = up->x / length;
     state.upy = up->y / length;
@@ -601,7 +584,7 @@ int gset_fontprec(const Gfontprec* font) {
     if (gchk_open("gset_fontprec") != 0)
         return -1;
     state.font_ind = font->font;
-    if (gtype_is_META() && gmeta_get_type() == 0)
+    if (gtype_is_META())
         return gmeta_printf("TE_FNT %d %d\n", font->font, font->prec);
     gnew_obj(obj_fontprec, 1, sizeof *font, font);
     if (font_state.num_fonts == 0)
@@ -610,7 +593,7 @@ int gset_fontprec(const Gfontprec* font) {
         MESS_print(mess_warn, "gset_fontprec: invalid font id: %d\n", font->font);
         return -1;
     }
-    return read_font(font_state.fonts[font->font - 1].name.data());
+    return read_listed_font(font->font);
 }
 
 int gset_font_list(const char* list) {
@@ -620,10 +603,7 @@ int gset_font_list(const char* list) {
 
 int gsetup_fonts() {
     setup_list();
-    const int ind = state.font_ind;
-    if (ind < 1 || ind > font_state.num_fonts)
-        return read_font("modern.fnt");
-    return read_font(font_state.fonts[ind - 1].name.data());
+    return read_listed_font(state.font_ind);
 }
 
 int gget_font_index(const char* name) {
@@ -689,13 +669,17 @@ void gput_text_state() {
     state = now;                                       // also what a setter refused
 }
 
-void ghold_text_state(int begin) {
-    if (begin == 0) {
+void ghold_text_state(Ghold what) {
+    if (what == Ghold::restore) {
         state = state_aside;
+        if (font_state.in_memory != font_state.aside_in_memory)
+            read_listed_font(font_state.aside_in_memory);
         return;
     }
     state_aside = state;
-    state = unknown_state();
+    font_state.aside_in_memory = font_state.in_memory;
+    if (what == Ghold::begin)
+        state = unknown_state();
 }
 
 GC gget_text_gc() {

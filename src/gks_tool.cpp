@@ -26,6 +26,7 @@ struct Station {
     int win_height = 512;
     int win_x = 0; // its offset
     int win_y = 0;
+    int redraw = 1; // of the redraw list before a file device
     std::array<char, 20> prog_name{"X11_Graph"};
     std::array<char, 60> win_title{"X11_Graph"};
 };
@@ -40,6 +41,12 @@ enum Init_type {
     init_metafile = 4,
     init_size = 10 // the size of the device has changed
 };
+
+// A file device has no events, and its file is all that is kept of the plot.
+void hold_redraw() {
+    gset_cache(0);
+    station.redraw = gset_redraw(0);
+}
 
 // The branch of the device, with what initialises the plot there. Negative
 // after a report.
@@ -60,15 +67,6 @@ int open_device(const char* conn_id, Gws_type type) {
         gerr_printf("gopen_ws", "invalid workstation type: %d\n", type);
         return init_none;
     }
-}
-
-// A metafile and the redraw list hold changes alone: they begin with the state.
-void put_state() {
-    gput_tran_state();
-    gput_line_state();
-    gput_fill_state();
-    gput_marker_state();
-    gput_text_state();
 }
 
 } // namespace
@@ -101,14 +99,20 @@ int gopen_ws(int /*ws_id*/, const char* conn_id, Gws_type ws_type) {
     const char* print = std::getenv("zyrprint");
     if (ws_type == ws_postscript && print != nullptr && stricmp(print, "hpgl") == 0)
         ws_type = ws_hpgl;
+    const bool file_device = ws_type != ws_window && ws_type != ws_pixmap;
+    if (file_device)
+        hold_redraw();
     const int init = open_device(conn_id, ws_type);
-    if (init == init_none)
+    if (init == init_none) {
+        if (file_device)
+            gset_redraw(station.redraw);
         return -1;
+    }
     kernel.open_graphics = 1;
     ginit_objs();
     ginit_plot(init);
     if (gtype_is_META())
-        put_state();
+        gput_state();
     gsetup_fonts(); // a missing font has been reported: the plot goes on without text
     ginit_background();
     constexpr int mode_clear = 1;
@@ -130,6 +134,8 @@ int gclose_ws(int /*ws_id*/) {
     station.win_height = 0;
     if (gtype_is_WIN())
         gclear_objs();
+    else if (!gtype_is_PIX())
+        gset_redraw(station.redraw);
     if (gtype_is_PS())
         gps_close_file();
     if (gtype_is_META())
@@ -149,7 +155,7 @@ int gclear_ws(int /*ws_id*/, int /*flag*/) {
                    static_cast<unsigned>(width), static_cast<unsigned>(height));
     greset_zoom();
     gclear_objs();
-    put_state();
+    gput_state();
     ginit_plot(init_none);
     return 0;
 }
@@ -297,7 +303,7 @@ const char* gget_win_title() {
 
 int gmessage(int level, const char* text) {
     if (gtype_is_META())
-        return gmeta_printf("ME %s\n", text);
+        return gmeta_line("ME %s", text);
     gnew_obj(obj_message, level, static_cast<int>(std::strlen(text)) + 1, text);
     if (gtype_is_PS())
         gps_comment("%%%%Message: %s", text);

@@ -29,7 +29,7 @@ struct Transformations {
     Gpipe pipe{};
 };
 Transformations tran;
-Transformations tran_aside; // of the window while a replay runs
+Transformations tran_aside; // while a replay runs
 
 Gcoords from_lim(const Glim& lim) {
     return {
@@ -178,13 +178,15 @@ void gput_tran_state() {
     put_selection(tran.cur_trans);
 }
 
-void ghold_tran_state(int begin) {
-    if (begin == 0) {
+void ghold_tran_state(Ghold what) {
+    if (what == Ghold::restore) {
         tran = tran_aside;
+        write_clip();
         return;
     }
     tran_aside = tran;
-    tran.cur_trans = missing_tran;
+    if (what == Ghold::begin)
+        tran.cur_trans = missing_tran;
 }
 
 int ginit_tran(int type) {

@@ -60,11 +60,16 @@ void gput_text_state();
 
 // An attribute that no setter is given.
 constexpr int missing_index = -9999;
-// A replay into a metafile must leave the state of the window alone. `begin` 1
-// sets the state aside, so that the replay's first setters all count; 0 brings
-// it back.
-void ghold_tran_state(int begin);
-void ghold_line_state(int begin);
-void ghold_fill_state(int begin);
-void ghold_marker_state(int begin);
-void ghold_text_state(int begin);
+// A replay must leave the state as it was. `begin` sets the state aside, and
+// the first setters of the replay all count; `keep` sets a copy aside; `restore`
+// brings the state back.
+enum class Ghold { begin, keep, restore };
+void ghold_tran_state(Ghold what);
+void ghold_line_state(Ghold what);
+void ghold_fill_state(Ghold what);
+void ghold_marker_state(Ghold what);
+void ghold_text_state(Ghold what);
+
+// All of it at once (gks_obj.cpp).
+void gput_state();
+void ghold_state(Ghold what);

@@ -279,16 +279,18 @@ int image_entry(const char* text, int transformation) {
     return 0;
 }
 
-// Entries that lay another file over the picture. Metafiles and raw files need
-// their readers; this program is built without them.
-struct OtherEntry {
-    const char* word;
-    const char* what;
-};
-constexpr OtherEntry other_entries[] = {
-    {"mf:", "metafile"},
-    {"rf:", "rawfile" },
-};
+// A metafile brings its own transformations.
+int metafile_entry(const char* file) {
+    PLT_mess("Map-metafile: %s", file);
+    return goverlay_metafile(file);
+}
+
+// Raw files need their reader; this program is built without it.
+int rawfile_entry(const char* file) {
+    PLT_mess("Map-rawfile: %s", file);
+    MESS_print(mess_warn, "MAP_process: No rawfile is drawn by this program: %s\n", file);
+    return -1;
+}
 
 int draw_entry(const char* entry) {
     if (begins(entry, "im:")) {
@@ -297,14 +299,11 @@ int draw_entry(const char* entry) {
     if (begins(entry, "if:")) {
         return image_entry(entry + std::strlen("if:"), tran_page);
     }
-    for (const OtherEntry& other : other_entries) {
-        if (begins(entry, other.word)) {
-            const char* file = entry + std::strlen(other.word);
-            PLT_mess("Map-%s: %s", other.what, file);
-            MESS_print(mess_warn, "MAP_process: No %s is drawn by this program: %s\n", other.what,
-                       file);
-            return -1;
-        }
+    if (begins(entry, "mf:")) {
+        return metafile_entry(entry + std::strlen("mf:"));
+    }
+    if (begins(entry, "rf:")) {
+        return rawfile_entry(entry + std::strlen("rf:"));
     }
     if (begins(entry, "lalo")) {
         return lalo_entry(entry + std::strlen("lalo"));

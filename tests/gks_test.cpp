@@ -118,7 +118,7 @@ TEST(Kernel, BadValuesLeaveTheOldStateAndName) {
 TEST(Kernel, DevicesThatCannotOpenEndWithFour) {
     expect_exit(ws_window, "", "this build has no window device");
     expect_exit(ws_pixmap, "", "this build has no window device");
-    expect_exit(ws_metafile, "", "gopen_ws: unable to open metafile\n\n");
+    expect_exit(ws_metafile, "/dev/null/x.meta", "gopen_ws: unable to open metafile\n\n");
     expect_exit(ws_hpgl, "", "gopen_ws: unable to open HPGL file\n\n");
     expect_exit(ws_postscript, "/dev/null/x.ps", "gopen_ws: unable to open postscript file\n\n");
     setenv("zyrprint", "HPGL", 1);

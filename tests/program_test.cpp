@@ -144,7 +144,7 @@ TEST_F(ProgramTest, FaultsThatEndTheRun) {
              {"-ba",                   "", 10, "File not found: ./201905201412.nids\n"                 }, // the 500 minutes before
              {"radial -ba",            "", 4,  no_window                                               },
              {"radial -de d",          "", 4,  no_window                                               },
-             {"radial -de m,x",        "", 4,
+             {"radial -de m,radial/x", "", 4,
               "gopen_ws: unable to open metafile\n\nGPH_begin: Error opening workstation\n"            },
              {"radial -de q,x",        "", 4,
               "gopen_ws: unable to open HPGL file\n\nGPH_begin: Error opening workstation\n"           },

@@ -1,0 +1,18 @@
+// gks_meta.h: what the two forms of a metafile and its reader share.
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+
+constexpr int meta_text = 0;
+constexpr int meta_cgm = 1;
+
+// Writes bytes to a binary metafile alone.
+void gmeta_put_bytes(const unsigned char* bytes, std::size_t n);
+// 1 if `file` is the metafile that is being written.
+int gmeta_is_output(std::FILE* file);
+
+// Everything in front of the first polyline of a binary metafile, and behind
+// the last.
+void gcgm_begin();
+void gcgm_end();
