@@ -301,12 +301,12 @@ void show_next_frame() {
 }
 
 void hold_pass(int* quiet) {
+    std::fflush(stdout); // a pipe behind the program reads on while it waits
     if (gget_num_images() >= 2 && gget_looping() != 0) {
         show_next_frame();
         *quiet = 0;
         return;
     }
-    std::fflush(stdout); // a pipe behind the program reads on while it waits
     show_cursor(gget_num_images() < 2 ? cursor_number_rect : cursor_number_stop);
     if (evnt.refresh > 0)
         poll_still(quiet);
