@@ -83,10 +83,10 @@ protected:
         return all;
     }
     bool shows(const Picture& expected) const {
-        return wait_until([&] { return user->look(window) == expected; }, 10);
+        return wait_until([&] { return user->look(window) == expected; }, 5);
     }
     bool has_title(const std::string& expected) const {
-        return wait_until([&] { return user->title(window) == expected; }, 10);
+        return wait_until([&] { return user->title(window) == expected; }, 5);
     }
     // The colour of the disc: near its middle, away from the site.
     std::uint32_t disc() const {
@@ -102,7 +102,7 @@ protected:
     }
     bool said(const std::string& text) const {
         return wait_until([&] { return (program->out() + program->err()).find(text) != text.npos; },
-                          10);
+                          5);
     }
 
     TempDir dir;

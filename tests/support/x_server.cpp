@@ -224,7 +224,7 @@ int pixels_that_differ(const Picture& a, const Picture& b) {
 
 // --- User ---------------------------------------------------------------------
 
-XUser::XUser(const XServer& server) : display_(XOpenDisplay(server.name().c_str())) {
+XUser::XUser(const std::string& display) : display_(XOpenDisplay(display.c_str())) {
     XSetErrorHandler(pass_over);
 }
 

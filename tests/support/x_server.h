@@ -56,7 +56,8 @@ enum Modifier : unsigned { no_modifier = 0, alt = 1, shift = 2, control = 4 };
 // program makes of it takes longer: wait for what it shows, or for `settle`.
 class XUser {
 public:
-    explicit XUser(const XServer& server);
+    explicit XUser(const XServer& server) : XUser(server.name()) {}
+    explicit XUser(const std::string& display);
 
     Display* display() const { return display_.get(); }
     // The mapped top-level window of class "Zyr"; 0 if none comes.

@@ -1,0 +1,334 @@
+// Several files as frames of a loop, and what zoom makes of a picture: what the
+// user does, and what the window then shows.
+#include "plot_window.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <map>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr std::array<const char*, 4> files = {"d0", "d1", "d2", "d3"};
+constexpr const char* plain = " -dr sum,text";
+
+struct Place {
+    float lat = 0, lon = 0;
+};
+
+// The last position that the program has printed.
+Place last_place(const std::string& out) {
+    Place place;
+    const std::size_t at = out.rfind("Lat:");
+    if (at == out.npos ||
+        std::sscanf(out.c_str() + at, "Lat: %f Lon: %f", &place.lat, &place.lon) != 2) {
+        ADD_FAILURE() << "no position in: " << out;
+    }
+    return place;
+}
+
+class FramesTest : public PlotWindow {
+protected:
+    void SetUp() override {
+        PlotWindow::SetUp();
+        int level = 3;
+        for (const char* name : files) {
+            write(name, disc_product(level, 30 + level));
+            level += 3;
+        }
+    }
+    // Starts a loop of all files and stops it at frame 0.
+    void start_stopped() {
+        start(std::string("d0 d1 d2 d3 -ti T -me mess") + plain);
+        user->key(XK_l, alt);
+        constexpr int longest_ms = 1400; // that a frame of a running loop stays
+        std::string before;
+        while (before != user->title(window)) {
+            before = user->title(window);
+            usleep(1000 * longest_ms);
+        }
+        for (int i = 0; i < 4 && user->title(window) != "T [0]"; i++) {
+            user->key(XK_bracketright, alt);
+            settle();
+        }
+        ASSERT_EQ(user->title(window), "T [0]");
+    }
+    // Each file alone in a window.
+    std::vector<Picture> pictures() {
+        std::vector<Picture> all;
+        for (const char* name : files) {
+            all.push_back(picture_of(name + std::string(plain)));
+        }
+        return all;
+    }
+    // What the program prints for a pixel of the window.
+    Place place_at(int x, int y) {
+        user->point(window, x, y);
+        user->key(XK_v, alt);
+        settle();
+        return last_place(program->out());
+    }
+    // Is this frame on show, in title and picture?
+    void expect_frame(int number, const Picture& expected, const char* note) {
+        ASSERT_TRUE(has_title("T [" + std::to_string(number) + "]"))
+            << note << " " << user->title(window);
+        ASSERT_TRUE(shows(expected)) << note;
+    }
+};
+
+// `f` by `f` pixels for one, the pixel (cx, cy) in the middle as far as the
+// edges allow.
+Picture magnified(const Picture& from, int cx, int cy, int f) {
+    const auto origin = [f](int centre, int size) {
+        return std::clamp(centre - size / f / 2, 0, size - (size + f - 1) / f);
+    };
+    Picture to = from;
+    for (int y = 0; y < from.height; y++) {
+        for (int x = 0; x < from.width; x++) {
+            to.rgb[static_cast<std::size_t>(y * from.width + x)] =
+                from.at(origin(cx, from.width) + x / f, origin(cy, from.height) + y / f);
+        }
+    }
+    return to;
+}
+
+} // namespace
+
+TEST_F(FramesTest, StepsThroughFrames) {
+    const std::vector<Picture> each = pictures();
+    ASSERT_GT(pixels_that_differ(each[0], each[1]), 1000);
+    start_stopped();
+    struct Row {
+        KeySym sym; // 1 to 3: a button
+        unsigned modifiers;
+        int frame;
+    };
+    expect_frame(0, each[0], "start");
+    for (const Row& row : std::initializer_list<Row>{
+             {XK_bracketright, alt,         1},
+             {XK_bracketright, alt,         2},
+             {3,               no_modifier, 3},
+             {3,               no_modifier, 0}, // behind the last
+             {1,               no_modifier, 3}, // before the first
+             {XK_bracketleft,  alt,         2},
+             {XK_bracketleft,  no_modifier, 2}
+    }) {
+        if (row.sym <= 3) {
+            user->click(static_cast<unsigned>(row.sym));
+        } else {
+            user->key(row.sym, row.modifiers);
+        }
+        settle();
+        expect_frame(row.frame, each[static_cast<std::size_t>(row.frame)], "step");
+    }
+    user->cover(window);
+    expect_frame(2, each[2], "covered");
+    user->key(XK_d, alt); // frame 3 takes the place of 2
+    expect_frame(2, each[3], "deleted");
+    user->key(XK_d, alt); // the last: the one before it comes on show
+    expect_frame(1, each[1], "deleted at the end");
+    const int pixmaps = user->resources(window).at("PIXMAP");
+    user->key(XK_d, alt);
+    expect_frame(0, each[0], "deleted all but one");
+    EXPECT_EQ(user->resources(window).at("PIXMAP"), pixmaps - 1);
+    user->key(XK_d, alt);
+    settle();
+    user->key(XK_bracketright, alt); // there is nothing to go to
+    leave();
+}
+
+TEST_F(FramesTest, LoopRunsAndRests) {
+    using Clock = std::chrono::steady_clock;
+    start(std::string("d0 d1 d2 d3 -ti T") + plain);
+    std::map<std::string, double> shortest; // stay of each frame
+    std::string order;
+    std::string title = user->title(window);
+    auto since = Clock::now();
+    int changes = -1; // the first stay is not whole
+    wait_until([&] {
+        const std::string now = user->title(window);
+        if (now != title) {
+            const std::chrono::duration<double> stay = Clock::now() - since;
+            since = Clock::now();
+            if (++changes > 0) {
+                const auto row = shortest.emplace(title, stay.count()).first;
+                row->second = std::min(row->second, stay.count());
+                order += title.substr(2);
+            }
+            title = now;
+        }
+        return changes == 8;
+    });
+    EXPECT_NE(std::string("[0][1][2][3][0][1][2][3][0][1][2][3]").find(order), order.npos) << order;
+    for (const auto& [name, stay] : shortest) {
+        EXPECT_GT(stay, name == "T [3]" ? 0.95 : 0.45) << name;
+        EXPECT_LT(stay, name == "T [3]" ? 1.45 : 0.95) << name;
+    }
+    user->iconify(window); // a hidden loop stands still
+    settle();
+    title = user->title(window);
+    user->map(window);
+    EXPECT_TRUE(wait_until([&] { return user->title(window) != title; }, 10));
+    leave();
+}
+
+TEST_F(FramesTest, FramesByHour) {
+    for (const int minute : {10, 20, 30}) {
+        write("2019052022" + std::to_string(minute) + ".nids", disc_product(minute / 3, minute));
+    }
+    const std::map<std::string, std::string> now = {
+        {"zyrcurtime", "201905202240"}
+    };
+    start(std::string("201905202230 -nh -0:20,0:10 -ti T -pp nolooptitle") + plain, now);
+    std::vector<Picture> shown;
+    user->key(XK_l, alt);
+    for (int i = 0; i < 6; i++) {
+        const Picture next = picture();
+        EXPECT_EQ(user->title(window), "T");
+        if (std::find(shown.begin(), shown.end(), next) == shown.end()) {
+            shown.push_back(next);
+        }
+        user->key(XK_bracketright, alt);
+    }
+    EXPECT_EQ(shown.size(), 3U);
+    leave();
+}
+
+TEST_F(FramesTest, TooManyFilesAreToldOf) {
+    std::string args;
+    for (int i = 0; i < 129; i++) {
+        const std::string name = "f" + std::to_string(i);
+        write(name, disc_product(1 + i % 15));
+        args += name + " ";
+    }
+    start("d0 -ge 80x60 -dr sum");
+    const int others = user->resources(window).at("PIXMAP");
+    leave();
+    start(args + "-ge 80x60 -dr sum");
+    EXPECT_EQ(user->resources(window).at("PIXMAP"), others + 128);
+    EXPECT_EQ(program->err(), "A loop holds 128 frames: 1 more files are left out\n");
+    leave();
+}
+
+TEST_F(FramesTest, PixelZoom) {
+    start(std::string("d2 -ti T -me mess") + plain);
+    const Picture whole = picture();
+    const Place before = place_at(300, 200);
+    user->key(XK_z, alt);
+    EXPECT_TRUE(shows(magnified(whole, 300, 200, 2)));
+    const Place after = place_at(320, 256); // what has come into the middle
+    EXPECT_NEAR(after.lat, before.lat, 0.03);
+    EXPECT_NEAR(after.lon, before.lon, 0.03);
+    user->key(XK_z, alt);
+    EXPECT_TRUE(shows(magnified(whole, 300, 200, 4)));
+    user->cover(window);
+    EXPECT_TRUE(shows(magnified(whole, 300, 200, 4)));
+    user->key(XK_u, alt);
+    EXPECT_TRUE(shows(whole));
+    for (int i = 0; i < 11; i++) {
+        user->key(XK_z, alt);
+    }
+    EXPECT_TRUE(said("gzoom: Cannot zoom past 1024x\n"));
+    EXPECT_EQ(picture().colors(), 1);
+    user->key(XK_u, alt);
+    EXPECT_TRUE(shows(whole));
+    user->key(XK_z, alt);
+    settle();
+    user->key(XK_r, alt); // drawn again, as a whole
+    EXPECT_TRUE(shows(whole));
+    leave();
+}
+
+TEST_F(FramesTest, ZoomHoldsThroughFrames) {
+    const std::vector<Picture> each = pictures();
+    start_stopped();
+    user->point(window, 200, 150);
+    user->key(XK_z, alt);
+    expect_frame(0, magnified(each[0], 200, 150, 2), "zoom");
+    user->key(XK_bracketright, alt);
+    expect_frame(1, magnified(each[1], 200, 150, 2), "next frame");
+    user->key(XK_u, alt);
+    expect_frame(1, each[1], "unzoom");
+    leave();
+}
+
+TEST_F(FramesTest, RectangleZoomsIntoTheMap) {
+    start("d2 -me mess");
+    const Picture whole = picture();
+    const auto drag = [&](int x0, int y0, int x1, int y1) {
+        const Picture before = user->look(window);
+        user->point(window, x0, y0);
+        user->press(1, shift);
+        settle();
+        user->point(window, x1, y1);
+        settle();
+        EXPECT_GT(pixels_that_differ(user->look(window), before), 100) << "the band";
+        user->release(1);
+        settle();
+    };
+    const Place middle = place_at(320, 230);
+    const Place corner = place_at(220, 160);
+    drag(220, 160, 420, 300);
+    EXPECT_TRUE(said("New domain: pstereo:35.333:")) << program->out();
+    // The picture is one and a half times as wide as high: its height decides.
+    const double scale = static_cast<double>(whole.width) / 691 * 460 / (300 - 160);
+    for (const auto& [before, after] : std::initializer_list<std::array<Place, 2>>{
+             {middle, place_at(320,                         256)                               },
+             {corner,
+              place_at(320 - static_cast<int>(100 * scale), 256 - static_cast<int>(70 * scale))}
+    }) {
+        EXPECT_NEAR(after.lat, before.lat, 0.025);
+        EXPECT_NEAR(after.lon, before.lon, 0.025);
+    }
+    const Picture part = picture();
+    drag(300, 200, 350, 240); // further in
+    EXPECT_NE(user->look(window), part);
+    user->key(XK_r, alt);
+    settle();
+    EXPECT_NE(user->look(window), part);
+    user->key(XK_u, alt);
+    EXPECT_TRUE(shows(whole)) << "back to the first domain at once";
+    drag(420, 300, 220, 160); // the other way round
+    EXPECT_TRUE(shows(part));
+    leave();
+}
+
+TEST_F(FramesTest, ReadsOutTheSite) {
+    start(std::string("d2") + plain);
+    const Picture shown = picture();
+    user->point(window, shown.width / 2, shown.height / 2);
+    user->key(XK_v, alt);
+    ASSERT_TRUE(said("Lat:")) << program->out();
+    settle();
+    const std::string out = program->out();
+    float lat = 0;
+    float lon = 0;
+    float distance = 100;
+    EXPECT_EQ(std::sscanf(out.c_str() + out.find("Lat:"), "Lat: %f Lon: %f Dist: %fnm", &lat, &lon,
+                          &distance),
+              3)
+        << out;
+    EXPECT_NEAR(lat, 35.333, 0.05);
+    EXPECT_NEAR(lon, -97.278, 0.05);
+    EXPECT_LT(distance, 2);
+    leave();
+}
+
+// Pictures of what is on show, by key.
+TEST_F(FramesTest, KeysWriteImages) {
+    start_stopped();
+    user->key(XK_bracketright, alt);
+    user->key(XK_g, alt);
+    EXPECT_TRUE(said("Created GIF file: T-01.gif\n")) << program->out() << program->err();
+    user->key(XK_l, alt);
+    user->key(XK_x, alt);
+    EXPECT_TRUE(said("T-03.xwd\n")) << program->out() << program->err();
+    leave();
+    EXPECT_TRUE(read_text(dir.path() + "/T-01.gif").starts_with("GIF8"));
+    for (const char* name : {"T-00.xwd", "T-01.xwd", "T-02.xwd", "T-03.xwd"}) {
+        EXPECT_GT(read_text(dir.path() + "/" + name).size(), 640U * 512U) << name;
+    }
+}
