@@ -283,7 +283,7 @@ int gchk_colr(const char* func, int* ind) {
     const bool print = *ind >= first_print_colr;
     if (print && gtype_is_WIN_PIX())
         *ind = 1;
-    if (!print && gget_color_ind(*ind) == no_pixel) {
+    if (!print && gtype_is_WIN_PIX() && gget_color_ind(*ind) == no_pixel) {
         gerr_printf(func, "color index not initialized\n");
         return -1;
     }

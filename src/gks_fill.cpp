@@ -245,8 +245,10 @@ void gput_fill_state() {
     fill = {missing_index, missing_index, missing_index, now.print_solid};
     gset_fill_int_style(now.fill_inter_style);
     gset_fill_style_ind(now.fill_inter_index);
-    if (gget_color_ind(now.fill_color) != -1) // without a pixel no setter takes it
+    if (gget_color_ind(now.fill_color) != -1)
         gset_fill_colr_ind(now.fill_color);
+    else // without a pixel no setter takes it
+        gnew_obj(obj_fill_colr, now.fill_color, 0, nullptr);
     fill = now; // also what a setter refused
 }
 

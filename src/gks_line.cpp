@@ -194,8 +194,10 @@ int ginit_line(int type) {
 void gput_line_state() {
     const LineState now = line;
     line = {missing_index, missing_index, -1.0F, now.print_bold};
-    if (gget_color_ind(now.line_color) != -1) // without a pixel no setter takes it
+    if (gget_color_ind(now.line_color) != -1)
         gset_line_colr_ind(now.line_color);
+    else // without a pixel no setter takes it
+        gnew_obj(obj_line_colr, now.line_color, 0, nullptr);
     gset_linetype(now.line_type);
     gset_linewidth(now.line_width);
     line = now; // also what a setter refused

@@ -296,8 +296,10 @@ int ginit_marker(int type) {
 void gput_marker_state() {
     const MarkerState now = marker;
     marker = {missing_index, missing_index, -1.0F, -1.0F};
-    if (gget_color_ind(now.marker_color) != -1) // without a pixel no setter takes it
+    if (gget_color_ind(now.marker_color) != -1)
         gset_marker_colr_ind(now.marker_color);
+    else // without a pixel no setter takes it
+        gnew_obj(obj_marker_colr, now.marker_color, 0, nullptr);
     gset_marker_type(now.marker_type);
     gset_marker_width(now.marker_width);
     gset_marker_size(now.marker_height);

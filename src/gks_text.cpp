@@ -650,8 +650,10 @@ int ginit_text(int type) {
 void gput_text_state() {
     const TextState now = state;
     state = unknown_state();
-    if (gget_color_ind(now.text_color) != -1) // without a pixel no setter takes it
+    if (gget_color_ind(now.text_color) != -1)
         gset_text_colr_ind(now.text_color);
+    else // without a pixel no setter takes it
+        gnew_obj(obj_text_colr, now.text_color, 0, nullptr);
     gset_text_width(now.text_width);
     gset_char_ht(now.text_height);
     gset_expan(now.text_expan);
