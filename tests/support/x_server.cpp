@@ -394,13 +394,36 @@ LoopWindow::LoopWindow(const XUser& user, int width, int height)
     XMapWindow(display, window_);
     pixmap_ = XCreatePixmap(display, window_, w, h,
                             static_cast<unsigned>(DefaultDepth(display, DefaultScreen(display))));
+    fill(BlackPixel(display, DefaultScreen(display)));
+}
+
+void LoopWindow::fill(unsigned long pixel) const {
+    Display* display = user_.display();
     const GC gc = XCreateGC(display, pixmap_, 0, nullptr);
-    XFillRectangle(display, pixmap_, gc, 0, 0, w, h);
+    XSetForeground(display, gc, pixel);
+    XFillRectangle(display, pixmap_, gc, 0, 0, static_cast<unsigned>(width_),
+                   static_cast<unsigned>(height_));
     XFreeGC(display, gc);
     XSync(display, False);
 }
 
-std::vector<int> LoopWindow::serve(double busy) {
+std::string LoopWindow::id_decimal() const {
+    return std::to_string(pixmap_) + ":" + std::to_string(width_) + "x" + std::to_string(height_);
+}
+
+std::string LoopWindow::id_hexadecimal() const {
+    std::ostringstream text;
+    text << "0x" << std::hex << pixmap_ << std::dec << ":" << width_ << "x" << height_;
+    return text.str();
+}
+
+std::string LoopWindow::id_with_window() const {
+    Display* display = user_.display();
+    return "+" + std::to_string(window_) + ":" + id_decimal() + ":" +
+           std::to_string(DefaultColormap(display, DefaultScreen(display)));
+}
+
+std::vector<int> LoopWindow::serve(const std::function<void()>& busy) {
     Display* display = user_.display();
     std::vector<int> codes;
     XEvent event{};
@@ -413,7 +436,7 @@ std::vector<int> LoopWindow::serve(double busy) {
         if (codes.back() == 2) {
             XStoreName(display, window_, (std::string(loop_title) + " +").c_str());
             XSync(display, False);
-            usleep(static_cast<useconds_t>(busy * 1e6));
+            busy();
             XStoreName(display, window_, loop_title);
             XSync(display, False);
         }

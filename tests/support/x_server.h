@@ -103,9 +103,15 @@ public:
 
     Window window() const { return window_; }
     Pixmap pixmap() const { return pixmap_; }
+    // The three forms of the text by which other programs find the drawable.
+    [[nodiscard]] std::string id_with_window() const;
+    [[nodiscard]] std::string id_decimal() const;
+    [[nodiscard]] std::string id_hexadecimal() const;
+
     // Takes the requests that have come, answers those for a new frame by the
-    // mark "+" in the title, shown for `busy` seconds, and returns their codes.
-    std::vector<int> serve(double busy = 0);
+    // mark "+" in the title, shown while `busy` runs, and returns their codes.
+    std::vector<int> serve(const std::function<void()>& busy = [] {});
+    void fill(unsigned long pixel) const;
     Picture look() const; // at the pixmap
 
 private:
