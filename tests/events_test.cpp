@@ -322,3 +322,78 @@ TEST_F(EventsTest, HoldRefreshesByTheClock) {
     EXPECT_LT(static_cast<double>(std::clock() - used) / CLOCKS_PER_SEC, 0.2);
     EXPECT_EQ(gget_cursor_type(), cursor_number_x);
 }
+
+// Each pixel on show is that of the picture where positions say it is.
+TEST_F(EventsTest, ZoomShowsWhatPositionsTell) {
+    const Picture drawn = user->look(window);
+    const auto misplaced = [&](const Picture& picture) {
+        const Picture shown = user->look(window);
+        int wrong = 0;
+        for (int y = 0; y < shown.height; y++) {
+            for (int x = 0; x < shown.width; x++) {
+                const auto from_x = static_cast<int>(xZ_p(static_cast<float>(x)));
+                const auto from_y = static_cast<int>(yZ_p(static_cast<float>(y)));
+                wrong += shown.at(x, y) != picture.at(from_x, from_y) ? 1 : 0;
+            }
+        }
+        return wrong;
+    };
+    // A still picture, twice. Showing it again does not magnify it further.
+    gset_input_mode(1);
+    for (const int zoom : {2, 4}) {
+        user->point(window, 130, 150);
+        user->key(XK_z, alt);
+        serve();
+        EXPECT_EQ(gget_zoom(), zoom);
+        EXPECT_EQ(misplaced(drawn), 0) << zoom;
+        user->click(1);
+        serve();
+        EXPECT_EQ(misplaced(drawn), 0) << zoom << ": after a step without frames";
+    }
+    heard.clear();
+    user->key(XK_u, alt);
+    user->key(XK_u, alt);
+    serve();
+    EXPECT_EQ(user->look(window), drawn);
+    EXPECT_EQ(heard.size(), 1U) << "the first served the zoom, the plotter hears of the second";
+
+    // Frames, the triangle in the last one alone: the zoom stays from one to the next.
+    three_frames(0);
+    const std::array<Gpt, 3> triangle = {
+        {{10, 10}, {90, 20}, {30, 70}}
+    };
+    gselect_frame(2);
+    gfill_area(3, triangle.data());
+    user->point(window, 130, 150);
+    user->key(XK_z, alt);
+    serve();
+    EXPECT_EQ(user->look(window).colors(), 1) << "the frame on show is empty";
+    user->click(3);
+    user->key(XK_z, alt);
+    serve();
+    EXPECT_EQ(gget_cur_frame(), 2);
+    EXPECT_EQ(misplaced(drawn), 0);
+    gunzoom();
+    EXPECT_EQ(user->look(window), drawn);
+}
+
+TEST_F(EventsTest, FramesAreDeletedAndTheLastOnePauses) {
+    three_frames(0);
+    const float pause = gget_frame_delay(2);
+    EXPECT_GT(pause, gget_frame_delay(1));
+    EXPECT_EQ(gdelete_frame(frame_last), 1);
+    EXPECT_EQ(gget_frame_delay(1), pause);
+    EXPECT_EQ(gget_frame_delay(2), gget_loop_delay());
+    EXPECT_EQ(gselect_frame(0), 0);
+    EXPECT_EQ(gdelete_frame(0), 1);
+    EXPECT_EQ(gget_draw_window(), gget_base_window()) << "nothing is drawn into what is gone";
+    const Pixmap only = gget_frame_id(0);
+    EXPECT_EQ(gdelete_frame(0), 1);
+    EXPECT_EQ(gget_num_images(), 0);
+    EXPECT_EQ(gget_frame_id(0), only) << "serves the next frame";
+    EXPECT_EQ(gdelete_frame(max_frames), 0);
+    for (int i = 0; i < max_frames; i++)
+        ASSERT_EQ(gcreate_frame(-1), i);
+    EXPECT_EQ(gcreate_frame(-1), -1) << "the table is full";
+    EXPECT_EQ(gget_num_images(), max_frames);
+}
