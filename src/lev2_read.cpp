@@ -71,7 +71,7 @@ constexpr std::size_t prefix_size = 12;
 constexpr std::size_t mess_header_size = 16;
 constexpr std::size_t data_header_at = prefix_size + mess_header_size;
 constexpr std::size_t fixed_message_size = 2420;
-static_assert(prefix_size + 2 * 0xFFFF <= lev2_buffer_size, "a record fits the buffer");
+static_assert(prefix_size + 2UL * 0xFFFF <= lev2_buffer_size, "a record fits the buffer");
 
 // Of a message type 1, whose angles are coded in steps of an eighth of this.
 constexpr double angle_unit = 0.0439453125;

@@ -54,10 +54,16 @@ struct EndBunzip {
     }
 };
 
+// The memory of the layers; what it holds is told by `stream`.
+struct Areas {
+    std::array<std::uint8_t, piece_size> piece{}, unzipped{};
+    std::array<std::uint8_t, lev2_buffer_size> out{};
+};
+Areas areas;
+
 // The file's bytes. `at` and `left` are those not yet consumed, in `piece` or,
 // of a gzip file, in `unzipped`.
 struct Source {
-    std::array<std::uint8_t, piece_size> piece{}, unzipped{};
     const std::uint8_t* at = nullptr;
     std::size_t left = 0;
     std::unique_ptr<z_stream, EndInflate> zs;
@@ -75,25 +81,24 @@ struct Stream {
     Source source;
     std::unique_ptr<bz_stream, EndBunzip> bz; // of the open unit
     std::int64_t unit_left = 0;               // its bytes that are still in the source
-    std::array<std::uint8_t, lev2_buffer_size> out{};
-    std::size_t osize = 0;   // bytes held in `out`
-    std::size_t blk_off = 0; // of these, before the current record
-    std::size_t total = 0;   // bytes that came into `out` so far
+    std::size_t osize = 0;                    // bytes held in `out`
+    std::size_t blk_off = 0;                  // of these, before the current record
+    std::size_t total = 0;                    // bytes that came into `out` so far
     Lev2End end = Lev2End::none;
 };
 Stream stream;
 
 // --- Source -------------------------------------------------------------------
 
-std::size_t read_file(Source& s, std::FILE* file) {
-    return std::fread(s.piece.data(), 1, s.piece.size(), file);
+std::size_t read_file(std::FILE* file) {
+    return std::fread(areas.piece.data(), 1, areas.piece.size(), file);
 }
 
 // More input for the gzip stream. False at the end of the file.
 bool feed_inflate(Source& s, std::FILE* file) {
     if (s.zs->avail_in == 0) {
-        s.zs->next_in = s.piece.data();
-        s.zs->avail_in = static_cast<uInt>(read_file(s, file));
+        s.zs->next_in = areas.piece.data();
+        s.zs->avail_in = static_cast<uInt>(read_file(file));
     }
     return s.zs->avail_in > 0;
 }
@@ -107,8 +112,8 @@ bool next_member(Source& s, std::FILE* file) {
 // Fills `unzipped`; the number of bytes, 0 at the end.
 std::size_t inflate_piece(Source& s, std::FILE* file) {
     z_stream& zs = *s.zs;
-    zs.next_out = s.unzipped.data();
-    zs.avail_out = static_cast<uInt>(s.unzipped.size());
+    zs.next_out = areas.unzipped.data();
+    zs.avail_out = static_cast<uInt>(areas.unzipped.size());
     while (zs.avail_out > 0 && !s.broken && !s.ended) {
         const int status = feed_inflate(s, file) ? inflate(&zs, Z_NO_FLUSH) : Z_BUF_ERROR;
         if (status == Z_STREAM_END) {
@@ -117,14 +122,14 @@ std::size_t inflate_piece(Source& s, std::FILE* file) {
             s.broken = status != Z_OK;
         }
     }
-    return s.unzipped.size() - zs.avail_out;
+    return areas.unzipped.size() - zs.avail_out;
 }
 
 void start_inflate(Source& s, std::size_t got) {
     s.zs.reset(new z_stream{});
     constexpr int gzip_window = 16 + MAX_WBITS;
     s.broken = inflateInit2(s.zs.get(), gzip_window) != Z_OK;
-    s.zs->next_in = s.piece.data();
+    s.zs->next_in = areas.piece.data();
     s.zs->avail_in = static_cast<uInt>(got);
 }
 
@@ -137,8 +142,8 @@ bool source_has(Source& s, std::FILE* file) {
         return false;
     }
     if (s.zs == nullptr) {
-        s.left = read_file(s, file);
-        s.at = s.piece.data();
+        s.left = read_file(file);
+        s.at = areas.piece.data();
         if (s.total == 0 && s.left > gzip_mark.size() &&
             std::equal(gzip_mark.begin(), gzip_mark.end(), s.at)) {
             start_inflate(s, s.left);
@@ -147,7 +152,7 @@ bool source_has(Source& s, std::FILE* file) {
     }
     if (s.zs != nullptr) {
         s.left = inflate_piece(s, file);
-        s.at = s.unzipped.data();
+        s.at = areas.unzipped.data();
     }
     s.total += s.left;
     return s.left > 0;
@@ -222,13 +227,13 @@ void close_unit(Stream& s) {
 std::size_t bunzip_step(Stream& s) {
     // Output may be left inside when there is no more input.
     const bool fed = s.unit_left > 0 && source_has(s.source, s.file.get());
-    const std::size_t room = s.out.size() - s.osize;
+    const std::size_t room = areas.out.size() - s.osize;
     const std::size_t given =
         fed ? std::min(static_cast<std::size_t>(s.unit_left), s.source.left) : 0;
     bz_stream& bz = *s.bz;
     bz.next_in = reinterpret_cast<char*>(const_cast<std::uint8_t*>(s.source.at));
     bz.avail_in = static_cast<unsigned>(given);
-    bz.next_out = reinterpret_cast<char*>(s.out.data() + s.osize);
+    bz.next_out = reinterpret_cast<char*>(areas.out.data() + s.osize);
     bz.avail_out = static_cast<unsigned>(room);
     const int status = BZ2_bzDecompress(&bz);
     const std::size_t used = given - bz.avail_in;
@@ -254,8 +259,8 @@ std::size_t fill_packed(Stream& s) {
 }
 
 std::size_t fill_plain(Stream& s) {
-    const std::size_t room = s.out.size() - s.osize;
-    std::uint8_t* to = s.out.data() + s.osize;
+    const std::size_t room = areas.out.size() - s.osize;
+    std::uint8_t* to = areas.out.data() + s.osize;
     std::size_t got = source_read(s.source, s.file.get(), to, room);
     if (got < room) {
         s.end = source_end(s.source);
@@ -281,7 +286,7 @@ int read_block(Stream& s) {
     }
     if (s.blk_off > 0) {
         s.osize -= s.blk_off;
-        std::memmove(s.out.data(), s.out.data() + s.blk_off, s.osize);
+        std::memmove(areas.out.data(), areas.out.data() + s.blk_off, s.osize);
         s.blk_off = 0;
     }
     const std::size_t got = s.packed ? fill_packed(s) : fill_plain(s);
@@ -352,8 +357,8 @@ std::span<const std::uint8_t> lev2_record(std::size_t n) {
     start(stream);
     while (stream.osize - stream.blk_off < n && read_block(stream) == 1) {
     }
-    return std::span<const std::uint8_t>(stream.out)
-        .subspan(stream.blk_off, stream.osize - stream.blk_off);
+    return std::span<const std::uint8_t>(areas.out).subspan(stream.blk_off,
+                                                            stream.osize - stream.blk_off);
 }
 
 void lev2_advance(std::size_t n) {
