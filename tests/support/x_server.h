@@ -29,6 +29,7 @@ public:
 
     bool works() const { return !name_.empty(); } // false where there is no Xvfb
     const std::string& name() const { return name_; }
+    int pid() const { return pid_; }
     void stop();
 
 private:
