@@ -48,80 +48,125 @@ void take_name(IMG_report* image) {
     XFree(name);
 }
 
-// Lays pixels of less than a byte anew: servers keep four bits in a nibble of
-// either order or in a byte, and single bits in either order. A record has the
-// high nibble first, and the lowest bit first.
-bool pack_small_pixels(IMG_report* image, XImage* ximage) {
-    const bool nibbles = ximage->depth == 4;
-    const int per_word = nibbles ? 8 : 32;
-    image->bits_pixel = image->depth;
-    image->byte_order = nibbles ? 1 : 0;
-    image->bytes_line = (image->width + per_word - 1) / per_word * 4;
-    if (IMG_alloc(image) == 0)
-        return false;
-    for (int y = 0; y < image->height; ++y) {
-        unsigned char* row = image->data + static_cast<std::size_t>(y) * image->bytes_line;
-        for (int x = 0; x < image->width; ++x) {
-            const auto pixel = static_cast<unsigned>(XGetPixel(ximage, x, y));
-            const int byte = nibbles ? x / 2 : x / 8;
-            const unsigned bits =
-                nibbles ? (pixel & 15U) << (x % 2 == 0 ? 4 : 0) : (pixel & 1U) << (x % 8);
-            row[byte] = static_cast<unsigned char>(row[byte] | bits);
-        }
+// How the pixels of the server come into a record.
+enum class Taking {
+    rows,   // as they are
+    packed, // a nibble or a bit each
+    narrow  // eight bits a component
+};
+
+Taking taking_of(const XImage& ximage) {
+    if (ximage.depth == 1 || ximage.depth == 4)
+        return Taking::packed;
+    const bool has_masks = ximage.red_mask != 0 && ximage.green_mask != 0 && ximage.blue_mask != 0;
+    return has_masks && ximage.red_mask > low_24_bits ? Taking::narrow : Taking::rows;
+}
+
+// The record's fields and its memory, by the first strip of the picture.
+bool lay_out(IMG_report* image, const XImage& ximage) {
+    image->depth = ximage.depth;
+    image->bits_pixel = ximage.bits_per_pixel;
+    image->bytes_line = ximage.bytes_per_line;
+    image->byte_order = ximage.byte_order;
+    image->red = static_cast<unsigned>(ximage.red_mask);
+    image->grn = static_cast<unsigned>(ximage.green_mask);
+    image->blu = static_cast<unsigned>(ximage.blue_mask);
+    switch (taking_of(ximage)) {
+    case Taking::packed:
+        image->bits_pixel = ximage.depth;
+        image->byte_order = ximage.depth == 4 ? 1 : 0;
+        image->bytes_line = (image->width * ximage.depth + 31) / 32 * 4;
+        break;
+    case Taking::narrow:
+        image->depth = 24;
+        image->bits_pixel = 32;
+        image->byte_order = 0;
+        image->bytes_line = image->width * 4;
+        image->red = 0xff0000;
+        image->grn = 0xff00;
+        image->blu = 0xff;
+        break;
+    case Taking::rows:
+        break;
     }
-    return true;
+    return IMG_alloc(image) != 0;
+}
+
+// Servers keep four bits in a nibble of either order or in a byte, and single
+// bits in either order. A record has the high nibble and the lowest bit first.
+void pack_row(XImage* ximage, int y, unsigned char* out) {
+    const bool nibbles = ximage->depth == 4;
+    for (int x = 0; x < ximage->width; ++x) {
+        const auto pixel = static_cast<unsigned>(XGetPixel(ximage, x, y));
+        unsigned char& byte = out[nibbles ? x / 2 : x / 8];
+        const unsigned bits =
+            nibbles ? (pixel & 15U) << (x % 2 == 0 ? 4 : 0) : (pixel & 1U) << (x % 8);
+        byte = static_cast<unsigned char>(byte | bits);
+    }
 }
 
 // Eight bits of a component out of a pixel.
-unsigned component(unsigned long pixel, unsigned long mask) {
+unsigned char component(unsigned long pixel, unsigned long mask) {
     const int shift = std::countr_zero(mask);
-    const unsigned long most = mask >> shift;
-    return static_cast<unsigned>(((pixel & mask) >> shift) * 255 / most);
+    return static_cast<unsigned char>(((pixel & mask) >> shift) * 255 / (mask >> shift));
 }
 
-// Ten bits a component come down to eight: a record of 32-bit pixels has its
-// colours in the lower three bytes.
-bool narrow_pixels(IMG_report* image, XImage* ximage) {
-    image->depth = 24;
-    image->bits_pixel = 32;
-    image->byte_order = 0;
-    image->bytes_line = image->width * 4;
-    if (IMG_alloc(image) == 0)
-        return false;
-    unsigned char* out = image->data;
-    for (int y = 0; y < image->height; ++y) {
-        for (int x = 0; x < image->width; ++x, out += 4) {
-            const unsigned long pixel = XGetPixel(ximage, x, y);
-            out[0] = static_cast<unsigned char>(component(pixel, ximage->blue_mask));
-            out[1] = static_cast<unsigned char>(component(pixel, ximage->green_mask));
-            out[2] = static_cast<unsigned char>(component(pixel, ximage->red_mask));
-        }
+// A record of 32-bit pixels has its colours in the lower three bytes.
+void narrow_row(XImage* ximage, int y, unsigned char* out) {
+    for (int x = 0; x < ximage->width; ++x, out += 4) {
+        const unsigned long pixel = XGetPixel(ximage, x, y);
+        out[0] = component(pixel, ximage->blue_mask);
+        out[1] = component(pixel, ximage->green_mask);
+        out[2] = component(pixel, ximage->red_mask);
     }
-    image->red = 0xff0000;
-    image->grn = 0xff00;
-    image->blu = 0xff;
-    return true;
 }
 
-bool take_pixels(IMG_report* image, XImage* ximage) {
-    image->bits_pixel = ximage->bits_per_pixel;
-    image->bytes_line = ximage->bytes_per_line;
-    image->byte_order = ximage->byte_order;
-    image->depth = ximage->depth;
-    image->red = static_cast<unsigned>(ximage->red_mask);
-    image->grn = static_cast<unsigned>(ximage->green_mask);
-    image->blu = static_cast<unsigned>(ximage->blue_mask);
-    if (ximage->depth == 1 || ximage->depth == 4)
-        return pack_small_pixels(image, ximage);
-    const bool has_masks =
-        ximage->red_mask != 0 && ximage->green_mask != 0 && ximage->blue_mask != 0;
-    if (has_masks && ximage->red_mask > low_24_bits)
-        return narrow_pixels(image, ximage);
-    if (IMG_alloc(image) == 0)
-        return false;
-    std::memcpy(image->data, ximage->data,
-                static_cast<std::size_t>(image->height) * image->bytes_line);
-    return true;
+// The rows of a strip into the record, from row `top` on.
+void take_strip(IMG_report* image, XImage* ximage, int top) {
+    const Taking taking = taking_of(*ximage);
+    unsigned char* out = image->data + static_cast<std::size_t>(top) * image->bytes_line;
+    if (taking == Taking::rows) {
+        std::memcpy(out, ximage->data,
+                    static_cast<std::size_t>(ximage->height) * image->bytes_line);
+        return;
+    }
+    for (int y = 0; y < ximage->height; ++y, out += image->bytes_line) {
+        if (taking == Taking::packed)
+            pack_row(ximage, y, out);
+        else
+            narrow_row(ximage, y, out);
+    }
+}
+
+// The server tells the masks of a window's pixels, not those of a pixmap's.
+void complete_masks(XImage* ximage, const Visual& visual) {
+    if (ximage->red_mask != 0)
+        return;
+    ximage->red_mask = visual.red_mask;
+    ximage->green_mask = visual.green_mask;
+    ximage->blue_mask = visual.blue_mask;
+}
+
+enum class Failure { none, no_image, no_memory };
+
+// All pixels, a strip at a time: a server takes 20 times as long, and more, for
+// a reply of several megabytes.
+Failure take_pixels(IMG_report* image, const Visual& visual) {
+    constexpr int strip_pixels = 1 << 18; // a megabyte
+    const int most_rows = std::max(1, strip_pixels / std::max(1, image->width));
+    for (int top = 0; top < image->height; top += most_rows) {
+        const int rows = std::min(most_rows, image->height - top);
+        const XImage_ptr strip(XGetImage(gget_display(), gget_draw_window(), 0, top,
+                                         static_cast<unsigned>(image->width),
+                                         static_cast<unsigned>(rows), AllPlanes, ZPixmap));
+        if (strip == nullptr)
+            return Failure::no_image;
+        complete_masks(strip.get(), visual);
+        if (top == 0 && !lay_out(image, *strip))
+            return Failure::no_memory;
+        take_strip(image, strip.get(), top);
+    }
+    return Failure::none;
 }
 
 // The lowest bit of a mask per entry, back to 0 when it passes the mask.
@@ -180,15 +225,6 @@ void take_colors(IMG_report* image, const XWindowAttributes& window) {
         take_table(image, window);
 }
 
-// The server tells the masks of a window's pixels, not those of a pixmap's.
-void complete_masks(XImage* ximage, const Visual& visual) {
-    if (ximage->red_mask != 0)
-        return;
-    ximage->red_mask = visual.red_mask;
-    ximage->green_mask = visual.green_mask;
-    ximage->blue_mask = visual.blue_mask;
-}
-
 } // namespace
 
 int gget_image(IMG_report* image) {
@@ -209,16 +245,14 @@ int gget_image(IMG_report* image) {
     take_name(image);
 
     gtrap_errors(0);
-    const XImage_ptr ximage(XGetImage(display, gget_draw_window(), 0, 0,
-                                      static_cast<unsigned>(image->width),
-                                      static_cast<unsigned>(image->height), AllPlanes, ZPixmap));
-    if (gtrap_errors(1) != 0 || ximage == nullptr) {
+    const Failure failure = take_pixels(image, *window.visual);
+    if (gtrap_errors(1) != 0 || failure == Failure::no_image) {
         MESS_print(mess_warn, "gget_image: Unable to get image at %dx%d+%d+%d\n", image->width,
                    image->height, 0, 0);
+        IMG_free(image);
         return 0;
     }
-    complete_masks(ximage.get(), *window.visual);
-    if (!take_pixels(image, ximage.get())) {
+    if (failure == Failure::no_memory) {
         MESS_print(mess_warn, "gget_image: Unable to allocate data buffer.\n");
         return 0;
     }

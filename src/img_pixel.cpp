@@ -50,9 +50,6 @@ public:
         : coloring(image), back(background), to(out) {}
 
     std::uint8_t place(std::uint32_t value) {
-        if (value == last_value && last_place >= 0) {
-            return static_cast<std::uint8_t>(last_place);
-        }
         std::size_t slot = 0;
         int at = places.find(value, &slot);
         if (at < 0 && to->num_color < img_palette_size) {
@@ -63,9 +60,7 @@ public:
                 to->trans = at;
             }
         }
-        last_value = value;
-        last_place = std::max(at, 0);
-        return static_cast<std::uint8_t>(last_place);
+        return static_cast<std::uint8_t>(std::max(at, 0));
     }
 
 private:
@@ -73,8 +68,6 @@ private:
     Places places;
     std::uint32_t back;
     IMG_indexed* to;
-    std::uint32_t last_value = 0;
-    int last_place = -1;
 };
 
 // Pixels of fewer than 8 bits; the lowest bit first at 1 bit, else the highest.
@@ -99,6 +92,12 @@ void IMG_row_values(const IMG_report& image, int row, int count, std::uint32_t* 
     const bool high_first = image.byte_order == 1;
     switch (const int bits = stored_bits(image)) {
     case 32:
+        if (!high_first && std::endian::native == std::endian::little) {
+            std::memcpy(values, p, std::size_t{4} * std::max(held, 0));
+            std::for_each(values, values + std::max(held, 0),
+                          [](auto& value) { value &= 0xFFFFFF; });
+            break;
+        }
         for (int x = 0; x < held; x++, p += 4) {
             values[x] = high_first ? std::uint32_t(p[1]) << 16 | std::uint32_t(p[2]) << 8 | p[3]
                                    : std::uint32_t(p[2]) << 16 | std::uint32_t(p[1]) << 8 | p[0];
@@ -181,9 +180,15 @@ bool IMG_make_indexed(const IMG_report& image, std::uint32_t background, IMG_ind
     std::uint8_t* index = out->index.data();
     for (int row = 0; row < image.height; row++) {
         IMG_row_values(image, row, image.width, values.data());
-        for (const std::uint32_t value : values) {
-            *index++ = builder.place(value);
+        for (std::size_t x = 0; x < width;) { // by runs of one value
+            const std::uint32_t value = values[x];
+            const std::size_t start = x;
+            while (x < width && values[x] == value) {
+                x++;
+            }
+            std::memset(index + start, builder.place(value), x - start);
         }
+        index += width;
         if (padded) {
             builder.place(0);
         }
