@@ -25,6 +25,8 @@
 
 namespace {
 
+constexpr int most_side = 65535;
+
 struct Settings {
     int use_inter = 0; // interlaced output
     int trans = 0;     // transparent background
@@ -70,7 +72,10 @@ void write_header(std::FILE* file, const IMG_report& image, const IMG_indexed& p
     }
     if (settings.trans != 0) {
         constexpr int delay = 10;
-        head.u8(0x21).u8(0xF9).u8(4).u8(1).u16(delay).u8(picture.trans).u8(0);
+        // Without a pixel of the background nothing is transparent.
+        const bool there = picture.trans >= 0;
+        head.u8(0x21).u8(0xF9).u8(4).u8(there ? 1 : 0).u16(delay);
+        head.u8(there ? picture.trans : 0).u8(0);
     }
     head.u8(0x2C).u16(0).u16(0).u16(image.width).u16(image.height).u8(settings.use_inter * 64);
     head.write(file);
@@ -190,9 +195,10 @@ bool skip_extension(std::FILE* file, IMG_report* image) {
 bool find_image(std::FILE* file, IMG_report* image, Canvas* canvas) {
     constexpr int extension = 0x21;
     constexpr int descriptor = 0x2C;
+    constexpr int trailer = 0x3B;
     int label = std::getc(file);
     while (label != descriptor) {
-        if (label < 0 || (label == extension && !skip_extension(file, image))) {
+        if (label < 0 || label == trailer || (label == extension && !skip_extension(file, image))) {
             return false;
         }
         label = std::getc(file);
@@ -233,6 +239,14 @@ int GIF_dump(const char* filename) {
 }
 
 int GIF_write(const char* filename, IMG_report* image) {
+    if (image->width > most_side || image->height > most_side) {
+        MESS_print(mess_warn, "GIF_write: Image is too large: %dx%d\n", image->width,
+                   image->height);
+        return 0;
+    }
+    if (!IMG_is_sound(*image, "GIF_write")) {
+        return 0;
+    }
     const FILE_ptr file(FILE_open(filename, "wb"));
     if (!file) {
         MESS_print(mess_warn, "Unable to open GIF file\n");
@@ -240,7 +254,7 @@ int GIF_write(const char* filename, IMG_report* image) {
     }
     IMG_indexed picture;
     const auto background = static_cast<std::uint32_t>(gget_color_ind(-1));
-    if (image->data == nullptr || !IMG_make_indexed(*image, background, &picture)) {
+    if (!IMG_make_indexed(*image, background, &picture)) {
         return 0;
     }
     const int bits = index_bits(picture.num_color);
@@ -250,6 +264,7 @@ int GIF_write(const char* filename, IMG_report* image) {
 }
 
 int GIF_read(const char* filename, IMG_report* image, int type) {
+    IMG_init(image);
     const FILE_ptr file(FILE_open(filename, "rb"));
     if (!file) {
         MESS_print(mess_warn, "GIF_read: Unable to open file\n");
@@ -292,9 +307,12 @@ int GIF_read(const char* filename, IMG_report* image, int type) {
     }
     const int code_size = std::getc(file.get());
     constexpr int most_bits = 8;
-    if (code_size < 1 || code_size > most_bits || canvas.width == 0 ||
+    if (code_size < 2 || code_size > most_bits || canvas.width == 0 ||
         !GIF_decode(file.get(), code_size, take_pixels, &canvas)) {
         return damaged(filename);
+    }
+    if (canvas.row < canvas.height) {
+        MESS_print(mess_warn, "GIF_read: Pixels are missing: %s\n", filename);
     }
     return 1;
 }

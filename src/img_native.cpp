@@ -36,31 +36,21 @@ Patience patience;
 
 // --- Writing --------------------------------------------------------------------
 
-// The byte that stands for each pixel of a row.
-void row_bytes(const IMG_report& image, int row, std::uint8_t* out) {
-    const unsigned char* p = image.data + static_cast<std::size_t>(image.bytes_line) * row;
-    const int held = std::min(image.width, IMG_line_pixels(image));
-    const bool high = image.byte_order == 1;
-    std::fill_n(out, image.width, std::uint8_t{0});
-    if (image.bits_pixel == 32) {
-        for (int x = 0; x < held; x++, p += 4) {
-            const int first = high ? 1 : 0;
-            out[x] = static_cast<std::uint8_t>((p[first] + p[first + 1] + p[first + 2]) / 3);
-        }
-    } else if (image.depth == 24) {
-        for (int x = 0; x < held; x++, p += 3) {
-            out[x] = p[high ? 2 : 0];
-        }
-    } else if (image.depth == 16 || image.depth == 15) {
-        for (int x = 0; x < held; x++, p += 2) {
-            out[x] = p[high ? 1 : 0];
-        }
-    } else {
-        std::vector<std::uint32_t> values(static_cast<std::size_t>(image.width));
-        IMG_row_values(image, row, image.width, values.data());
-        std::transform(values.begin(), values.end(), out,
-                       [](std::uint32_t v) { return static_cast<std::uint8_t>(v); });
-    }
+// The byte that stands for each pixel of a row: the mean of the components at 32
+// bits a pixel, else the least significant byte.
+void row_bytes(const IMG_report& image, int row, std::vector<std::uint32_t>* values,
+               std::uint8_t* out) {
+    const bool mean = image.bits_pixel == 32;
+    IMG_row_values(image, row, image.width, values->data());
+    std::transform(values->begin(), values->end(), out, [mean](std::uint32_t v) {
+        const std::uint32_t sum = (v >> 16) + (v >> 8 & 0xFF) + (v & 0xFF);
+        return static_cast<std::uint8_t>(mean ? sum / 3 : v);
+    });
+}
+
+std::string one_line(std::string text) {
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    return text;
 }
 
 std::string projection_line(const IMG_report& image) {
@@ -158,6 +148,26 @@ void decode_proj_word(const std::string& word, Domain* d) {
     }
 }
 
+// A domain text can also name files and ask the user; one that came in a file
+// gives numbers alone, behind a projection word. Decoding it leaves the plot's
+// own domain settings as they were.
+bool decode_domain(const std::string& text, Domain* d) {
+    const std::size_t word = std::min(text.find_first_of(":,"), text.size());
+    const bool has_word = DOM_proj_str(text.substr(0, word).c_str()) > 0;
+    if (text.find_first_not_of("0123456789+-.eE:,", has_word ? word : 0) != std::string::npos) {
+        return false;
+    }
+    char key[file_name_size] = "";
+    FILE_get_key('r', key);
+    const int flag = FLAG_get(flag_domain);
+    const int prior = DOM_get_prior();
+    const bool good = DOM_decode(text.c_str(), d) == dom_by_value;
+    FILE_set_key('r', key);
+    FLAG_set(flag_domain, flag);
+    DOM_set_prior(prior);
+    return good;
+}
+
 bool decode_location(const std::string& line, Domain* d) {
     const std::size_t start = line.find_first_not_of(' ');
     if (start == std::string::npos) {
@@ -174,25 +184,26 @@ bool decode_location(const std::string& line, Domain* d) {
         }
     }
     decode_proj_word(line.substr(start, blank - start), d);
-    // NOLINTNEXTLINE(cert-err34-c): six numbers of one line, each checked by the count
-    return std::sscanf(line.c_str() + blank, "%f %f %f %f %d %d", &d->clat, &d->clon, &d->dx,
-                       &d->dy, &d->nx, &d->ny) == 6;
+    const char* at = line.c_str() + blank;
+    return take_float(&at, &d->clat) && take_float(&at, &d->clon) && take_float(&at, &d->dx) &&
+           take_float(&at, &d->dy) && take_int(&at, &d->nx) && take_int(&at, &d->ny);
 }
 
 bool decode_size(const std::string& line, bool version4, IMG_report* image) {
-    char end = 0;
-    // NOLINTNEXTLINE(cert-err34-c): two numbers alone on a line, checked by the count
-    if (!version4 &&
-        std::sscanf(line.c_str(), "%d %d %c", &image->width, &image->height, &end) == 2) {
+    Domain& d = image->domain;
+    const char* at = line.c_str();
+    if (!version4 && take_int(&at, &image->width) && take_int(&at, &image->height) &&
+        string_is_blank(at) != 0) {
+        d.nx = image->width;
+        d.ny = image->height;
         return true;
     }
-    Domain& d = image->domain;
-    if (version4 ? DOM_decode(line.c_str(), &d) < 1 : !decode_location(line, &d)) {
+    if (version4 ? !decode_domain(line, &d) : !decode_location(line, &d)) {
         return false;
     }
     image->width = d.nx;
     image->height = d.ny;
-    return true;
+    return d.nx > 0 && d.ny > 0;
 }
 
 bool skip_bytes(std::FILE* file, int count) {
@@ -242,6 +253,7 @@ public:
         }
         return active && stream.avail_out > 0;
     }
+    [[nodiscard]] std::size_t room() const { return stream.avail_out; }
     void set_output(std::uint8_t* out, std::size_t n) {
         stream.next_out = out;
         stream.avail_out = static_cast<uInt>(n);
@@ -253,7 +265,8 @@ private:
 };
 
 // A file that gives no more may be growing: it is asked again for some seconds.
-void read_packed(std::FILE* file, std::uint8_t* out, std::size_t size) {
+// Returns the bytes that came.
+std::size_t read_packed(std::FILE* file, std::uint8_t* out, std::size_t size) {
     std::array<std::uint8_t, piece_size> in{};
     Unpacker unpacker;
     unpacker.set_output(out, size);
@@ -262,33 +275,49 @@ void read_packed(std::FILE* file, std::uint8_t* out, std::size_t size) {
         if (n > 0) {
             tries = 0;
             if (!unpacker.feed(in.data(), n)) {
-                return;
+                return size - unpacker.room();
             }
         } else if (tries++ < patience.tries) {
             std::clearerr(file);
             ZYR_sleep(1.0F);
         } else {
-            return;
+            return size - unpacker.room();
         }
     }
 }
 
-bool read_pixels(std::FILE* file, const std::string& flags, IMG_report* image) {
+// The file that the next word names; never a command or standard input.
+FILE_ptr open_pixels(std::FILE* file) {
+    char name[file_name_size] = "";
+    // NOLINTNEXTLINE(cert-err34-c): a word, no number
+    const bool named = std::fscanf(file, "%159s", name) == 1;
+    FILE_ptr pixels(named && name[0] != '|' && FILE_is_stdio(name) == 0 ? FILE_open(name, "rb")
+                                                                        : nullptr);
+    if (!pixels) {
+        MESS_print(mess_warn, "Unable to open: %s\n", name);
+    }
+    return pixels;
+}
+
+bool read_pixels(std::FILE* file, const char* filename, const std::string& flags,
+                 IMG_report* image) {
     const std::size_t size =
         static_cast<std::size_t>(image->bytes_line) * static_cast<std::size_t>(image->height);
+    FILE_ptr other;
     if (flags.find('*') != std::string::npos) {
-        char name[file_name_size] = "";
-        // NOLINTNEXTLINE(cert-err34-c): a word, no number
-        const FILE_ptr pixels(std::fscanf(file, "%159s", name) == 1 ? FILE_open(name, "rb")
-                                                                    : nullptr);
-        // Fewer pixels leave the rest as it is.
-        return pixels && std::fread(image->data, 1, size, pixels.get()) <= size;
+        other = open_pixels(file);
+        if (!other) {
+            return false;
+        }
+        file = other.get();
     }
-    if (flags.find('Z') != std::string::npos) {
-        read_packed(file, image->data, size);
-        return true;
+    const std::size_t got = flags.find('Z') != std::string::npos
+                                ? read_packed(file, image->data, size)
+                                : std::fread(image->data, 1, size, file);
+    if (got < size) { // what arrived stands
+        MESS_print(mess_warn, "IMG_read_zyr: Pixels are missing: %s\n", filename);
     }
-    return std::fread(image->data, 1, size, file) <= size;
+    return true;
 }
 
 } // namespace
@@ -299,20 +328,22 @@ int IMG_set_patience(int tries) {
 }
 
 int IMG_write(const char* filename, IMG_report* image, int type) {
+    if (!IMG_is_sound(*image, "IMG_write")) {
+        return 0;
+    }
     const FILE_ptr file(FILE_open(filename, "wb"));
     if (!file) {
         MESS_print(mess_warn, "Unable to open: %s\n", filename);
         return 0;
     }
-    if (image->data == nullptr) {
-        return 0;
-    }
-    std::fprintf(file.get(), "%s%s\n%s\n%s\n%s", magic, type == 1 ? "Z" : "", image->datim,
-                 image->info, projection_line(*image).c_str());
+    std::fprintf(file.get(), "%s%s\n%s\n%s\n%s", magic, type == 1 ? "Z" : "",
+                 one_line(image->datim).c_str(), one_line(image->info).c_str(),
+                 projection_line(*image).c_str());
     const auto width = static_cast<std::size_t>(image->width);
     std::vector<std::uint8_t> bytes(width * static_cast<std::size_t>(image->height));
+    std::vector<std::uint32_t> values(width);
     for (int row = 0; row < image->height; row++) {
-        row_bytes(*image, row, bytes.data() + width * static_cast<std::size_t>(row));
+        row_bytes(*image, row, &values, bytes.data() + width * static_cast<std::size_t>(row));
     }
     const bool written =
         type == 1 ? write_pieces(file.get(), bytes)
@@ -358,5 +389,5 @@ int IMG_read_zyr(const char* filename, IMG_report* image, int type) {
         MESS_print(mess_warn, "IMG_read_zyr: Invalid image size: %s\n", filename);
         return 0;
     }
-    return read_pixels(file.get(), flags, image) ? 1 : 0;
+    return read_pixels(file.get(), filename, flags, image) ? 1 : 0;
 }

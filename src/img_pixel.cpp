@@ -165,6 +165,19 @@ IMG_rgb IMG_coloring::operator()(std::uint32_t value) const {
     return {component(value, red), component(value, grn), component(value, blu)};
 }
 
+bool IMG_is_sound(const IMG_report& image, const char* caller) {
+    constexpr std::array<int, 7> known = {1, 2, 4, 8, 16, 24, 32};
+    const bool sound = image.data != nullptr && image.width > 0 && image.height > 0 &&
+                       image.bytes_line > 0 &&
+                       std::size_t(image.width) * std::size_t(image.height) <= img_most_pixels &&
+                       std::find(known.begin(), known.end(), stored_bits(image)) != known.end();
+    if (!sound) {
+        MESS_print(mess_warn, "%s: Unable to write %dx%d pixels of depth %d\n", caller, image.width,
+                   image.height, image.depth);
+    }
+    return sound;
+}
+
 bool IMG_make_indexed(const IMG_report& image, std::uint32_t background, IMG_indexed* out) {
     *out = {};
     const auto width = static_cast<std::size_t>(image.width);

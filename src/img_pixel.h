@@ -20,6 +20,9 @@
 
 // Pixels that fill a line, padding included; at least `width` on a sound image.
 int IMG_line_pixels(const IMG_report& image);
+// Whether the record holds a picture that can be written in another format; if
+// not, a warning in the name of `caller`.
+bool IMG_is_sound(const IMG_report& image, const char* caller);
 // The first `count` pixels of a row as numbers; those beyond the line are 0.
 void IMG_row_values(const IMG_report& image, int row, int count, std::uint32_t* values);
 
@@ -54,12 +57,12 @@ struct IMG_indexed {
     std::vector<std::uint8_t> index;               // [height][width], places in `color`
     std::array<IMG_rgb, img_palette_size> color{}; // in the order of first use
     int num_color = 0;                             // of these, in use
-    int trans = 0;                                 // place of the background, 0 without one
+    int trans = -1;                                // place of the background, -1 without one
 };
 
 // The palette of the pixels, row by row; padding counts as value 0. A colour
 // beyond the 256th gets index 0. `background` is the pixel value of the
-// background. False when memory is short.
+// background. The record has to be sound. False when memory is short.
 bool IMG_make_indexed(const IMG_report& image, std::uint32_t background, IMG_indexed* out);
 
 // The first `n` bytes of an image file; a first line that begins with "** " is

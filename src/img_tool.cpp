@@ -87,8 +87,9 @@ int IMG_alloc(IMG_report* image) {
 
 int IMG_alloc_colors(IMG_report* image, int count) {
     delete[] image->colors;
+    const bool possible = count > 0 && count <= img_most_colors;
     image->colors =
-        count > 0 ? new (std::nothrow) IMG_color[static_cast<std::size_t>(count)]() : nullptr;
+        possible ? new (std::nothrow) IMG_color[static_cast<std::size_t>(count)]() : nullptr;
     image->num_colors = image->colors != nullptr ? count : 0;
     return image->colors != nullptr ? 1 : 0;
 }

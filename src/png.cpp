@@ -5,6 +5,7 @@
 // setjmp; those routines own nothing and hold nothing that has a destructor.
 #include "img_pixel.h"
 
+#include "date.h"
 #include "files.h"
 #include "gks.h"
 
@@ -72,7 +73,8 @@ std::array<TextLine, 3> text_lines() {
         {{{"Title"}, {}}, {{"Software"}, {"ZYR - Sky Foundry v5.0"}}, {{"Creation Time"}, {}}}
     };
     copy_text(lines[0].text.data(), lines[0].text.size(), gget_win_title());
-    const std::time_t now = std::time(nullptr);
+    std::time_t now = 0;
+    DATE_get_time(&now);
     std::tm utc{};
     if (gmtime_r(&now, &utc) != nullptr) {
         std::strftime(lines[2].text.data(), lines[2].text.size(), "%d %b %Y %H:%M:%S GMT", &utc);
@@ -105,12 +107,14 @@ struct Header {
 // byte stands before the colour, where a 32-bit pixel has nothing.
 bool read_header(png_structp png, png_infop info, std::FILE* file, Header* h) {
     constexpr png_uint_32 most_side = 65535;
-    constexpr png_alloc_size_t most_chunk = 8U << 20; // of text and profiles
+    constexpr png_alloc_size_t most_chunk = 1U << 20; // of a text or profile
+    constexpr png_uint_32 most_chunks = 16;           // of these that are kept
     if (setjmp(png_jmpbuf(png)) != 0) {               // NOLINT(cert-err52-cpp): the library's way
         return false;
     }
     png_set_user_limits(png, most_side, most_side);
     png_set_chunk_malloc_max(png, most_chunk);
+    png_set_chunk_cache_max(png, most_chunks);
     png_init_io(png, file);
     png_set_sig_bytes(png, signature_size);
     png_read_info(png, info);
@@ -195,6 +199,9 @@ int PNG_dump(const char* filename) {
 }
 
 int PNG_write(const char* filename, IMG_report* image) {
+    if (!IMG_is_sound(*image, "PNG_write")) {
+        return 0;
+    }
     const FILE_ptr file(FILE_open(filename, "wb"));
     if (!file) {
         MESS_print(mess_warn, "Unable to open PNG file\n");
@@ -202,11 +209,11 @@ int PNG_write(const char* filename, IMG_report* image) {
     }
     IMG_indexed picture;
     const auto background = static_cast<std::uint32_t>(gget_color_ind(-1));
-    if (image->data == nullptr || image->width < 1 || image->height < 1 ||
-        !IMG_make_indexed(*image, background, &picture)) {
+    if (!IMG_make_indexed(*image, background, &picture)) {
         return 0;
     }
     std::vector<png_bytep> rows;
+    rows.reserve(static_cast<std::size_t>(image->height));
     for (int row = 0; row < image->height; row++) {
         rows.push_back(picture.index.data() + static_cast<std::size_t>(image->width) * row);
     }
@@ -232,6 +239,7 @@ int PNG_write(const char* filename, IMG_report* image) {
 }
 
 int PNG_read(const char* filename, IMG_report* image, int type) {
+    IMG_init(image);
     const FILE_ptr file(FILE_open(filename, "rb"));
     std::array<unsigned char, signature_size> signature{};
     if (!file || !IMG_read_head(file.get(), signature.data(), signature.size()) ||

@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <vector>
@@ -23,7 +24,6 @@ namespace {
 
 constexpr std::uint32_t header_bytes = 100;
 constexpr std::uint32_t color_bytes = 16;
-constexpr std::uint32_t most_colors = 65536;
 constexpr std::uint32_t most_side = 65535;
 constexpr std::uint32_t true_color = 4;
 constexpr std::uint32_t pseudo_color = 3;
@@ -87,6 +87,10 @@ std::uint32_t u32(int value) {
     return static_cast<std::uint32_t>(value);
 }
 
+int num_colors(const IMG_report& image) {
+    return image.colors == nullptr ? 0 : image.num_colors;
+}
+
 std::vector<std::uint8_t> header_of(const IMG_report& image) {
     XWDFileHeader h{};
     h.header_size = header_bytes + static_cast<std::uint32_t>(std::strlen(image.info)) + 1;
@@ -100,7 +104,7 @@ std::vector<std::uint8_t> header_of(const IMG_report& image) {
     h.red_mask = image.red;
     h.green_mask = image.grn;
     h.blue_mask = image.blu;
-    h.colormap_entries = h.ncolors = u32(image.num_colors);
+    h.colormap_entries = h.ncolors = u32(num_colors(image));
     std::vector<std::uint8_t> bytes;
     for (const Field field : fields) {
         put_be(&bytes, h.*field, 4);
@@ -111,12 +115,13 @@ std::vector<std::uint8_t> header_of(const IMG_report& image) {
 std::vector<std::uint8_t> colors_of(const IMG_report& image) {
     constexpr std::uint32_t all_parts = 7;
     std::vector<std::uint8_t> bytes;
-    for (int i = 0; i < image.num_colors; i++) {
+    for (int i = 0; i < num_colors(image); i++) {
         const IMG_color& c = image.colors[i];
         put_be(&bytes, u32(i), 4);
         put_be(&bytes, 0, 4);
         for (const float part : {c.red, c.grn, c.blu}) {
-            put_be(&bytes, static_cast<std::uint32_t>(std::clamp(part, 0.0F, 1.0F) * 65535.0F), 2);
+            const auto value = std::lround(std::clamp(part, 0.0F, 1.0F) * 65535.0F);
+            put_be(&bytes, static_cast<std::uint32_t>(value), 2);
         }
         put_be(&bytes, all_parts << 8, 2);
     }
@@ -159,7 +164,7 @@ bool read_name(std::FILE* file, std::uint32_t length, IMG_report* image) {
 
 // A record whose pixel lies outside the table is passed over.
 bool read_colors(std::FILE* file, std::uint32_t count, IMG_report* image) {
-    if (count > most_colors ||
+    if (count > static_cast<std::uint32_t>(img_most_colors) ||
         (count > 0 && IMG_alloc_colors(image, static_cast<int>(count)) == 0)) {
         return false;
     }
@@ -231,7 +236,9 @@ int XWD_write(const char* filename, IMG_report* image) {
     if (!write_bytes(file.get(), colors.data(), colors.size())) {
         return fail("Unable to write color map to dump file.\n");
     }
-    const std::size_t size = std::size_t(image->bytes_line) * image->height;
+    const std::size_t size = image->bytes_line > 0 && image->height > 0
+                                 ? std::size_t(image->bytes_line) * image->height
+                                 : 0;
     if (image->data == nullptr || !write_bytes(file.get(), image->data, size)) {
         return fail("Unable to write to XWD file.\n");
     }

@@ -1,6 +1,9 @@
 // zyrimg.h: pictures in memory and as files. Screen captures go out through an
 // IMG_report and image files come in through one. Calls return 1, or 0 after a
-// message (some failures of PNG files are silent: the caller names the file).
+// message (some failures of PNG files are silent: the caller names the file). A
+// reader clears the record first; one that fails may leave pixels and colours in
+// it, for IMG_free. A first line that begins "** " is passed over. Writers leave
+// the record as it is.
 #pragma once
 
 #include "zyr.h"
@@ -28,9 +31,8 @@ struct IMG_report {
     int byte_order = 1;            // 0 least, 1 most significant byte first
     int color_type = 0;            // 0 true colour with masks, 1 indexed
     int num_colors = 0;            // entries of `colors`
-    unsigned red = 0;              // masks of a true colour pixel
-    unsigned grn = 0;              //
-    unsigned blu = 0;              //
+    unsigned red = 0, grn = 0;     // masks of a true colour pixel; all 0, and no
+    unsigned blu = 0;              // colour table: pixels are grey levels
     IMG_color* colors = nullptr;   // owned, new[]
     int trans_color = -1;          // transparent colour, -1 none
     Domain domain;                 // location on the earth, `proj` missing: none
@@ -40,6 +42,7 @@ struct IMG_report {
 // Most bytes of pixels, and pixels, that a file may ask for.
 constexpr std::size_t img_most_bytes = std::size_t{128} << 20;
 constexpr std::size_t img_most_pixels = std::size_t{64} << 20;
+constexpr int img_most_colors = 65536;
 
 // --- Record and native format (img_tool.cpp) ------------------------------------
 
@@ -52,7 +55,7 @@ int IMG_print(int level, const IMG_report* image);
 // New pixels of height * bytes_line bytes, all 0, in the place of the old; 0
 // when the size is none, or above the ceiling, or memory is short.
 int IMG_alloc(IMG_report* image);
-int IMG_alloc_colors(IMG_report* image, int count); // black
+int IMG_alloc_colors(IMG_report* image, int count); // black, img_most_colors at most
 // Reads any kind of image file; `type` 1 asks for the header alone where the
 // reader can.
 int IMG_read(const char* filename, IMG_report* image, int type);
@@ -67,7 +70,6 @@ int IMG_dump(const char* filename);
 // --- GIF (gif.cpp) --------------------------------------------------------------
 
 int GIF_dump(const char* filename);
-// The pixels of `image` become palette indexes.
 int GIF_write(const char* filename, IMG_report* image);
 int GIF_read(const char* filename, IMG_report* image, int type);
 int GIF_interlace(int value);   // 1: interlaced output
