@@ -4,6 +4,9 @@
 //   make_sample --lev2 FILE      the same as a Level II volume, with velocities
 //   make_sample --seeds DIR      a small product of every kind, a file each
 //   make_sample --lev2-seeds DIR a small Level II volume of every kind
+//   make_sample --image-seeds KIND DIR
+//                                small images: gif, png, xwd or native
+#include "image_sample.h"
 #include "lev2_storm.h"
 #include "lev2_writer.h"
 #include "nids_storm.h"
@@ -55,7 +58,10 @@ int main(int argc, char** argv) {
     if (option == "--lev2-seeds") {
         return write_files(argv[2], lev2_samples()) ? 0 : 1;
     }
+    if (argc == 4 && std::string(argv[1]) == "--image-seeds") {
+        return write_files(argv[3], image_samples(argv[2])) ? 0 : 1;
+    }
     std::fprintf(stderr, "usage: make_sample FILE | --super FILE | --lev2 FILE | --seeds DIR | "
-                         "--lev2-seeds DIR\n");
+                         "--lev2-seeds DIR | --image-seeds KIND DIR\n");
     return 2;
 }
