@@ -242,19 +242,6 @@ TEST_F(FramesTest, PixelZoom) {
     leave();
 }
 
-TEST_F(FramesTest, ZoomHoldsThroughFrames) {
-    const std::vector<Picture> each = pictures();
-    start_stopped();
-    user->point(window, 200, 150);
-    user->key(XK_z, alt);
-    expect_frame(0, magnified(each[0], 200, 150, 2), "zoom");
-    user->key(XK_bracketright, alt);
-    expect_frame(1, magnified(each[1], 200, 150, 2), "next frame");
-    user->key(XK_u, alt);
-    expect_frame(1, each[1], "unzoom");
-    leave();
-}
-
 TEST_F(FramesTest, RectangleZoomsIntoTheMap) {
     start("d2 -me mess");
     const Picture whole = picture();

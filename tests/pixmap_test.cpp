@@ -88,28 +88,6 @@ TEST_F(PixmapTest, WindowIsFoundByItsId) {
     EXPECT_EQ(loop.look(), expected) << "cleared first";
 }
 
-TEST_F(PixmapTest, FaultsOfTheId) {
-    const std::string end = "GPH_begin: Error opening workstation\n";
-    struct Row {
-        const char* args;
-        const char* err;
-    };
-    for (const Row& row : std::initializer_list<Row>{
-             {"-de w",                   "gopen_ws: window parameters not specified\n"},
-             {"-de w,,w9",               "gopen_ws: unable to open window id file\n"  },
-             {"-de w,,gone",             "gopen_ws: unable to open window id file\n"  },
-             {"-de w,,0:640x512",        "gopen_ws: window id not specified\n"        },
-             {"-de w,,+7",               "gopen_ws: window id not specified\n"        },
-             {"-de w,,0xZ",              "gopen_ws: window id not specified\n"        },
-             {"-de w,,99:640x512",       "gopen_ws: unable to open window\n"          },
-             {"-de w,:64321,99:640x512", "gopen_ws: unable to connect to display\n"   }
-    }) {
-        const ProgramRun run = draw(std::string("disc ") + row.args, {});
-        EXPECT_EQ(run.code, 4) << row.args;
-        EXPECT_EQ(run.err, row.err + end) << row.args;
-    }
-}
-
 TEST_F(PixmapTest, PanelsTakeAPart) {
     const Picture quarter = picture_of(std::string("disc -ge 320x256") + plain);
     const Picture small = picture_of(std::string("disc -ge 200x150") + plain);

@@ -95,17 +95,12 @@ TEST_F(WindowTest, SizePlaceAndLook) {
         std::uint32_t corner;
     };
     for (const Row& row : std::initializer_list<Row>{
-             {"",                  "",              640,  512, 105, 105, black},
-             {"-ge 400x300",       "",              400,  300, 105, 105, black},
-             {"-ge 400x300+17+23", "",              400,  300, 22,  28,  black},
-             {"-ge 400x300-0-0",   "",              400,  300, 629, 505, black},
-             {"-ge +30+40",        "",              640,  512, 35,  45,  black},
-             {"-ge 65000x300",     "",              8192, 300, 105, 105, black},
-             {"-ge nonsense",      "",              640,  512, 105, 105, black},
-             {"-pp inv",           "",              640,  512, 105, 105, white},
-             {"",                  "zyrinverse",    640,  512, 105, 105, white},
-             {"-pp lcmap",         "",              640,  512, 105, 105, black},
-             {"",                  "zyrlocal_cmap", 640,  512, 105, 105, black}
+             {"",                  "",              640, 512, 105, 105, black},
+             {"-ge 400x300+17+23", "",              400, 300, 22,  28,  black},
+             {"-pp inv",           "",              640, 512, 105, 105, white},
+             {"",                  "zyrinverse",    640, 512, 105, 105, white},
+             {"-pp lcmap",         "",              640, 512, 105, 105, black},
+             {"",                  "zyrlocal_cmap", 640, 512, 105, 105, black}
     }) {
         std::map<std::string, std::string> env;
         if (*row.env != '\0') {
@@ -199,5 +194,32 @@ TEST_F(WindowTest, ReplotsHoldNothingBack) {
 #ifndef __SANITIZE_ADDRESS__
     EXPECT_LT(resident_kb(program->pid()) - memory_kb, 1000);
 #endif
+    leave();
+}
+
+// What the window keeps of a plot is what a metafile of the plot itself holds.
+TEST_F(WindowTest, MetafileHoldsThePlot) {
+    const auto figures = [&](const std::string& name) {
+        std::istringstream in(read_text(dir.path() + "/" + name));
+        std::map<std::string, int> count;
+        for (std::string word; in >> word;) {
+            if (word == "FA" || word == "PL" || word == "TE" || word == "CLR") {
+                count[word]++;
+            }
+        }
+        return count;
+    };
+    start("disc -me mess");
+    user->key(XK_m, alt);
+    EXPECT_TRUE(said("Created metafile\n")) << program->out();
+    leave();
+    ASSERT_EQ(end_of("disc -de m,direct").code, 0);
+    EXPECT_EQ(figures("direct").size(), 4U);
+    EXPECT_EQ(figures("zyr.meta"), figures("direct"));
+    start("disc -dr sum", {
+                              {"zyrredraw", "no"}
+    });
+    user->key(XK_m, alt);
+    EXPECT_TRUE(said("gobj_print_meta: No redraw data to make metafile from\n"));
     leave();
 }
