@@ -274,7 +274,9 @@ char* gnew_obj(int type, int values, int size, const void* data) {
         gcheck_event();
     if (list.redraw == 0 || list.last == nullptr)
         return nullptr;
-    void* place = list.arena.take(sizeof(drawable));
+    const auto bytes = static_cast<std::size_t>(std::max(size, 0));
+    const bool apart = sizeof(drawable) + bytes > block_size;
+    char* place = list.arena.take(sizeof(drawable) + (apart ? 0 : bytes));
     if (place == nullptr) {
         gerr_printf("newobj", "malloc error\n");
         list.last = nullptr; // the list ends here, the plot does not
@@ -283,12 +285,11 @@ char* gnew_obj(int type, int values, int size, const void* data) {
     auto* object = new (place) drawable{type, values, nullptr, nullptr};
     list.last->next = object;
     list.last = object;
-    if (size <= 0)
+    if (bytes == 0)
         return nullptr;
-    const auto bytes = static_cast<std::size_t>(size);
-    object->data = list.arena.take(bytes);
+    object->data = apart ? list.arena.take(bytes) : place + sizeof(drawable);
     if (object->data == nullptr)
-        gerr_printf("newobj", "data malloc error\n");
+        gerr_printf("newobj", "data malloc error\n"); // this one is left out
     else if (data != nullptr)
         std::memcpy(object->data, data, bytes);
     return object->data;

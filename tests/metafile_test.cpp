@@ -1,0 +1,323 @@
+// Metafiles and the redraw list: what calls write, what a reader makes of it.
+
+#include "cgm_walk.h"
+#include "gks.h"
+#include "gks_tran.h"
+#include "ps_ink.h"
+#include "ps_page.h"
+
+#include <array>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include <sys/resource.h>
+
+namespace {
+
+constexpr std::array<Gpt, 8> octet = {
+    {{0, 0}, {1, 0}, {2, 0.5F}, {3, 1}, {3, 2}, {2, 2.25F}, {1, 2}, {0, 0}}
+};
+constexpr const char* awkward_text = "FA 1\nTE 0,0 x\x1b";
+
+// Sets every attribute, and draws every primitive before and after.
+void draw() {
+    const Glim vp = {0.25F, 0.75F, 0.125F, 0.5F};
+    const Glim win = {-1, 3, -1, 4};
+    const Gcolr_rep blue = {0, 0.25F, 1};
+    const Gpt at = {0.5F, 1};
+    gset_vp(2, &vp);
+    gset_win(2, &win);
+    gset_colr_rep(1, 7, &blue);
+    gpolyline(2, octet.data());
+    gsel_norm_tran(2);
+    gset_line_colr_ind(7);
+    gset_linewidth(3);
+    gset_linetype(4);
+    gpolyline(8, octet.data());
+    gset_fill_colr_ind(7);
+    gset_fill_int_style(GPAT);
+    gset_fill_style_ind(5);
+    gfill_area(5, octet.data());
+    gset_fill_style_ind(1);
+    gset_fill_int_style(GSOLID);
+    gfill_area(8, octet.data());
+    gset_marker_colr_ind(7);
+    gset_marker_size(0.5F);
+    gset_marker_type(6);
+    gset_marker_width(2);
+    gpolymarker(4, octet.data());
+    gset_text_colr_ind(7);
+    gset_char_ht(0.25F);
+    gset_expan(1.5F);
+    gset_text_width(2);
+    gset_space(0.5F);
+    const Gtext_align centre = {GCENTER_HOR, GHALF_VERT};
+    gset_text_align(&centre);
+    const Gpt right = {1, 0};
+    const Gpt up = {0, 1};
+    gset_char_up_vec(&right);
+    gtext(&at, "turned");
+    gset_char_up_vec(&up);
+    gset_char_space(1);
+    const Gfontprec font = {2, GSTROKE_PREC};
+    gset_fontprec(&font);
+    gtext(&at, "two");
+}
+
+class MetaPage {
+public:
+    explicit MetaPage(const std::string& options = "") : path(temp_name("page.meta")) {
+        RES_put("file_path", ZYR_SOURCE_DIR "/etc");
+        gset_win_title("A title");
+        gopen_gks(nullptr, 0);
+        gopen_ws(1, (path + options).c_str(), ws_metafile);
+    }
+    ~MetaPage() {
+        whole();
+        std::filesystem::remove(path);
+    }
+    MetaPage(const MetaPage&) = delete;
+    MetaPage& operator=(const MetaPage&) = delete;
+    std::string whole() {
+        gclose_ws(1);
+        gclose_gks();
+        gmeta_set_type(0);
+        return read_text(path);
+    }
+    // What stands behind the state at the opening.
+    std::string drawn() {
+        constexpr std::string_view last = "TE_FNT 1 2\n";
+        const std::string text = whole();
+        return text.substr(text.find(last) + last.size());
+    }
+    const std::string path;
+};
+
+std::string drawn_metafile() {
+    MetaPage page;
+    draw();
+    return page.whole();
+}
+
+std::string without_date(const std::string& text) {
+    const std::size_t at = text.find("#CreationDate");
+    return text.substr(0, at) + text.substr(text.find('\n', at) + 1);
+}
+
+// What a metafile of this text, played on a metafile, writes to that.
+std::string played(const std::string& text) {
+    const std::string path = temp_name("in.meta");
+    write_text(path, text);
+    MetaPage page;
+    EXPECT_EQ(gread_metafile(path.c_str()), 0);
+    std::filesystem::remove(path);
+    return page.drawn();
+}
+
+} // namespace
+
+TEST(Metafile, GoldenOfEveryCall) {
+    const std::string golden = ZYR_SOURCE_DIR "/tests/data/golden/calls.meta";
+    MetaPage page;
+    draw();
+    const Glim region = {0, 1, 0, 2};
+    gclear_region(&region);
+    gtext(octet.data(), awkward_text);
+    gmessage(1, awkward_text);
+    const Glim half = {0, 0.5F, 0, 1};
+    gset_ws_win(1, &half);
+    gset_ws_vp(1, &half);
+    gsel_norm_tran(2); // in force: no record
+    const std::string text = without_date(page.whole());
+    if (std::getenv("ZYR_UPDATE_GOLDEN") != nullptr)
+        write_text(golden, text);
+    EXPECT_EQ(text, read_text(golden));
+}
+
+TEST(Metafile, PlaysAsItWasDrawnAndLeavesThePageAsItWas) {
+    const auto behind = [] {
+        gpolyline(8, octet.data());
+        gfill_area(8, octet.data());
+        gpolymarker(4, octet.data());
+        gtext(octet.data(), "behind");
+    };
+    const std::string path = temp_name("drawn.meta");
+    write_text(path, drawn_metafile());
+    const auto page_with = [&](bool file) {
+        PsPage page("color");
+        const Glim win = {-2, 5, -2, 5};
+        const Gcolr_rep red = {1, 0, 0};
+        gset_win(3, &win);
+        gset_colr_rep(1, 7, &red);
+        gset_line_colr_ind(7);
+        gsel_norm_tran(3);
+        behind();
+        EXPECT_EQ(file ? goverlay_metafile(path.c_str()) : 0, 0);
+        behind();
+        return ps_ink(page.whole());
+    };
+    const auto drawn = [] {
+        PsPage page("color");
+        draw();
+        return ps_ink(page.whole());
+    }();
+    auto expected = page_with(false);
+    EXPECT_GT(drawn.size(), 40U);
+    const auto middle = expected.begin() + static_cast<std::ptrdiff_t>(expected.size() / 2);
+    expected.insert(middle, drawn.begin(), drawn.end());
+    const auto got = page_with(true);
+    ASSERT_EQ(got.size(), expected.size());
+    for (std::size_t i = 0; i < got.size(); ++i)
+        EXPECT_EQ(got[i], expected[i]) << i;
+    std::filesystem::remove(path);
+}
+
+TEST(Metafile, ReaderTakesWhatIsThere) {
+    const std::string long_text(150, 'x');
+    const std::vector<std::array<std::string, 2>> rows = {
+        {"ZYRMETA",                                                                                  ""                      },
+        {"",                                                                                         ""                      },
+        {"first line\nPL_TYPE 2\n#PL_TYPE 3\nME PL_TYPE 4\nWS_WIN 1 9 9 9 9\nCLR_REG 1 2 3 "
+         "4\nPL_TYPE 5",                                                                    "PL_TYPE 2\nPL_TYPE 5\n"},
+        {"\nPL 2000000000 0,0 1,1 1,0.5",
+         "PL 3 0.000000,0.000000 1.000000,1.000000 1.000000,0.500000 \n"                                                     },
+        {"\nPL 3 0,0 1,1 nan,0 0,1\nPL_TYPE 2",
+         "PL 2 0.000000,0.000000 1.000000,1.000000 \nPL_TYPE 2\n"                                                            },
+        {"\nFA -3 0,0 1,1 1,0\nPM 0 PL_TYPE 2\nPL_TYPE 3",                                           "PL_TYPE 2\nPL_TYPE 3\n"},
+        {"\nPL_LW 1e999\nPL_LW inf\nPL_LW -1\nPL_LW 2\nTR 6\nTR -1\nVP 6 0 0 1 1\nVP 1 0 0 1\nTR 1",
+         "PL_LW 2.000000\nTR 1\n"                                                                                            },
+        {"\nPM 4 0,0 1,0 1,1 0,1 \n   PL_TYPE\n 2\nPL_TYPEPL_TYPE 3\nPL_TYPE 4",
+         "PM 4 0.000000,0.000000 1.000000,0.000000 1.000000,1.000000 0.000000,1.000000 \n   "
+         "PL_TYPE 2\nPL_TYPE 4\n"                                                                                            },
+        {"\nTE 0,1 " + long_text + "\nTE 0,1 \nTE 0,1   a b \r\nTE 0\nPL_TYPE 2",
+         "TE 0.000000,1.000000 " + long_text.substr(0,                                                                         100) +
+             "\nTE 0.000000,1.000000 a b \nPL_TYPE 2\n"},
+        {"\nZYRMETA\n#Title: PL_TYPE 2\nTE_UP 0,0\nTE_UP 1,0\nTE_UP 0,1",
+         "TE_UP 1.000000,0.000000\nTE_UP 0.000000,1.000000\n"                                                   },
+    };
+    for (const auto& [text, expected] : rows)
+        EXPECT_EQ(played(text), expected) << text;
+}
+
+TEST(Metafile, FilesThatCannotBePlayed) {
+    MetaPage page;
+    const std::vector<std::array<std::string, 2>> rows = {
+        {"/nonexistent", "gread_metafile: Unable to open image file: /nonexistent\n" },
+        {"",             "gread_metafile: Unable to open image file: \n"             },
+        {page.path,      "gread_metafile: File is being written: " + page.path + "\n"},
+    };
+    for (const auto& [name, report] : rows) {
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(gread_metafile(name.c_str()), -1);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), report);
+    }
+}
+
+TEST(Metafile, NamesFormsAndAreas) {
+    const std::string named = temp_name("named");
+    struct Row {
+        const char* conn;
+        const char* geometry;
+        int width, height, x, y;
+        const char* begin; // of the file
+    };
+    for (const Row& row : {
+             Row{"",         "",         1000, 800, 0,   0,    "ZYRMETA\n#Title"   },
+             Row{",CGM",     "8x4",      800,  400, 0,   0,    "\0\x20\x10\x22\0\1"},
+             Row{",cgm,zyr", "8x4+1-2",  800,  400, 100, -200, "ZYRMETA\n#Title"   },
+             Row{"",         "+1+2",     1000, 800, 100, 200,  "ZYRMETA\n#Title"   },
+             Row{"",         "p2x4+1+0", 500,  200, 500, 600,  "ZYRMETA\n#Title"   },
+    }) {
+        setenv("zyrmeta_out", named.c_str(), 1);
+        RES_put("geometry", row.geometry);
+        ASSERT_EQ(gmeta_open_ws(row.conn), 0);
+        Gint_pt size{};
+        Gint_pt offset{};
+        gget_win_size(&size.x_coord, &size.y_coord);
+        gget_win_offset(&offset.x_coord, &offset.y_coord);
+        EXPECT_EQ(gmeta_close_file(), 0);
+        EXPECT_EQ(gmeta_close_file(), -1);
+        gmeta_set_type(0);
+        EXPECT_EQ(size.x_coord, row.width) << row.conn << row.geometry;
+        EXPECT_EQ(size.y_coord, row.height);
+        EXPECT_EQ(offset.x_coord, row.x);
+        EXPECT_EQ(offset.y_coord, row.y);
+        EXPECT_EQ(std::memcmp(read_text(named).data(), row.begin, 6), 0);
+    }
+    std::filesystem::remove(named);
+}
+
+// Lines and clips alone; a line that is longer than an element goes on.
+TEST(BinaryMetafile, HoldsLinesAndClips) {
+    MetaPage page(",cgm");
+    draw();
+    std::vector<Gpt> line(20000);
+    for (int i = 0; i < 20000; ++i)
+        line[i] = {0.25F * static_cast<float>(i % 7), 1.0e6F * static_cast<float>(i == 9000)};
+    gpolyline(20000, line.data());
+    const CgmFile file = read_cgm(page.whole());
+    EXPECT_EQ(file.fault, "");
+    EXPECT_EQ(file.frame(), "0,1 1,1 1,2 1,11 1,9 2,6 0,3 0,4 0,5 0,2 ");
+    EXPECT_EQ(file.all({1, 2})[0].data, std::string("\12ZYRCGM-1.0"));
+    const auto extent = file.all({2, 6})[0].points();
+    EXPECT_EQ(extent[1].x_coord, 10000);
+    EXPECT_EQ(extent[1].y_coord, 8000);
+    std::vector<std::size_t> sizes;
+    std::vector<Gint_pt> joined;
+    for (const CgmElement& element : file.all({4, 1})) {
+        const auto points = element.points();
+        sizes.push_back(points.size());
+        joined.insert(joined.end(), points.begin() + (sizes.size() > 3 ? 1 : 0), points.end());
+    }
+    EXPECT_EQ(sizes, (std::vector<std::size_t>{2, 8, 8191, 8191, 3620}));
+    ASSERT_EQ(joined.size(), 10U + 20000U);
+    EXPECT_EQ(joined[2].x_coord, 299) << "0.375 of 799, cut";
+    EXPECT_EQ(joined[10 + 9000].y_coord, 32767) << "held within 16 bits";
+    const auto clips = file.all({3, 5});
+    EXPECT_EQ(clips.back().points()[0].x_coord, 199);
+    EXPECT_EQ(clips.back().points()[1].y_coord, 399);
+    EXPECT_EQ(file.elements.size(), 10 + clips.size() + sizes.size());
+}
+
+// The polygons of a full product in at most one and a half times their bytes.
+TEST(RedrawList, HoldsAProductAndGivesItBack) {
+    constexpr std::size_t polygons = 360 * 460;
+    constexpr int bytes = 5 * sizeof(Gpt);
+    gset_redraw(1);
+    gclear_objs();
+    for (std::size_t i = 0; i < polygons; ++i)
+        ASSERT_NE(gnew_obj(obj_fill_area, 5, bytes, octet.data()), nullptr);
+    EXPECT_LT(gget_objs_bytes(), polygons * (bytes + 32) * 3 / 2);
+    gclear_objs();
+    EXPECT_EQ(gget_objs_bytes(), 0U);
+    EXPECT_EQ(gset_redraw(0), 1);
+    EXPECT_EQ(gnew_obj(obj_linetype, 2, 0, nullptr), nullptr);
+    EXPECT_EQ(gget_objs_bytes(), 0U);
+}
+
+#ifndef __SANITIZE_ADDRESS__ // it reserves more than any limit
+TEST(RedrawList, EndsWithTheMemory) {
+    gopen_gks(nullptr, 0);
+    gset_redraw(1);
+    gclear_objs();
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    const rlimit most = {pages * 4096 + (std::size_t{32} << 20), RLIM_INFINITY};
+    ASSERT_EQ(setrlimit(RLIMIT_AS, &most), 0);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(gnew_obj(obj_polyline, 9, std::numeric_limits<int>::max(), nullptr), nullptr);
+    EXPECT_NE(gnew_obj(obj_polyline, 2, 16, octet.data()), nullptr) << "one figure is left out";
+    int n = 0;
+    while (gnew_obj(obj_polyline, 8, sizeof octet, octet.data()) != nullptr)
+        ++n;
+    EXPECT_GT(n, 100000);
+    EXPECT_EQ(gnew_obj(obj_polyline, 2, 16, octet.data()), nullptr) << "the list has ended";
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "newobj: data malloc error\n\nnewobj: malloc error\n\n");
+    gclear_objs();
+    EXPECT_NE(gnew_obj(obj_polyline, 2, 16, octet.data()), nullptr);
+}
+#endif

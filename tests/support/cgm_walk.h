@@ -1,0 +1,84 @@
+// cgm_walk.h: reads a binary metafile element by element, after the headers of
+// ISO 8632-3, section 5: class, id, length, partitions, padding.
+#pragma once
+
+#include "gks.h"
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+struct CgmElement {
+    std::pair<int, int> code; // class and id
+    std::string data;
+    [[nodiscard]] std::vector<Gint_pt> points() const {
+        std::vector<Gint_pt> all;
+        for (std::size_t i = 0; i + 4 <= data.size(); i += 4) {
+            const auto word = [&](std::size_t at) {
+                return static_cast<std::int16_t>(static_cast<std::uint8_t>(data[at]) << 8 |
+                                                 static_cast<std::uint8_t>(data[at + 1]));
+            };
+            all.push_back({word(i), word(i + 2)});
+        }
+        return all;
+    }
+};
+
+struct CgmFile {
+    std::vector<CgmElement> elements;
+    std::string fault; // empty: every element is whole
+    [[nodiscard]] std::vector<CgmElement> all(std::pair<int, int> code) const {
+        std::vector<CgmElement> found;
+        for (const CgmElement& element : elements)
+            if (element.code == code)
+                found.push_back(element);
+        return found;
+    }
+    // Codes of everything but the picture's drawing, as "0,1 1,1 ...".
+    [[nodiscard]] std::string frame() const {
+        std::string text;
+        for (const auto& [code, data] : elements)
+            if (code.first < 3)
+                text += std::to_string(code.first) + "," + std::to_string(code.second) + " ";
+        return text;
+    }
+};
+
+inline CgmFile read_cgm(const std::string& bytes) {
+    CgmFile file;
+    std::size_t at = 0;
+    const auto word = [&] {
+        const auto high = static_cast<std::uint8_t>(bytes[at]);
+        const auto low = static_cast<std::uint8_t>(bytes[at + 1]);
+        at += 2;
+        return high << 8 | low;
+    };
+    while (at < bytes.size()) {
+        if (at + 2 > bytes.size())
+            return file.fault = "header cut", file;
+        const int header = word();
+        CgmElement element = {
+            {header >> 12, header >> 5 & 0x7f},
+            ""
+        };
+        bool goes_on = (header & 31) == 31;
+        std::size_t length = header & 31;
+        do {
+            if (goes_on) {
+                if (at + 2 > bytes.size())
+                    return file.fault = "length cut", file;
+                const int part = word();
+                goes_on = (part & 0x8000) != 0;
+                length = part & 0x7fff;
+            }
+            const std::size_t padded = length + length % 2;
+            if (at + padded > bytes.size())
+                return file.fault = "element cut", file;
+            element.data += bytes.substr(at, length);
+            at += padded;
+        } while (goes_on);
+        file.elements.push_back(std::move(element));
+    }
+    return file;
+}
