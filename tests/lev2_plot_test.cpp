@@ -170,7 +170,7 @@ TEST_F(Lev2Plot, FiguresLabelsAndWarnings) {
         {"-pp nobar,range=9,clutter=5", 6,  "Md=cl Sc=1 El=0.5 Mx=94",        ""                                      },
         {"-pp nobar,range=9,clutter",   0,  "Md=cl Sc=1 El=0.5 Mx=94",
          "Scan 1 has no echo beyond the 25 gates of \"clutter\""                                                      },
-        {"-cof 100:red,110:blue",                 0,  "Md=cl Sc=1 El=0.5 Mx=94",
+        {"-cof 100:red,110:blue",       0,  "Md=cl Sc=1 El=0.5 Mx=94",
          "Scan 1 has no value that is drawn, the largest is 94.5"                                                     },
         {"-pd ps,-35,80,41,31,.1,.1",   0,  "Md=cl Sc=1 El=0.5 Mx=94",
          "Scan 1 lies outside the plot domain"                                                                        },
