@@ -335,6 +335,8 @@ int gobj_print_meta() {
     const char* name = std::getenv("METAOUT");
     if (name == nullptr || *name == '\0')
         name = "zyr.meta";
+    // Frames and "noredraw" leave the list without the picture.
+    const bool in_use = list.redraw != 0 && list.root.next != nullptr;
     {
         const Replay replay;
         if (gmeta_open_file(name) == nullptr) {
@@ -342,7 +344,7 @@ int gobj_print_meta() {
             return -1;
         }
         gmeta_init_file();
-        if (list.root.next == nullptr)
+        if (!in_use)
             MESS_print(mess_warn, "gobj_print_meta: No redraw data to make metafile from\n");
         for (const drawable* obj = list.root.next; obj != nullptr; obj = obj->next)
             gobj_redraw_funcs(obj);
