@@ -89,6 +89,10 @@ int main(int argc, char** argv) {
             files.push_back(file);
         }
     }
+    const std::string storm = argc < 2 ? write_storm() : "";
+    if (argc < 2) {
+        files.push_back(storm);
+    }
     std::vector<long> peaks;
     for (const auto& file : files) {
         peaks.push_back(run_program({"-inp", "lev2z", "-de", "p,/dev/null", file}).peak_kb);
@@ -96,10 +100,6 @@ int main(int argc, char** argv) {
     for (std::size_t i = 0; i < files.size(); i++) {
         measure(files[i], peaks[i], 7);
     }
-    if (argc < 2) {
-        const std::string storm = write_storm();
-        measure(storm, 0, 7);
-        std::filesystem::remove(storm);
-    }
+    std::filesystem::remove(storm);
     return 0;
 }
