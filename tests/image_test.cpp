@@ -468,6 +468,15 @@ TEST_F(Image, EveryKindOfPngIsRead) {
     }
 }
 
+TEST_F(Image, RowsMayBeLong) {
+    const MemoryFile file({});
+    Freed image(image_sample({70000, 1, 8, 8, 4, 0}));
+    EXPECT_EQ(GIF_write(file.name(), &image), 0);
+    EXPECT_TRUE(file.bytes().empty());
+    ASSERT_EQ(PNG_write(file.name(), &image), 1);
+    EXPECT_EQ(read_back(file.name()), png_picture(file.name()));
+}
+
 TEST_F(Image, PngFilesSayWhatTheyAre) {
     setenv("TZ", "EST5EDT", 1);
     const MemoryFile file({});

@@ -23,7 +23,7 @@ inline void image_walk(const std::vector<std::uint8_t>& bytes, ImageReader read)
     IMG_report image;
     image.depth = 32;
     if (read(file.name(), &image, 0) == 1) {
-        constexpr int most_bytes = 1 << 22; // larger pictures take too long
+        constexpr int most_bytes = 1 << 18; // larger pictures take too long
         const MemoryFile out({});
         if (image.data == nullptr || image.width < 1 || image.height < 1) {
             std::abort();
