@@ -225,30 +225,18 @@ TEST_F(Image, WindowDumpsKeepPixelsAndColors) {
         const auto name = std::strlen(image.info) + 1;
         const std::size_t colors = 100 + name;
         const std::size_t data = colors + 16 * static_cast<std::size_t>(image.num_colors);
-        const std::vector<std::pair<std::size_t, int>> fields = {
-            {0,  static_cast<int>(colors)   },
-            {4,  7                          },
-            {8,  2                          },
-            {12, sample.depth               },
-            {16, sample.width               },
-            {20, sample.height              },
-            {28, sample.byte_order          },
-            {32, 32                         },
-            {36, sample.byte_order          },
-            {44, sample.bits_pixel          },
-            {48, image.bytes_line           },
-            {52, sample.depth > 8 ? 4 : 3   },
-            {60, static_cast<int>(image.grn)},
-            {64, static_cast<int>(image.blu)},
-            {68, 8                          },
-            {72, image.num_colors           },
-            {76, image.num_colors           },
-            {84, sample.height              },
-            {96, 0                          },
-        };
-        for (const auto& [at, value] : fields) {
-            EXPECT_EQ(field(at), value) << "field at " << at;
+        std::string fields;
+        for (std::size_t at = 0; at < 100; at += 4) {
+            fields += std::to_string(field(at)) + " ";
         }
+        char expected[300];
+        std::snprintf(expected, sizeof expected,
+                      "%zu 7 2 %d %d %d 0 %d 32 %d 32 %d %d %d %u %u %u 8 %d %d %d %d 0 0 0 ",
+                      colors, sample.depth, sample.width, sample.height, sample.byte_order,
+                      sample.byte_order, sample.bits_pixel, image.bytes_line,
+                      sample.depth > 8 ? 4 : 3, image.red, image.grn, image.blu, image.num_colors,
+                      image.num_colors, sample.width, sample.height);
+        EXPECT_EQ(fields, expected);
         ASSERT_EQ(bytes.size(), data + static_cast<std::size_t>(image.bytes_line * sample.height));
         EXPECT_EQ(std::memcmp(&bytes[100], image.info, name), 0);
         EXPECT_EQ(std::memcmp(&bytes[data], image.data, bytes.size() - data), 0);
