@@ -71,7 +71,7 @@ Masks masks_of(const IMG_report& image) {
 
 // Whether the record holds all its pixels, in a layout that can be read.
 bool is_readable(const IMG_report& image) {
-    return image.data != nullptr && image.width > 0 && image.height > 0 &&
+    return image.data != nullptr && image.width > 0 && image.height > 0 && image.depth > 0 &&
            IMG_line_pixels(image) >= image.width;
 }
 

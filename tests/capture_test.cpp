@@ -1,12 +1,15 @@
 // Pictures between the window and files: what an image dump writes is what the
 // window shows, and what lies in an image file is laid over the plot.
+#include "gks.h"
 #include "img_pixel.h"
 #include "plot_window.h"
+#include "zyrresrc.h"
 
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <random>
 
 #include <png.h>
 
@@ -254,6 +257,41 @@ TEST_F(CaptureTest, ImagesLieOverThePlot) {
         }
         const Picture seen = picture_of(plot + "fi:" + file("images.lst"));
         EXPECT_EQ(pixels_that_differ(seen, expected), 0) << depth;
+    }
+}
+
+// Records of any layout, true or false about themselves, at any place.
+TEST_F(CaptureTest, OddRecordsAreDrawnOrRefused) {
+    constexpr int layouts[] = {1, 2, 3, 4, 8, 15, 16, 24, 32, 48, 0, -5};
+    RES_put("file_path", ZYR_SOURCE_DIR "/etc");
+    ASSERT_EQ(gopen_gks(nullptr, 0), 0);
+    for (const int depth : depths) {
+        use_server(depth);
+        ASSERT_EQ(gopen_ws(1, server->name().c_str(), ws_window), 0);
+        std::mt19937 random(7);
+        const auto below = [&](unsigned n) { return static_cast<int>(random() % n); };
+        int drawn = 0;
+        for (int i = 0; i < 200; i++) {
+            IMG_report image;
+            image.width = below(900);
+            image.height = below(60);
+            image.depth = layouts[below(std::size(layouts))];
+            image.bits_pixel = below(3) == 0 ? 32 : image.depth;
+            image.bytes_line = image.width * std::max(image.bits_pixel, 1) / 8 + below(5);
+            image.byte_order = below(2);
+            image.red = below(2) == 0 ? 0xFF0000U : static_cast<unsigned>(random());
+            if (below(2) == 0) {
+                IMG_alloc_colors(&image, 1 + below(300));
+            }
+            if (IMG_alloc(&image) != 0) {
+                std::generate_n(image.data, image.bytes_line * image.height, random);
+                const int x = static_cast<int>(random());
+                drawn += goverlay_image(&image, "", below(2) == 0 ? x : x % 500, x % 300);
+            }
+            IMG_free(&image);
+        }
+        EXPECT_GT(drawn, 50);
+        gclose_ws(1);
     }
 }
 
