@@ -106,13 +106,11 @@ struct Header {
 // Up to the pixels. Grey with alpha comes as colour, 16 bits as 8; the alpha
 // byte stands before the colour, where a 32-bit pixel has nothing.
 bool read_header(png_structp png, png_infop info, std::FILE* file, Header* h) {
-    constexpr png_alloc_size_t most_chunk = 1U << 20; // of a text or profile
-    constexpr png_uint_32 most_chunks = 16;           // of these that are kept
-    if (setjmp(png_jmpbuf(png)) != 0) {               // NOLINT(cert-err52-cpp): the library's way
+    if (setjmp(png_jmpbuf(png)) != 0) { // NOLINT(cert-err52-cpp): the library's way
         return false;
     }
-    png_set_chunk_malloc_max(png, most_chunk);
-    png_set_chunk_cache_max(png, most_chunks);
+    // Texts, profiles and the like are passed over: their sizes are the file's word.
+    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
     png_init_io(png, file);
     png_set_sig_bytes(png, signature_size);
     png_read_info(png, info);
