@@ -7,14 +7,6 @@
 #include <sstream>
 #include <string>
 
-inline int count_text(const std::string& text, const std::string& part) {
-    int count = 0;
-    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
-        count++;
-    }
-    return count;
-}
-
 struct NidsPage {
     ProgramRun run;
     std::string text; // the PostScript file

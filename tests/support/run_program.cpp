@@ -187,6 +187,14 @@ std::string read_text(const std::string& name) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
+int count_text(const std::string& text, const std::string& part) {
+    int count = 0;
+    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+        count++;
+    }
+    return count;
+}
+
 void feed_stdin(const std::string& text) {
     const TempDir dir;
     if (std::freopen(dir.write("stdin", text).c_str(), "r", stdin) == nullptr) {

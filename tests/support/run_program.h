@@ -74,4 +74,5 @@ private:
 };
 
 std::string read_text(const std::string& name);
+int count_text(const std::string& text, const std::string& part);
 void feed_stdin(const std::string& text); // in place of standard input
