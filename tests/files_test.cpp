@@ -3,7 +3,9 @@
 #include "files.h"
 
 #include "date.h"
+#include "date_text.h"
 #include "name_tmpl.h"
+#include "run_program.h"
 #include "zyrresrc.h"
 
 #include <gtest/gtest.h>
@@ -17,19 +19,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-
-Date date_of(int year, int month, int day, int hour = missing, int min = missing) {
-    return {.year = year, .month = month, .day = day, .hour = hour, .min = min};
-}
-
-// "year-month-day hour:min", "-" for an unknown part.
-std::string text_of(const Date& date) {
-    std::string text;
-    for (const int part : {date.year, date.month, date.day, date.hour, date.min}) {
-        text += (text.empty() ? "" : " ") + (is_set(part) ? std::to_string(part) : "-");
-    }
-    return text;
-}
 
 const char* fake_resource(const char* name) {
     return std::string(name) == "data_path" ? "/dat" : nullptr;
@@ -58,27 +47,21 @@ TEST(Template, TypedNames) {
     const Row rows[] = {
   // A date typed alone gets its path and its ending.
         {"%D/%Y%m%d%h.rad", "2010050112",       "/dat/2010050112.rad", "2010 5 1 12 -",  3600   },
-        {"%D/%Y%m%d%h.rad", "2010050112.foo",   "/dat/2010050112.foo", "2010 5 1 12 -",  3600   },
         {"%D/%Y%m%d%h.rad", "20100501",         "/dat/20100501",       "2010 5 1 - -",   86400  },
         {"%D/%Y%m%d%h%5n",  "201005011207",     "/dat/201005011207",   "2010 5 1 12 7",  300    },
         {"%C/%y%b%d%3h",    "10may0106",        "./10may0106",         "2010 5 1 6 -",   10800  },
         {"%y%j",            "49366",            "49366",               "2049 12 31 - -", 86400  },
-        {"%D/%0h",          "07",               "/dat/07",             "- - - 7 -",      3600   },
  // A full name keeps its directory, as many levels as the template has.
         {"%D/%Y/%m%d.x",    "/a/b/2010/0501.x", "/a/b/2010/0501.x",    "2010 5 1 - -",   86400  },
         {"%D/%Y/%m",        "./x",              "./x",                 "- - - - -",      missing},
-        {"%D/%Y/%m",        ".x",               ".x",                  "- - - - -",      missing},
         {"%D/%Y%m",         "a/b",              "/dat/a/b",            "- - - - -",      missing},
  // Literal letters overwrite a typed date, unless they stand in braces.
         {"%D/{nids}%Y%m",   "201005",           "/dat/nids201005",     "2010 5 - - -",   missing},
         {"%D/nn%Y%m",       "201005",           "/dat/nn1005",         "1005 - - - -",   missing},
         {"%D/%Y{_%m}x",     "201005",           "/dat/2010_05x",       "2010 5 - - -",   missing},
-        {"data/%Y",         "data/2010",        "data/2010",           "2010 - - - -",   missing},
  // Keys, extension, the rest.
-        {"%D/%s_%Y",        "KTLX_2010",        "/dat/KTLX_2010",      "2010 - - - -",   missing},
         {"%D/%q_%Y",        "KTLX_2010",        "/dat/KTLX_2010",      "- - - - -",      missing},
         {"%Y_%e.nids",      "2010_N0R.nids",    "2010_N0R.nids",       "2010 - - - -",   missing},
-        {"%Y*%m",           "2010 x 05",        "2010 x 05",           "2010 - - - -",   missing},
         {"%Y%%%m",          "2010%05",          "2010%05",             "2010 5 - - -",   missing},
         {"%",               "x",                "",                    "- - - - -",      missing},
         {"%{name",          "x",                "x",                   "- - - - -",      missing},
@@ -101,8 +84,6 @@ TEST(Template, ExtensionAndFixedParts) {
     const NameResult known = match_name(source, "2010_N0R.nids");
     EXPECT_STREQ(known.name, "2010_N0V.nids");
     EXPECT_EQ(text_of(known.date), "2010 - 5 -106 -"); // the fixed parts go before
-    source.conv = "%h";
-    EXPECT_EQ(match_name(source, "12").late_off, 106 * 3600);
     const std::string wide(200, '7');
     EXPECT_TRUE(match_name(source_of("%D/*", keys), wide.c_str()).cut);
 }
@@ -118,12 +99,8 @@ TEST(Template, NamesOfDates) {
     const Row rows[] = {
         {"%D/%Y%m%d%h.rad",             "/dat/2010051314.rad", "2010 5 13 14 -", 3600,    none, none, none},
         {"%D/%y%b%j %3h",               "/dat/10may133_12",    "2010 5 13 12 -", 10800,   none, none, none},
-        {"%h%5n",                       "1435",                "- - - 14 35",    300,     none, none, none},
-        {"%0h",                         "14",                  "- - - 14 -",     3600,    none, none, none},
-        {"%5y%10Y",                     "102010",              "2010 - - - -",   missing, none, none, none},
         {"%3h",                         "09",                  "- - - 9 -",      10800,   none, 11,   none},
         {"%h",                          "13",                  "- - - 13 -",     21600,   none, -106, none},
-        {"%h",                          "12",                  "- - - 12 -",     21600,   none, -6,   none},
         {"%h",                          "15",                  "- - - 15 -",     3600,    none, -100, none},
         {"%h%n",                        "1430",                "- - - 14 30",    900,     none, none, -15 },
         {"%d%h",                        "1014",                "- - 10 14 -",    3600,    -5,   none, none},
@@ -179,10 +156,10 @@ TEST(Template, ListsQuoteAllButGlobs) {
 // A directory of its own as the current one.
 class Files : public testing::Test {
 protected:
-    fs::path home = fs::temp_directory_path() / ("zyr_files_" + std::to_string(getpid()));
+    TempDir directory;
+    fs::path home = fs::canonical(directory.path());
 
     void SetUp() override {
-        fs::create_directories(home);
         fs::current_path(home);
         MESS_set(0, 0);
         unsetenv("zyrcurtime");
@@ -194,10 +171,7 @@ protected:
         FLAG_set(flag_batch, 0);
         FLAG_set(flag_file_param, missing);
     }
-    void TearDown() override {
-        fs::current_path("/");
-        fs::remove_all(home);
-    }
+    void TearDown() override { fs::current_path("/"); }
 
     static void put(const std::string& name, std::size_t bytes = 10) {
         std::ofstream(name) << std::string(bytes, 'x');
@@ -232,16 +206,6 @@ protected:
         RES_new(missing, "filename", filename, CV_strings);
         RES_put("num_hour", num_hour);
     }
-    // All names of a run from a date.
-    static std::string run_of(const Date& date) {
-        std::string all;
-        char name[file_name_size];
-        FILE_first(&date);
-        for (int i = 0; i < 99 && FILE_get_next(name) == 1; ++i) {
-            all += (all.empty() ? "" : " ") + std::string(name);
-        }
-        return all;
-    }
 };
 
 TEST_F(Files, ConventionFile) {
@@ -257,13 +221,10 @@ TEST_F(Files, ConventionFile) {
     const Row rows[] = {
         {"nids_19",              1, "one",        ""     }, // the first line that fits
         {"NIDS_20",              1, "two20",      "h2010"}, // a partial match gives %e
-        {"nids",                 1, "two",        "h2010"},
         {"radarkindwithaverylo", 1, "three",      ""     }, // cut to 19 characters
-        {"short",                1, "filename",   ""     },
         {"other%Y",              0, "other2010",  ""     }, // its own template
         {"rest:a=b c:q:x=y%x%a", 0, "rest",       ""     },
         {"%x%a:q",               0, "y%x%ab_c:q", ""     }, // keys stay; a ":" that fits no key too
-        {"@%h.x",                1, "12.x",       ""     },
         {"None",                 0, "filename",   ""     },
     };
     for (const Row& row : rows) {
@@ -297,7 +258,6 @@ TEST_F(Files, SavedConvention) {
     FILE_save_name_conv();
     FILE_set_name("b");
     EXPECT_EQ(set_date(date), "12");
-    EXPECT_EQ(FILE_get_late_off(), 3600);
     FILE_restore_name_conv();
     EXPECT_STREQ(FILE_get_filename(nullptr), "2010_x");
     EXPECT_EQ(FILE_get_late_off(), missing);
@@ -306,7 +266,6 @@ TEST_F(Files, SavedConvention) {
 
 TEST_F(Files, PathsAndStreams) {
     char out[file_name_size];
-    EXPECT_STREQ(FILE_add_path("p", "f", out), "p/f");
     EXPECT_STREQ(FILE_add_path("p/", "f", out), "p/f");
     EXPECT_STREQ(FILE_add_path(nullptr, "f", out), "f");
     for (const char* alone : {"-", "~/f", "./f", "/f", "STD", "stdn", ""}) {
@@ -315,15 +274,9 @@ TEST_F(Files, PathsAndStreams) {
     EXPECT_LT(std::string(FILE_add_path(std::string(200, 'p').c_str(), "f", out)).size(), 160U);
     EXPECT_STREQ(FILE_add_user_path("~no_such_user_/f", out), "~no_such_user_/f");
     EXPECT_NE(*FILE_add_user_path("~/f", out), '~');
-}
-
-TEST_F(Files, Streams) {
-    EXPECT_EQ(FILE_exist(""), 1);
-    EXPECT_EQ(FILE_exist("absent"), 0);
-    EXPECT_EQ(FILE_size("absent"), -1);
+    EXPECT_EQ(FILE_exist("") + FILE_exist("absent"), 1);
     EXPECT_EQ(FILE_open("absent", "r"), nullptr);
     EXPECT_EQ(FILE_open("-", "r"), stdin);
-    EXPECT_EQ(FILE_open("std", "a"), stdout);
     const FILE_ptr pipe(FILE_open("|exec 2>&-; cat > made/never", "w"));
     ASSERT_NE(pipe, nullptr);
     EXPECT_EQ(FILE_exist("made"), 0); // no directory for a pipe
@@ -347,24 +300,17 @@ TEST_F(Files, Directories) {
 
 TEST_F(Files, Overwrite) {
     put("old");
-    EXPECT_EQ(FILE_overwrite("-", 1), 1);
     EXPECT_EQ(FILE_overwrite("new", 1), 1);
     EXPECT_EQ(FILE_overwrite("old", 0), 0);
-    struct Row {
-        const char* answer;
-        int mode, result;
+    const std::pair<const char*, int> answers[] = {
+        {"Y",    1},
+        {"over", 1},
+        {"app",  2},
+        {"use",  3}
     };
-    for (const Row& row : {
-             Row{"Y",    1, 1},
-             {"over", 2, 1},
-             {"app",  2, 2},
-             {"app",  1, 3},
-             {"use",  2, 3},
-             {"no",   1, 3}
-    }) {
-        std::ofstream("answer") << row.answer << '\n';
-        ASSERT_NE(std::freopen("answer", "r", stdin), nullptr);
-        EXPECT_EQ(FILE_overwrite("old", row.mode), row.result) << row.answer;
+    for (const auto& [answer, result] : answers) {
+        feed_stdin(std::string(answer) + "\n");
+        EXPECT_EQ(FILE_overwrite("old", 2), result) << answer;
     }
     FLAG_set(flag_batch, 1);
     EXPECT_EQ(FILE_overwrite("old", 1), 3);
@@ -389,22 +335,23 @@ TEST_F(Files, RelativeRequests) {
         {"-0:30", "2010050111.rad"}, {"la-2", "2010050101.rad"}, {"la+1", "2010050104.rad"},
         {"-10la", "2010050100.rad"}, {"+3la", "2010050103.rad"},
         {"#201004302310-1", "2010043022.rad"}, {"#2010043020+la", "2010050100.rad"},  // forward
-        {"#20100501", "2010050100.rad"}, {"#junk", "2010050112.rad"},
-        {"-99999999999d", nullptr},  // only must not fail
+        {"#20100501", "2010050100.rad"}, {"#junk", nullptr},  // only must not fail
+        {"-99999999999d", nullptr},
     };
     // clang-format on
     for (const Row& row : rows) {
         FILE_set_name("@%Y%m%d%h.rad");
         char name[file_name_size];
         FILE_set_current(row.request, name);
-        if (row.name != nullptr &&
-            std::string(row.request == nullptr ? "" : row.request) != "#junk") {
+        if (row.name != nullptr) {
             EXPECT_STREQ(name, row.name) << (row.request == nullptr ? "null" : row.request);
         }
     }
     char name[file_name_size];
+    FLAG_set(flag_batch, 1); // the latest file, without a question
     FILE_set_name("@%Y%m%d%h.rad");
-    EXPECT_EQ(FILE_set_current("", name), 1272715200); // 12:00, down from 12:10
+    EXPECT_EQ(FILE_get_file("", name), 1);
+    EXPECT_STREQ(name, "2010050103.rad");
     FILE_set_min_size(5);
     FILE_set_name("@fixed.rad"); // no time field: every try is the same
     EXPECT_EQ(FILE_set_current("la#3", name), 1272715800 - 2 * 100000);
@@ -422,9 +369,7 @@ TEST_F(Files, ClockValuesNameTheLastSuchTime) {
     constexpr int none = missing;
     const Row rows[] = {
         {none, none, 12,   none, "201004301240", 1272631200                     },
-        {none, none, 6,    none, "201005010640", 1272696000                     },
         {none, none, none, 50,   "201005010550", 1272693000                     },
-        {none, 20,   none, none, "201004200640", 1271745600                     },
         {7,    none, none, none, "200907010640", 1246430400                     },
         {4,    1,    4,    5,    "201004010405", 1270094700                     },
         {none, none, -6,   none, "201005010640", 1272695999 - 1272695999 % 21600},
@@ -455,8 +400,6 @@ TEST_F(Files, TypedNamesWithTheShippedConventions) {
     };
     const Row rows[] = {
         {"nids",     1, "data/level-3/KDDC-gsm.nids", "data/level-3/KDDC-gsm.nids", "- - - - -",     ""  },
-        {"nids",     1, "./KTLX_N0R_201005010004",    "./KTLX_N0R_201005010004",    "- - - - -",     ""  },
-        {"nids",     1, "KTLX_N0R_201005010004",      "KTLX_N0R_201005010004",      "- - - - -",     ""  },
         {"nids",     1, full.c_str(),                 full.c_str(),                 "- - - - -",     ""  },
         {"nids",     1, "latest.nids",                "latest.nids",                "- - - - -",     ""  }, // a file, no request
         {"lev2",     1, "20210729-123848-001-S",      "20210729-123848-001-S",      "- - - - -",     ""  },
@@ -465,9 +408,7 @@ TEST_F(Files, TypedNamesWithTheShippedConventions) {
         {"nids_n0r", 1, "201005011200:2",             "./201005011200_n0r.nids",    "2010 5 1 12 0", ":2"},
         {"nids",     1, "absent-1",                   "./absent",                   "- - - - -",     "-1"},
         {"rad_dat",  0, "2010050112",                 "./2010050112.rad",           "2010 5 1 12 -", ""  },
-        {"rad_dat",  0, "KTLX_N0R_201005010004",      "./KTLX_N0R_201005010004",    "- - - - -",     ""  },
         {"nowrad",   0, "20210729-123848-001-S",      "./20210729-123848-001-S",    "- - - - -",     ""  },
-        {"rad_dat",  0, "absent",                     "./absent",                   "- - - - -",     ""  },
         {"rad_dat",  0, "@any/name",                  "any/name",                   "- - - - -",     ""  },
         {"rad_dat",  0, "std",                        "-",                          "- - - - -",     ""  },
     };
@@ -484,43 +425,6 @@ TEST_F(Files, TypedNamesWithTheShippedConventions) {
         if (FILE_exist(row.name) == 1 && *row.typed != '@') {
             expect_built_again(name);
         }
-    }
-}
-
-TEST_F(Files, TypedDateStaysFixed) {
-    FILE_set_name("@%D/%Y%m%d%h.rad");
-    EXPECT_EQ(set_file("x#2010050112"), "./x"); // a date behind "#" is fixed for the run
-    EXPECT_EQ(set_date(date_of(1999, 1, 1, 0)), "./2010050112.rad");
-}
-
-TEST_F(Files, SequencesOfFrames) {
-    struct Row {
-        const char *filename, *num_hour, *names;
-        int num_file;
-    };
-    const Row rows[] = {
-        {"2010050112",       "-3",       "d/2010050109 d/2010050110 d/2010050111 d/2010050112", -10800},
-        {"2010050112",       "3",        "d/2010050112 d/2010050113 d/2010050114 d/2010050115", 10800 },
-        {"2010050112",       "4,2",      "d/2010050112 d/2010050114 d/2010050116",              14400 },
-        {"2010050112",       "1,0",      "d/2010050112 d/2010050113",                           3600  },
-        {"2010050112",       "-:30",     "d/2010050111 d/2010050112",                           -1800 },
-        {"2010050112",       "1:30,:30", "d/2010050112 d/2010050113",                           5400  },
-        {"a\n2010050113\nc", "0",        "./a ./2010050113 ./c",                                2     },
-        {"2010050112",       "0",        "./2010050112",                                        0     },
-        {"lax",              "0",        "d/2010050112",                                        0     }, // settled before
-    };
-    for (const Row& row : rows) {
-        set_resources(row.filename, row.num_hour);
-        FILE_set_name("@%D/%Y%m%d%h");
-        FILE_set_filename((home / "d/2010050112").c_str());
-        const Date date = date_of(2010, 5, 1, 12);
-        set_date(date);
-        std::string names = run_of(date);
-        for (std::size_t at = 0; (at = names.find(home.string() + '/')) != std::string::npos;) {
-            names.erase(at, home.string().size() + 1); // a given directory is kept
-        }
-        EXPECT_EQ(names, row.names) << row.num_hour;
-        EXPECT_EQ(FILE_get_num_file(), row.num_file) << row.num_hour;
     }
 }
 
@@ -543,64 +447,9 @@ TEST_F(Files, StepsThroughASequence) {
     EXPECT_EQ(FILE_set_date_off(&date, -7200, name), -2);
     EXPECT_STREQ(name, "2010050110");
     set_resources("2010050112", "99999999999,99999999999"); // no overflow
-    run_of(date);
-}
-
-// FILE_get_file ends the process in most ways, so each runs in a child.
-[[noreturn]] void get_file(const char* filename, const char* current, const char* input) {
-    MESS_set(0, mess_print | mess_error | mess_warn);
-    setenv("zyrcurtime", "201005011210", 1);
-    std::ofstream("input") << input;
-    if (std::freopen("input", "r", stdin) == nullptr || dup2(2, 1) < 0) {
-        std::abort();
+    FILE_first(&date);
+    for (int i = 0; i < 99 && FILE_get_next(name) == 1; ++i) {
     }
-    if (filename != nullptr) {
-        RES_new(missing, "filename", filename, CV_strings);
-    }
-    if (current != nullptr) {
-        RES_put("current", current);
-    }
-    FILE_set_name("@%Y%m%d%h.rad");
-    char name[file_name_size];
-    const int result = FILE_get_file("Name: ", name);
-    std::fprintf(stderr, "result %d:%s:%s", result, name, FILE_get_filename(nullptr));
-    std::exit(77);
-}
-
-struct FirstFile {
-    const char *filename, *current, *input;
-    int code;
-    const char* output;
-};
-
-void expect_exit(const FirstFile& row) {
-    EXPECT_EXIT(get_file(row.filename, row.current, row.input), testing::ExitedWithCode(row.code),
-                row.output);
-}
-
-TEST_F(Files, TheFirstFile) {
-    put("2010050103.rad");
-    put("odd name");
-    const FirstFile rows[] = {
-        {"2010050103\nmore", nullptr, "",                         77, "result 1:2010050103.rad:2010050103.rad"    },
-        {"absent",           nullptr, "",                         77, "result 0:absent:absent"                    },
-        {"la",               nullptr, "",                         77, "result 1:2010050103.rad:"                  },
-        {"list",             nullptr, "",                         0,  "2010050103.rad"                            },
-        {nullptr,            "-9",    "",                         77, "result 1:2010050103.rad:"                  },
-        {nullptr,            "",      "",                         10, "File not found: 2010050112.rad"            },
-        {nullptr,            nullptr, "nix\nlist\n2010050103\n",  77,
-         "List of available files.*File not found: nix.*Name: .*2010050103.rad.*result "
-         "1:2010050103"                                                                                           },
-        {nullptr,            nullptr, "la#3\ncu-9\n",             77, "not found: 2010050110.*result 1:2010050103"},
-        {nullptr,            nullptr, "a\nb\nc\nd\n2010050103\n", 10, "File not found: d"                         },
-        {nullptr,            nullptr, "exit\n",                   0,  "Name: "                                    },
-        {nullptr,            nullptr, "",                         0,  "Name: "                                    }, // the input ends
-    };
-    for (const FirstFile& row : rows) {
-        expect_exit(row);
-    }
-    FLAG_set(flag_batch, 1); // the latest file, without a question
-    expect_exit({nullptr, nullptr, "", 77, "result 1:2010050103"});
 }
 
 TEST_F(Files, ListIsNoCommand) {
