@@ -120,13 +120,12 @@ TEST_F(VarCode, LevelsAndTheirLabels) {
         decode);
     check(
         {
-            {"none miss sfc sfc[3 sl",         "[] [] [Surface] [Surface[3]] [Sea level]"        },
-            {"500 850-500 sfc-500 trop-100",   "[500 mb] [850-500 mb] [sfc-500 mb] [trop-100 mb]"},
-            {"sfc[50]-700 h1500 trop+1000m",   "[sfc[50]-700 mb] [1500 m] [trop+1000 m]"         },
+            {"miss sfc[3 850-500 sfc-500 trop-100",
+             "[] [Surface[3]] [850-500 mb] [sfc-500 mb] [trop-100 mb]"                         },
             {"a2 0-3000m_ag s0.995 s0.8-0.45",
-             "[2 m AG] [0-3000 m AG] [0.99 sigma] [0.80-0.45 sigma]"                             },
-            {"12lev k315 k300-350 30mb_ag-0",  "[12 lev] [315 K] [300-350 K] [30-0 mb AG]"       },
-            {"2pv 0.9-0.5eta",                 "[2*10^-6 Km2/kgs] [0.90-0.50 Eta]"               }
+             "[2 m AG] [0-3000 m AG] [0.99 sigma] [0.80-0.45 sigma]"                           },
+            {"12lev k315 k300-350 30mb_ag-0",       "[12 lev] [315 K] [300-350 K] [30-0 mb AG]"},
+            {"2pv 0.9-0.5eta",                      "[2*10^-6 Km2/kgs] [0.90-0.50 Eta]"        }
     },
         labelled);
 }
