@@ -66,8 +66,10 @@ std::string wait_for_page(const std::string& name) {
 }
 
 constexpr const char* no_window =
-    "gopen_ws: unable to open window: this build has no window device\n\n"
-    "GPH_begin: Error opening workstation\n";
+    "gopen_ws: unable to connect to display\nGPH_begin: Error opening workstation\n";
+
+// With the data tree but none of its settings, the device among them.
+constexpr const char* no_defaults = "radial -default=/none -fp " ZYR_SOURCE_DIR "/etc";
 
 bool has(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
@@ -139,25 +141,24 @@ TEST_F(ProgramTest, FaultsThatEndTheRun) {
     for (const Row& row : std::initializer_list<Row>{
              {"gone -de p,page.ps",    "", 10,
               "NIDS_open_file: Unable to open file:./gone\n"
-              "NIDS_open_file: Unable to open file:./gone\n"                                           },
-             {"-cu -1 -de p,page.ps",  "", 10, "File not found: ./201905202131.nids\n"                 },
-             {"-ba",                   "", 10, "File not found: ./201905201412.nids\n"                 }, // the 500 minutes before
-             {"radial -ba",            "", 4,  no_window                                               },
-             {"radial -de d",          "", 4,  no_window                                               },
+              "NIDS_open_file: Unable to open file:./gone\n"                                      },
+             {"-cu -1 -de p,page.ps",  "", 10, "File not found: ./201905202131.nids\n"            },
+             {"-ba",                   "", 10, "File not found: ./201905201412.nids\n"            }, // the 500 minutes before
+             {"radial -ba",            "", 4,  no_window                                          },
+             {"radial -de d",          "", 4,  no_window                                          },
              {"radial -de m,radial/x", "", 4,
-              "gopen_ws: unable to open metafile\n\nGPH_begin: Error opening workstation\n"            },
+              "gopen_ws: unable to open metafile\n\nGPH_begin: Error opening workstation\n"       },
              {"radial -de q,x",        "", 4,
-              "gopen_ws: unable to open HPGL file\n\nGPH_begin: Error opening workstation\n"           },
-             {"radial -de w",          "", 4,
-              "gopen_ws: unable to open pixmap: this build has no window device\n\n"
-              "GPH_begin: Error opening workstation\n"                                                 },
+              "gopen_ws: unable to open HPGL file\n\nGPH_begin: Error opening workstation\n"      },
+             {"radial -de w",          "", 4,  no_window                                          },
              {"radial -de p,radial/x", "", 4,
-              "gopen_ws: unable to open postscript file\n\nGPH_begin: Error opening workstation\n"     },
-             {"radial -inp lev2",      "", 10, "zyrrad: This build plots no input of this type: lev2\n"},
+              "gopen_ws: unable to open postscript file\n\nGPH_begin: Error opening workstation\n"},
+             {"radial -inp nowrad",    "", 10,
+              "zyrrad: This build plots no input of this type: nowrad\n"                          },
              {"radial -inp=",          "", 10,
-              "zyrrad: This build plots no input of this type: radar summary\n"                        },
+              "zyrrad: This build plots no input of this type: radar summary\n"                   },
              {"-if rcmsite -inp what", "", 10,
-              "zyrrad: This build plots no input of this type: what\n"                                 }
+              "zyrrad: This build plots no input of this type: what\n"                            }
     }) {
         const ProgramRun result = run(row.args, row.input,
                                       {
@@ -228,9 +229,9 @@ TEST_F(ProgramTest, PromptsEndOrGoOn) {
               "File not found: ./a\nFile not found: ./b\nFile not found: ./c\n"
               "File not found: ./d\n"                                                                            },
              {"-de p,page.ps", "la\n",                   0,  "Current filename: ./201905202230.nids\n", ""       },
-             {"radial",        "Exit now\n",             0,  "Display (D) or Postscript (P): ",         ""       },
-             {"radial",        "P\n",                    0,  "Creating: zyr.ps\n",                      ""       },
-             {"radial",        "\nD\n",                  4,  "(P): Display (D)",                        no_window}
+             {no_defaults,     "Exit now\n",             0,  "Display (D) or Postscript (P): ",         ""       },
+             {no_defaults,     "P\n",                    0,  "Creating: zyr.ps\n",                      ""       },
+             {no_defaults,     "\nD\n",                  4,  "(P): Display (D)",                        no_window}
     }) {
         const ProgramRun result = run(row.args, row.input,
                                       {
