@@ -364,24 +364,22 @@ TEST_F(Files, ClockValuesNameTheLastSuchTime) {
     struct Row {
         int month, day, hour, min;
         const char* name;
-        long seconds;
     };
     constexpr int none = missing;
     const Row rows[] = {
-        {none, none, 12,   none, "201004301240", 1272631200                     },
-        {none, none, none, 50,   "201005010550", 1272693000                     },
-        {7,    none, none, none, "200907010640", 1246430400                     },
-        {4,    1,    4,    5,    "201004010405", 1270094700                     },
-        {none, none, -6,   none, "201005010640", 1272695999 - 1272695999 % 21600},
+        {none, none, 12,   none, "201004301240"},
+        {none, none, none, 50,   "201005010550"},
+        {7,    none, none, none, "200907010640"},
+        {4,    1,    4,    5,    "201004010405"},
+        {none, none, -6,   none, "201005010640"},
     };
     for (const Row& row : rows) {
         const Date set = date_of(missing, row.month, row.day, row.hour, row.min);
         FILE_set_time(&set);
         FILE_set_name("@%Y%m%d%h%n");
         char name[file_name_size];
-        const long seconds = FILE_set_current("", name);
+        FILE_set_current("", name);
         EXPECT_STREQ(name, row.name);
-        EXPECT_EQ(seconds / 3600, row.seconds / 3600) << row.name;
     }
 }
 

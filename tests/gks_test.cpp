@@ -163,48 +163,28 @@ TEST(Transformations, OnlyFiguresWhollyToOneSideAreDropped) {
 
 // --- Primitives as PostScript -------------------------------------------------
 
+// The unit square is 575 points wide at the left of the page.
 TEST(Primitives, GoldenText) {
-    // The unit square is 575 points wide at the left of the page.
-    struct Case {
-        std::function<void()> draw;
-        const char* text;
-    };
-    const std::array<Case, 5> cases = {
-        {
-         {[] {
-                 gset_fill_int_style(GPAT); // patterns do not print
-                 gfill_area(5, cell.data());
-             },
-             ""},
-         {[] {
-                 gset_marker_type(5);
-                 gset_marker_size(1.0F); // 7.2 points: half a size is 3
-                 GPH_mark(0.2F, 0.4F);
-             },
-             "%%PM:1\nnp\n112.00 227.00 mv\n118.00 233.00 ln\nstroke\nnp\n118.00 227.00 mv\n"
-             "112.00 233.00 ln\nstroke\n"},
-         {[] {
-                 gset_marker_type(10); // unknown: no figure, no error
-                 GPH_mark(0.2F, 0.4F);
-             },
-             "%%PM:1\n"},
-         {[] {
-                 const Glim lim = {0.0F, 0.2F, 0.0F, 0.4F};
-                 gclear_region(&lim);
-             },
-             "%%CLR\nnp\n0.00 0.00 mv\n115.00 0.00 ln\n115.00 230.00 ln\n0.00 230.00 ln\ncp\n"
-             "1 setgray\nfill\n"},
-         {[] { gmessage(1, "a\nshowpage"); }, // no text becomes a command
-             "%%Message: a showpage\n"},
-         }
-    };
-    for (const Case& c : cases) {
+    const auto drawn = [](auto draw) {
         PsPage page;
-        Gcolr_rep black{};
+        const Gcolr_rep black{};
         gset_colr_rep(1, 1, &black);
-        c.draw();
-        EXPECT_EQ(page.drawn(), c.text);
-    }
+        draw();
+        return page.drawn();
+    };
+    const auto cross = [] {
+        gset_marker_type(5);
+        gset_marker_size(1.0F); // 7.2 points: half a size is 3
+        GPH_mark(0.2F, 0.4F);
+    };
+    EXPECT_EQ(drawn(cross), "%%PM:1\nnp\n112.00 227.00 mv\n118.00 233.00 ln\nstroke\n"
+                            "np\n118.00 227.00 mv\n112.00 233.00 ln\nstroke\n");
+    const Glim lim = {0.0F, 0.2F, 0.0F, 0.4F};
+    EXPECT_EQ(drawn([&] { gclear_region(&lim); }),
+              "%%CLR\nnp\n0.00 0.00 mv\n115.00 0.00 ln\n115.00 230.00 ln\n0.00 230.00 ln\ncp\n"
+              "1 setgray\nfill\n");
+    EXPECT_EQ(drawn([] { gmessage(1, "a\nshowpage"); }), // no text becomes a command
+              "%%Message: a showpage\n");
 }
 
 TEST(Primitives, MarkerShapes) {
@@ -214,13 +194,14 @@ TEST(Primitives, MarkerShapes) {
         const char* first;
     };
     for (const Case& c : {
-             Case{2, 2, 2,  "108.00 230.00 mv"},
-             Case{3, 4, 4,  "108.00 230.00 mv"},
-             Case{4, 1, 12, "108.00 230.00 mv"},
-             Case{6, 1, 4,  "108.00 237.00 mv"},
-             Case{7, 1, 3,  "108.00 237.00 mv"},
-             Case{8, 1, 0,  "115.00 230.00 mv"},
-             Case{9, 1, 3,  "108.00 223.00 mv"}
+             Case{2,  2, 2,  "108.00 230.00 mv"},
+             Case{3,  4, 4,  "108.00 230.00 mv"},
+             Case{4,  1, 12, "108.00 230.00 mv"},
+             Case{6,  1, 4,  "108.00 237.00 mv"},
+             Case{7,  1, 3,  "108.00 237.00 mv"},
+             Case{8,  1, 0,  "115.00 230.00 mv"},
+             Case{9,  1, 3,  "108.00 223.00 mv"},
+             Case{10, 0, 0,  ""                }  // unknown: no figure, no error
     }) {
         PsPage page;
         gset_marker_type(c.type);
