@@ -264,7 +264,7 @@ TEST_F(Files, SavedConvention) {
     EXPECT_EQ(set_date(date), "2010_x"); // %e is back too
 }
 
-TEST_F(Files, PathsAndStreams) {
+TEST_F(Files, Paths) {
     char out[file_name_size];
     EXPECT_STREQ(FILE_add_path("p/", "f", out), "p/f");
     EXPECT_STREQ(FILE_add_path(nullptr, "f", out), "f");
@@ -274,6 +274,9 @@ TEST_F(Files, PathsAndStreams) {
     EXPECT_LT(std::string(FILE_add_path(std::string(200, 'p').c_str(), "f", out)).size(), 160U);
     EXPECT_STREQ(FILE_add_user_path("~no_such_user_/f", out), "~no_such_user_/f");
     EXPECT_NE(*FILE_add_user_path("~/f", out), '~');
+}
+
+TEST_F(Files, Streams) {
     EXPECT_EQ(FILE_exist("") + FILE_exist("absent"), 1);
     EXPECT_EQ(FILE_open("absent", "r"), nullptr);
     EXPECT_EQ(FILE_open("-", "r"), stdin);

@@ -237,17 +237,20 @@ template <class T> T converted(const char* text, DEF_convert cvt) {
 
 } // namespace
 
-TEST(Conversion, StoresWhatTheTextSays) {
-    EXPECT_EQ(converted<int>("0x1F", CV_int), 31);
-    EXPECT_EQ(converted<int>("0xFFFFFFFF", CV_int), -1);
-    EXPECT_EQ(converted<int>("99999999999", CV_int), 2147483647);
-    EXPECT_EQ(converted<int>("x8", CV_int), 77);
-    EXPECT_EQ(converted<int>("OFF", CV_bool) * 100 + converted<int>("maybe", CV_bool), 77);
-    EXPECT_EQ(converted<int>(nullptr, CV_bool), 1);
-    EXPECT_EQ(converted<short>("-2", CV_short) + converted<short>("99999", CV_short), 77 + 32767);
+TEST(Conversion, StoresNumbers) {
+    const std::vector<int> whole = {
+        converted<int>("0x1F", CV_int),        converted<int>("0xFFFFFFFF", CV_int),
+        converted<int>("99999999999", CV_int), converted<int>("x8", CV_int),
+        converted<int>("OFF", CV_bool),        converted<int>("maybe", CV_bool),
+        converted<int>(nullptr, CV_bool),      converted<short>("-2", CV_short),
+        converted<short>("99999", CV_short)};
+    EXPECT_EQ(whole, (std::vector<int>{31, -1, 2147483647, 77, 0, 77, 1, 77, 32767}));
     EXPECT_EQ(converted<long>("12345678901", CV_long), 12345678901);
     EXPECT_EQ(converted<float>("-2.5e0", CV_float), -2.5F);
     EXPECT_EQ(converted<float>("nan", CV_float) + converted<float>("1e999", CV_float), 2 * 77);
+}
+
+TEST(Conversion, StoresTextsAndFlags) {
     char copy[201];
     RES_conv_data(std::string(300, 'x').c_str(), copy, CV_strcpy);
     EXPECT_EQ(std::string(copy), std::string(200, 'x'));
