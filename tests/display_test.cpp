@@ -216,64 +216,6 @@ TEST_F(AtDisplay, ResizingKeepsThePicture) {
 
 // --- The window of another program --------------------------------------------------
 
-TEST_F(AtDisplay, PanelsOfAnotherWindow) {
-    const LoopWindow loop(*user, 640, 512);
-    const auto decimal = std::to_string(loop.pixmap());
-    char hex[30];
-    std::snprintf(hex, sizeof hex, "0x%lx", loop.pixmap());
-    const std::string whole = "+" + std::to_string(loop.window()) + ":" + decimal;
-    std::ofstream("zyrloop.3") << hex << ":640x512\n";
-    struct Row {
-        std::string id;
-        const char* geometry;
-        int x, y, width, height;
-        const char* note;
-    };
-    const Row rows[] = {
-        {whole + ":640x512",   "P2x2+1+0",     320, 0,  320, 256, "top right quarter"    },
-        {decimal,              "P20x1+7+0",    560, 0,  80,  512, "at most 8 columns"    },
-        {hex,                  "P1x1+0+0",     0,   0,  640, 512, "all of it"            },
-        {"w3",                 "100x90+30+20", 30,  20, 100, 90,  "pixels"               },
-        {decimal + ":200x100", "999x999",      0,   0,  200, 100, "the id's own size"    },
-        {decimal,              "P.5x.5+0+0",   0,   0,  320, 256, "stays in the drawable"},
-    };
-    for (const Row& row : rows) {
-        gset_geometry(row.geometry);
-        ASSERT_EQ(open(ws_pixmap, "," + row.id), 0) << row.note;
-        int x = 0;
-        int y = 0;
-        int width = 0;
-        int height = 0;
-        gget_win_offset(&x, &y);
-        gget_win_size(&width, &height);
-        EXPECT_EQ((std::array{x, y, width, height}),
-                  (std::array{row.x, row.y, row.width, row.height}))
-            << row.note;
-        set_color(1, green);
-        fill(0.0F, 0.0F, 1.0F, 1.0F, 1);
-        gclose_ws(1); // sends what is held back
-        const Picture after = loop.look();
-        const int side = std::min(row.width, row.height);
-        EXPECT_EQ(after.at(row.x + side - 1, row.y + side - 1), green) << row.note;
-    }
-    EXPECT_EQ(gget_num_error(), 0);
-}
-
-TEST_F(AtDisplay, OwnerOfTheWindowIsAskedAndLeft) {
-    LoopWindow loop(*user, 640, 512);
-    const std::string id =
-        ",+" + std::to_string(loop.window()) + ":" + std::to_string(loop.pixmap());
-    XStoreName(user->display(), loop.window(), "Loop window [2]");
-    XSync(user->display(), False);
-    gset_pix_mode(2);
-    ASSERT_EQ(open(ws_pixmap, id), 0);
-    EXPECT_EQ(loop.serve(), std::vector<int>{2});
-    EXPECT_STREQ(gget_win_title(), "Loop window");
-    gset_pix_mode(9);
-    gclose_ws(1);
-    EXPECT_EQ(loop.serve(), std::vector<int>{9});
-}
-
 TEST_F(AtDisplay, WhatCannotBeOpenedIsReported) {
     struct Row {
         Gws_type type;

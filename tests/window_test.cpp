@@ -181,7 +181,7 @@ TEST_F(WindowTest, ReplotsHoldNothingBack) {
     settle();
     const auto held = user->resources(window);
     ASSERT_GE(held.at("PIXMAP"), 1);
-    const long memory_kb = resident_kb(program->pid());
+    [[maybe_unused]] const long memory_kb = resident_kb(program->pid());
     constexpr int replots = 1000;
     for (int i = 0; i < replots; i++) {
         user->key(XK_r, alt);
