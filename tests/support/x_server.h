@@ -61,6 +61,8 @@ public:
     explicit XUser(const std::string& display);
 
     Display* display() const { return display_.get(); }
+    // The server is gone: closing the connection would end the test.
+    void abandon() { static_cast<void>(display_.release()); }
     // The mapped top-level window of class "Zyr"; 0 if none comes.
     Window find_window() const;
     // Waits until process `pid` sleeps and the server has done all it was sent.
