@@ -64,11 +64,13 @@ std::string metafile(const TempDir& dir, const std::string& name) {
 TEST(MetafilePlot, PlaysToTheFiguresOfThePlot) {
     const TempDir dir;
     write_samples(dir);
+    const std::string page = " -ge 1389x1112 -de p,";
     for (const std::string name : {"radial", "digital", "raster", "symbols"}) {
-        const std::string page = " -pp pscolor,nobar -ge 1389x1112 -de p,";
-        EXPECT_EQ(plot(dir, "./" + name + page + "plot.ps").err, "");
-        EXPECT_EQ(plot(dir, "./" + name + " -pp pscolor,nobar -de m,plot.meta").err, "");
-        EXPECT_EQ(plot(dir, "./" + name + page + "played.ps -dr map -mf mf:plot.meta").err, "");
+        const std::string product = "-pp pscolor,nobar ./" + name;
+        for (const std::string& args : {page + "plot.ps", std::string(" -de m,plot.meta"),
+                                        page + "played.ps -dr map -mf mf:plot.meta"}) {
+            EXPECT_EQ(plot(dir, product + args).err, "");
+        }
         const auto expected = ps_ink(read_text(dir.path() + "/plot.ps"));
         const auto got = ps_ink(read_text(dir.path() + "/played.ps"));
         EXPECT_GT(expected.size(), 100U) << name;
@@ -92,9 +94,8 @@ TEST(MetafilePlot, BinaryHoldsTheLines) {
     EXPECT_GT(lines.size(), 10U);
     EXPECT_EQ(static_cast<int>(lines.size()), count_text(text, "\nPL "));
     for (const CgmElement& clip : file.all({3, 5})) {
-        for (const Gint_pt& pt : clip.points()) {
-            EXPECT_TRUE(pt.x_coord >= 0 && pt.x_coord < 1000 && pt.y_coord >= 0 &&
-                        pt.y_coord < 1000);
+        for (const auto& [x, y] : clip.points()) {
+            EXPECT_TRUE(x >= 0 && x < 1000 && y >= 0 && y < 1000);
         }
     }
 }

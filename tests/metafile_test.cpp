@@ -117,6 +117,19 @@ std::string played(const std::string& text) {
     return page.drawn();
 }
 
+// Width, height and offset of the area that a metafile opens.
+std::array<int, 4> opened_area(const char* conn_id, const char* geometry) {
+    std::array<int, 4> area{};
+    RES_put("geometry", geometry);
+    EXPECT_EQ(gmeta_open_ws(conn_id), 0);
+    gget_win_size(&area[0], &area[1]);
+    gget_win_offset(&area[2], &area[3]);
+    EXPECT_EQ(gmeta_close_file(), 0);
+    EXPECT_EQ(gmeta_close_file(), -1);
+    gmeta_set_type(0);
+    return area;
+}
+
 } // namespace
 
 TEST(Metafile, GoldenOfEveryCall) {
@@ -218,74 +231,70 @@ TEST(Metafile, FilesThatCannotBePlayed) {
 
 TEST(Metafile, NamesFormsAndAreas) {
     const std::string named = temp_name("named");
+    setenv("zyrmeta_out", named.c_str(), 1);
     struct Row {
         const char* conn;
         const char* geometry;
-        int width, height, x, y;
+        std::array<int, 4> area;
         const char* begin; // of the file
     };
     for (const Row& row : {
-             Row{"",         "",         1000, 800, 0,   0,    "ZYRMETA\n#Title"   },
-             Row{",CGM",     "8x4",      800,  400, 0,   0,    "\0\x20\x10\x22\0\1"},
-             Row{",cgm,zyr", "8x4+1-2",  800,  400, 100, -200, "ZYRMETA\n#Title"   },
-             Row{"",         "+1+2",     1000, 800, 100, 200,  "ZYRMETA\n#Title"   },
-             Row{"",         "p2x4+1+0", 500,  200, 500, 600,  "ZYRMETA\n#Title"   },
+             Row{"",         "",         {1000, 800, 0, 0},     "ZYRMETA\n#Title"   },
+             Row{",CGM",     "8x4",      {800, 400, 0, 0},      "\0\x20\x10\x22\0\1"},
+             Row{",cgm,zyr", "8x4+1-2",  {800, 400, 100, -200}, "ZYRMETA\n#Title"   },
+             Row{"",         "+1+2",     {1000, 800, 100, 200}, "ZYRMETA\n#Title"   },
+             Row{"",         "p2x4+1+0", {500, 200, 500, 600},  "ZYRMETA\n#Title"   },
     }) {
-        setenv("zyrmeta_out", named.c_str(), 1);
-        RES_put("geometry", row.geometry);
-        ASSERT_EQ(gmeta_open_ws(row.conn), 0);
-        Gint_pt size{};
-        Gint_pt offset{};
-        gget_win_size(&size.x_coord, &size.y_coord);
-        gget_win_offset(&offset.x_coord, &offset.y_coord);
-        EXPECT_EQ(gmeta_close_file(), 0);
-        EXPECT_EQ(gmeta_close_file(), -1);
-        gmeta_set_type(0);
-        EXPECT_EQ(size.x_coord, row.width) << row.conn << row.geometry;
-        EXPECT_EQ(size.y_coord, row.height);
-        EXPECT_EQ(offset.x_coord, row.x);
-        EXPECT_EQ(offset.y_coord, row.y);
-        EXPECT_EQ(std::memcmp(read_text(named).data(), row.begin, 6), 0);
+        EXPECT_EQ(opened_area(row.conn, row.geometry), row.area) << row.conn << row.geometry;
+        EXPECT_EQ(std::memcmp(read_text(named).data(), row.begin, 6), 0) << row.conn;
     }
     std::filesystem::remove(named);
 }
 
-// Lines and clips alone; a line that is longer than an element goes on.
+// Lines and clips alone.
 TEST(BinaryMetafile, HoldsLinesAndClips) {
     MetaPage page(",cgm");
     draw();
-    std::vector<Gpt> line(20000);
-    for (int i = 0; i < 20000; ++i)
-        line[i] = {0.25F * static_cast<float>(i % 7), 1.0e6F * static_cast<float>(i == 9000)};
-    gpolyline(20000, line.data());
     const CgmFile file = read_cgm(page.whole());
     EXPECT_EQ(file.fault, "");
     EXPECT_EQ(file.frame(), "0,1 1,1 1,2 1,11 1,9 2,6 0,3 0,4 0,5 0,2 ");
-    EXPECT_EQ(file.all({1, 2})[0].data, std::string("\12ZYRCGM-1.0"));
-    const auto extent = file.all({2, 6})[0].points();
-    EXPECT_EQ(extent[1].x_coord, 10000);
-    EXPECT_EQ(extent[1].y_coord, 8000);
-    std::vector<std::size_t> sizes;
-    std::vector<Gint_pt> joined;
-    for (const CgmElement& element : file.all({4, 1})) {
-        const auto points = element.points();
-        sizes.push_back(points.size());
-        joined.insert(joined.end(), points.begin() + (sizes.size() > 3 ? 1 : 0), points.end());
-    }
-    EXPECT_EQ(sizes, (std::vector<std::size_t>{2, 8, 8191, 8191, 3620}));
-    ASSERT_EQ(joined.size(), 10U + 20000U);
-    EXPECT_EQ(joined[2].x_coord, 299) << "0.375 of 799, cut";
-    EXPECT_EQ(joined[10 + 9000].y_coord, 32767) << "held within 16 bits";
+    EXPECT_EQ(file.all({1, 2})[0].data, "\12ZYRCGM-1.0");
+    EXPECT_EQ(file.all({2, 6})[0].points()[1], (std::pair{10000, 8000}));
     const auto clips = file.all({3, 5});
-    EXPECT_EQ(clips.back().points()[0].x_coord, 199);
-    EXPECT_EQ(clips.back().points()[1].y_coord, 399);
-    EXPECT_EQ(file.elements.size(), 10 + clips.size() + sizes.size());
+    EXPECT_EQ(clips.back().points(), (CgmPoints{
+                                         {199, 99 },
+                                         {599, 399}
+    }));
+    const auto lines = file.all({4, 1});
+    EXPECT_EQ(lines[0].points(), (CgmPoints{
+                                     {0,   0},
+                                     {799, 0}
+    }));
+    EXPECT_EQ(lines[1].points()[2], (std::pair{499, 189})) << "cut, not rounded";
+    EXPECT_EQ(file.elements.size(), 10 + clips.size() + 2);
+}
+
+// A line that is longer than an element goes on; coordinates have 16 bits.
+TEST(BinaryMetafile, LongLines) {
+    MetaPage page(",cgm");
+    constexpr int most = 8191;
+    constexpr int n = 20000;
+    std::vector<Gpt> line(n, Gpt{1, 0});
+    line[9000] = {0.5F, 1.0e6F};
+    line.back() = {0, -1.0e6F};
+    gpolyline(n, line.data());
+    const auto lines = read_cgm(page.whole()).all({4, 1});
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_EQ(lines[0].points(), CgmPoints(most, {799, 0}));
+    EXPECT_EQ(lines[1].points()[9000 - (most - 1)], (std::pair{399, 32767}));
+    EXPECT_EQ(lines[2].points().size(), n - 2 * (most - 1));
+    EXPECT_EQ(lines[2].points().back(), (std::pair{0, -32767}));
 }
 
 // The polygons of a full product in at most one and a half times their bytes.
 TEST(RedrawList, HoldsAProductAndGivesItBack) {
-    constexpr std::size_t polygons = 360 * 460;
-    constexpr int bytes = 5 * sizeof(Gpt);
+    constexpr std::size_t polygons = 165600;
+    constexpr int bytes = 40; // five points
     gset_redraw(1);
     gclear_objs();
     for (std::size_t i = 0; i < polygons; ++i)

@@ -2,24 +2,24 @@
 // ISO 8632-3, section 5: class, id, length, partitions, padding.
 #pragma once
 
-#include "gks.h"
-
 #include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
 
+using CgmPoints = std::vector<std::pair<int, int>>;
+
 struct CgmElement {
     std::pair<int, int> code; // class and id
     std::string data;
-    [[nodiscard]] std::vector<Gint_pt> points() const {
-        std::vector<Gint_pt> all;
+    [[nodiscard]] CgmPoints points() const {
+        CgmPoints all;
         for (std::size_t i = 0; i + 4 <= data.size(); i += 4) {
             const auto word = [&](std::size_t at) {
                 return static_cast<std::int16_t>(static_cast<std::uint8_t>(data[at]) << 8 |
                                                  static_cast<std::uint8_t>(data[at + 1]));
             };
-            all.push_back({word(i), word(i + 2)});
+            all.emplace_back(word(i), word(i + 2));
         }
         return all;
     }

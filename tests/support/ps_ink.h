@@ -31,10 +31,13 @@ inline std::vector<std::string> ps_ink(const std::string& page) {
             path += line + "; ";
         else if (line == "clip")
             clip = std::exchange(path, "");
-        else if (line == "stroke" && !path.empty())
-            ink.push_back("stroke " + color + width + dashes + " | " + clip + "| " + path);
-        else if (line == "fill")
-            ink.push_back("fill " + color + " | " + clip + "| " + path);
+        else if ((line == "stroke" && !path.empty()) || line == "fill") {
+            std::string& all = ink.emplace_back(line);
+            const std::string pen = line == "fill" ? "" : width + dashes;
+            for (const std::string& part :
+                 {std::string(" "), color, pen, std::string(" | "), clip, std::string("| "), path})
+                all += part;
+        }
     }
     return ink;
 }
