@@ -94,10 +94,23 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(begin, text.find_last_not_of(space) - begin + 1);
 }
 
-// One font a line: short name and file name.
-void read_font_list(std::FILE* file, int most) {
+// A list file that was asked for: short names and file names, word by word.
+void read_given_list(std::FILE* file) {
+    constexpr int most = 10;
+    std::array<char, 200> abbr{};
+    std::array<char, 200> name{};
+    for (int i = 0; i < most && std::fscanf(file, "%199s %199s", abbr.data(), name.data()) == 2;
+         ++i)
+        add_font(abbr.data(), name.data());
+}
+
+// The list file of the system: one font a line, a short name and the rest of the
+// line.
+void read_default_list(std::FILE* file) {
     std::array<char, 200> line{};
-    for (int i = 0; i < most && std::fgets(line.data(), line.size(), file) != nullptr; ++i) {
+    for (std::size_t i = 0;
+         i < font_state.fonts.size() && std::fgets(line.data(), line.size(), file) != nullptr;
+         ++i) {
         const std::string_view text = trimmed(line.data());
         const std::size_t split = text.find_first_of(" \t");
         if (split == std::string_view::npos)
@@ -107,7 +120,6 @@ void read_font_list(std::FILE* file, int most) {
 }
 
 int setup_list() {
-    constexpr int most_in_given_list = 10;
     const char* text = font_state.font_list.data();
     if (*text == '\0')
         text = RES_get("font_list");
@@ -116,7 +128,7 @@ int setup_list() {
         text = XGetDefault(gget_display(), gget_prog_name(), "font_list");
     if (text == nullptr || *text == '\0') {
         if (const FILE_ptr file = open_along_path("zyr.fnl"))
-            read_font_list(file.get(), static_cast<int>(font_state.fonts.size()));
+            read_default_list(file.get());
         return 0;
     }
     if (strnicmp(text, "fi:", 3) == 0) {
@@ -125,7 +137,7 @@ int setup_list() {
             MESS_print(mess_warn, "gsetup_fonts: unable to load font list file: %s\n", text + 3);
             return -1;
         }
-        read_font_list(file.get(), most_in_given_list);
+        read_given_list(file.get());
         return 0;
     }
     std::string_view rest = text;

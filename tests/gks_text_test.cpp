@@ -128,7 +128,7 @@ TEST(FontList, GivenListFileStopsAtTenFonts) {
     const std::string list = temp_name("list.fnl");
     std::string lines;
     for (int i = 1; i <= 12; ++i)
-        lines += "f" + std::to_string(i) + "  modern.fnt \n";
+        lines += "f" + std::to_string(i) + "\n modern.fnt "; // words, not lines
     write_text(list, lines);
     gset_font_list(("fi:" + list).c_str());
     EXPECT_EQ(gsetup_fonts(), 0);
