@@ -407,6 +407,7 @@ int gps_init_file() {
     if (!ps.append)
         gps_printf("2 setlinejoin\n");
     gps_printf("1 dot lw\n[] 0 setdash\n");
+    ps.line_width = 1.0F / ps.base_width; // one dot, whatever a width of 1 is
     if (!ps.append) {
         if (ps.pr_scale != 1.0F) {
             const auto scale = static_cast<double>(ps.pr_scale);

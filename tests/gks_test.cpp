@@ -250,6 +250,7 @@ TEST(Primitives, StateIsWrittenOnChangeAlone) {
              ".7 setgray\n1 setgray\n0 setgray\n0 setgray\n"},
          {"lwidth=3.7", // whole dots; three widths of the print colours
              [&] {
+                 line(); // width 1: not the one dot of the heading
                  gset_linewidth(2.0F);
                  line();
                  gset_line_colr_ind(502);
@@ -260,7 +261,7 @@ TEST(Primitives, StateIsWrittenOnChangeAlone) {
                  gset_linewidth(2.0F); // 2 * 2: in force already
                  line();
              },
-             "6.0 dot lw\n12 dot lw\n1 setgray\n"},
+             "3.0 dot lw\n6.0 dot lw\n12 dot lw\n1 setgray\n"},
          {"",
              [&] {
                  for (const int type : {2, 2, 3, 4, 5, 6, 1}) {
@@ -294,8 +295,8 @@ TEST(Primitives, StateIsWrittenOnChangeAlone) {
          }
     };
     for (const Case& c : cases) {
+        gps_set_base_width(1.0F);
         PsPage page(c.options);
-        gps_set_base_width(std::string(c.options).starts_with("lw") ? 3.0F : 1.0F);
         const Gcolr_rep black{};
         gset_colr_rep(1, 1, &black);
         c.draw();
