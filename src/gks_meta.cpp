@@ -15,15 +15,11 @@
 #include "out_file.h"
 #include "zyr.h"
 
-#include "date.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstdarg>
-#include <cstring>
-#include <ctime>
 #include <utility>
 
 #include <sys/stat.h>
@@ -41,28 +37,20 @@ bool is_text_open() {
     return meta.meta_type == meta_text && meta.out_file != nullptr;
 }
 
-// The form of the file, among the options behind its name.
-void decode_type(const char* conn_id) {
-    int count = 0;
-    char** fields = nullptr;
-    parse_string(conn_id, ',', &count, &fields);
-    for (int i = 1; i < count; ++i) {
-        if (stricmp(fields[i], "cgm") == 0)
-            gmeta_set_type(meta_cgm);
-        else if (stricmp(fields[i], "zyr") == 0)
-            gmeta_set_type(meta_text);
-    }
-    free_parsed_array(count, fields);
+// The form of the file, the one option behind its name.
+bool decode_type(const char* option) {
+    const bool cgm = stricmp(option, "cgm") == 0;
+    if (!cgm && stricmp(option, "zyr") != 0)
+        return false;
+    gmeta_set_type(cgm ? meta_cgm : meta_text);
+    return true;
 }
 
 void put_heading() {
-    std::time_t now = 0;
-    DATE_get_time(&now);
-    std::array<char, 32> date{};
     gmeta_printf("ZYRMETA\n");
     gmeta_line("#Title: ZYR Graphics Display: %s", gget_win_title());
     gmeta_printf("#Creator: ZYR Metafile Processor-1.0\n");
-    gmeta_printf("#CreationDate: %s", ctime_r(&now, date.data()));
+    gmeta_printf("#CreationDate: %s", creation_date().c_str());
 }
 
 // "x,y ", with a line break behind it.
@@ -84,7 +72,7 @@ int gmeta_open_ws(const char* conn_id) {
     constexpr Grectangle page = {0, 0, 1000, 800};
     constexpr float unit = 100.0F; // of a page of 10 by 8
     gset_win_type(ws_metafile);
-    decode_type(conn_id);
+    take_options(conn_id, 1, decode_type);
     std::array<char, file_name_size> name{};
     output_name(conn_id, {"zyrmeta_out"}, meta.meta_type == meta_cgm ? "zyr.cgm" : "zyr.meta",
                 name.data(), name.size());
@@ -149,15 +137,12 @@ int gmeta_printf(const char* format, ...) {
 int gmeta_line(const char* format, ...) {
     if (!is_text_open())
         return 0;
-    std::array<char, 512> text{};
+    constexpr std::size_t most = 511;
     std::va_list args;
     va_start(args, format);
-    std::vsnprintf(text.data(), text.size(), format, args);
+    put_line(meta.out_file, most, format, args);
     va_end(args);
-    std::replace_if(
-        text.begin(), text.begin() + std::strlen(text.data()),
-        [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');
-    return gmeta_printf("%s\n", text.data());
+    return 0;
 }
 
 int gmeta_points(const char* keyword, int n, const Gpt* pts, int end) {

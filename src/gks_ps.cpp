@@ -11,18 +11,15 @@
 #include "text_num.h"
 #include "zyr.h"
 
-#include "date.h"
 #include "files.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <charconv>
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <string_view>
 #include <utility>
 
@@ -235,14 +232,11 @@ bool usable_size(float x, float y) {
     return x >= least && x <= most && y >= least && y <= most;
 }
 
-void decode_size(const char* text, float* x, float* y) {
-    float w = 0.0F;
-    float h = 0.0F;
-    if (take_float(&text, &w) && take_char(&text, 'x') && take_float(&text, &h) &&
-        usable_size(w, h)) {
-        *x = w;
-        *y = h;
-    }
+bool decode_size(const char* text) {
+    float x = 0.0F;
+    float y = 0.0F;
+    return take_float(&text, &x) && take_char(&text, 'x') && take_float(&text, &y) &&
+           usable_size(x, y) && gps_set_size(x, y) == 0;
 }
 
 // The value of an option stands behind the word and one separator.
@@ -273,33 +267,23 @@ bool decode_switch(const char* option) {
     return true;
 }
 
-void decode_option(const char* option, float* x, float* y) {
-    if (decode_switch(option))
-        return;
-    if (const char* scale = option_value(option, "scale")) {
-        gps_set_scale(text_float(scale));
-    } else if (const char* width = option_value(option, "lwidth")) {
-        gps_set_base_width(static_cast<float>(trunc_int(text_float(width))));
-    } else if (const char* size = option_value(option, "sz")) {
-        decode_size(size, x, y);
-    } else {
-        for (const PageSize& page : page_sizes) {
-            if (stricmp(option, page.name) == 0) {
-                *x = page.x;
-                *y = page.y;
-            }
-        }
-    }
+bool decode_page(const char* option) {
+    const auto* page = std::find_if(page_sizes.begin(), page_sizes.end(), [&](const PageSize& row) {
+        return stricmp(option, row.name) == 0;
+    });
+    return page != page_sizes.end() && gps_set_size(page->x, page->y) == 0;
 }
 
-// Fields of a text split at commas, from `first` on.
-void decode_options(const char* text, int first, float* x, float* y) {
-    int count = 0;
-    char** fields = nullptr;
-    parse_string(text, ',', &count, &fields);
-    for (int i = first; i < count; ++i)
-        decode_option(fields[i], x, y);
-    free_parsed_array(count, fields);
+bool decode_option(const char* option) {
+    float value = 0.0F;
+    if (const char* scale = option_value(option, "scale"))
+        return take_float(&scale, &value) && gps_set_scale(value) == 0;
+    if (const char* width = option_value(option, "lwidth"))
+        return take_float(&width, &value) &&
+               gps_set_base_width(static_cast<float>(trunc_int(value))) == 0;
+    if (const char* size = option_value(option, "sz"))
+        return decode_size(size);
+    return decode_switch(option) || decode_page(option);
 }
 
 const char* geometry_text() {
@@ -321,10 +305,7 @@ void put_heading() {
     }
     gps_comment("%%%%Title: ZYR Graphics Display: %s", gget_win_title());
     gps_printf("%%%%Creator: ZYR Postscript Processor-2.0\n");
-    std::time_t now = 0;
-    DATE_get_time(&now);
-    std::array<char, 32> date{};
-    gps_printf("%%%%CreationDate: %s", ctime_r(&now, date.data()));
+    gps_printf("%%%%CreationDate: %s", creation_date().c_str());
     gps_printf("%%%%EndComments\n%%%%Postscript initialization\n");
 }
 
@@ -357,15 +338,13 @@ int gps_open_ws(const char* conn_id) {
         gerr_printf("gopen_ws", "unable to open postscript file\n");
         return -1;
     }
-    float x = 11.0F;
-    float y = 8.5F;
     gps_init();
-    decode_options(std::getenv("zyrps_param"), 0, &x, &y);
-    decode_options(conn_id, 1, &x, &y);
-    const Grectangle page = {0, 0, trunc_int((x - 0.5F) * points_per_inch),
-                             trunc_int((y - 0.5F) * points_per_inch)};
-    gps_set_size(x, y);
+    gps_set_size(11.0F, 8.5F);
+    take_options(std::getenv("zyrps_param"), 0, decode_option);
+    take_options(conn_id, 1, decode_option);
     gps_init_file();
+    const Grectangle page = {0, 0, trunc_int((ps.sx - 0.5F) * points_per_inch),
+                             trunc_int((ps.sy - 0.5F) * points_per_inch)};
     set_page_area(geometry_text(), page, points_per_pixel);
     return 0;
 }
@@ -446,15 +425,12 @@ int gps_printf(const char* format, ...) {
 }
 
 int gps_comment(const char* format, ...) {
-    std::array<char, 251> text{};
+    constexpr std::size_t most = 250;
     std::va_list args;
     va_start(args, format);
-    std::vsnprintf(text.data(), text.size(), format, args);
+    put_line(ps.out_file, most, format, args);
     va_end(args);
-    std::replace_if(
-        text.begin(), text.begin() + std::strlen(text.data()),
-        [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');
-    return gps_printf("%s\n", text.data());
+    return 0;
 }
 
 // --- Paths --------------------------------------------------------------------

@@ -3,13 +3,18 @@
 
 #include "out_file.h"
 
+#include "zyr.h"
+
+#include "date.h"
 #include "files.h"
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <string_view>
 
 #include <fcntl.h>
@@ -64,4 +69,33 @@ std::FILE* open_output(const char* name, bool append) {
 int close_output(std::FILE* file) {
     const bool failed = std::fflush(file) != 0 || std::ferror(file) != 0;
     return FILE_close(file) != 0 || failed ? -1 : 0;
+}
+
+void take_options(const char* text, int first, bool (*take)(const char* option)) {
+    int count = 0;
+    char** fields = nullptr;
+    parse_string(text, ',', &count, &fields);
+    for (int i = first; i < count; ++i) {
+        if (*fields[i] != '\0' && !take(fields[i]))
+            MESS_print(mess_warn, "gopen_ws: invalid option: %s\n", fields[i]);
+    }
+    free_parsed_array(count, fields);
+}
+
+std::string creation_date() {
+    std::time_t now = 0;
+    DATE_get_time(&now);
+    std::array<char, 32> date{};
+    return ctime_r(&now, date.data());
+}
+
+void put_line(std::FILE* file, std::size_t most, const char* format, std::va_list args) {
+    if (file == nullptr)
+        return;
+    std::array<char, 512> text{};
+    std::vsnprintf(text.data(), std::min(most + 1, text.size()), format, args);
+    std::replace_if(
+        text.begin(), text.begin() + std::strlen(text.data()),
+        [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');
+    std::fprintf(file, "%s\n", text.data());
 }

@@ -69,43 +69,37 @@ TEST(PostScript, AppendsWithAShortHeadingAndNoEnd) {
 }
 
 TEST(PostScript, PageOptionsAndGeometry) {
-    struct Case {
+    struct Row {
         const char* options;
         const char* env;      // zyrps_param
         const char* geometry; // resource
-        int width, height, x, y;
+        std::array<int, 4> area;
+        const char* refused;
     };
-    for (const Case& c : {
-             Case{"",            "",           "",                756,  576,  0,   0  },
-             Case{"A4",          "legal,gray", "",                805,  558,  0,   0  }, // the connection text wins
-             Case{"",            "x,ansid",    "",                2412, 1548, 0,   0  },
-             Case{"sz:10.5x8.5", "",           "",                720,  576,  0,   0  },
-             Case{"sz=0.5x-3",   "",           "",                756,  576,  0,   0  }, // no room: ignored
-             Case{"",            "",           "P2x2+0+0",        378,  288,  0,   288},
-             Case{"",            "",           "p20x1+7+0",       94,   576,  661, 0  }, // at most 8 columns
-             Case{"",            "",           "P0.5x0.25+0.5+0", 378,  144,  378, 0  },
-             Case{"",            "",           "800x600-10+20",   576,  432,  -7,  14 },
-             Case{"",            "",           "100x50",          72,   36,   0,   0  },
-             Case{"",            "",           "+100+50",         756,  576,  72,  36 },
-             Case{"",            "",           "0x0",             756,  576,  0,   0  }, // refused with a warning
-             Case{"",            "",           "99999999999x1e9", 756,  576,  0,   0  },
+    for (const Row& row : {
+             Row{"",            "",           "",                {756, 576, 0, 0},   ""                                 },
+             Row{"A4",          "legal,gray", "",                {805, 558, 0, 0},   ""                                 }, // the connection text wins
+             Row{"",            "x,,ansid",   "",                {2412, 1548, 0, 0}, "invalid option: x"                },
+             Row{"sz:10.5x8.5", "",           "",                {720, 576, 0, 0},   ""                                 },
+             Row{"sz=0.5x-3",   "",           "",                {756, 576, 0, 0},   "invalid option: sz=0.5x-3"        }, // no room
+             Row{"",            "",           "P2x2+0+0",        {378, 288, 0, 288}, ""                                 },
+             Row{"",            "",           "p20x1+7+0",       {94, 576, 661, 0},  ""                                 }, // at most 8 columns
+             Row{"",            "",           "P0.5x0.25+0.5+0", {378, 144, 378, 0}, ""                                 },
+             Row{"",            "",           "800x600-10+20",   {576, 432, -7, 14}, ""                                 },
+             Row{"",            "",           "100x50",          {72, 36, 0, 0},     ""                                 },
+             Row{"",            "",           "+100+50",         {756, 576, 72, 36}, ""                                 },
+             Row{"",            "",           "0x9",             {756, 576, 0, 0},   "geometry leaves no room: 0x9"     },
+             Row{"",            "",           "9x999999",        {756, 576, 0, 0},   "geometry leaves no room: 9x999999"},
     }) {
-        RES_put("geometry", c.geometry);
-        const std::string conn = "|cat >/dev/null," + std::string(c.options);
-        setenv("zyrps_param", c.env, 1);
-        ASSERT_EQ(gps_open_ws(conn.c_str()), 0);
-        int w = 0;
-        int h = 0;
-        int x = 0;
-        int y = 0;
-        gget_win_size(&w, &h);
-        gget_win_offset(&x, &y);
+        RES_put("geometry", row.geometry);
+        setenv("zyrps_param", row.env, 1);
+        testing::internal::CaptureStderr();
+        ASSERT_EQ(gps_open_ws(("|cat >/dev/null," + std::string(row.options)).c_str()), 0);
+        EXPECT_EQ(device_area(), row.area) << row.options << row.env << row.geometry;
         gps_close_file();
-        const std::string name = std::string(c.options) + "/" + c.env + "/" + c.geometry;
-        EXPECT_EQ(w, c.width) << name;
-        EXPECT_EQ(h, c.height) << name;
-        EXPECT_EQ(x, c.x) << name;
-        EXPECT_EQ(y, c.y) << name;
+        const std::string refused = row.refused;
+        EXPECT_EQ(testing::internal::GetCapturedStderr(),
+                  refused.empty() ? "" : "gopen_ws: " + refused + "\n");
     }
 }
 

@@ -117,19 +117,6 @@ std::string played(const std::string& text) {
     return page.drawn();
 }
 
-// Width, height and offset of the area that a metafile opens.
-std::array<int, 4> opened_area(const char* conn_id, const char* geometry) {
-    std::array<int, 4> area{};
-    RES_put("geometry", geometry);
-    EXPECT_EQ(gmeta_open_ws(conn_id), 0);
-    gget_win_size(&area[0], &area[1]);
-    gget_win_offset(&area[2], &area[3]);
-    EXPECT_EQ(gmeta_close_file(), 0);
-    EXPECT_EQ(gmeta_close_file(), -1);
-    gmeta_set_type(0);
-    return area;
-}
-
 } // namespace
 
 TEST(Metafile, GoldenOfEveryCall) {
@@ -245,7 +232,12 @@ TEST(Metafile, NamesFormsAndAreas) {
              Row{"",         "+1+2",     {1000, 800, 100, 200}, "ZYRMETA\n#Title"   },
              Row{"",         "p2x4+1+0", {500, 200, 500, 600},  "ZYRMETA\n#Title"   },
     }) {
-        EXPECT_EQ(opened_area(row.conn, row.geometry), row.area) << row.conn << row.geometry;
+        RES_put("geometry", row.geometry);
+        EXPECT_EQ(gmeta_open_ws(row.conn), 0);
+        EXPECT_EQ(device_area(), row.area) << row.conn << row.geometry;
+        EXPECT_EQ(gmeta_close_file(), 0);
+        EXPECT_EQ(gmeta_close_file(), -1);
+        gmeta_set_type(0);
         EXPECT_EQ(std::memcmp(read_text(named).data(), row.begin, 6), 0) << row.conn;
     }
     std::filesystem::remove(named);

@@ -6,6 +6,7 @@
 #include "run_program.h"
 #include "zyrresrc.h"
 
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -37,6 +38,14 @@ inline std::string text_between(const std::string& text, const std::string& from
         inside = inside || line.starts_with(from);
     }
     return out;
+}
+
+// Width, height and offset of the area that a device opens.
+inline std::array<int, 4> device_area() {
+    std::array<int, 4> area{};
+    gget_win_size(&area[0], &area[1]);
+    gget_win_offset(&area[2], &area[3]);
+    return area;
 }
 
 class PsPage {
