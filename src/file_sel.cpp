@@ -135,6 +135,24 @@ void check_date(FileState& s, const char* name) {
     }
 }
 
+// Where the extra text of a typed name begins: at the first mark behind its
+// third letter, or behind the file that a longer part of the name is. Null if
+// all of it is a file or a command.
+char* find_extra(char* name) {
+    constexpr const char* marks = "#-+:";
+    const char* plain = *name == '@' ? name + 1 : name;
+    if (std::strlen(name) < 4 || *plain == '|' || is_file(plain)) {
+        return nullptr;
+    }
+    char* const first = std::strpbrk(name + 3, marks);
+    for (char* mark = first; mark != nullptr; mark = std::strpbrk(mark + 1, marks)) {
+        if (is_file(std::string(plain, static_cast<const char*>(mark)).c_str())) {
+            return mark;
+        }
+    }
+    return first;
+}
+
 // Cuts the date or the extra text off a typed name, by the file type.
 void cut_typed_name(FileState& s, char* name) {
     if (*name == '\0') {
@@ -142,9 +160,7 @@ void cut_typed_name(FileState& s, char* name) {
     }
     if (s.file_type == 1) {
         s.ext_info[0] = '\0';
-        const std::size_t length = std::strlen(name);
-        char* mark = length < 4 || is_file(name) ? nullptr : std::strpbrk(name + 3, "#-+:");
-        if (mark != nullptr) {
+        if (char* mark = find_extra(name); mark != nullptr) {
             copy_text(s.ext_info, sizeof s.ext_info, mark);
             *mark = '\0';
         }
@@ -424,9 +440,9 @@ int FILE_set_file(const char* file, char* out_file) {
     if (stricmp(name, "exit") == 0) {
         ZYR_exit(0);
     }
-    if (*name == '@') {
+    if (*name == '@' || *name == '|') { // as it stands; a command is read
         s.filename_type = 1;
-        copy_text(out_file, file_name_size, name + 1);
+        copy_text(out_file, file_name_size, *name == '@' ? name + 1 : name);
         return 0;
     }
     if (FILE_is_stdio(name) != 0 || (*s.conv != '\0' && FILE_is_stdio(s.conv) != 0)) {

@@ -388,30 +388,33 @@ TEST_F(Files, ClockValuesNameTheLastSuchTime) {
 
 TEST_F(Files, TypedNamesWithTheShippedConventions) {
     RES_put("name_conv", ZYR_SOURCE_DIR "/etc/name_conv");
-    fs::create_directories("data/level-3");
-    for (const char* name : {"data/level-3/KDDC-gsm.nids", "KTLX_N0R_201005010004", "latest.nids",
+    fs::create_directories("lev-3");
+    for (const char* name : {"lev-3/gsm-1.nids", "KTLX_N0R_201005010004", "latest.nids",
                              "20210729-123848-001-S", "201005011200.nids", "2010050112.rad"}) {
         put(name);
     }
-    const std::string full = (home / "data/level-3/KDDC-gsm.nids").string();
+    const std::string full = (home / "lev-3/gsm-1.nids").string();
     struct Row {
         const char* kind;
         int type;
         const char *typed, *name, *date, *extra;
     };
     const Row rows[] = {
-        {"nids",     1, "data/level-3/KDDC-gsm.nids", "data/level-3/KDDC-gsm.nids", "- - - - -",     ""  },
-        {"nids",     1, full.c_str(),                 full.c_str(),                 "- - - - -",     ""  },
-        {"nids",     1, "latest.nids",                "latest.nids",                "- - - - -",     ""  }, // a file, no request
-        {"lev2",     1, "20210729-123848-001-S",      "20210729-123848-001-S",      "- - - - -",     ""  },
-        {"nids",     1, "201005011200.nids",          "201005011200.nids",          "2010 5 1 12 0", ""  },
-        {"nids",     1, "201005011200",               "./201005011200.nids",        "2010 5 1 12 0", ""  },
-        {"nids_n0r", 1, "201005011200:2",             "./201005011200_n0r.nids",    "2010 5 1 12 0", ":2"},
-        {"nids",     1, "absent-1",                   "./absent",                   "- - - - -",     "-1"},
-        {"rad_dat",  0, "2010050112",                 "./2010050112.rad",           "2010 5 1 12 -", ""  },
-        {"nowrad",   0, "20210729-123848-001-S",      "./20210729-123848-001-S",    "- - - - -",     ""  },
-        {"rad_dat",  0, "@any/name",                  "any/name",                   "- - - - -",     ""  },
-        {"rad_dat",  0, "std",                        "-",                          "- - - - -",     ""  },
+        {"nids",     1, "lev-3/gsm-1.nids",      "lev-3/gsm-1.nids",        "- - - - -",     ""  },
+        {"nids",     1, "lev-3/gsm-1.nids#1",    "lev-3/gsm-1.nids",        "- - - - -",     "#1"}, // behind the file
+        {"nids",     1, "@lev-3/gsm-1.nids:2",   "lev-3/gsm-1.nids",        "- - - - -",     ":2"},
+        {"nids",     1, "|cat latest-1",         "|cat latest-1",           "- - - - -",     ""  }, // a command
+        {"nids",     1, full.c_str(),            full.c_str(),              "- - - - -",     ""  },
+        {"nids",     1, "latest.nids",           "latest.nids",             "- - - - -",     ""  }, // a file, no request
+        {"lev2",     1, "20210729-123848-001-S", "20210729-123848-001-S",   "- - - - -",     ""  },
+        {"nids",     1, "201005011200.nids",     "201005011200.nids",       "2010 5 1 12 0", ""  },
+        {"nids",     1, "201005011200",          "./201005011200.nids",     "2010 5 1 12 0", ""  },
+        {"nids_n0r", 1, "201005011200:2",        "./201005011200_n0r.nids", "2010 5 1 12 0", ":2"},
+        {"nids",     1, "absent-1",              "./absent",                "- - - - -",     "-1"},
+        {"rad_dat",  0, "2010050112",            "./2010050112.rad",        "2010 5 1 12 -", ""  },
+        {"nowrad",   0, "20210729-123848-001-S", "./20210729-123848-001-S", "- - - - -",     ""  },
+        {"rad_dat",  0, "@any/name",             "any/name",                "- - - - -",     ""  },
+        {"rad_dat",  0, "std",                   "-",                       "- - - - -",     ""  },
     };
     for (const Row& row : rows) {
         free_set();
