@@ -79,6 +79,8 @@ void FigurePage::read(int tran) {
                 figures.push_back({line[2] == 'F', "", {}});
             } else if (text && rest != nullptr) {
                 texts.push_back({pt, rest + 1});
+            } else if (line.starts_with("%%Message: ")) {
+                messages.push_back(line.substr(11));
             }
         } else if (line.ends_with(" setrgbcolor")) {
             color = color_name(line.substr(0, line.find(" setrgb")));

@@ -31,6 +31,7 @@ public:
 
     std::vector<Figure> figures;
     std::vector<FigureText> texts;
+    std::vector<std::string> messages; // of the status line
 
     // The lines, or the areas, of a colour; "" for all.
     std::vector<Figure> lines(const std::string& color = "") const;
