@@ -3,6 +3,7 @@
 #include "zyrcty.h"
 
 #include "maptran.h"
+#include "region.h"
 #include "run_program.h"
 #include "zyrresrc.h"
 
@@ -36,15 +37,10 @@ std::string found(const char* id) {
     return CTY_get("test.cty", id, &city) == 1 ? city.id : "none";
 }
 
-Domain plains() {
-    Domain domain;
-    domain.proj = proj_pstereo;
-    domain.clat = 35;
-    domain.clon = -97;
-    domain.nx = 25;
-    domain.ny = 17;
-    domain.dx = domain.dy = 0.5F;
-    return domain;
+int store(int type, int prior) {
+    Domain plains;
+    DOM_decode("35,-97,0.5", &plains);
+    return CTY_store("test.cty", type, &plains, prior);
 }
 
 } // namespace
@@ -112,14 +108,13 @@ TEST_F(Cty, SelectionStrings) {
 }
 
 TEST_F(Cty, TableOfThePicture) {
-    const Domain domain = plains();
     // Kind of identifier, what is looked up, what is shown; 29 Palms lies outside.
     std::istringstream rows("0 OKC OKC 1 OKC 72353 2 OKC OKC 0 72353 OKC 0 b42001 b42001 "
                             "2 b42001 b42001 0 TNP none 0 K2353 OKC 0 okc none 1 TUL 01234");
     int type = 0;
     for (std::string id, shown; rows >> type >> id >> shown;) {
         CTY_set_id_type(type);
-        ASSERT_EQ(CTY_store("test.cty", cty_xy_pos, &domain, missing), 1);
+        ASSERT_EQ(store(cty_xy_pos, missing), 1);
         stat_XY_data data;
         const bool is_there = CTY_search(id.c_str(), &data) == 1;
         EXPECT_EQ(is_there ? std::string(data.city.id) : "none", shown) << type << ' ' << id;
@@ -132,7 +127,6 @@ TEST_F(Cty, TableOfThePicture) {
 }
 
 TEST_F(Cty, TableWithSelectionAndOwnRecord) {
-    const Domain domain = plains();
     RES_put("identifier", "P<2,72353");
     CTY_data_size(sizeof(int));
     CTY_enter_func([](const CTY_data* city, void* block) {
@@ -140,7 +134,7 @@ TEST_F(Cty, TableWithSelectionAndOwnRecord) {
         return 0;
     });
     for (const int limit : {3, 2}) {
-        ASSERT_EQ(CTY_store("test.cty", cty_full, &domain, limit), 1);
+        ASSERT_EQ(store(cty_full, limit), 1);
         stat_FULL_data full;
         EXPECT_EQ(CTY_search("OKC", &full), limit - 2);
         ASSERT_EQ(CTY_search("TUL", &full), 1);

@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <fstream>
 #include <set>
+#include <span>
 #include <sstream>
 #include <string>
 
@@ -17,6 +17,7 @@
 
 namespace {
 
+const char* const etc = ZYR_SOURCE_DIR "/etc";
 const char* const invalid_line = "DOM_decode: Invalid plot domain\n";
 
 // Works in an empty directory of its own, which is the `file_path`.
@@ -26,31 +27,28 @@ protected:
         MESS_set(1, mess_print | mess_error | mess_warn);
         RES_put("file_path", dir_.path().c_str());
     }
-    void write(const std::string& name, const std::string& text) { dir_.write(name, text); }
-    // What a text decodes to: result, then proj plat plon clat clon nx ny dx
-    // dy, unset ones as "-".
-    std::string decoded(const std::string& text) {
-        const int result = DOM_decode(text.c_str(), &d_);
-        EXPECT_EQ(FLAG_get(flag_domain), result) << text;
-        std::ostringstream out;
-        out << result << ": " << d_.proj;
-        for (const float value : {d_.plat, d_.plon, d_.clat, d_.clon, static_cast<float>(d_.nx),
-                                  static_cast<float>(d_.ny), d_.dx, d_.dy}) {
-            out << ' ';
-            is_set(value) ? out << value : out << '-';
+    // Rows: a text and what it decodes to: result, then proj plat plon clat
+    // clon nx ny dx dy, unset ones as "-".
+    void expect_decoded(std::span<const char* const[2]> rows) {
+        for (const auto& row : rows) {
+            const int result = DOM_decode(row[0], &d_);
+            std::ostringstream out;
+            out << result << ": " << d_.proj;
+            for (const float value : {d_.plat, d_.plon, d_.clat, d_.clon, static_cast<float>(d_.nx),
+                                      static_cast<float>(d_.ny), d_.dx, d_.dy}) {
+                out << ' ';
+                is_set(value) ? out << value : out << '-';
+            }
+            EXPECT_EQ(out.str(), row[1]) << row[0];
+            EXPECT_EQ(FLAG_get(flag_domain), result) << row[0];
         }
-        return out.str();
     }
     // Whether the picture of a region shows a place.
     bool shows(const char* word, float lat, float lon) {
-        float x = 0;
-        float y = 0;
-        DOM_decode(word, &d_);
-        MAP_domain(&d_);
-        return MAP_tran(lat, lon, &x, &y) == 1 && MAP_in_domain(x, y) == 1;
+        float x = 0, y = 0;
+        return DOM_decode(word, &d_) > 0 && MAP_domain(&d_) == 0 &&
+               MAP_tran(lat, lon, &x, &y) == 1 && MAP_in_domain(x, y) == 1;
     }
-    static std::string etc() { return std::string(ZYR_SOURCE_DIR) + "/etc"; }
-
     TempDir dir_;
     Domain d_;
 };
@@ -77,9 +75,7 @@ TEST_F(Region, Shapes) {
         {"39",                            "2: -1 - - - - 25 17 1.2 1.2"        },
         {"MISS",                          "-9999: -1 - - - - 25 17 1.2 1.2"    }, // left alone
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(decoded(row[0]), row[1]) << row[0];
-    }
+    expect_decoded(rows);
     DOM_decode("sat:e:0:-75:421.64:1,35,-75,4.0", &d_);
     EXPECT_TRUE(d_.ellipse == 1 && d_.plat == 0 && d_.param[0] == 421.64F && d_.param[1] == 1);
     char key[30] = "";
@@ -89,30 +85,22 @@ TEST_F(Region, Shapes) {
 }
 
 TEST_F(Region, Refused) {
-    for (const char* text : {"1,2,3,4,5,6,7,8,9", "foo,40,-95,1", "a,b", "40,nan", "1e99,3",
-                             "fi:none.reg", "x.reg:us", "none.reg:", "fi:|echo us", "fi:-"}) {
+    dir_.write("zyr.reg", "loop Circle 0 loop\nbad Bad 0 1,2,3,4,5,6,7,8,9\n");
+    dir_.write("mine.reg", "a A_name 1 10,20\n");
+    for (const char* text :
+         {"1,2,3,4,5,6,7,8,9", "foo,40,-95,1", "a,b", "40,nan", "1e99,3", "fi:none.reg", "x.reg:us",
+          "none.reg:", "fi:|echo us", "fi:-", "loop", "bad", "mine.reg:c"}) {
         testing::internal::CaptureStderr();
         EXPECT_EQ(DOM_decode(text, &d_), -1) << text;
         EXPECT_EQ(testing::internal::GetCapturedStderr(), invalid_line) << text;
     }
 }
 
-TEST_F(Region, Stations) {
-    MESS_set(0, 0);
-    RES_put("file_path", etc().c_str());
-    for (const char* text : {"id:DCA", "ID:DCA,0.5", "ps,id:DCA,25,17,1.2", "id:sao.cty:DCA"}) {
-        EXPECT_TRUE(shows(text, 38.85F, -77.04F)) << text;
-        EXPECT_NEAR(d_.clat, 38.85, 0.05) << text;
-    }
-    EXPECT_EQ(DOM_decode("id:XXXYY", &d_), -1);
-}
-
 TEST_F(Region, Files) {
-    write("zyr.reg", "# the first\nhere Right_here 1 35,-97,0.5\nloop Circle 0 loop\n"
-                     "bad Bad 0 1,2,3,4,5,6,7,8,9\nfar Far_away 0 mine.reg:b\n\nlate Late 1 1,2\n");
-    write("mine.reg", "a A_name 1 10,20\nb Hidden 0 12,22\n");
-    write("bare.reg", "#c\n13,23,0.25\n");
-    MESS_set(0, 0);
+    dir_.write("zyr.reg", "# the first\nhere Right_here 1 35,-97,0.5\n"
+                          "far Far_away 0 mine.reg:b\n\nlate Late 1 1,2\n");
+    dir_.write("mine.reg", "a A_name 1 10,20\nb Hidden 0 12,22\n");
+    dir_.write("bare.reg", "#c\n13,23,0.25\n");
     const char* const rows[][2] = {
         {"HERE",        "2: 1 - - 35 -97 25 17 0.5 0.5" },
         {"far",         "2: 1 - - 12 22 25 17 1.2 1.2"  },
@@ -122,16 +110,11 @@ TEST_F(Region, Files) {
         {"late",        "2: -1 - - - - 25 17 1.2 1.2"   }, // behind a blank line
         {"mine.reg:",   "2: -9999 - - - - - - - -"      }, // the menu alone
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(decoded(row[0]), row[1]) << row[0];
-    }
-    for (const char* text : {"loop", "bad", "mine.reg:c"}) {
-        EXPECT_EQ(DOM_decode(text, &d_), -1) << text;
-    }
+    expect_decoded(rows);
 }
 
 TEST_F(Region, Menu) {
-    write("zyr.reg", "abcdefg A_name_longer_than_twenty_letters 7 10,20\nb Hidden 0 12,22\n");
+    dir_.write("zyr.reg", "abcdefg A_name_longer_than_twenty_letters 7 10,20\nb Hidden 0 12,22\n");
     feed_stdin("list\nexit\n");
     EXPECT_EXIT(
         {
@@ -143,7 +126,7 @@ TEST_F(Region, Menu) {
 }
 
 TEST_F(Region, Prompt) {
-    write("zyr.reg", "ta Tornado_Alley 1 37,-98,1\nzz Zed 1 12,13\n");
+    dir_.write("zyr.reg", "ta Tornado_Alley 1 37,-98,1\nzz Zed 1 12,13\n");
     feed_stdin("nonsense\n2\na,b\n40,-95,0.5\nback\n");
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
@@ -156,16 +139,13 @@ TEST_F(Region, Prompt) {
               std::string::npos);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               std::string("Invalid domain\n") + invalid_line + "Invalid domain\n");
-    // A resource gives one domain and no prompt behind it.
+    // A resource gives one domain and no prompt behind it, or ends the program.
+    RES_put("plot_domain", "miss"); // leaves the question to the next one
+    RES_put("region", "nowhere");
+    EXPECT_EXIT(DOM_prompt_region(&d_, 1), testing::ExitedWithCode(43), "^Invalid domain\n");
     RES_put("region", "zz");
     EXPECT_EQ(DOM_prompt_region(&d_, 1), 2);
     EXPECT_EQ(DOM_prompt_region(&d_, 1), 0);
-}
-
-TEST_F(Region, PromptEnds) {
-    RES_put("plot_domain", "miss"); // leaves the question to the next resource
-    RES_put("region", "nowhere");
-    EXPECT_EXIT(DOM_prompt_region(&d_, 1), testing::ExitedWithCode(43), "^Invalid domain\n");
 }
 
 TEST_F(Region, ResourcesForData) {
@@ -218,15 +198,13 @@ TEST_F(Region, Priorities) {
 }
 
 TEST_F(Region, ShippedFile) {
-    RES_put("file_path", etc().c_str());
-    std::ifstream in(etc() + "/zyr.reg");
+    RES_put("file_path", etc);
+    std::istringstream in(read_text(std::string(etc) + "/zyr.reg"));
     std::set<std::string> seen;
     int shown = 0;
     for (std::string line; std::getline(in, line);) {
         std::istringstream words(line);
-        std::string abbr;
-        std::string name;
-        std::string text;
+        std::string abbr, name, text;
         int flag = -1;
         ASSERT_TRUE(words >> abbr >> name >> flag >> text) << line;
         EXPECT_TRUE(abbr.size() <= 5 && name.size() <= 20 && seen.insert(abbr).second) << line;
@@ -240,7 +218,7 @@ TEST_F(Region, ShippedFile) {
 }
 
 TEST_F(Region, ShippedPlaces) {
-    RES_put("file_path", etc().c_str());
+    RES_put("file_path", etc);
     // Built-in words mean the same with and without the file.
     for (const char* word : {"us", "ne", "at", "se", "mw", "sp", "nw", "sw"}) {
         Domain built_in;
@@ -249,11 +227,12 @@ TEST_F(Region, ShippedPlaces) {
         EXPECT_EQ(DOM_comp(&built_in, &d_), 1) << word;
     }
     std::istringstream places("pr 18.1 -66.1 gu 13.5 144.8 ak 71.3 -156.8 nhem 1 40 "
-                              "globe 70 -100 world -60 179 sate 40 -75");
-    std::string word;
-    float lat = 0;
-    for (float lon = 0; places >> word >> lat >> lon;) {
+                              "globe 70 -100 world -60 179 sate 40 -75 id:DCA 38.85 -77.04 "
+                              "ID:DCA,.02 38.85 -77.04 ps,id:sao.cty:DCA,25,17,.02 38.85 -77.04");
+    float lat = 0, lon = 0;
+    for (std::string word; places >> word >> lat >> lon;) {
         EXPECT_TRUE(shows(word.c_str(), lat, lon)) << word;
     }
     EXPECT_FALSE(shows("ct", 40, -75.2F));
+    EXPECT_EQ(DOM_decode("id:XXXYY", &d_), -1);
 }

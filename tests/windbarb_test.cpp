@@ -3,6 +3,7 @@
 
 #include "figure_page.h"
 #include "maptran.h"
+#include "region.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -10,22 +11,12 @@
 
 namespace {
 
-Domain stereo() {
-    Domain d;
-    d.proj = proj_pstereo;
-    d.plat = 90.0F;
-    d.plon = -97.0F;
-    d.clat = 40.0F;
-    d.clon = -97.0F;
-    d.nx = d.ny = 21;
-    d.dx = d.dy = 1.0F;
-    return d;
-}
-
 // What `draw` puts on a page of 20 by 20 units: "A" and the points of an
 // area, "L" and those of a line.
 template <class Draw> std::string drawn(Draw draw) {
-    FigurePage page(stereo(), ZYR_SOURCE_DIR);
+    Domain stereo;
+    DOM_decode("ps:90:-97,40,-97,21,21,1,1", &stereo);
+    FigurePage page(stereo, ZYR_SOURCE_DIR);
     page.window({0.0F, 20.0F, 0.0F, 20.0F});
     draw();
     page.read(tran_map);
@@ -39,21 +30,20 @@ template <class Draw> std::string drawn(Draw draw) {
 // A staff of 10 from (5, 5) straight up: a fraction f lies at y = 5 + 10 f and
 // the barbs point to larger x.
 TEST(Windbarb, BarbsByspeed) {
+    const std::string flag = "A(5.00,15.00) (10.00,15.00) (5.00,13.80) (5.00,15.00)\n"
+                             "L(5.00,15.00) (10.00,15.00) (5.00,13.80) (5.00,15.00)\n";
     const struct {
         float spd;
-        const char* figures;
+        std::string figures;
     } rows[] = {
-        {1.0F,  ""                                                                        },
-        {2.9F,  ""                                                                        },
-        {3.0F,  "L(5.00,13.80) (7.50,14.40)\n"                                            },
-        {7.9F,  "L(5.00,13.80) (7.50,14.40)\n"                                            },
-        {8.0F,  "L(5.00,15.00) (10.00,16.20)\n"                                           },
-        {15.0F, "L(5.00,15.00) (10.00,16.20)\nL(5.00,13.80) (7.50,14.40)\n"               },
-        {48.0F, "A(5.00,15.00) (10.00,15.00) (5.00,13.80) (5.00,15.00)\n"
-                "L(5.00,15.00) (10.00,15.00) (5.00,13.80) (5.00,15.00)\n"  },
-        {65.0F, "A(5.00,15.00) (10.00,15.00) (5.00,13.80) (5.00,15.00)\n"
-                "L(5.00,15.00) (10.00,15.00) (5.00,13.80) (5.00,15.00)\n"
-                "L(5.00,12.60) (10.00,13.80)\nL(5.00,11.40) (7.50,12.00)\n"},
+        {1,    ""                                                                },
+        {2.9F, ""                                                                },
+        {3,    "L(5.00,13.80) (7.50,14.40)\n"                                    },
+        {7.9F, "L(5.00,13.80) (7.50,14.40)\n"                                    },
+        {8,    "L(5.00,15.00) (10.00,16.20)\n"                                   },
+        {15,   "L(5.00,15.00) (10.00,16.20)\nL(5.00,13.80) (7.50,14.40)\n"       },
+        {48,   flag                                                              },
+        {65,   flag + "L(5.00,12.60) (10.00,13.80)\nL(5.00,11.40) (7.50,12.00)\n"},
     };
     const std::string staff = "L(5.00,5.00) (5.00,15.00)\n";
     for (const auto& row : rows) {
@@ -61,31 +51,29 @@ TEST(Windbarb, BarbsByspeed) {
         EXPECT_EQ(drawn(draw), staff + row.figures) << row.spd;
     }
     // Above 300 knots: as 300, six flags; and the staff begins at its offset.
-    const auto strong = drawn([] { WIND_barb(5, 5, 360, 999, 10, 2); });
-    EXPECT_EQ(strong, drawn([] { WIND_barb(5, 5, 0, 300, 10, 2); }));
+    const auto strong = drawn([] { WIND_barb(5, 5, 30, 999, 10, 2); });
+    EXPECT_EQ(strong, drawn([] { WIND_barb(5, 5, 390, 300, 10, 2); }));
     EXPECT_EQ(std::count(strong.begin(), strong.end(), 'A'), 6);
-    EXPECT_EQ(strong.substr(0, strong.find('\n')), "L(5.00,7.00) (5.00,15.00)");
+    EXPECT_EQ(strong.substr(0, strong.find('\n')), "L(6.00,6.73) (10.00,13.66)");
 }
 
 TEST(Windbarb, NothingForCalmAndMissing) {
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    const float bad[][2] = {
-        {90,        0        },
-        {missing_f, 5        },
-        {90,        missing_f},
-        {nan,       5        },
-        {90,        nan      }
-    };
-    for (const auto& row : bad) {
-        const auto draw = [&] {
-            const int results = WIND_barb(5, 5, row[0], row[1], 10, 0) +
-                                WIND_barb_map(5, 5, row[0], row[1], 10, 0) +
-                                WIND_vect(5, 5, row[0], row[1], 1, 1) +
-                                WIND_vect_map(5, 5, row[0], row[1], 1, 1) +
-                                WIND_track(5, 5, row[0], row[1], 1, 4, 0);
+    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+    for (const auto& [dir, spd] : std::initializer_list<std::pair<float, float>>{
+             {90,        0        },
+             {missing_f, 5        },
+             {90,        missing_f},
+             {nan,       5        },
+             {90,        nan      }
+    }) {
+        const auto draw = [dir = dir, spd = spd] {
+            const int results =
+                WIND_barb(5, 5, dir, spd, 10, 0) + WIND_barb_map(5, 5, dir, spd, 10, 0) +
+                WIND_vect(5, 5, dir, spd, 1, 1) + WIND_vect_map(5, 5, dir, spd, 1, 1) +
+                WIND_track(5, 5, dir, spd, 1, 4, 0);
             EXPECT_EQ(results, -5);
         };
-        EXPECT_EQ(drawn(draw), "") << row[0] << " " << row[1];
+        EXPECT_EQ(drawn(draw), "") << dir << " " << spd;
     }
 }
 
