@@ -9,14 +9,12 @@
 // lev2_stream_open comes first. State: the open file and these layers.
 #include "lev2_stream.h"
 
+#include "unpack.h"
+
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <memory>
 #include <utility>
-
-#include <bzlib.h>
-#include <zlib.h>
 
 namespace {
 
@@ -40,20 +38,6 @@ constexpr std::size_t length_size = 4; // of a unit
 
 // --- State --------------------------------------------------------------------
 
-struct EndInflate {
-    void operator()(z_stream* zs) const {
-        // The checker takes an owner that was moved from for a full one.
-        inflateEnd(zs); // NOLINT(clang-analyzer-cplusplus.NewDelete)
-        delete zs;
-    }
-};
-struct EndBunzip {
-    void operator()(bz_stream* bz) const {
-        BZ2_bzDecompressEnd(bz); // NOLINT(clang-analyzer-cplusplus.NewDelete): as above
-        delete bz;
-    }
-};
-
 // The memory of the layers; what it holds is told by `stream`.
 struct Areas {
     std::array<std::uint8_t, piece_size> piece{}, unzipped{};
@@ -66,7 +50,7 @@ Areas areas;
 struct Source {
     const std::uint8_t* at = nullptr;
     std::size_t left = 0;
-    std::unique_ptr<z_stream, EndInflate> zs;
+    InflateStream zs;
     std::size_t total = 0; // bytes delivered to `at`
     bool broken = false;   // the gzip stream is damaged or not whole
     bool ended = false;    // or it is done
@@ -79,11 +63,11 @@ struct Stream {
     std::size_t header_size = 0;
     bool packed = false;
     Source source;
-    std::unique_ptr<bz_stream, EndBunzip> bz; // of the open unit
-    std::int64_t unit_left = 0;               // its bytes that are still in the source
-    std::size_t osize = 0;                    // bytes held in `out`
-    std::size_t blk_off = 0;                  // of these, before the current record
-    std::size_t total = 0;                    // bytes that came into `out` so far
+    BunzipStream bz;            // of the open unit
+    std::int64_t unit_left = 0; // its bytes that are still in the source
+    std::size_t osize = 0;      // bytes held in `out`
+    std::size_t blk_off = 0;    // of these, before the current record
+    std::size_t total = 0;      // bytes that came into `out` so far
     Lev2End end = Lev2End::none;
 };
 Stream stream;

@@ -27,16 +27,13 @@
 #include "byte_reader.h"
 #include "nids_impl.h"
 #include "nids_tables.h"
+#include "unpack.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <memory>
-
-#include <bzlib.h>
-#include <zlib.h>
 
 namespace {
 
@@ -73,20 +70,6 @@ constexpr SkippedPacket skipped_packets[] = {
 
 // --- State ------------------------------------------------------------------
 
-struct EndInflate {
-    void operator()(z_stream* zs) const {
-        // The checker takes an owner that was moved from for a full one.
-        inflateEnd(zs); // NOLINT(clang-analyzer-cplusplus.NewDelete)
-        delete zs;
-    }
-};
-struct EndBunzip {
-    void operator()(bz_stream* bz) const {
-        BZ2_bzDecompressEnd(bz); // NOLINT(clang-analyzer-cplusplus.NewDelete): as above
-        delete bz;
-    }
-};
-
 // Byte stream of the open product; `stream = {}` starts over.
 struct Stream {
     std::array<std::uint8_t, buffer_size> in{}, out{};
@@ -99,8 +82,8 @@ struct Stream {
     int file_type = type_plain;
     bool comp_test = false; // look for a compression header before going on
     int zstat = 0;          // status of the last decompressor call
-    std::unique_ptr<z_stream, EndInflate> zs;
-    std::unique_ptr<bz_stream, EndBunzip> bz;
+    InflateStream zs;
+    BunzipStream bz;
     int bytes = 0;  // delivered since the last reset
     int nbytes = 0; // length of the page, 0: no limit
     long total = 0; // bytes that came into `out` so far
