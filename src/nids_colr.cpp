@@ -3,8 +3,7 @@
 #include "nids_draw.h"
 
 #include "cont.h"
-
-#include <array>
+#include "nids_tables.h"
 
 namespace {
 
@@ -46,50 +45,29 @@ struct ColorRow {
     int first, last; // product codes
     const char* colors;
 };
-constexpr std::array<ColorRow, 20> color_rows = {
-    {
-     {22, 27, velocity},
-     {32, 32, reflectivity},
-     {code_wind_profile, code_wind_profile, wind_profile},
-     {55, 56, storm_velocity},
-     {81, 81, storm_precip},
-     {94, 94, reflectivity},
-     {99, 99, velocity},
-     {134, 135, liquid_tops},
-     {138, 138, storm_precip},
-     {153, 153, reflectivity},
-     {154, 154, velocity},
-     {158, 159, diff_reflectivity},
-     {161, 161, correlation},
-     {163, 163, correlation},
-     {165, 165, hydrometeor},
-     {170, 176, accumulation},
-     {177, 177, hydrometeor},
-     {180, 180, reflectivity},
-     {182, 182, velocity},
-     {186, 186, reflectivity},
-     }
+constexpr ColorRow color_rows[] = {
+    {22,                27,                velocity         },
+    {32,                32,                reflectivity     },
+    {code_wind_profile, code_wind_profile, wind_profile     },
+    {55,                56,                storm_velocity   },
+    {81,                81,                storm_precip     },
+    {94,                94,                reflectivity     },
+    {99,                99,                velocity         },
+    {134,               135,               liquid_tops      },
+    {138,               138,               storm_precip     },
+    {153,               153,               reflectivity     },
+    {154,               154,               velocity         },
+    {158,               159,               diff_reflectivity},
+    {161,               161,               correlation      },
+    {163,               163,               correlation      },
+    {165,               165,               hydrometeor      },
+    {170,               176,               accumulation     },
+    {177,               177,               hydrometeor      },
+    {180,               180,               reflectivity     },
+    {182,               182,               velocity         },
+    {186,               186,               reflectivity     },
 };
-
-constexpr bool ascending() {
-    for (std::size_t i = 0; i < color_rows.size(); i++) {
-        if (color_rows[i].first > color_rows[i].last ||
-            (i > 0 && color_rows[i].first <= color_rows[i - 1].last)) {
-            return false;
-        }
-    }
-    return true;
-}
-static_assert(ascending());
-
-const char* product_colors(int code) {
-    for (const ColorRow& row : color_rows) {
-        if (code >= row.first && code <= row.last) {
-            return row.colors;
-        }
-    }
-    return nullptr;
-}
+static_assert(nids_sorted(color_rows));
 
 } // namespace
 
@@ -97,12 +75,11 @@ int NIDS_set_colors(const NIDS_info& info) {
     CONT_init();
     CONT_param_decode();
     CONT_reset_fill_set();
-    const char* colors = product_colors(info.code);
-    if (colors == nullptr) {
+    const ColorRow* row = nids_row(color_rows, info.code);
+    if (row == nullptr) {
         CONT_set_values(info.thres, nids_num_thres);
-        colors = of_thresholds;
     }
-    CONT_set_fill_colors(colors, 0);
+    CONT_set_fill_colors(row != nullptr ? row->colors : of_thresholds, 0);
     if (info.code == code_wind_profile) {
         CONT_set_base(0.0F);
         CONT_set_intrvl(4.0F);
