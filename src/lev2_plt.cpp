@@ -318,14 +318,7 @@ int LEV2_plot_summary() {
 }
 
 int LEV2_plot_param() {
-    int count = 0;
-    char** words = nullptr;
-    RES_getvals("plot_param", &count, &words);
-    for (int i = 0; i < count; i++) {
-        decode_word(words[i]);
-    }
-    free_parsed_array(count, words);
-    return 0;
+    return rad_decode_words(decode_word);
 }
 
 void LEV2_callback(int, const char* str, float x, float y) {

@@ -19,10 +19,6 @@ constexpr float barb_size = 20.0F; // plot units
 constexpr float text_height = 8.0F;
 constexpr int code_precip_array = 81;
 
-bool is_place(const Gpt& p) {
-    return is_set(p.x) && std::isfinite(p.x) && std::isfinite(p.y);
-}
-
 // The edges of a radial whose bins begin at the site.
 RadEdges radial_edges(const NIDS_frame& frame, float sangle, float dangle) {
     const Domain& own = frame.info->domain;
@@ -142,7 +138,7 @@ void draw_vectors(const NIDS_frame& frame) {
     while (NIDS_get_vector(frame.ifile, &vector) > 0) {
         const Gpt from = image(vector.x1, vector.y1);
         const Gpt to = image(vector.x2, vector.y2);
-        if (is_place(from) && is_place(to)) {
+        if (rad_is_place(from) && rad_is_place(to)) {
             GPH_line(from.x, from.y, to.x, to.y);
         }
     }
@@ -153,7 +149,7 @@ void draw_winds(const NIDS_frame& frame, RadFills& fills) {
     while (NIDS_get_wind(frame.ifile, &wind) > 0) {
         const Gpt p = image(wind.x, wind.y);
         const Gattribs* attrib = fills.get(wind.val);
-        if (attrib != nullptr && attrib->color >= 0 && is_place(p)) {
+        if (attrib != nullptr && attrib->color >= 0 && rad_is_place(p)) {
             GPH_fill_attr(attrib);
             GPH_line_attr(attrib);
             WIND_barb(p.x, p.y, wind.dir, wind.spd, barb_size, 0.0F);
@@ -167,7 +163,7 @@ void draw_text(const NIDS_frame& frame) {
     const Gpt p = image(text.x, text.y);
     GPH_text_attr(&frame.data, text_height);
     GPH_text_align(GLEFT_HOR, GCAP_VERT);
-    if (frame.data.color >= 0 && is_place(p)) {
+    if (frame.data.color >= 0 && rad_is_place(p)) {
         gtext(&p, text.data);
     }
 }

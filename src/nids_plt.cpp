@@ -13,7 +13,6 @@
 #include "plt_tool.h"
 #include "rad_run.h"
 #include "region.h"
-#include "zyrresrc.h"
 
 #include <cmath>
 #include <cstring>
@@ -135,14 +134,7 @@ int NIDS_plot_data() {
 }
 
 int NIDS_plot_param() {
-    int count = 0;
-    char** words = nullptr;
-    RES_getvals("plot_param", &count, &words);
-    for (int i = 0; i < count; i++) {
-        decode_word(words[i]);
-    }
-    free_parsed_array(count, words);
-    return 0;
+    return rad_decode_words(decode_word);
 }
 
 void NIDS_callback(int, const char* str, float x, float y) {

@@ -18,10 +18,6 @@ namespace {
 constexpr double deg_to_rad = std::numbers::pi / 180.0;
 constexpr float overlap_deg = 0.01F; // by which radials cover the next one's edge
 
-bool is_place(const Gpt& p) {
-    return is_set(p.x) && std::isfinite(p.x) && std::isfinite(p.y);
-}
-
 } // namespace
 
 // --- Look of values -------------------------------------------------------------
@@ -96,7 +92,7 @@ void RadStrip::draw(const RadEdges& edges) {
     for (const Figure& figure : figures_) {
         const std::size_t i = figure.first;
         const std::array<Gpt, 5> corners = {near_[i], near_[i + 1], far_[i + 1], far_[i], near_[i]};
-        if (!std::all_of(corners.begin(), corners.end(), is_place)) {
+        if (!std::all_of(corners.begin(), corners.end(), rad_is_place)) {
             continue;
         }
         if (!in_view_) {
@@ -134,7 +130,7 @@ void RadStrip::reproject() {
     for (const std::span<Gpt> line : {std::span(near_), std::span(far_)}) {
         for (Gpt& p : line) {
             const Gpt from = p;
-            if (!is_place(from) || MAP_tran(from.x, from.y, &p.x, &p.y) == 0) {
+            if (!rad_is_place(from) || MAP_tran(from.x, from.y, &p.x, &p.y) == 0) {
                 p = {missing_f, missing_f};
             }
         }

@@ -5,9 +5,15 @@
 #include "zyrgks.h"
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
+
+// Whether a point has a place on the page.
+inline bool rad_is_place(const Gpt& p) {
+    return is_set(p.x) && std::isfinite(p.x) && std::isfinite(p.y);
+}
 
 // How the values of one frame are filled. CONT_get_fill_attrib is asked once
 // for each value met; the answer depends on the value alone while the frame's

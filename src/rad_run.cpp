@@ -10,6 +10,7 @@
 #include "maptran.h"
 #include "region.h"
 #include "zyrgks.h"
+#include "zyrresrc.h"
 
 #include <algorithm>
 #include <cmath>
@@ -157,6 +158,17 @@ int shift_frames() {
 }
 
 } // namespace
+
+int rad_decode_words(void (*decode_word)(const char* word)) {
+    int count = 0;
+    char** words = nullptr;
+    RES_getvals("plot_param", &count, &words);
+    for (int i = 0; i < count; i++) {
+        decode_word(words[i]);
+    }
+    free_parsed_array(count, words);
+    return 0;
+}
 
 bool rad_take_word(RadWords& words, const char* word) {
     for (const Switch& row : switches) {

@@ -25,6 +25,8 @@ struct RadWords {
     std::array<float, 4> rings{}; // range rings, nautical miles; none when the first is 0
 };
 
+// Hands each word of the resource to a plotter. Returns 0.
+int rad_decode_words(void (*decode_word)(const char* word));
 // Takes a word that these plotters share. Returns whether it was one.
 bool rad_take_word(RadWords& words, const char* word);
 // The number behind `length` letters of a word and one character; 0 for none.
