@@ -1,4 +1,4 @@
-// byte_reader.h: bounds-checked reading of numbers from a block of bytes.
+// byte_reader.h: bounds-checked reading of big-endian numbers from a block of bytes.
 #pragma once
 
 #include <cstddef>
@@ -21,19 +21,17 @@ public:
         const auto b = bytes(1);
         return b.empty() ? std::uint8_t{0} : b[0];
     }
-    std::int8_t i8() { return static_cast<std::int8_t>(u8()); }
 
-    std::uint16_t u16be() { return static_cast<std::uint16_t>(number<2>(true)); }
+    std::uint16_t u16be() { return static_cast<std::uint16_t>(number<2>()); }
     std::int16_t i16be() { return static_cast<std::int16_t>(u16be()); }
-    std::uint32_t u32be() { return number<4>(true); }
+    std::uint32_t u32be() { return number<4>(); }
     std::int32_t i32be() { return static_cast<std::int32_t>(u32be()); }
-    float f32be() { return as_float(u32be()); }
-
-    std::uint16_t u16le() { return static_cast<std::uint16_t>(number<2>(false)); }
-    std::int16_t i16le() { return static_cast<std::int16_t>(u16le()); }
-    std::uint32_t u32le() { return number<4>(false); }
-    std::int32_t i32le() { return static_cast<std::int32_t>(u32le()); }
-    float f32le() { return as_float(u32le()); }
+    float f32be() {
+        const std::uint32_t bits = u32be();
+        float value = 0;
+        std::memcpy(&value, &bits, sizeof value);
+        return value;
+    }
 
     // The next `n` bytes, empty when fewer are left.
     std::span<const std::uint8_t> bytes(std::size_t n) {
@@ -54,17 +52,11 @@ public:
     }
 
 private:
-    template <std::size_t N> std::uint32_t number(bool big_endian) {
-        const auto part = bytes(N);
+    template <std::size_t N> std::uint32_t number() {
         std::uint32_t value = 0;
-        for (std::size_t i = 0; i < part.size(); i++) {
-            value = (value << 8) | part[big_endian ? i : N - 1 - i];
+        for (const std::uint8_t b : bytes(N)) {
+            value = value << 8 | b;
         }
-        return value;
-    }
-    static float as_float(std::uint32_t bits) {
-        float value = 0;
-        std::memcpy(&value, &bits, sizeof value);
         return value;
     }
 
