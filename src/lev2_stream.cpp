@@ -179,7 +179,9 @@ Lev2End source_end(const Source& s) {
 // False at the end of the volume.
 bool open_unit(Stream& s) {
     std::array<std::uint8_t, length_size> field{};
-    if (source_read(s.source, s.file.get(), field.data(), length_size) < length_size) {
+    const bool whole =
+        source_read(s.source, s.file.get(), field.data(), length_size) == length_size;
+    if (!whole || (field == trailer && !source_has(s.source, s.file.get()))) {
         s.end = source_end(s.source);
         return false;
     }

@@ -166,39 +166,32 @@ TEST_F(Lev2, MomentBlocks) {
     }
 }
 
-// Offsets and counts of the record that do not fit it.
+// Offsets, counts and numbers that do not fit their record leave the next one alone.
 TEST_F(Lev2, DamagedRecords) {
     Lev2Radial radial;
     radial.moments = {
         {"REF", 0, 250, 8, 2, 66, {66, 68}}
     };
-    const std::size_t header = 24;
-    const std::size_t pointer = header + lev2_pointers_at + 12;
-    Lev2Volume volume;
-    volume.units = {nids_join({lev2_radial(radial), lev2_radial(radial)})};
-    const Bytes good = lev2_volume(volume, false);
-    const std::size_t block = header + lev2_data_at + good[pointer + 3];
-    const std::size_t end = header + (good.size() - header) / 2;
-    const struct {
-        const char* note;
-        std::size_t at;
-        std::uint32_t value;
-        const char* first; // values of the first radial
-    } rows[] = {
-        {"pointer 0",         pointer,                    0,                                                            "1/1 0 0.5 - - -\n"    },
-        {"far pointer",       pointer,                    0xFFFFFFF0,                                                   "1/1 0 0.5 - - -\n"    },
-        {"at the end",        pointer,                    static_cast<std::uint32_t>(end - header - lev2_data_at - 27),
-         "1/1 0 0.5 - - -\n"                                                                                                                   },
-        {"too many gates",    block + 8,                  0xFFFF0000,                                                   "1/1 0 0.5 | 0 1 - -\n"},
-        {"azimuth no number", header + lev2_data_at + 12, 0x7FC00000,                                                   "1/1 0 0 - - -\n"      },
-        {"azimuth too large", header + lev2_data_at + 12, 0x7F000000,                                                   "1/1 0 0 - - -\n"      },
-        {"no size",           header + lev2_size_at,      0x0000001F,                                                   ""                     },
+    const Bytes record = lev2_radial(radial);
+    const std::size_t pointer = lev2_pointers_at + 12;
+    const std::size_t block = lev2_data_at + record[pointer + 3];
+    const auto last = static_cast<std::uint32_t>(record.size() - lev2_data_at);
+    const auto with = [&](std::size_t at, std::uint32_t value) {
+        Bytes damaged = record;
+        put32(damaged, at, value);
+        const std::string text = dump(nids_join({lev2_header({}), damaged, record}));
+        EXPECT_TRUE(text.ends_with("\n1/1 0 0.5 | 0 1 - -\n")) << text;
+        return text.substr(4, text.find('\n') - 4);
     };
-    for (const auto& row : rows) {
-        Bytes bytes = good;
-        put32(bytes, row.at, row.value);
-        EXPECT_EQ(dump(bytes).substr(0, std::string(row.first).size()), row.first) << row.note;
-    }
+    EXPECT_EQ(with(pointer, 0), "0 0.5 - - -");
+    EXPECT_EQ(with(pointer, 0xFFFFFFF0), "0 0.5 - - -");
+    EXPECT_EQ(with(pointer, last - 27), "0 0.5 - - -");
+    EXPECT_EQ(with(block + 8, 0xFFFF0000), "0 0.5 | 0 1 - -");   // too many gates
+    EXPECT_EQ(with(lev2_data_at + 12, 0x7FC00000), "0 0 - - -"); // azimuth, no number
+    EXPECT_EQ(with(lev2_data_at + 12, 0x7F000000), "0 0 - - -"); // and too large a one
+    Bytes no_size = record;
+    put32(no_size, lev2_size_at, lev2_radial_generic);
+    dump(nids_join({lev2_header({}), no_size, record})); // comes to an end
 }
 
 // Cut anywhere, a volume gives its whole radials.
@@ -280,34 +273,38 @@ TEST_F(Lev2, Warnings) {
         radial.id = id;
         Lev2Volume made;
         made.site = site;
-        made.units = {lev2_other(15), lev2_radial(radial)};
+        made.units = {nids_join({lev2_other(15), lev2_radial(radial)})};
         return made;
     };
     const Lev2Volume known = volume("KTLX", 1, 2, "KTLX");
     const Bytes plain = lev2_volume(known, false);
+    const Bytes packed = lev2_volume(known, true);
     const std::string unknown = "LEV2_get_header: Unknown site:";
-    const struct {
-        Bytes bytes;
-        int compress;
-        std::string text;
-    } rows[] = {
-        {plain,             0,        ""                                                          },
-        {plain,             1,        "LEV2_get_header: An uncompressed file, read as \"lev2\":\n"},
-        {lev2_volume(known, true),    0,                                                            "LEV2_get_header: A compressed file, read as \"lev2z\":\n"},
-        {lev2_unit(known.units[1]),                 1,
-         "LEV2_get_header: No volume header, read as a piece of a volume:\n"                                           },
-        {lev2_volume(volume("KQQQ",                 35.5F, -97.25F,"KQQQ"), false), 0,
-         unknown + "\"QQQ\" (the volume says 35.500,-97.250), plotted at 38.98,-77.48\n"},
-        {lev2_volume(volume("TQQQ",          35500,            -97250,                                                                           "TQQQ"), false), 0,
-         unknown + "\"QQQ\" (the volume says 35.500,-97.250), plotted at 38.98,-77.48\n"},
-        {lev2_volume(volume("",                 1, 2,                                               "KTLX"), false), 0, ""},
-        {lev2_header(volume("KQQQ",          0,            0,"")), 0, unknown + "\"QQQ\", plotted at 38.98,-77.48\n"},
-        {Bytes(plain.begin(),                 plain.end() - 1),     0,
-         "LEV2_get_block: The volume ends inside a radial:\n"},
-        {lev2_gzip(plain),          0,            ""                        },
+    const std::string none = ", plotted at 38.98,-77.48\n";
+    const auto told = [](const Bytes& bytes, int compress) {
+        return warnings(bytes, compress, 2); // once
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(warnings(row.bytes, row.compress, 2), row.text); // told once
+    EXPECT_EQ(told(plain, 0) + told(lev2_gzip(plain), 0) + told(packed, 1), "");
+    EXPECT_EQ(told(plain, 1), "LEV2_get_header: An uncompressed file, read as \"lev2\":\n");
+    EXPECT_EQ(told(packed, 0), "LEV2_get_header: A compressed file, read as \"lev2z\":\n");
+    EXPECT_EQ(told(lev2_unit(known.units[0]), 1),
+              "LEV2_get_header: No volume header, read as a piece of a volume:\n");
+    for (const float unit : {1.0F, 1000.0F}) { // terminal radars give thousandths
+        EXPECT_EQ(told(lev2_volume(volume("KQQQ", 35.5F * unit, -97.25F * unit, "KQQQ"), false), 0),
+                  unknown + "\"QQQ\" (the volume says 35.500,-97.250)" + none);
+    }
+    EXPECT_EQ(told(lev2_volume(volume("", 1, 2, "KTLX"), false), 0), "");
+    EXPECT_EQ(told(lev2_header(volume("KQQQ", 0, 0, "")), 0), unknown + "\"QQQ\"" + none);
+    EXPECT_EQ(told(Bytes(plain.begin(), plain.end() - 1), 0),
+              "LEV2_get_block: The volume ends inside a radial:\n");
+    EXPECT_EQ(told(Bytes(packed.begin(), packed.end() - 1), 1),
+              "LEV2_get_block: The volume is damaged or not whole:\n");
+    for (const Bytes& file : {plain, packed}) { // the end of a transmission
+        EXPECT_EQ(told(nids_join({
+                           file, {0x0D, 0x0D, 0x0A, 0x03}
+        }),
+                       file == packed),
+                  "");
     }
 }
 
