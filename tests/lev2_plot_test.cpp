@@ -5,35 +5,14 @@
 // `cmake --build --preset release --target update-golden` writes the golden
 // files anew (tests/data/golden); look at the rendered pages before committing.
 #include "lev2_writer.h"
-#include "maptran.h"
 #include "nids_page.h"
-
-#include <gtest/gtest.h>
 
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <numbers>
-#include <vector>
 
 namespace {
-
-std::string text_of(const Bytes& bytes) {
-    return {bytes.begin(), bytes.end()};
-}
-
-std::string sample_text(const std::string& name) {
-    for (const auto& [sample, bytes] : lev2_samples()) {
-        if (sample == name) {
-            return text_of(bytes);
-        }
-    }
-    ADD_FAILURE() << "no sample " << name;
-    return "";
-}
 
 // Scan 1, clear air: reflectivity of -100, -90, -32, 4.5, 5, 17, 50 and 94.5 in
 // each of two radials. Scan 2: velocity of -100, -90, -63.5, 0, 1, 35.5 and 63 in
@@ -65,13 +44,9 @@ Bytes two_scans() {
     return lev2_volume(volume, true);
 }
 
-class Lev2Plot : public testing::Test {
+class Lev2Plot : public RadarPlot {
 protected:
-    void SetUp() override {
-        if (!std::filesystem::exists(ZYR_PROGRAM)) {
-            GTEST_SKIP() << "no program was built";
-        }
-    }
+    Lev2Plot() : RadarPlot(lev2_samples()) { write("volume", two_scans()); }
 };
 
 // The first figure of a page, in points.
@@ -90,32 +65,20 @@ std::vector<std::array<double, 2>> first_figure(const std::string& page) {
 } // namespace
 
 TEST_F(Lev2Plot, GoldenPages) {
-    const TempDir dir;
-    const std::vector<std::array<const char*, 4>> rows = {
-  // golden file, kind, sample, options
-        {"lev2_refl", "lev2",  "fixed_plain",   "-dr sum,text,bord -pp range=10,site,dist=2:4"},
-        {"lev2_vel",  "lev2z", "generic_bzip2",
-         "-dr sum -pp nobar -va vel2 -pd merc,35.3,-97.3,41,31,.01,.01"                       },
-    };
-    for (const auto& [name, kind, sample, options] : rows) {
-        dir.write("volume", sample_text(sample));
-        const NidsPage page = nids_page(dir, std::string("./volume ") + options, kind);
-        EXPECT_EQ(page.run.code, 0) << name << "\n" << page.run.err;
-        const std::string golden = std::string(ZYR_SOURCE_DIR "/tests/data/golden/") + name + ".ps";
-        const std::string text = golden_text(page.text);
-        if (std::getenv("ZYR_UPDATE_GOLDEN") != nullptr) {
-            std::ofstream(golden) << text;
-        }
-        EXPECT_EQ(text, read_text(golden)) << name;
-    }
+    expect_golden(
+        nids_page(dir, "./fixed_plain -dr sum,text,bord -pp range=10,site,dist=2:4", "lev2"),
+        "lev2_refl");
+    expect_golden(nids_page(dir,
+                            "./generic_bzip2 -dr sum -pp nobar -va vel2 "
+                            "-pd merc,35.3,-97.3,41,31,.01,.01",
+                            "lev2z"),
+                  "lev2_vel");
 }
 
 // On the volume's own domain, 3 * range steps of `dx` are as wide as the page. A
 // gate is `dx` times its length in km, the first one a hundredth of its
 // distance. A radial is a degree wide about its azimuth.
 TEST_F(Lev2Plot, GatesHaveTheirPlace) {
-    const TempDir dir;
-    dir.write("volume", text_of(two_scans()));
     constexpr double page_width = 755.0;
     constexpr int range = 5;
     const double sin60 = std::sin(std::numbers::pi / 3);
@@ -156,29 +119,22 @@ TEST_F(Lev2Plot, FiguresLabelsAndWarnings) {
         const char* warning; // the only one
     };
     const std::vector<Row> rows = {
-        {"",                            8,  "Md=cl Sc=1 El=0.5 Mx=94",        ""                                      },
+        {"",                            8,  "Md=cl Sc=1 El=0.5 Mx=94",      ""                                      },
         {"-va REF2",                    0,  "Md=pr Sc=2 El=0.0 Mx=-100",
-         "Scan 2 (El=1.5) has no reflectivity, scans that have it: 1"                                                 },
-        {"-va vel2",                    4,  "Md=pr Sc=2 El=1.5 Rng=-64,63",   ""                                      },
-        {"-va spectrum2",               0,  "Md=pr Sc=0 El=0.0 Rng=100,-100",
-         "There is no scan 0, the volume has 1-2"                                                                     },
-        {"-va spect2",                  4,  "Md=pr Sc=2 El=1.5 Rng=-64,63",   ""                                      },
-        {"-va vel1",                    0,  "Md=pr Sc=1 El=0.0 Rng=100,-100",
-         "Scan 1 (El=0.5) has no velocity, scans that have it: 2"                                                     },
-        {"-va vel3",                    0,  "Md=pr Sc=3 El=0.0 Rng=100,-100", "There is no scan 3, the volume has 1-2"},
-        {"-va ref",                     0,  "Md=pr Sc=0 El=0.0 Mx=-100",      "There is no scan 0, the volume has 1-2"},
-        {"-pp nobar,range=9,clutter=5", 6,  "Md=cl Sc=1 El=0.5 Mx=94",        ""                                      },
+         "Scan 2 (El=1.5) has no reflectivity, scans that have it: 1"                                               },
+        {"-va vel2",                    4,  "Md=pr Sc=2 El=1.5 Rng=-64,63", ""                                      },
+        {"-va spect2",                  4,  "Md=pr Sc=2 El=1.5 Rng=-64,63", ""                                      },
+        {"-va ref",                     0,  "Md=pr Sc=0 El=0.0 Mx=-100",    "There is no scan 0, the volume has 1-2"},
+        {"-pp nobar,range=9,clutter=5", 6,  "Md=cl Sc=1 El=0.5 Mx=94",      ""                                      },
         {"-pp nobar,range=9,clutter",   0,  "Md=cl Sc=1 El=0.5 Mx=94",
-         "Scan 1 has no echo beyond the 25 gates of \"clutter\""                                                      },
+         "Scan 1 has no echo beyond the 25 gates of \"clutter\""                                                    },
         {"-cof 100:red,110:blue",       0,  "Md=cl Sc=1 El=0.5 Mx=94",
-         "Scan 1 has no value that is drawn, the largest is 94.5"                                                     },
+         "Scan 1 has no value that is drawn, the largest is 94.5"                                                   },
         {"-pd ps,-35,80,41,31,.1,.1",   0,  "Md=cl Sc=1 El=0.5 Mx=94",
-         "Scan 1 lies outside the plot domain"                                                                        },
-        {"-dr bord",                    0,  "",                               ""                                      },
-        {"./volume",                    16, "Md=cl Sc=1 El=0.5 Mx=94",        ""                                      },
+         "Scan 1 lies outside the plot domain"                                                                      },
+        {"-dr bord",                    0,  "",                             ""                                      },
+        {"./volume",                    16, "Md=cl Sc=1 El=0.5 Mx=94",      ""                                      },
     };
-    const TempDir dir;
-    dir.write("volume", text_of(two_scans()));
     for (const Row& row : rows) {
         const NidsPage page = nids_page(
             dir, std::string("./volume -me warn -dr sum,text -pp nobar,range=9 ") + row.args,
@@ -197,9 +153,7 @@ TEST_F(Lev2Plot, FiguresLabelsAndWarnings) {
 // However a volume comes, its page is the same; only what the user said about
 // it is set right. The list of its scans is for the asking.
 TEST_F(Lev2Plot, EveryWayInGivesTheSamePage) {
-    const TempDir dir;
     const std::string options = " -dr sum,text -pp range=9 -va vel2 -me ";
-    dir.write("volume", text_of(two_scans()));
     const NidsPage page = nids_page(dir, "./volume" + options + "mess", "lev2z");
     EXPECT_NE(page.run.out.find("El#=1 El=0.5 Az=30.0 Ptr="), std::string::npos) << page.run.out;
     EXPECT_EQ(count_text(page.run.out, "El#="), 2) << "one line for each scan";
@@ -208,13 +162,6 @@ TEST_F(Lev2Plot, EveryWayInGivesTheSamePage) {
     const NidsPage other = nids_page(dir, "./volume" + options + "warn", "lev2");
     EXPECT_EQ(other.run.err, "LEV2_get_header: A compressed file, read as \"lev2z\":./volume\n");
     EXPECT_EQ(golden_text(other.text), golden_text(page.text));
-    ProgramCall piped;
-    piped.args = {"-inp", "lev2z",    "-de", "p,piped.ps", "-fp", ZYR_SOURCE_DIR "/etc",
-                  "-dr",  "sum,text", "-pp", "range=9",    "-va", "vel2",
-                  "-"};
-    piped.directory = dir.path();
-    piped.input = text_of(two_scans());
-    EXPECT_EQ(run_program(ZYR_PROGRAM, piped).code, 0);
-    EXPECT_EQ(golden_text(read_text(dir.path() + "/piped.ps")), golden_text(page.text));
+    expect_piped(page, "volume", options + "warn", "lev2z");
     EXPECT_EQ(nids_page(dir, "./none", "lev2").run.code, 10);
 }

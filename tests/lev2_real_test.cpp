@@ -2,6 +2,7 @@
 // scan with what an independent decoder found in the same file
 // (reference.jsonl).
 #include "lev2_walk.h"
+#include "reference.h"
 
 #include <algorithm>
 #include <array>
@@ -15,8 +16,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-constexpr char data_dir[] = ZYR_REAL_DATA "/";
 
 struct MomentSeen {
     int radials = 0;
@@ -103,30 +102,24 @@ std::string text_of(const Scan& scan) {
     return text;
 }
 
-// The number behind a key of a JSON text.
-double number(const std::string& json, const std::string& key) {
-    const std::size_t at = json.find("\"" + key + "\": ");
-    return at == std::string::npos ? missing
-                                   : std::strtod(json.c_str() + at + key.size() + 4, nullptr);
-}
-
 // A scan of the reference: `json` reaches from its first key to the next scan.
 // First gates of the fixed message are read as whole kilometres.
 std::string text_of(const std::string& json, const std::string& radials, bool fixed) {
-    std::string text = scan_text(static_cast<int>(number(json, "elevation_number")),
-                                 std::strtod(radials.c_str(), nullptr),
-                                 number(json, "first_azimuth"), number(json, "first_elevation"));
+    std::string text =
+        scan_text(static_cast<int>(json_number(json, "elevation_number")),
+                  std::strtod(radials.c_str(), nullptr), json_number(json, "first_azimuth"),
+                  json_number(json, "first_elevation"));
     for (const char* name : names) {
         const std::size_t at = json.find(std::string("\"") + name + "\": {");
         if (at == std::string::npos) {
             continue;
         }
         const std::string moment = json.substr(at, json.find('}', at) - at);
-        const double first_km = number(moment, "first_gate_km");
-        text +=
-            moment_text(name, number(moment, "radials"), number(moment, "gates"),
-                        fixed ? static_cast<int>(first_km) : first_km, number(moment, "gate_km"),
-                        number(moment, "min"), number(moment, "max"), number(moment, "valid"));
+        const double first_km = json_number(moment, "first_gate_km");
+        text += moment_text(name, json_number(moment, "radials"), json_number(moment, "gates"),
+                            fixed ? static_cast<int>(first_km) : first_km,
+                            json_number(moment, "gate_km"), json_number(moment, "min"),
+                            json_number(moment, "max"), json_number(moment, "valid"));
     }
     return text;
 }
@@ -145,7 +138,7 @@ std::vector<std::string> split(const std::string& text, const std::string& mark)
 // Compares a file with its line; the number of scans.
 int compare(const std::string& line, const std::string& path) {
     LEV2_info info;
-    const Scans scans = read_scans(data_dir + path, info);
+    const Scans scans = read_scans(real_data + path, info);
     const std::size_t list = line.find("\"radials_per_sweep\": [") + 22;
     const auto radials = split(line.substr(list, line.find(']', list) - list), ",");
     const auto told = split(line, "{\"first_azimuth\"");
@@ -159,8 +152,8 @@ int compare(const std::string& line, const std::string& path) {
         i++;
     }
     if (line.find("\"lat\": null") == std::string::npos && !scans.empty()) {
-        EXPECT_NEAR(scans.begin()->second.first.lat, number(line, "lat"), 1e-3);
-        EXPECT_EQ(scans.begin()->second.first.cov_patt, static_cast<int>(number(line, "vcp")));
+        EXPECT_NEAR(scans.begin()->second.first.lat, json_number(line, "lat"), 1e-3);
+        EXPECT_EQ(scans.begin()->second.first.cov_patt, static_cast<int>(json_number(line, "vcp")));
     }
     return static_cast<int>(scans.size());
 }
@@ -168,20 +161,15 @@ int compare(const std::string& line, const std::string& path) {
 } // namespace
 
 TEST(Lev2Real, ScansOfTheReference) {
-    std::ifstream reference(data_dir + std::string("reference.jsonl"));
-    if (!reference) {
-        GTEST_SKIP() << "no real files here";
-    }
     int files = 0;
     int scans = 0;
-    for (std::string line; std::getline(reference, line);) {
-        if (line.find("\"path\": \"level2/") != std::string::npos) {
-            const std::size_t at = line.find("level2/");
-            const std::string path = line.substr(at, line.find('"', at) - at);
-            SCOPED_TRACE(path);
-            scans += compare(line, path);
-            files++;
-        }
+    const auto check = [&](const std::string& path, const std::string& line) {
+        SCOPED_TRACE(path);
+        scans += compare(line, path);
+        files++;
+    };
+    if (!each_reference("level2/", check)) {
+        GTEST_SKIP() << "no real files here";
     }
     EXPECT_EQ(files, 14);
     EXPECT_EQ(scans, 98);
@@ -191,7 +179,7 @@ TEST(Lev2Real, ScansOfTheReference) {
 TEST(Lev2Real, PiecesTogether) {
     std::vector<std::uint8_t> bytes;
     for (const char* name : {"level2/20210729-123848-001-S", "level2/20210729-123848-002-I"}) {
-        std::ifstream in(data_dir + std::string(name), std::ios::binary);
+        std::ifstream in(real_data + std::string(name), std::ios::binary);
         if (!in) {
             GTEST_SKIP() << "no real files here";
         }

@@ -1,5 +1,5 @@
 // The NIDS plotter on small made products: whole pages against golden files,
-// figure counts, the text grid file, location readout, and damaged products.
+// figure counts, the text grid file, redraws, colours and the location readout.
 //
 // `cmake --build --preset release --target update-golden` writes the golden
 // files anew (tests/data/golden); look at the rendered pages before committing.
@@ -8,52 +8,27 @@
 #include "nids.h"
 #include "nids_draw.h"
 #include "nids_page.h"
-#include "nids_writer.h"
+#include "plot_session.h"
 
 #include "cont.h"
 #include "files.h"
-#include "map.h"
 #include "maptran.h"
-#include "plt_tool.h"
 #include "rad_fill.h"
-#include "region.h"
 #include "zyrgks.h"
-#include "zyrresrc.h"
-
-#include <gtest/gtest.h>
 
 #include <array>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <random>
 #include <sstream>
 
 namespace {
 
-std::string sample_text(const std::string& name) {
-    for (const auto& [sample, bytes] : nids_samples()) {
-        if (sample == name) {
-            return {bytes.begin(), bytes.end()};
-        }
-    }
-    ADD_FAILURE() << "no sample " << name;
-    return "";
-}
-
-class Program : public testing::Test {
+class NidsPlot : public RadarPlot {
 protected:
-    void SetUp() override {
-        if (!std::filesystem::exists(ZYR_PROGRAM)) {
-            GTEST_SKIP() << "no program was built";
-        }
-    }
+    NidsPlot() : RadarPlot(nids_samples()) {}
 };
 
 } // namespace
 
-TEST_F(Program, GoldenPages) {
-    const TempDir dir;
+TEST_F(NidsPlot, GoldenPages) {
     const std::vector<std::array<const char*, 3>> rows = {
   // golden file, sample, options
         {"nids_radial",   "radial",  "-dr data,sum,bord -pp site,dist=50:100"           },
@@ -64,30 +39,18 @@ TEST_F(Program, GoldenPages) {
         {"nids_symbols",  "symbols", "-dr sum -pp nobar"                                },
         {"nids_mercator", "radial",  "-dr sum -pp nobar -pd merc,35.3,-97.3,41,31,.1,.1"},
     };
-    for (const auto& [name, sample, options] : rows) {
-        dir.write("product", sample_text(sample));
-        const NidsPage page = nids_page(dir, std::string("./product ") + options);
-        EXPECT_EQ(page.run.code, 0) << name << "\n" << page.run.err;
-        const std::string golden = std::string(ZYR_SOURCE_DIR "/tests/data/golden/") + name + ".ps";
-        const std::string text = golden_text(page.text);
-        if (std::getenv("ZYR_UPDATE_GOLDEN") != nullptr) {
-            std::ofstream(golden) << text;
-        }
-        EXPECT_EQ(text, read_text(golden)) << name;
+    for (const auto& [golden, sample, options] : rows) {
+        expect_golden(nids_page(dir, std::string("./") + sample + " " + options), golden);
     }
 }
 
 // The radial sample: 15 bins off and 9 at 20 dBZ; 15 and 9; none; 8 and 15. The
 // rows of the raster sample: 15 and 5 cells; 3; none; 9; 4.
-TEST_F(Program, FiguresFollowTheOptions) {
+TEST_F(NidsPlot, FiguresFollowTheOptions) {
     struct Row {
         int figures;
         const char* args;
     };
-    const TempDir dir;
-    for (const char* sample : {"radial", "digital", "raster"}) {
-        dir.write(sample, sample_text(sample));
-    }
     const std::vector<Row> rows = {
         {56,        " ./radial"                                },
         {0,         ",clutter ./radial"                        }, // 24 bins lie within the default 25
@@ -109,37 +72,27 @@ TEST_F(Program, FiguresFollowTheOptions) {
     }
 }
 
-TEST_F(Program, SingleFilesThatDoNotOpenEndTheRun) {
-    const TempDir dir;
-    dir.write("refused", "R3");
-    const NidsPage none = nids_page(dir, "./none");
-    EXPECT_EQ(none.run.code, 10);
-    EXPECT_EQ(count_text(none.run.err, "NIDS_open_file: Unable to open file:./none\n"), 2);
-    const NidsPage refused = nids_page(dir, "./refused");
-    EXPECT_EQ(refused.run.code, 10);
-    EXPECT_EQ(count_text(refused.run.err, "NIDS_open_file: Unable to read file:./refused\n"), 2);
+TEST_F(NidsPlot, SingleFilesThatDoNotOpenEndTheRun) {
+    write("refused", {'R', '3'});
+    for (const auto& [name, failure] : {
+             std::pair("./none", "open file:./none\n"), {"./refused", "read file:./refused\n"}
+    }) {
+        const NidsPage page = nids_page(dir, name);
+        EXPECT_EQ(page.run.code, 10) << name;
+        EXPECT_EQ(count_text(page.run.err, std::string("NIDS_open_file: Unable to ") + failure), 2);
+    }
 }
 
 // The first product is opened before the session is and drawn in it.
-TEST_F(Program, FirstProductObeysTheSessionAndMayComeOnce) {
-    const TempDir dir;
-    dir.write("product", sample_text("radial"));
-    const NidsPage zone = nids_page(dir, "-pp tz=-CST:-6,nobar ./product");
-    EXPECT_EQ(count_text(zone.text, "4:31 PM CST [2231Z] 20 MAY 19\n"), 1);
-    const std::string page = golden_text(nids_page(dir, "./product").text);
-    ProgramCall piped;
-    piped.args = {"-inp", "nids", "-de", "p,piped.ps", "-fp", ZYR_SOURCE_DIR "/etc", "-"};
-    piped.directory = dir.path();
-    piped.input = sample_text("radial");
-    EXPECT_EQ(run_program(ZYR_PROGRAM, piped).code, 0);
-    EXPECT_EQ(golden_text(read_text(dir.path() + "/piped.ps")), page);
+TEST_F(NidsPlot, FirstProductObeysTheSessionAndMayComeOnce) {
+    const NidsPage page = nids_page(dir, "-pp tz=-CST:-6,nobar ./radial");
+    EXPECT_EQ(count_text(page.text, "4:31 PM CST [2231Z] 20 MAY 19\n"), 1);
+    expect_piped(page, "radial", "-pp tz=-CST:-6,nobar", "nids");
 }
 
-TEST_F(Program, WritesTheTextGridFile) {
-    const TempDir dir;
-    dir.write("product", sample_text("precip"));
-    EXPECT_EQ(nids_page(dir, "./product -of zyr:@./grid.txt -dr sum").run.code, 0);
-    const std::string grid = read_text(dir.path() + "/grid.txt");
+TEST_F(NidsPlot, WritesTheTextGridFile) {
+    EXPECT_EQ(nids_page(dir, "./precip -of zyr:@./grid.txt -dr sum").run.code, 0);
+    const std::string grid = read("grid.txt");
     EXPECT_TRUE(grid.starts_with("ZYRGRID\n2231Z 20 MAY 19\nDigital precip array (in)\n"
                                  "PS:-105.000000 35.333000 -97.278000 0.047596 0.047596 2 2\n"))
         << grid.substr(0, 200);
@@ -149,79 +102,27 @@ TEST_F(Program, WritesTheTextGridFile) {
     EXPECT_EQ(count_text(grid, "\n"), 4 + 2 * 131);
 }
 
-// --- In one process -------------------------------------------------------------
-
-namespace {
-
-void open_session(const std::string& device) {
-    RES_put("file_path", ZYR_SOURCE_DIR "/etc");
-    RES_put("device", device.c_str());
-    RES_conv_data("none", nullptr, CV_mess);
-    FLAG_resetplot(1);
-    FLAG_setplot(0, 0); // no texts
-    FLAG_setplot(8, 0); // and no map
-    ASSERT_EQ(PLT_open(1.5F), 0);
-}
-
-// Draws a product as the plotter does, whatever its bytes.
-int draw_bytes(const Bytes& bytes, const TempDir& dir) {
-    const std::string file = dir.write("product", {bytes.begin(), bytes.end()});
-    if (NIDS_open_file(file.c_str()) == 0) {
-        NIDS_close_file();
-        return 0;
-    }
-    Domain domain;
-    DOM_decode("merc,35.3,-97.3,41,31,.1,.1", &domain);
-    MAP_setup(&domain);
-    NIDS_plot_frame();
-    NIDS_close_file();
-    return 1;
-}
-
-} // namespace
-
-TEST(NidsDamaged, CutAndChangedAtEveryByte) {
-    open_session("p,/dev/null");
-    const TempDir dir;
-    std::mt19937 random(20190520);
-    int opened = 0;
-    for (const auto& [name, bytes] : nids_samples()) {
-        for (std::size_t cut = 0; cut < bytes.size(); cut++) {
-            opened += draw_bytes({bytes.begin(), bytes.begin() + static_cast<long>(cut)}, dir);
-            Bytes changed = bytes;
-            changed[cut] = static_cast<std::uint8_t>(random());
-            opened += draw_bytes(changed, dir);
-        }
-    }
-    EXPECT_GT(opened, 1000);
-    PLT_close();
-}
-
-TEST(NidsRedraw, ZoomAndRefreshDrawAgain) {
-    const TempDir dir;
-    const std::string page = dir.path() + "/page.ps";
-    const std::string radial = sample_text("radial");
-    open_session("p," + page);
+TEST_F(NidsPlot, ZoomAndRefreshDrawAgain) {
+    ASSERT_TRUE(open_plot_session("p," + dir.path() + "/page.ps"));
     setenv("zyrcurtime", "201905202230", 1);
     RES_put("data_path", dir.path().c_str());
     FILE_set_name("@%D/%Y%m%d%h%10n");
-    RES_put("filename", dir.write("201905202220", radial).c_str());
+    RES_put("filename", dir.write("201905202220", read("radial")).c_str());
     char name[file_name_size];
     FILE_get_file("", name);
     NIDS_set_date(nullptr);
-    Domain domain;
-    ASSERT_EQ(DOM_decode("merc,35.3,-97.3,41,31,.1,.1", &domain), 1);
+    Domain domain = mercator_domain();
 
     PLT_set_zoom_func(NIDS_plot); // as the first plot does
     EXPECT_EQ(NIDS_plot(&domain), 0);
     EXPECT_EQ(gchk_graphics(), 1) << "a redraw leaves the session open";
     EXPECT_EQ(PLT_plot_zoom("r-Alt", 0, 0), 0);
     EXPECT_EQ(NIDS_plot_nextfile(), 0) << "the file on show is the newest";
-    dir.write("201905202230", radial);
+    dir.write("201905202230", read("radial"));
     NIDS_plot_nextfile();
     NIDS_plot_nextfile();
     PLT_close();
-    EXPECT_EQ(count_text(read_text(page), "NIDS Sum"), 3) << "two plots and one newer file";
+    EXPECT_EQ(count_text(read("page.ps"), "NIDS Sum"), 3) << "two plots and one newer file";
 }
 
 TEST(NidsColors, FollowTheCodeAndForgetTheFrameBefore) {

@@ -3,10 +3,10 @@
 // packets and pages that the walk must meet (MANIFEST.tsv).
 #include "nids_impl.h"
 #include "nids_walk.h"
+#include "reference.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -16,8 +16,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-constexpr char data_dir[] = ZYR_REAL_DATA "/";
 
 using Counts = std::map<float, long>; // cells of each value
 
@@ -62,17 +60,6 @@ std::string packet_text(const std::vector<int>& codes) {
     return codes.empty() ? "-" : out;
 }
 
-// The number, or the text, behind a key of a JSON line, searched from `from` on.
-double number(const std::string& line, const std::string& key, std::size_t from = 0) {
-    const std::size_t at = line.find("\"" + key + "\": ", from);
-    return at == std::string::npos ? missing
-                                   : std::strtod(line.c_str() + at + key.size() + 4, nullptr);
-}
-std::string word(const std::string& line, const std::string& key) {
-    const std::size_t at = line.find("\"" + key + "\": \"") + key.size() + 5;
-    return line.substr(at, line.find('"', at) - at);
-}
-
 // Cells of each value, from the cells of each raw level.
 Counts reference_counts(const std::string& line, std::size_t from, int type) {
     Counts counts;
@@ -100,11 +87,11 @@ std::string shape(double code, double src, double lat, double lon, double feet, 
 // Compares a file with its line of the reference, whose first layer holds a
 // grid at `at`.
 void compare(const std::string& line, const std::string& path, std::size_t at) {
-    const Seen seen = read_product(data_dir + path);
+    const Seen seen = read_product(real_data + path);
     const NIDS_info& info = seen.info;
     const bool radial = line.compare(at + 21, 8, "\"radial\"") == 0;
-    const double lines = number(line, radial ? "radials" : "rows", at);
-    double cells = number(line, radial ? "gates_min" : "columns_min", at);
+    const double lines = json_number(line, radial ? "radials" : "rows", at);
+    double cells = json_number(line, radial ? "gates_min" : "columns_min", at);
     Counts counts = reference_counts(line, at, info.type);
     const auto [least, most] = std::minmax_element(seen.cells.begin(), seen.cells.end());
     ASSERT_TRUE(least != seen.cells.end() && *least == *most);
@@ -114,25 +101,24 @@ void compare(const std::string& line, const std::string& path, std::size_t at) {
     }
     EXPECT_EQ(shape(info.code, info.src, info.domain.clat, info.domain.clon, info.alt / 0.3048,
                     static_cast<double>(seen.cells.size()), *least),
-              shape(number(line, "message"), number(line, "source"), number(line, "lat"),
-                    number(line, "lon"), number(line, "height_ft"), lines, cells));
+              shape(json_number(line, "message"), json_number(line, "source"),
+                    json_number(line, "lat"), json_number(line, "lon"),
+                    json_number(line, "height_ft"), lines, cells));
     EXPECT_EQ(seen.counts, counts);
 }
 
 TEST(NidsReal, CountsOfTheReference) {
-    std::ifstream reference(data_dir + std::string("reference.jsonl"));
-    if (!reference) {
-        GTEST_SKIP() << "no real files here";
-    }
     int files = 0;
-    for (std::string line; std::getline(reference, line);) {
-        const std::string path = word(line, "path");
+    const auto check = [&files](const std::string& path, const std::string& line) {
         const std::size_t at = line.find("\"layers\": [[{\"kind\": \"ra"); // radial, raster
-        if (path.rfind("nids/", 0) == 0 && at != std::string::npos) {
+        if (at != std::string::npos) {
             SCOPED_TRACE(path);
             compare(line, path, at);
             files++;
         }
+    };
+    if (!each_reference("nids/", check)) {
+        GTEST_SKIP() << "no real files here";
     }
     EXPECT_EQ(files, 171);
 }
@@ -166,7 +152,7 @@ std::string told(const std::vector<std::string>& column) {
 }
 
 TEST(NidsReal, PacketsAndPagesOfTheManifest) {
-    std::ifstream manifest(data_dir + std::string("MANIFEST.tsv"));
+    std::ifstream manifest(real_data + std::string("MANIFEST.tsv"));
     if (!manifest) {
         GTEST_SKIP() << "no real files here";
     }
@@ -181,7 +167,7 @@ TEST(NidsReal, PacketsAndPagesOfTheManifest) {
             continue;
         }
         files++;
-        const Seen seen = read_product(data_dir + column[0]);
+        const Seen seen = read_product(real_data + column[0]);
         const Date& d = seen.info.date;
         std::array<char, 60> date{};
         std::snprintf(date.data(), date.size(), "%04d-%02d-%02dT%02d:%02d:%02dZ", d.year, d.month,

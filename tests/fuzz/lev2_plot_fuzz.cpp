@@ -1,26 +1,17 @@
-// Fuzz target: a Level II volume from its header to the page, each moment, on a
-// domain of another projection, so that every corner goes through both
-// transformations.
+// Fuzz target: a Level II volume from its header to the page, each moment.
 #include "lev2_plt.h"
 
 #include "files.h"
-#include "lev2_walk.h"
-#include "plt_tool.h"
-#include "region.h"
-#include "zyrresrc.h"
+#include "memory_file.h"
+#include "plot_session.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace {
 
 bool open_session() {
-    RES_put("file_path", ZYR_SOURCE_DIR "/etc");
-    RES_put("device", "p,/dev/null");
     RES_put("plot_param", "site,dist");
-    MESS_set(0, 0);
-    FLAG_resetplot(1);
-    FLAG_setplot(8, 0);
-    return PLT_open(1.5F) == 0;
+    return open_plot_session("p,/dev/null") && LEV2_plot_param() == 0;
 }
 
 } // namespace
@@ -32,8 +23,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         RES_put("variable", variable);
         FILE_set_filename(file.name());
         LEV2_set_date(nullptr);
-        Domain domain;
-        DOM_decode("merc,35.3,-97.3,41,31,.1,.1", &domain);
+        Domain domain = mercator_domain();
         LEV2_plot(&domain); // with the session open: a redraw
     }
     return 0;

@@ -1,9 +1,15 @@
 // nids_page.h: a page of a radar file, drawn by the program itself with the data
-// files of the source tree.
+// files of the source tree, and the golden file of a page.
 #pragma once
 
+#include "nids_writer.h"
 #include "run_program.h"
 
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <string>
 
@@ -12,6 +18,22 @@ struct NidsPage {
     std::string text; // the PostScript file
     [[nodiscard]] int figures() const { return count_text(text, "\n%%FA:"); }
 };
+
+// `args`: files and options, split at blanks. `input`: the kind of file. `bytes`:
+// what comes through standard input.
+inline NidsPage nids_page(const TempDir& dir, const std::string& args,
+                          const std::string& input = "nids", const std::string& bytes = "") {
+    ProgramCall call;
+    std::istringstream words("-inp " + input + " -de p,page.ps -fp " ZYR_SOURCE_DIR "/etc " + args);
+    for (std::string word; words >> word;) {
+        call.args.push_back(word);
+    }
+    call.directory = dir.path();
+    call.input = bytes;
+    NidsPage page{run_program(ZYR_PROGRAM, call), ""};
+    page.text = read_text(dir.path() + "/page.ps");
+    return page;
+}
 
 // What a golden file keeps of a page: all but the line that changes from run to
 // run and the strokes of texts, which are the font's.
@@ -28,16 +50,43 @@ inline std::string golden_text(const std::string& page) {
     return text;
 }
 
-// `args`: files and options, split at blanks. `input`: the kind of file.
-inline NidsPage nids_page(const TempDir& dir, const std::string& args,
-                          const std::string& input = "nids") {
-    ProgramCall call;
-    std::istringstream words("-inp " + input + " -de p,page.ps -fp " ZYR_SOURCE_DIR "/etc " + args);
-    for (std::string word; words >> word;) {
-        call.args.push_back(word);
+// Compares a page with its golden file, or writes that anew when the environment
+// says so.
+inline void expect_golden(const NidsPage& page, const std::string& name) {
+    const std::string golden = ZYR_SOURCE_DIR "/tests/data/golden/" + name + ".ps";
+    EXPECT_EQ(page.run.code, 0) << name << "\n" << page.run.err;
+    if (std::getenv("ZYR_UPDATE_GOLDEN") != nullptr) {
+        std::ofstream(golden) << golden_text(page.text);
     }
-    call.directory = dir.path();
-    NidsPage page{run_program(ZYR_PROGRAM, call), ""};
-    page.text = read_text(dir.path() + "/page.ps");
-    return page;
+    EXPECT_EQ(golden_text(page.text), read_text(golden)) << name;
 }
+
+// Tests of the program in a directory that holds written samples by their names.
+class RadarPlot : public testing::Test {
+protected:
+    explicit RadarPlot(const std::vector<std::pair<std::string, Bytes>>& samples) {
+        for (const auto& [name, bytes] : samples) {
+            write(name, bytes);
+        }
+    }
+    void SetUp() override {
+        if (!std::filesystem::exists(ZYR_PROGRAM)) {
+            GTEST_SKIP() << "no program was built";
+        }
+    }
+    void write(const std::string& name, const Bytes& bytes) const {
+        dir.write(name, {bytes.begin(), bytes.end()});
+    }
+    [[nodiscard]] std::string read(const std::string& name) const {
+        return read_text(dir.path() + "/" + name);
+    }
+    // A page of a file that comes through standard input equals this one.
+    void expect_piped(const NidsPage& page, const std::string& name, const std::string& args,
+                      const std::string& input) const {
+        const NidsPage piped = nids_page(dir, args + " -", input, read(name));
+        EXPECT_EQ(piped.run.code, 0) << piped.run.err;
+        EXPECT_EQ(golden_text(piped.text), golden_text(page.text));
+    }
+
+    TempDir dir;
+};
