@@ -35,6 +35,7 @@ struct State {
     Domain domain;                    // its own
     int scan_num = 1;                 // elevation number drawn
     int scan_type = lev2_refl;        // moment drawn
+    bool told_variable = false;       // that `variable` names no moment
     int range = default_range;        // size of the own domain
     RadWords words;
     RadRun run;
@@ -70,7 +71,10 @@ const Moment& moment() {
 
 void decode_variable() {
     const char* variable = RES_get("variable");
-    for (std::size_t i = 0; variable != nullptr && i < moments.size(); i++) {
+    if (variable == nullptr || *variable == '\0') {
+        return;
+    }
+    for (std::size_t i = 0; i < moments.size(); i++) {
         const int length = static_cast<int>(std::strlen(moments[i].word));
         if (strnicmp(variable, moments[i].word, length) == 0) {
             lev2.scan_type = static_cast<int>(i);
@@ -78,6 +82,11 @@ void decode_variable() {
                 std::clamp(std::strtol(variable + length, nullptr, 10), -1000000L, 1000000L));
             return;
         }
+    }
+    if (!lev2.told_variable) {
+        lev2.told_variable = true;
+        MESS_print(mess_warn, "LEV2_plot: Unknown variable:%s, drawn is \"%s%d\"\n", variable,
+                   moment().word, lev2.scan_num);
     }
 }
 

@@ -119,21 +119,22 @@ TEST_F(Lev2Plot, FiguresLabelsAndWarnings) {
         const char* warning; // the only one
     };
     const std::vector<Row> rows = {
-        {"",                            8,  "Md=cl Sc=1 El=0.5 Mx=94",      ""                                      },
+        {"",                            8,  "Md=cl Sc=1 El=0.5 Mx=94",      ""                                        },
         {"-va REF2",                    0,  "Md=pr Sc=2 El=0.0 Mx=-100",
-         "Scan 2 (El=1.5) has no reflectivity, scans that have it: 1"                                               },
-        {"-va vel2",                    4,  "Md=pr Sc=2 El=1.5 Rng=-64,63", ""                                      },
-        {"-va spect2",                  4,  "Md=pr Sc=2 El=1.5 Rng=-64,63", ""                                      },
-        {"-va ref",                     0,  "Md=pr Sc=0 El=0.0 Mx=-100",    "There is no scan 0, the volume has 1-2"},
-        {"-pp nobar,range=9,clutter=5", 6,  "Md=cl Sc=1 El=0.5 Mx=94",      ""                                      },
+         "Scan 2 (El=1.5) has no reflectivity, scans that have it: 1"                                                 },
+        {"-va vel2",                    4,  "Md=pr Sc=2 El=1.5 Rng=-64,63", ""                                        },
+        {"-va spect2",                  4,  "Md=pr Sc=2 El=1.5 Rng=-64,63", ""                                        },
+        {"-va zdr1",                    8,  "Md=cl Sc=1 El=0.5 Mx=94",      "Unknown variable:zdr1, drawn is \"ref1\""},
+        {"-va ref",                     0,  "Md=pr Sc=0 El=0.0 Mx=-100",    "There is no scan 0, the volume has 1-2"  },
+        {"-pp nobar,range=9,clutter=5", 6,  "Md=cl Sc=1 El=0.5 Mx=94",      ""                                        },
         {"-pp nobar,range=9,clutter",   0,  "Md=cl Sc=1 El=0.5 Mx=94",
-         "Scan 1 has no echo beyond the 25 gates of \"clutter\""                                                    },
+         "Scan 1 has no echo beyond the 25 gates of \"clutter\""                                                      },
         {"-cof 100:red,110:blue",       0,  "Md=cl Sc=1 El=0.5 Mx=94",
-         "Scan 1 has no value that is drawn, the largest is 94.5"                                                   },
+         "Scan 1 has no value that is drawn, the largest is 94.5"                                                     },
         {"-pd ps,-35,80,41,31,.1,.1",   0,  "Md=cl Sc=1 El=0.5 Mx=94",
-         "Scan 1 lies outside the plot domain"                                                                      },
-        {"-dr bord",                    0,  "",                             ""                                      },
-        {"./volume",                    16, "Md=cl Sc=1 El=0.5 Mx=94",      ""                                      },
+         "Scan 1 lies outside the plot domain"                                                                        },
+        {"-dr bord",                    0,  "",                             ""                                        },
+        {"./volume",                    16, "Md=cl Sc=1 El=0.5 Mx=94",      ""                                        },
     };
     for (const Row& row : rows) {
         const NidsPage page = nids_page(
