@@ -1,14 +1,19 @@
 // What plotting the first reflectivity scan of a Level II volume costs against
 // the least that its work can cost: bzip2's own decompression of all units,
-// which the walk goes through, plus a loop that writes the same polygons. Also
-// the peak memory.
+// which the walk goes through, plus a loop that writes the same polygons, or,
+// for an image of the window, plus a bare client that sends them and libpng
+// writing the same picture. Also the peak memory. Starts an X server of its own.
 //   lev2_plot_bench [FILE...]     by default a written storm and real volumes
+#include "bare_client.h"
 #include "lev2_storm.h"
 #include "page_floor.h"
+#include "png_floor.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -43,9 +48,67 @@ std::size_t decompress(std::string& volume, std::vector<char>& out) {
     return bytes;
 }
 
+// The areas of a page as a window of the bench shows them.
+Polygons window_polygons(const Page& page) {
+    constexpr float page_width = 755; // points, between the margins of a sheet on its side
+    constexpr float scale = bench_width / page_width;
+    Polygons all;
+    const float* xy = page.xy.data();
+    for (std::size_t i = 0; i < page.points.size(); xy += 2 * page.points[i], i++) {
+        if (page.shades[i] < 0) {
+            continue;
+        }
+        for (int k = 0; k < 2 * page.points[i]; k += 2) {
+            all.points.push_back(
+                {static_cast<short>(std::lround(xy[k] * scale)),
+                 static_cast<short>(bench_height - std::lround(xy[k + 1] * scale))});
+        }
+        all.counts.push_back(page.points[i]);
+        all.pixels.push_back(static_cast<unsigned long>(page.shades[i]));
+    }
+    return all;
+}
+
+// A volume that is not packed has no floor to speak of.
+void say(const char* output, double program, double floor, bool packed) {
+    std::printf("  to %-14s %.4f s against %.4f s; ratio %.2f%s\n", output, program, floor,
+                program / floor, packed ? " (at most 1.3)" : "");
+}
+
+// The program draws into a window, writes its image and ends.
+void measure_window(const XServer& server, const std::string& file, const Page& page, double unzip,
+                    int rounds) {
+    const std::string png = std::filesystem::temp_directory_path() / "zyr_lev2_bench.png";
+    const BareClient bare(server);
+    Polygons all = window_polygons(page);
+    double program = 1e9;
+    double send = 1e9;
+    double write = 1e9;
+    for (int i = 0; i < rounds; i++) {
+        double run = 0;
+        const double served = cost_ms(server, [&] {
+            run = run_program(
+                      {"-inp", "lev2z", "-de", "d", "-ge", "1280x1024", "-pp", "png=" + png, file})
+                      .seconds;
+            bare.sync();
+        });
+        program = std::min(program, run + served / 1e3);
+        const Indexed picture = read_indexed(png);
+        send = std::min(send, cost_ms(server, [&] { bare.draw(all); }) / 1e3);
+        write = std::min(write, cost_ms(server, [&] {
+                                    bare.fetch_image();
+                                    write_indexed(picture, png);
+                                }) / 1e3);
+    }
+    std::printf("  bzip2 %.4f s, bare client %.4f s, image and libpng %.4f s\n", unzip, send,
+                write);
+    say("window and PNG", program, unzip + send + write, unzip > 0);
+    std::filesystem::remove(png);
+}
+
 // `peak_kb` was measured while this process was small: a child's figure begins
 // with its parent's size.
-void measure(const std::string& file, long peak_kb, int rounds) {
+void measure(const XServer& server, const std::string& file, long peak_kb, int rounds) {
     const std::string ps = std::filesystem::temp_directory_path() / "zyr_lev2_bench.ps";
     Run run;
     double program = 1e9;
@@ -57,15 +120,17 @@ void measure(const std::string& file, long peak_kb, int rounds) {
     std::string volume = read_file(file);
     std::vector<char> out(64 << 20);
     std::size_t bytes = 0;
-    const double unzip = least_time(rounds, [&] { bytes = decompress(volume, out); });
-    const double floor = least_time(rounds, [&] { write_page(page, ps); });
-    std::printf("%s: exit %d, %zu figures, %zu bytes unpacked\n", file.c_str(), run.code,
-                page.points.size(), bytes);
-    std::printf("  bzip2 %.4f s + write %.4f s = floor %.4f s; program %.4f s; ratio %.2f; "
-                "peak %.1f MB\n",
-                unzip, floor, unzip + floor, program, program / (unzip + floor),
-                static_cast<double>(peak_kb) / 1024.0);
+    const double spent = least_time(rounds, [&] { bytes = decompress(volume, out); });
+    const double unzip = bytes > 0 ? spent : 0;
+    const double write = least_time(rounds, [&] { write_page(page, ps); });
+    std::printf("%s: exit %d, %zu figures, %zu bytes unpacked, peak %.1f MB\n", file.c_str(),
+                run.code, page.points.size(), bytes, static_cast<double>(peak_kb) / 1024.0);
+    std::printf("  bzip2 %.4f s, polygons written %.4f s\n", unzip, write);
+    say("PostScript", program, unzip + write, unzip > 0);
     std::filesystem::remove(ps);
+    if (server.works()) {
+        measure_window(server, file, page, unzip, rounds);
+    }
 }
 
 // The written storm as a file.
@@ -97,8 +162,14 @@ int main(int argc, char** argv) {
     for (const auto& file : files) {
         peaks.push_back(run_program({"-inp", "lev2z", "-de", "p,/dev/null", file}).peak_kb);
     }
+    const XServer server(24, bench_width, bench_height);
+    if (server.works()) {
+        setenv("DISPLAY", server.name().c_str(), 1);
+    } else {
+        std::puts("no Xvfb: no window is measured");
+    }
     for (std::size_t i = 0; i < files.size(); i++) {
-        measure(files[i], peaks[i], 7);
+        measure(server, files[i], peaks[i], 7);
     }
     std::filesystem::remove(storm);
     return 0;

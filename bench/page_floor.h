@@ -50,8 +50,9 @@ inline Run run_program(const std::vector<std::string>& args) {
         setenv("zyrdefault", ZYR_SOURCE_DIR "/etc", 1);
         setenv("zyrfile", ZYR_SOURCE_DIR "/etc", 1);
         const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
-        dup2(null, 1);
-        dup2(null, 2);
+        for (const int stream : {0, 1, 2}) {
+            dup2(null, stream);
+        }
         execv(ZYR_PROGRAM, argv.data());
         _exit(127);
     }
@@ -81,10 +82,12 @@ inline std::string read_file(const std::string& name) {
 struct Page {
     std::vector<float> xy;
     std::vector<int> points; // of each figure
+    std::vector<int> shades; // of each figure, grey in thousandths; -1: a line
 };
 
 inline Page read_page(const std::string& text) {
     Page page;
+    int shade = 0;
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t end = std::min(text.find('\n', at), text.size());
         const std::string line = text.substr(at, end - at);
@@ -94,9 +97,15 @@ inline Page read_page(const std::string& text) {
         const float y = std::strtof(rest, &rest);
         if (std::strcmp(rest, " mv") == 0) {
             page.points.push_back(1);
+            page.shades.push_back(-1);
         } else if (std::strcmp(rest, " ln") == 0 && !page.points.empty()) {
             page.points.back()++;
         } else {
+            if (std::strcmp(rest, " setgray") == 0) {
+                shade = static_cast<int>(std::lround(x * 1000));
+            } else if (line == "fill" && !page.shades.empty()) {
+                page.shades.back() = shade;
+            }
             continue;
         }
         page.xy.push_back(x);

@@ -5,6 +5,7 @@
 // fails above those allowed.
 #include "plt_tool.h"
 
+#include "bare_client.h"
 #include "cont.h"
 #include "files.h"
 #include "map.h"
@@ -19,7 +20,6 @@
 
 #include "gks_pix.h"
 #include "gks_x11.h"
-#include "x_server.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -32,8 +32,6 @@
 
 namespace {
 
-constexpr int width = 1280;
-constexpr int height = 1024;
 int failures = 0;
 
 void say_ratio(const char* what, double ours, double floor, double allowed, const char* unit) {
@@ -41,35 +39,6 @@ void say_ratio(const char* what, double ours, double floor, double allowed, cons
     std::printf("  %-24s %10.3f %s against %10.3f; ratio %.2f (at most %.1f)%s\n", what, ours, unit,
                 floor, ours / floor, allowed, good ? "" : "  TOO MUCH");
     failures += good ? 0 : 1;
-}
-
-// Processor time of a process, in milliseconds.
-double spent_ms(int pid) {
-    std::ifstream file("/proc/" + std::to_string(pid) + "/schedstat");
-    double nanoseconds = 0;
-    file >> nanoseconds;
-    return nanoseconds / 1e6;
-}
-
-// What a piece of work costs this process and the server together: the clock on
-// the wall would tell more about what else the machine does.
-template <typename Work> double cost_ms(const XServer& server, Work work) {
-    const auto spent = [&] { return spent_ms(getpid()) + spent_ms(server.pid()); };
-    const double before = spent();
-    work();
-    return spent() - before;
-}
-
-// The least costs of two pieces of work, taken in turn.
-template <typename A, typename B>
-std::pair<double, double> least_ms(const XServer& server, int rounds, A a, B b) {
-    double first = 1e9;
-    double second = 1e9;
-    for (int i = 0; i < rounds; i++) {
-        first = std::min(first, cost_ms(server, a));
-        second = std::min(second, cost_ms(server, b));
-    }
-    return {first, second};
 }
 
 // 360 radials of 460 bins, each bin of another level than its neighbours.
@@ -99,7 +68,7 @@ Domain open_window(const XServer& server, const std::string& product) {
     RES_put("file_path", ZYR_SOURCE_DIR "/etc");
     RES_put("device", "d");
     RES_put("plot_param", "nobar");
-    RES_put("geometry", (std::to_string(width) + "x" + std::to_string(height)).c_str());
+    RES_put("geometry", (std::to_string(bench_width) + "x" + std::to_string(bench_height)).c_str());
     RES_conv_data("none", nullptr, CV_mess);
     FLAG_resetplot(1);
     for (const int item : {0, 8}) {
@@ -122,13 +91,6 @@ void plot(const std::string& product, Domain domain) {
     NIDS_close_file();
     gsync();
 }
-
-struct Polygons {
-    std::vector<XPoint> points;
-    std::vector<int> counts;
-    std::vector<unsigned long> pixels; // of each polygon
-    int records = 0;
-};
 
 // The areas of the plot that the redraw list holds, in pixels.
 Polygons recorded() {
@@ -159,56 +121,6 @@ Polygons recorded() {
     }
     return all;
 }
-
-// --- The bare client ---------------------------------------------------------------
-
-class BareClient {
-public:
-    explicit BareClient(const XServer& server) : display(XOpenDisplay(server.name().c_str())) {
-        const int screen = DefaultScreen(display);
-        window =
-            XCreateSimpleWindow(display, RootWindow(display, screen), 0, 0, width, height, 0, 0, 0);
-        XMapWindow(display, window);
-        for (Pixmap& pixmap : pixmaps) {
-            pixmap = XCreatePixmap(display, window, width, height,
-                                   static_cast<unsigned>(DefaultDepth(display, screen)));
-        }
-        XGCValues values{};
-        values.graphics_exposures = False;
-        gc = XCreateGC(display, window, GCGraphicsExposures, &values);
-        XSync(display, False);
-    }
-    ~BareClient() { XCloseDisplay(display); }
-    BareClient(const BareClient&) = delete;
-    BareClient& operator=(const BareClient&) = delete;
-
-    void draw(Polygons& all) const {
-        XFillRectangle(display, pixmaps[0], gc, 0, 0, width, height);
-        XPoint* points = all.points.data();
-        unsigned long pixel = ~0UL;
-        for (std::size_t i = 0; i < all.counts.size(); points += all.counts[i], i++) {
-            if (all.pixels[i] != pixel) {
-                pixel = all.pixels[i];
-                XSetForeground(display, gc, pixel);
-            }
-            XFillPolygon(display, pixmaps[0], gc, points, all.counts[i], Nonconvex,
-                         CoordModeOrigin);
-            XDrawLines(display, pixmaps[0], gc, points, all.counts[i], CoordModeOrigin);
-        }
-        XSync(display, False);
-    }
-    void copy_twice() const {
-        XCopyArea(display, pixmaps[0], pixmaps[1], gc, 0, 0, width, height, 0, 0);
-        XCopyArea(display, pixmaps[1], window, gc, 0, 0, width, height, 0, 0);
-        XSync(display, False);
-    }
-
-private:
-    Display* display;
-    Window window = 0;
-    GC gc = nullptr;
-    std::array<Pixmap, 2> pixmaps{};
-};
 
 // --- Measures ---------------------------------------------------------------------
 
@@ -250,7 +162,8 @@ void measure_loop(const XServer& server) {
                 bare.copy_twice();
             }
         });
-    std::printf("a step of a loop of %d by %d: %lu requests\n", width, height, requests);
+    std::printf("a step of a loop of %d by %d: %lu requests\n", bench_width, bench_height,
+                requests);
     say_ratio("against two copies", ours / steps, floor / steps, 1.5, "ms");
     gdelete_all_frames();
 }
@@ -279,7 +192,7 @@ void measure_hold(const XServer& server, const std::string& product) {
 } // namespace
 
 int main() {
-    const XServer server(24, width, height);
+    const XServer server(24, bench_width, bench_height);
     if (!server.works()) {
         std::puts("Xvfb does not start");
         return 1;
