@@ -146,16 +146,17 @@ std::uint8_t IMG_coloring::component(std::uint32_t value, const Mask& mask) {
 }
 
 IMG_rgb IMG_coloring::operator()(std::uint32_t value) const {
-    if (image->colors != nullptr) {
-        if (value >= static_cast<std::uint32_t>(image->num_colors)) {
-            return {0, 0, 0};
-        }
-        // A hair more, so that whole values survive the float.
-        const auto scaled = [](float part) {
-            return static_cast<std::uint8_t>(std::clamp(part, 0.0F, 1.0F) * 255.0F + 0.001F);
+    if (image->color_type == 1 && image->colors != nullptr) {
+        // A deep pixel with masks has a place in the table for each component.
+        const bool direct = image->depth > 8 && red.mask != 0;
+        const auto part = [&](const Mask& mask, float IMG_color::*component) {
+            const std::uint32_t at = direct ? (value & mask.mask) >> mask.shift : value;
+            const bool held = at < static_cast<std::uint32_t>(image->num_colors);
+            const float level = held ? std::clamp(image->colors[at].*component, 0.0F, 1.0F) : 0.0F;
+            // A hair more, so that whole values survive the float.
+            return static_cast<std::uint8_t>(level * 255.0F + 0.001F);
         };
-        const IMG_color& c = image->colors[value];
-        return {scaled(c.red), scaled(c.grn), scaled(c.blu)};
+        return {part(red, &IMG_color::red), part(grn, &IMG_color::grn), part(blu, &IMG_color::blu)};
     }
     if (red.mask == 0 && grn.mask == 0 && blu.mask == 0) { // grey levels
         const std::uint32_t most = image->depth < 8 ? (1U << image->depth) - 1U : 255U;
