@@ -196,7 +196,7 @@ bool decode_size(const std::string& line, bool version4, IMG_report* image) {
         string_is_blank(at) != 0) {
         d.nx = image->width;
         d.ny = image->height;
-        return true;
+        return d.nx > 0 && d.ny > 0;
     }
     if (version4 ? !decode_domain(line, &d) : !decode_location(line, &d)) {
         return false;
