@@ -59,6 +59,14 @@ bool nothing_to_draw() {
     return FLAG_getplot(12) == 0 || FLAG_get(flag_plot_type) == type_none;
 }
 
+// A list of parts that names none leaves no picture, which only "none" asks for.
+void warn_of_parts() {
+    const char* parts = RES_get("draw");
+    if (FLAG_getplot(12) == 0 && parts != nullptr && stricmp(parts, "none") != 0) {
+        MESS_print(mess_warn, "PLT_open: Nothing to draw: %s\n", parts);
+    }
+}
+
 int write_image(const char* path) {
     switch (session.dump) {
     case 1:
@@ -111,6 +119,7 @@ int PLT_open(float aspect) {
     session.dis_view = session.view_off;
     session.aspect = aspect;
     if (nothing_to_draw()) {
+        warn_of_parts();
         return -1;
     }
     GPH_setup(&session.work_id, &session.wk_type, aspect, &session.dis_view);

@@ -139,25 +139,26 @@ TEST_F(ProgramTest, FaultsThatEndTheRun) {
         const char* err; // all of it
     };
     for (const Row& row : std::initializer_list<Row>{
-             {"gone -de p,page.ps",    "", 10,
+             {"gone -de p,page.ps",     "", 10,
               "NIDS_open_file: Unable to open file:./gone\n"
               "NIDS_open_file: Unable to open file:./gone\n"                                      },
-             {"-cu -1 -de p,page.ps",  "", 10, "File not found: ./201905202131.nids\n"            },
-             {"-ba",                   "", 10, "File not found: ./201905201412.nids\n"            }, // the 500 minutes before
-             {"radial -ba",            "", 4,  no_window                                          },
-             {"radial -de d",          "", 4,  no_window                                          },
-             {"radial -de m,radial/x", "", 4,
+             {"-cu -1 -de p,page.ps",   "", 10, "File not found: ./201905202131.nids\n"           },
+             {"-ba",                    "", 10, "File not found: ./201905201412.nids\n"           }, // the 500 minutes before
+             {"radial -ba",             "", 4,  no_window                                         },
+             {"radial -de d",           "", 4,  no_window                                         },
+             {"radial -de m,radial/x",  "", 4,
               "gopen_ws: unable to open metafile\n\nGPH_begin: Error opening workstation\n"       },
-             {"radial -de q,x",        "", 4,
+             {"radial -de q,x",         "", 4,
               "gopen_ws: unable to open HPGL file\n\nGPH_begin: Error opening workstation\n"      },
-             {"radial -de w",          "", 4,  no_window                                          },
-             {"radial -de p,radial/x", "", 4,
+             {"radial -de w",           "", 4,  no_window                                         },
+             {"radial -de p,radial/x",  "", 4,
               "gopen_ws: unable to open postscript file\n\nGPH_begin: Error opening workstation\n"},
-             {"radial -inp nowrad",    "", 10,
+             {"radial -inp nowrad",     "", 10,
               "zyrrad: This build plots no input of this type: nowrad\n"                          },
-             {"radial -inp=",          "", 10,
+             {"radial -inp=",           "", 10,
               "zyrrad: This build plots no input of this type: radar summary\n"                   },
-             {"-if rcmsite -inp what", "", 10,
+             {"radial -dr any -de p,x", "", 0,  "PLT_open: Nothing to draw: any\n"                },
+             {"-if rcmsite -inp what",  "", 10,
               "zyrrad: This build plots no input of this type: what\n"                            }
     }) {
         const ProgramRun result = run(row.args, row.input,
