@@ -15,6 +15,7 @@
 #include "files.h"
 #include "zyrresrc.h"
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <cmath>
@@ -629,7 +630,8 @@ int gget_font_index(const char* name) {
 }
 
 int gset_font_drop(int depth) {
-    font_state.drop_shadow = depth;
+    constexpr int most_pixels = 1000; // each is a copy of the text
+    font_state.drop_shadow = std::min(depth, most_pixels);
     return 0;
 }
 

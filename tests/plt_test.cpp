@@ -141,6 +141,8 @@ TEST(Parameters, WordsReachTheirModules) {
     EXPECT_EQ((Values{PLT_get_full_lab(), CONT_get_bar(), gget_font_drop(), kept.grid_factor,
                       kept.max_bad, gget_pix_mode(), kept.headers}),
               (Values{1, -2, 2, 3, 5, 9, 0}));
+    decode("shadow=999999");
+    EXPECT_EQ(gget_font_drop(), 1000) << "a window holds no more";
 }
 
 TEST(Parameters, PanelsAreCellsOrFractions) {
