@@ -3,9 +3,6 @@
 #include "maptran.h"
 #include "memory_file.h"
 
-#include "maptran.h"
-#include "memory_file.h"
-
 #include <cmath>
 #include <cstring>
 
