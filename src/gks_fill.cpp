@@ -84,7 +84,8 @@ void apply_style() {
         XSetFillStyle(gget_display(), context.gc, FillSolid);
     } else if (fill.fill_inter_style == GPAT) {
         XSetFillStyle(gget_display(), context.gc, FillStippled);
-        const Pixmap pattern = context.fill_pat[fill.fill_inter_index];
+        const int ind = fill.fill_inter_index; // unset while the state is put again
+        const Pixmap pattern = ind < 0 ? 0 : context.fill_pat[ind];
         if (pattern != 0)
             XSetStipple(gget_display(), context.gc, pattern);
     }

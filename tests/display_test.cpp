@@ -138,6 +138,7 @@ TEST_F(AtDisplay, AnAreaHeldBackComesInItsTurn) {
     EXPECT_EQ(at(0.2F, 0.2F), black);
     EXPECT_EQ(at(0.42F, 0.2F), green);
     EXPECT_EQ(at(0.48F, 0.2F), red);
+    EXPECT_EQ(gclear_ws(1, 1), 0) << "sets the style again before its pattern";
 }
 
 // --- Window -----------------------------------------------------------------------
