@@ -17,17 +17,34 @@
 
 namespace {
 
-struct MomentSeen {
-    int radials = 0;
-    LEV2_gates gates; // of the first radial that has most of them; no bytes
-    std::array<long, 256> words{};
+struct Moment {
+    double radials = 0;
+    double gates = 0, first_km = 0, size_km = 0; // of the first radial that has most of them
+    double least = 1e9, most = -1e9, valid = 0;  // of the gates that hold a value
 };
 struct Scan {
-    int radials = 0;
+    double num = 0, radials = 0, azimuth = 0, elevation = 0; // angles of the first radial
+    std::array<Moment, lev2_moments> moments;
     LEV2_data first;
-    std::array<MomentSeen, lev2_moments> moments;
 };
 using Scans = std::map<int, Scan>;
+
+void add_gates(const LEV2_gates& gates, Moment& seen) {
+    if (gates.count > seen.gates) {
+        seen.gates = gates.count;
+        seen.first_km = gates.first_km;
+        seen.size_km = gates.size_km;
+    }
+    for (int i = 0; i < gates.count; i++) {
+        const unsigned word = gates.word(i);
+        if (word > 1) {
+            const double value = gates.value(word);
+            seen.least = std::min(seen.least, value);
+            seen.most = std::max(seen.most, value);
+            seen.valid++;
+        }
+    }
+}
 
 Scans read_scans(const std::string& path, LEV2_info& info) {
     MESS_set(0, 0);
@@ -38,90 +55,58 @@ Scans read_scans(const std::string& path, LEV2_info& info) {
         }
         Scan& scan = scans[d.elev_num];
         if (scan.radials++ == 0) {
+            scan.num = d.elev_num;
+            scan.azimuth = d.rad_az;
+            scan.elevation = d.elev_ang;
             scan.first = d;
         }
         for (int type = 0; type < lev2_moments; type++) {
-            MomentSeen& seen = scan.moments[static_cast<std::size_t>(type)];
+            Moment& seen = scan.moments[static_cast<std::size_t>(type)];
             seen.radials += LEV2_set_data_type(type);
-            const LEV2_gates& gates = LEV2_get_gates();
-            if (gates.count > seen.gates.count) {
-                seen.gates = gates;
-                seen.gates.bytes = {};
-            }
-            for (const std::uint8_t byte : gates.bytes) {
-                seen.words[byte]++;
-            }
+            add_gates(LEV2_get_gates(), seen);
         }
     });
     return scans;
 }
 
-// --- Both as text -------------------------------------------------------------
-
-std::string scan_text(int num, double radials, double azimuth, double elevation) {
-    std::array<char, 100> text{};
-    std::snprintf(text.data(), text.size(), "%d: %.0f radials az %.4f el %.4f", num, radials,
-                  azimuth, elevation);
-    return text.data();
-}
-
-std::string moment_text(const char* name, double radials, double gates, double first_km,
-                        double size_km, double least, double most, double valid) {
-    std::array<char, 140> text{};
-    std::snprintf(text.data(), text.size(), " %s %.0f x %.0f at %.3f + %.3f, %.2f to %.2f in %.0f",
-                  name, radials, gates, first_km, size_km, least, most, valid);
-    return text.data();
-}
-
 constexpr std::array<const char*, lev2_moments> names = {"REF", "VEL", "SW"};
-
-std::string text_of(const Scan& scan) {
-    std::string text =
-        scan_text(scan.first.elev_num, scan.radials, static_cast<double>(scan.first.rad_az),
-                  static_cast<double>(scan.first.elev_ang));
-    for (std::size_t type = 0; type < names.size(); type++) {
-        const MomentSeen& seen = scan.moments[type];
-        if (seen.radials == 0) {
-            continue;
-        }
-        unsigned least = 255;
-        unsigned most = 0;
-        long valid = 0;
-        for (unsigned word = 2; word < 256; word++) {
-            if (seen.words[word] > 0) {
-                least = std::min(least, word);
-                most = word;
-                valid += seen.words[word];
-            }
-        }
-        text += moment_text(
-            names[type], seen.radials, seen.gates.count, static_cast<double>(seen.gates.first_km),
-            static_cast<double>(seen.gates.size_km), static_cast<double>(seen.gates.value(least)),
-            static_cast<double>(seen.gates.value(most)), static_cast<double>(valid));
-    }
-    return text;
-}
 
 // A scan of the reference: `json` reaches from its first key to the next scan.
 // First gates of the fixed message are read as whole kilometres.
-std::string text_of(const std::string& json, const std::string& radials, bool fixed) {
-    std::string text =
-        scan_text(static_cast<int>(json_number(json, "elevation_number")),
-                  std::strtod(radials.c_str(), nullptr), json_number(json, "first_azimuth"),
-                  json_number(json, "first_elevation"));
-    for (const char* name : names) {
-        const std::size_t at = json.find(std::string("\"") + name + "\": {");
-        if (at == std::string::npos) {
-            continue;
+Scan told_scan(const std::string& json, const std::string& radials, bool fixed) {
+    Scan scan;
+    scan.num = json_number(json, "elevation_number");
+    scan.radials = std::strtod(radials.c_str(), nullptr);
+    scan.azimuth = json_number(json, "first_azimuth");
+    scan.elevation = json_number(json, "first_elevation");
+    for (std::size_t type = 0; type < names.size(); type++) {
+        const std::size_t at = json.find(std::string("\"") + names[type] + "\": {");
+        if (at != std::string::npos) {
+            const std::string part = json.substr(at, json.find('}', at) - at);
+            const double first_km = json_number(part, "first_gate_km");
+            scan.moments[type] = {json_number(part, "radials"),
+                                  json_number(part, "gates"),
+                                  fixed ? static_cast<int>(first_km) : first_km,
+                                  json_number(part, "gate_km"),
+                                  json_number(part, "min"),
+                                  json_number(part, "max"),
+                                  json_number(part, "valid")};
         }
-        const std::string moment = json.substr(at, json.find('}', at) - at);
-        const double first_km = json_number(moment, "first_gate_km");
-        text += moment_text(name, json_number(moment, "radials"), json_number(moment, "gates"),
-                            fixed ? static_cast<int>(first_km) : first_km,
-                            json_number(moment, "gate_km"), json_number(moment, "min"),
-                            json_number(moment, "max"), json_number(moment, "valid"));
     }
-    return text;
+    return scan;
+}
+
+std::string text_of(const Scan& scan) {
+    std::array<char, 500> text{};
+    int n = std::snprintf(text.data(), text.size(), "%.0f: %.0f radials az %.4f el %.4f", scan.num,
+                          scan.radials, scan.azimuth, scan.elevation);
+    for (std::size_t type = 0; type < names.size(); type++) {
+        const Moment& m = scan.moments[type];
+        n += std::snprintf(text.data() + n, text.size() - static_cast<std::size_t>(n),
+                           " %s %.0f x %.0f at %.3f + %.3f, %.2f to %.2f in %.0f", names[type],
+                           m.radials, m.gates, m.first_km, m.size_km, m.least, m.most, m.valid);
+    }
+    return text.data();
 }
 
 // The pieces of a text between commas, or between two marks.
@@ -146,8 +131,9 @@ int compare(const std::string& line, const std::string& path) {
     std::size_t i = 1;
     for (const auto& [num, scan] : scans) {
         if (i < told.size() && i <= radials.size()) {
-            EXPECT_EQ(text_of(scan), text_of("\"first_azimuth\"" + told[i], radials[i - 1],
-                                             scan.first.type == lev2_radial_fixed));
+            EXPECT_EQ(text_of(scan),
+                      text_of(told_scan("\"first_azimuth\"" + told[i], radials[i - 1],
+                                        scan.first.type == lev2_radial_fixed)));
         }
         i++;
     }
@@ -191,5 +177,5 @@ TEST(Lev2Real, PiecesTogether) {
     EXPECT_STREQ(info.id, "LOT");
     EXPECT_EQ(info.date.hour * 10000 + info.date.min * 100 + info.date.sec, 123848);
     ASSERT_EQ(scans.size(), 1U);
-    EXPECT_EQ(scans.begin()->second.moments[lev2_refl].radials, 120);
+    EXPECT_EQ(scans.begin()->second.moments[lev2_refl].radials, 120.0);
 }

@@ -53,30 +53,24 @@ Bytes record_head(int type, std::size_t message_size, int number, int days, int 
     return out;
 }
 
+int hundredths(float value) {
+    return static_cast<int>(std::lround(value * 100));
+}
 int coded_angle(float degrees) {
     return static_cast<int>(std::lround(degrees / 360.0F * 65536.0F));
 }
 
-const Lev2Moment* find_moment(const Lev2Radial& radial, const std::string& name) {
-    for (const Lev2Moment& moment : radial.moments) {
-        if (moment.name == name) {
-            return &moment;
-        }
-    }
-    return nullptr;
-}
-
 Bytes fixed_radial(const Lev2Radial& radial) {
-    const Lev2Moment none;
     std::array<int, 3> at{}; // offset of each moment, 0: absent
     std::array<Lev2Moment, 3> moment;
     Bytes gates;
     for (std::size_t i = 0; i < fixed_moments.size(); i++) {
-        const Lev2Moment* found = find_moment(radial, fixed_moments[i]);
-        moment[i] = found != nullptr ? *found : none;
-        at[i] = found != nullptr ? fixed_gates_at + static_cast<int>(gates.size()) : 0;
-        for (const int word : moment[i].words) {
-            put8(gates, word);
+        for (const Lev2Moment& found : radial.moments) {
+            if (found.name == fixed_moments[i]) {
+                moment[i] = found;
+                at[i] = fixed_gates_at + static_cast<int>(gates.size());
+                gates.insert(gates.end(), found.words.begin(), found.words.end());
+            }
         }
     }
     const Lev2Moment& doppler = at[1] != 0 ? moment[1] : moment[2];
@@ -90,7 +84,7 @@ Bytes fixed_radial(const Lev2Radial& radial) {
     put32(out, 0); // calibration
     put(out, nids_words({at[0], at[1], at[2], radial.vel_res, radial.vcp}));
     out.resize(out.size() + 16);
-    put(out, nids_words({static_cast<int>(std::lround(radial.nyquist * 100)), 12, 35}));
+    put(out, nids_words({hundredths(radial.nyquist), 12, 35}));
     out.resize(lev2_data_at + fixed_gates_at);
     put(out, gates);
     out.resize(fixed_record_size);
@@ -120,9 +114,7 @@ Bytes elevation_block() {
 Bytes radial_block(const Lev2Radial& radial) {
     Bytes out;
     put_text(out, "RRAD", 4);
-    put(out, nids_words({20, 4600, 0, 0, 0, 0}));
-    put16(out, static_cast<int>(std::lround(radial.nyquist * 100)));
-    out.resize(20);
+    put(out, nids_words({20, 4600, 0, 0, 0, 0, hundredths(radial.nyquist), 0}));
     return out;
 }
 
@@ -148,6 +140,13 @@ Bytes generic_radial(const Lev2Radial& radial) {
         blocks.push_back(moment_block(moment));
     }
     constexpr std::size_t num_pointers = 10;
+    const std::size_t first = lev2_pointers_at - lev2_data_at + 4 * num_pointers;
+    Bytes pointers;
+    Bytes body;
+    for (std::size_t i = 0; i < num_pointers; i++) {
+        put32(pointers, i < blocks.size() ? static_cast<std::uint32_t>(first + body.size()) : 0);
+        put(body, i < blocks.size() ? blocks[i] : Bytes());
+    }
     Bytes data;
     put_text(data, radial.id, 4);
     put32(data, static_cast<std::uint32_t>(radial.ms));
@@ -155,25 +154,15 @@ Bytes generic_radial(const Lev2Radial& radial) {
     put16(data, radial.num);
     put_float(data, radial.az);
     put16(data, 0); // compression
-    std::size_t at = lev2_pointers_at - lev2_data_at + 4 * num_pointers;
-    std::size_t length = at;
-    for (const Bytes& block : blocks) {
-        length += block.size();
-    }
-    put16(data, static_cast<int>(length));
+    put16(data, static_cast<int>(first + body.size()));
     put(data,
         {static_cast<std::uint8_t>(radial.half_degree ? 1 : 2),
          static_cast<std::uint8_t>(radial.status), static_cast<std::uint8_t>(radial.elev_num), 1});
     put_float(data, radial.elev);
     put16(data, 0); // blanking, indexing
     put16(data, static_cast<int>(blocks.size()));
-    for (std::size_t i = 0; i < num_pointers; i++) {
-        put32(data, i < blocks.size() ? static_cast<std::uint32_t>(at) : 0);
-        at += i < blocks.size() ? blocks[i].size() : 0;
-    }
-    for (const Bytes& block : blocks) {
-        put(data, block);
-    }
+    put(data, pointers);
+    put(data, body);
     data.resize((data.size() + 1) / 2 * 2);
     Bytes out = record_head(31, data.size() + 16, radial.num, radial.days, radial.ms);
     put(out, data);
