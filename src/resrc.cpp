@@ -223,7 +223,9 @@ template <std::size_t N> const Keyword* find_word(const Keyword (&table)[N], con
 struct res_obj {
     int index = missing; // row of the definition table
     char* name = nullptr;
-    char* data = nullptr; // null: given without a value
+    char* data = nullptr;   // null: given without a value
+    std::size_t length = 0; // of `data`
+    std::size_t room = 0;   // what `data` can hold; RES_append leaves some to grow
     DEF_convert cvt = CV_none;
     res_obj* next = nullptr;
 };
@@ -242,8 +244,9 @@ struct State {
 };
 State state;
 
-char* new_text(const char* text, std::size_t length) {
-    char* copy = new (std::nothrow) char[length + 1];
+// A copy of `length` characters with room for `room` in all, if that is more.
+char* new_text(const char* text, std::size_t length, std::size_t room = 0) {
+    char* copy = new (std::nothrow) char[std::max(length, room) + 1];
     if (copy != nullptr) {
         std::memcpy(copy, text, length);
         copy[length] = '\0';
@@ -261,7 +264,7 @@ res_obj* find_resource(const char* name) {
 }
 
 // Takes `data` (may be null) as the entry's value and keeps the old text.
-int replace_data(res_obj* entry, char* data) {
+int replace_data(res_obj* entry, char* data, std::size_t length, std::size_t room) {
     if (entry->data != nullptr) {
         auto* keeper = new (std::nothrow) res_obj;
         if (keeper == nullptr) {
@@ -273,6 +276,8 @@ int replace_data(res_obj* entry, char* data) {
         state.retired = keeper;
     }
     entry->data = data;
+    entry->length = length;
+    entry->room = room;
     return 0;
 }
 
@@ -937,7 +942,8 @@ char* RES_get_progname(char* buffer) {
 // --- The list ---------------------------------------------------------------
 
 int RES_new(int index, const char* name, const char* data, DEF_convert cvt) {
-    char* value = data != nullptr ? new_text(data, std::strlen(data)) : nullptr;
+    const std::size_t length = data != nullptr ? std::strlen(data) : 0;
+    char* value = data != nullptr ? new_text(data, length) : nullptr;
     if (data != nullptr && value == nullptr) {
         return -1;
     }
@@ -957,7 +963,7 @@ int RES_new(int index, const char* name, const char* data, DEF_convert cvt) {
     }
     entry->index = index;
     entry->cvt = cvt;
-    return replace_data(entry, value);
+    return replace_data(entry, value, length, length);
 }
 
 int RES_append(int index, const char* name, const char* data, DEF_convert cvt) {
@@ -968,20 +974,23 @@ int RES_append(int index, const char* name, const char* data, DEF_convert cvt) {
     if (data == nullptr) {
         return 0;
     }
-    const std::size_t more = std::strlen(data);
     if (entry->data == nullptr) {
-        entry->data = new_text(data, more);
-        return entry->data != nullptr ? 0 : -1;
+        return RES_new(entry->index, name, data, entry->cvt);
     }
-    const std::size_t held = std::strlen(entry->data);
-    char* joined = new (std::nothrow) char[held + 1 + more + 1];
-    if (joined == nullptr) {
-        return -1;
+    const std::size_t more = std::strlen(data);
+    const std::size_t length = entry->length + 1 + more;
+    if (length > entry->room) { // twice the room, so that thousands of files cost no more than one
+        const std::size_t room = 2 * length;
+        char* text = new_text(entry->data, entry->length, room);
+        if (text == nullptr || replace_data(entry, text, entry->length, room) != 0) {
+            return -1;
+        }
     }
-    std::memcpy(joined, entry->data, held);
-    joined[held] = '\n';
-    std::memcpy(joined + held + 1, data, more + 1);
-    return replace_data(entry, joined);
+    char* end = entry->data + entry->length;
+    *end = '\n';
+    std::memcpy(end + 1, data, more + 1);
+    entry->length = length;
+    return 0;
 }
 
 int RES_put(const char* name, const char* value) {

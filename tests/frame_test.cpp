@@ -318,6 +318,14 @@ TEST(List, ReplacesInPlaceAndKeepsOldTexts) {
     RES_append(3, "a", "three", CV_strings);
     RES_append(3, "b", "four", CV_strings);
     EXPECT_EQ(value("a") + value("b") + value("A"), "two\nthreefour(absent)");
+    int moves = 0; // thousands of file names are no thousands of copies
+    for (int i = 0; i < 3000; ++i) {
+        old = RES_get("a");
+        RES_append(3, "a", "name", CV_strings);
+        moves += RES_get("a") != old ? 1 : 0;
+    }
+    EXPECT_LT(moves, 20);
+    EXPECT_EQ(value("a").size(), 9U + 3000 * 5);
 }
 
 TEST(Input, ChoosesTypeConventionAndModel) {
