@@ -296,7 +296,7 @@ int DATE_make_label(const Date* date, char* text) {
     }
     const int year = label_year(tdate);
     const char* month = DATE_month(in_range(tdate.month, 1, 12, 1));
-    const int day = in_range(tdate.day, 1, 31, 1);
+    const int day = in_range(tdate.day, 0, 31, 1);
     if (!is_set(tdate.month)) {
         std::snprintf(text, date_label_size, "%2.2d", year);
     } else if (!is_set(tdate.day)) {
