@@ -216,7 +216,7 @@ int set_num(char* buffer, const char* format, float value) {
             break;
         }
     }
-    int width = part[0] < 1 ? part[1] + 1 : std::min(part[0], 9);
+    int width = std::min(part[0] < 1 ? part[1] + 1 : part[0], 9);
     if (std::abs(value) < 1e-5F) {
         value = 0;
     }
