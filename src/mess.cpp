@@ -37,9 +37,7 @@ struct State {
     int page = page_asked;
     int lines = 0; // counted since the last hold
     int max_lines = default_lines;
-    std::FILE* pfile = nullptr; // open log
-    bool pfile_piped = false;
-    bool pfile_std = false;                     // a standard stream: not ours to close
+    std::FILE* pfile = nullptr;                 // open log
     std::array<char, log_name_size> filename{}; // log name of out_each
     bool warned = false;                        // that log was reported as not opening
 };
