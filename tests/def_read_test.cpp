@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <sstream>
 
 namespace {
 
@@ -40,29 +41,25 @@ void set_program(const char* path, const char* title) {
 } // namespace
 
 TEST(DefRead, ReadsSettingsAndConditions) {
-    struct Row {
-        const char* text;
-        const char* expected;
-    };
-    const std::vector<Row> rows = {
+    // The text of a file and its settings.
+    const std::vector<std::pair<const char*, const char*>> rows = {
         {"# note\n\n \t\nOne\n*.A: 1 2 3\n",                          "*.a=1;"                    },
         {"a  \" b  c \" d\r\nb \"\"\nc \"open\r\n",                   "a= b  c ;b=;c=open;"       },
         {"IF no\na 1\nELSE\na 2\nEND\nb 3\n",                         "a=2;b=3;"                  },
         {"IF no\na 1\nELIF Y\na 2\nELIF x\na 3\nELSE\na 4\nEND\n",    "a=2;"                      },
         {"IF no\nIF x\na 1\nELSE\na 2\nEND\na 3\nEND\nb 1\n",         "b=1;"                      },
         {"DEF z\nIF Z\na 1\nEND\nUNDEF Z\nIF z\na 2\nEND\nUNDEF q\n", "def=z;a=1;undef=Z;undef=q;"},
-        {"IF\na 1\nif x\nEND\nb 2\n",                                 "a=1;if=x;b=2;"             }, // no block was opened
+        {"IF\na 1\nif x\nEND\nb 2\n",                                 "a=1;if=x;b=2;"             },
+        {"ELSE\nELIF x\nEND\na 1\n",                                  "a=1;"                      },
     };
-    for (const Row& row : rows) {
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(settings(row.text, {"x", "y"}), row.expected) << row.text;
-        testing::internal::GetCapturedStderr();
-    }
     testing::internal::CaptureStderr();
-    EXPECT_EQ(settings("ELSE\nELIF x\nEND\na 1\n"), "a=1;");
+    for (const auto& [text, expected] : rows) {
+        EXPECT_EQ(settings(text, {"x", "y"}), expected) << text;
+    }
+    // All that they say comes from the last two.
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "DEF_get: else without an if\nDEF_get: elif without an if\n"
-              "DEF_get: end without an if\n");
+              "DEF_get: end without an if\nDEF_get: else without an if\n"
+              "DEF_get: elif without an if\nDEF_get: end without an if\n");
     // A block goes on in the next file.
     EXPECT_EQ(settings("IF no\na 1\n"), "");
     EXPECT_EQ(settings("b 2\nEND\nc 3\n"), "c=3;");
@@ -92,29 +89,22 @@ TEST(DefRead, KeepsItsLimits) {
 }
 
 TEST(DefRead, FitsKeysToResources) {
-    struct Row {
-        const char* title;
-        const char* resource;
-        const char* pattern;
-        int fits;
+    // Title, resource, and the patterns that fit and that do not.
+    const std::vector<std::array<std::string, 4>> rows = {
+        {"",     "file_path",   "prog*path prog.file_path **path", "file_path * prog.file_path.x"},
+        {"",     "path_path",   "*_path",                          "*path"                       }, // no second try
+        {"",     "color_label", "*label",                          "*.label"                     },
+        {"Top",  "title",       "Top.title",                       "prog.title"                  },
+        {"+sub", "title",       "prog.sub.title",                  "prog.title"                  },
     };
-    const std::vector<Row> rows = {
-        {"",     "file_path",   "prog*path",        1},
-        {"",     "file_path",   "prog.file_path",   1},
-        {"",     "file_path",   "file_path",        0},
-        {"",     "file_path",   "*",                0},
-        {"",     "file_path",   "**path",           1},
-        {"",     "path_path",   "*path",            0}, // no second try
-        {"",     "file_path",   "prog.file_path.x", 0},
-        {"",     "color_label", "*.label",          0},
-        {"Top",  "title",       "Top.title",        1},
-        {"+sub", "title",       "prog.sub.title",   1},
-        {"+sub", "title",       "prog.title",       0},
-    };
-    for (const Row& row : rows) {
-        set_program("/usr/bin/prog", row.title);
-        EXPECT_EQ(DEF_cmp(row.resource, row.pattern), row.fits)
-            << row.title << " " << row.resource << " " << row.pattern;
+    for (const auto& [title, resource, good, bad] : rows) {
+        set_program("/usr/bin/prog", title.c_str());
+        for (const auto& [patterns, expected] : {std::pair(good, 1), std::pair(bad, 0)}) {
+            std::istringstream words(patterns);
+            for (std::string word; words >> word;) {
+                EXPECT_EQ(DEF_cmp(resource.c_str(), word.c_str()), expected) << word;
+            }
+        }
     }
     set_program("prog", "");
     EXPECT_EQ(DEF_valid("*.own") + DEF_valid("prog.own"), 2);
@@ -155,7 +145,7 @@ TEST(DefRead, OpensTheFirstNameOfADirectory) {
         ASSERT_EQ(DEF_open(dir.path().c_str()), 0);
         ASSERT_EQ(DEF_get(key.data(), value.data()), 1);
         EXPECT_STREQ(value.data(), name);
+        EXPECT_EQ(DEF_cfg_dir(), *name == 'z' ? dir.path() + "/" : "");
     }
     EXPECT_EQ(DEF_get(key.data(), value.data()), -1);
-    EXPECT_EQ(DEF_cfg_dir(), dir.path() + "/");
 }

@@ -6,6 +6,8 @@
 #include "gks_loop.h"
 #include "gks_zoom.h" // behind gtest: Xlib's macros hide names of its
 
+#include <algorithm>
+#include <array>
 #include <vector>
 
 #include <X11/Xutil.h>
@@ -41,18 +43,16 @@ TEST(NextFrame, TurnsAtTheEndsOfTheRange) {
 }
 
 TEST(LoopDelay, StepsAreFineForShortDelays) {
-    struct Row {
-        float delay, slower, faster;
-    };
-    constexpr Row rows[] = {
-        {0.50F, 0.10F, -0.10F},
-        {0.10F, 0.10F, -0.05F}, // not the same step back
+    // Delay, step when slower, step when faster.
+    constexpr float rows[][3] = {
+        {0.5F,  0.1F,  -0.1F },
+        {0.1F,  0.1F,  -0.05F}, // not the same step back
         {0.05F, 0.05F, -0.05F},
-        {0.00F, 0.05F, -0.05F},
+        {0.0F,  0.05F, -0.05F}
     };
-    for (const Row& row : rows) {
-        EXPECT_FLOAT_EQ(gloop_delay_step(row.delay, true), row.slower) << row.delay;
-        EXPECT_FLOAT_EQ(gloop_delay_step(row.delay, false), row.faster) << row.delay;
+    for (const auto& [delay, slower, faster] : rows) {
+        EXPECT_FLOAT_EQ(gloop_delay_step(delay, true), slower) << delay;
+        EXPECT_FLOAT_EQ(gloop_delay_step(delay, false), faster) << delay;
     }
 }
 
@@ -75,37 +75,20 @@ TEST(ZoomOrigin, KeepsThePartWithinThePicture) {
 
 // Every pixel of the magnified image is the one of the source that covers it.
 TEST(Magnify, ReplicatesPixelsOfEverySizeAndOrder) {
-    struct Row {
-        int bits, byte_order, bit_order;
-    };
-    constexpr Row rows[] = {
-        {32, LSBFirst, LSBFirst},
-        {32, MSBFirst, MSBFirst},
-        {24, LSBFirst, LSBFirst},
-        {24, MSBFirst, MSBFirst},
-        {16, MSBFirst, LSBFirst},
-        {8,  LSBFirst, LSBFirst},
-        {4,  LSBFirst, LSBFirst},
-        {4,  MSBFirst, MSBFirst},
-        {1,  LSBFirst, LSBFirst},
-        {1,  MSBFirst, MSBFirst},
-        {1,  LSBFirst, MSBFirst},
-        {1,  MSBFirst, LSBFirst},
-    };
     constexpr int width = 37;
     constexpr int height = 11;
-    for (const Row& row : rows) {
+    for (int kind = 0; kind < 24; ++kind) {
         XImage image{};
         image.width = width;
         image.height = height;
         image.format = ZPixmap;
-        image.byte_order = row.byte_order;
-        image.bitmap_bit_order = row.bit_order;
+        image.byte_order = (kind & 1) != 0 ? MSBFirst : LSBFirst;
+        image.bitmap_bit_order = (kind & 2) != 0 ? MSBFirst : LSBFirst;
         image.bitmap_unit = 32;
         image.bitmap_pad = 32;
-        image.depth = row.bits == 32 ? 24 : row.bits;
-        image.bits_per_pixel = row.bits;
-        image.bytes_per_line = (width * row.bits + 31) / 32 * 4;
+        image.bits_per_pixel = std::array{1, 4, 8, 16, 24, 32}[kind / 4];
+        image.depth = std::min(image.bits_per_pixel, 24);
+        image.bytes_per_line = (width * image.bits_per_pixel + 31) / 32 * 4;
         std::vector<char> data(static_cast<std::size_t>(image.bytes_per_line * height));
         image.data = data.data();
         ASSERT_NE(XInitImage(&image), 0);
@@ -114,20 +97,18 @@ TEST(Magnify, ReplicatesPixelsOfEverySizeAndOrder) {
             return static_cast<unsigned long>(x * 2654435 + y * 40503 + 7 * (x ^ y)) & mask;
         };
         for (const int f : {2, 3, 8}) {
-            for (int y = 0; y < height; ++y) {
-                for (int x = 0; x < width; ++x)
-                    XPutPixel(&image, x, y, color(x, y));
-            }
+            for (int i = 0; i < width * height; ++i)
+                XPutPixel(&image, i % width, i / width, color(i % width, i / width));
             const int ox = gzoom_origin(width, 21, f);
             const int oy = gzoom_origin(height, 9, f);
             gmagnify(image, ox, oy, f);
             int wrong = 0;
-            for (int y = 0; y < height; ++y) {
-                for (int x = 0; x < width; ++x)
-                    wrong += XGetPixel(&image, x, y) != color(ox + x / f, oy + y / f) ? 1 : 0;
+            for (int i = 0; i < width * height; ++i) {
+                const int x = i % width;
+                const int y = i / width;
+                wrong += XGetPixel(&image, x, y) != color(ox + x / f, oy + y / f) ? 1 : 0;
             }
-            EXPECT_EQ(wrong, 0) << row.bits << " bits, orders " << row.byte_order << row.bit_order
-                                << ", factor " << f;
+            EXPECT_EQ(wrong, 0) << "kind " << kind << ", factor " << f;
         }
     }
 }

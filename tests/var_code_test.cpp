@@ -10,35 +10,23 @@
 
 namespace {
 
-class VarCode : public testing::Test {
-protected:
-    void SetUp() override {
-        FLAG_reset(missing);
-        MESS_set(0, 0);
-    }
-};
-
 // Words split at blanks, and what is expected of each, in the same order.
-struct Rows {
-    const char* words;
-    const char* results;
-};
+using Rows = std::initializer_list<std::pair<const char*, const char*>>;
 
 // Runs `decode` on every word and joins what it gives.
-template <class Decode> void check(std::initializer_list<Rows> rows, Decode decode) {
-    for (const Rows& row : rows) {
-        std::istringstream words(row.words);
-        std::string word;
+template <class Decode> void check(Rows rows, Decode decode) {
+    for (const auto& [all_words, results] : rows) {
+        std::istringstream words(all_words);
         std::string all;
-        while (words >> word) {
+        for (std::string word; words >> word;) {
             all += (all.empty() ? "" : " ") + decode(word.c_str());
         }
-        EXPECT_EQ(all, row.results) << row.words;
+        EXPECT_EQ(all, results) << all_words;
     }
 }
 
 // Each as status:time; 77 is what stood there before.
-TEST_F(VarCode, Times) {
+TEST(VarCode, Times) {
     FLAG_set(flag_def_time, 12);
     const auto decode = [](const char* word) {
         int time = 77;
@@ -59,25 +47,26 @@ TEST_F(VarCode, Times) {
 }
 
 // The enclosing item comes before the flags, and nothing gives 0.
-TEST_F(VarCode, Inheritance) {
+TEST(VarCode, Inheritance) {
     const auto inherited = [](const char* text) {
         int time = 77;
         int ltype = 77;
         int level = 78;
-        const int tstat = VAR_dec_time(text, &time);
-        const int lstat = VAR_dec_level(text, &ltype, &level);
-        const std::string all = std::to_string(tstat) + ":" + std::to_string(time) + " ";
-        return all + std::to_string(lstat) + ":" + std::to_string(ltype) + ":" +
-               std::to_string(level);
+        std::ostringstream all;
+        all << VAR_dec_time(text, &time) << ':' << time << ' ';
+        all << VAR_dec_level(text, &ltype, &level) << ':' << ltype << ':' << level;
+        return all.str();
     };
+    FLAG_reset(missing);
     EXPECT_EQ(inherited(""), "2:0 2:77:78");
     FLAG_set(flag_def_ltype, 100);
     FLAG_set(flag_def_level, 700);
     EXPECT_EQ(inherited(""), "2:0 1:100:700");
-    for (int i = 0; i < 10; i++) {
-        EXPECT_EQ(VAR_base_push({1, 2, 24 + i, 2, 103, 10}), 0);
+    int held = 0;
+    while (VAR_base_push({1, 2, 24 + held, 2, 103, 10}) == 0) {
+        held++;
     }
-    EXPECT_EQ(VAR_base_push({1, 2, 99, 2, 1, 0}), -1);
+    EXPECT_EQ(held, 10);
     EXPECT_EQ(inherited(""), "1:33 1:103:10");
     EXPECT_EQ(inherited("level"), "0:77 1:100:700");
     EXPECT_EQ(inherited("time-3"), "1:30 2:77:78");
@@ -90,7 +79,7 @@ TEST_F(VarCode, Inheritance) {
 }
 
 // Each as type:level, or with its label.
-TEST_F(VarCode, LevelsAndTheirLabels) {
+TEST(VarCode, LevelsAndTheirLabels) {
     char label[var_label_size] = "";
     const auto decode = [&](const char* word) {
         int ltype = 77;
@@ -130,7 +119,7 @@ TEST_F(VarCode, LevelsAndTheirLabels) {
         labelled);
 }
 
-TEST_F(VarCode, TimeLabels) {
+TEST(VarCode, TimeLabels) {
     const auto labelled = [](const char* word) {
         char label[var_label_size] = "";
         VAR_make_datalevel(std::stoi(word), 100, 500, label);
