@@ -180,9 +180,10 @@ struct Slots {
     int end_slot = -1; // at "END"
 };
 
-void read_line(char* line, bool first_file, Slots* at) {
-    trim_cr_string(line);
-    wstrim_string(line);
+void read_line(char* text, bool first_file, Slots* at) {
+    wstrim_string(text);
+    const char* line = text;
+    skip_blanks(&line);
     at->highest = std::max(at->highest, at->slot);
     if (*line == '#')
         return;
@@ -191,21 +192,28 @@ void read_line(char* line, bool first_file, Slots* at) {
             at->end_slot = at->slot;
         return;
     }
-    const char* text = line;
     int slot = at->slot;
-    take_int(&text, &slot);
+    take_int(&line, &slot);
     if (slot < 0 || slot >= max_colors - at->base)
         return;
-    parse_entry(text, &table.colors[at->base + slot]);
+    parse_entry(line, &table.colors[at->base + slot]);
     at->highest = std::max(at->highest, slot);
     at->slot = slot + 1;
 }
 
+// The rest of a line beyond its limit is passed over. The number of pieces has
+// a limit of its own, as a device may give them without end.
 void read_table_file(std::FILE* file, bool first_file, bool count_fills) {
+    constexpr int most_pieces = 100000;
     Slots at{first_file ? 0 : table.num_colors};
     std::array<char, 101> line{};
-    while (std::fgets(line.data(), line.size(), file) != nullptr)
-        read_line(line.data(), first_file, &at);
+    bool begins = true;
+    for (int i = 0; i < most_pieces && std::fgets(line.data(), line.size(), file) != nullptr; ++i) {
+        const bool ends = std::strchr(line.data(), '\n') != nullptr;
+        if (begins)
+            read_line(line.data(), first_file, &at);
+        begins = ends;
+    }
     table.num_colors = std::min(at.base + at.highest + 1, max_colors);
     if (first_file && count_fills)
         table.num_fill = std::clamp(at.end_slot >= 0 ? at.end_slot : at.highest, 0, max_colors);

@@ -1,6 +1,6 @@
 // Colour table and attribute language.
 
-#include "ps_page.h"
+#include "run_program.h"
 #include "zyrgks.h"
 #include "zyrresrc.h"
 
@@ -18,10 +18,8 @@ std::array<float, 3> rgb(int ind) {
 }
 
 int read_table(const std::string& text) {
-    const std::string path = temp_name("table.clr");
-    write_text(path, text);
-    CLR_read_table(path.c_str());
-    std::remove(path.c_str());
+    const TempDir dir;
+    CLR_read_table(dir.write("table.clr", text).c_str());
     return CLR_get_num();
 }
 
@@ -35,8 +33,9 @@ const std::array<float, 3> red = {1.0F, 0.0F, 0.0F};
 } // namespace
 
 TEST(ColorTable, LineForms) {
+    const std::string long_line = "# " + std::string(98, '-') + "\n" + std::string(120, '#') + "\n";
     struct Case {
-        const char* text;
+        std::string text;
         int count;
         const char* name;
         int ind;
@@ -46,8 +45,9 @@ TEST(ColorTable, LineForms) {
              Case{"Red 1 0 0\nblue 0 0 1\n",                  2,  "RED",  0,  red      },
              Case{"  red #ff0000  \r\n",                      1,  "red",  0,  red      },
              Case{"20 red 1 0 0\nnavy #0000FF\n",             22, "navy", 21, {0, 0, 1}},
-             Case{"# comment\nred 1 0 0\n\nsea 0 0 1\n",      3,  "sea",  2,  {0, 0, 1}},
+             Case{"  # comment\nred 1 0 0\n\nsea 0 0 1\n",    3,  "sea",  2,  {0, 0, 1}},
              Case{"red 1 0 0\n# one slot more\n",             2,  "red",  0,  red      },
+             Case{long_line + "red 1 0 0\n",                  1,  "red",  0,  red      },
              Case{"red 2 -1 nan\n",                           1,  "red",  0,  {1, 0, 0}}, // held in range, as far as it scans
              Case{"300 far 1 0 0\n-4 low 1 0 0\nred 1 0 0\n", 1,  "red",  0,  red      },
              Case{"99999999999999999999 x 1 1 1\n",           1,  "x",    -1, {0, 0, 0}},
@@ -62,56 +62,30 @@ TEST(ColorTable, LineForms) {
 }
 
 TEST(ColorTable, ListsAndFillCount) {
-    const std::string a = temp_name("a.clr");
-    const std::string b = temp_name("b.clr");
-    write_text(a, "red 1 0 0\ngreen 0 1 0\nEND\nblack 0 0 0\n");
-    write_text(b, "END\nsky .5 .7 1\nEND\n");
-    RES_put("color_table", (a + ",," + temp_name("missing") + "," + b).c_str());
+    const TempDir dir;
+    const std::string a = dir.write("a", "red 1 0 0\ngreen 0 1 0\n END \r\nblack 0 0 0\n");
+    const std::string b = dir.write("b", "END\nsky .5 .7 1\nEND\n");
+    RES_put("color_table", (a + ",,missing.clr," + b).c_str());
     CLR_read_table(nullptr);
-    EXPECT_EQ(CLR_get_num(), 5); // the END behind the last entry counts
+    EXPECT_EQ(CLR_get_num(), 5) << "the END behind the last entry counts";
     EXPECT_EQ(CLR_get_num_fill(), 2) << "of the first file alone";
     EXPECT_EQ(CLR_get_ind("sky"), 3);
     CLR_read_table(a.c_str());
     EXPECT_EQ(CLR_get_num(), 3);
-    CLR_read_table(temp_name("missing").c_str());
+    CLR_read_table("missing.clr");
     EXPECT_EQ(CLR_get_num(), 3) << "a missing table changes nothing";
-    std::remove(a.c_str());
-    std::remove(b.c_str());
 }
 
-TEST(ColorTable, ShippedTable) {
-    RES_put("file_path", ZYR_SOURCE_DIR "/etc");
-    RES_put("color_table", "zyr.clr");
-    CLR_read_table(nullptr);
-    EXPECT_EQ(CLR_get_num_fill(), 15);
-    EXPECT_EQ(rgb(CLR_get_ind("white")), (std::array<float, 3>{1, 1, 1}));
-    EXPECT_EQ(rgb(CLR_get_ind("black")), (std::array<float, 3>{0, 0, 0}));
-}
-
-TEST(ColorNames, Lookup) {
+TEST(ColorNames, LookUp) {
     CLR_clear_table();
     EXPECT_EQ(CLR_get_ind("3"), 3) << "a number needs no table";
-    EXPECT_EQ(read_table("blue 0 0 1\n3 green 0 1 0\n"), 4);
-    const std::array<std::pair<const char*, int>, 6> names = {
-        {{"END", -2},
-         {"None", -1},
-         {"PBlk", 500},
-         {"Green", 3},
-         {"#12345", -1},
-         {"99999999999", 2147483647}}
-    };
-    for (const auto& [name, ind] : names)
-        EXPECT_EQ(CLR_get_ind(name), ind) << name;
-}
-
-TEST(ColorNames, NumericNamesTakeASlot) {
-    CLR_clear_table();
-    read_table("3 green 0 1 0\n");
-    EXPECT_EQ(CLR_get_ind("#GG0000"), -1);
-    // A new slot at the first look-up, the same one at the second.
-    EXPECT_EQ(CLR_get_ind("#ff0000"), 4);
-    EXPECT_EQ(CLR_get_ind("#FF0000"), 4);
-    EXPECT_EQ(CLR_get_ind("#255000000"), 5);
+    EXPECT_EQ(read_table("blue 0 0 1\n3 lime 0 1 0\n"), 4);
+    // A numeric name takes a slot at the first look-up, the same one at the second.
+    std::string found;
+    for (const char* name : {"END", "None", "PBlk", "Lime", "#12345", "#GG0000", "99999999999",
+                             "#ff0000", "#FF0000", "#255000000"})
+        found += std::to_string(CLR_get_ind(name)) + " ";
+    EXPECT_EQ(found, "-2 -1 500 3 -1 -1 2147483647 4 4 5 ");
     EXPECT_EQ(rgb(4), red);
     EXPECT_EQ(rgb(5), red);
     EXPECT_STREQ(CLR_get_name(5), "#255000000");
@@ -151,7 +125,7 @@ TEST(Attributes, ResourceOverDefault) {
     RES_put("color_map", "blue");
     EXPECT_EQ(ATTRIB_get("color_map", "red:w2:s3", &attrib), 1);
     Gattribs more;
-    ATTRIB_parse("wi=5", &more);
+    more.width = 5;
     ATTRIB_update(&attrib, &more);
     EXPECT_EQ(fields(attrib), fields({0, 5, missing_f, missing_f, 3, missing, missing}));
 }
