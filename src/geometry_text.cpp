@@ -29,19 +29,18 @@ bool usable(const Grectangle& area) {
 
 } // namespace
 
-Gpanel read_panel(const char* text) {
+bool read_panel(const char* text, Gpanel* panel) {
     constexpr float most_cells = 8.0F;
-    Gpanel panel;
-    if (take_float(&text, &panel.width) && take_char(&text, 'x') &&
-        take_float(&text, &panel.height) && take_char(&text, '+') && take_float(&text, &panel.x) &&
-        take_char(&text, '+'))
-        take_float(&text, &panel.y);
-    if (panel.width > 1.0F) {
-        const float columns = std::clamp(panel.width, 1.0F, most_cells);
-        const float rows = std::clamp(panel.height, 1.0F, most_cells);
-        panel = {1.0F / columns, 1.0F / rows, panel.x / columns, 1.0F - (panel.y + 1.0F) / rows};
+    const bool whole = take_float(&text, &panel->width) && take_char(&text, 'x') &&
+                       take_float(&text, &panel->height) && take_char(&text, '+') &&
+                       take_float(&text, &panel->x) && take_char(&text, '+') &&
+                       take_float(&text, &panel->y);
+    if (panel->width > 1.0F) {
+        const float columns = std::clamp(panel->width, 1.0F, most_cells);
+        const float rows = std::clamp(panel->height, 1.0F, most_cells);
+        *panel = {1.0F / columns, 1.0F / rows, panel->x / columns, 1.0F - (panel->y + 1.0F) / rows};
     }
-    return panel;
+    return whole;
 }
 
 Grectangle panel_area(const Gpanel& panel, const Grectangle& page) {
@@ -72,9 +71,13 @@ Grectangle unit_area(const char* text, const Grectangle& page, float unit) {
 void set_page_area(const char* text, const Grectangle& page, float unit) {
     Grectangle area = page;
     if (text != nullptr && *text != '\0') {
-        area = std::tolower(static_cast<unsigned char>(*text)) == 'p'
-                   ? panel_area(read_panel(text + 1), page)
-                   : unit_area(text, page, unit);
+        if (std::tolower(static_cast<unsigned char>(*text)) == 'p') {
+            Gpanel panel;
+            read_panel(text + 1, &panel); // what is not given keeps its default
+            area = panel_area(panel, page);
+        } else {
+            area = unit_area(text, page, unit);
+        }
         if (!usable(area)) {
             MESS_print(mess_warn, "gopen_ws: geometry leaves no room: %s\n", text);
             area = page;

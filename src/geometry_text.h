@@ -12,10 +12,10 @@ struct Gpanel {
     float y = 0.0F;
 };
 
-// "wxh+x+y" behind the P: fractions of the page, or with w above 1 a grid of
+// "wxh+x+y": fractions of the page, or with w above 1 a grid of
 // w columns and h rows and the cell x, y in it, row 0 at the top. What is not
-// given keeps its start value.
-Gpanel read_panel(const char* text);
+// given keeps its start value. Returns whether all four numbers were given.
+bool read_panel(const char* text, Gpanel* panel);
 // The panel of a page, in the units of the page.
 Grectangle panel_area(const Gpanel& panel, const Grectangle& page);
 // "wxh+x+y", "wxh" or "+x+y", each number times `unit`; an offset is from the

@@ -6,10 +6,12 @@
 #include "cont.h"
 #include "date.h"
 #include "files.h"
+#include "geometry_text.h"
 #include "gks.h"
 #include "map.h"
 #include "maptran.h"
 #include "region.h"
+#include "text_num.h"
 #include "zyrcty.h"
 #include "zyrgks.h"
 #include "zyrimg.h"
@@ -17,7 +19,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <cstring>
 
 namespace {
@@ -116,9 +117,9 @@ constexpr std::array<WordRow, 43> words = {
 };
 
 int int_value(const char* text, int if_none) {
-    char* end = nullptr;
-    const long value = std::strtol(text, &end, 10);
-    return end == text ? if_none : static_cast<int>(std::clamp(value, -1000000000L, 1000000000L));
+    int value = if_none;
+    take_int(&text, &value);
+    return value;
 }
 
 // A number of at least 1, else what the word stands for.
@@ -127,58 +128,43 @@ int positive(const char* text, int otherwise) {
     return value < 1 ? otherwise : value;
 }
 
-// Reads numbers with the characters of `separators` between them into `out`,
-// one more than there are separators. Returns how many there were.
-int read_floats(const char* text, const char* separators, float* out) {
-    int count = 0;
-    for (;;) {
-        char* end = nullptr;
-        const float value = std::strtof(text, &end);
-        if (end == text) {
-            return count;
+// Up to N numbers with colons between them. Returns how many there were.
+template <typename T, std::size_t N>
+std::size_t read_numbers(const char* text, bool (*take)(const char**, T*),
+                         std::array<T, N>* numbers) {
+    std::size_t count = 0;
+    while (count < N && take(&text, &(*numbers)[count])) {
+        count++;
+        if (!take_char(&text, ':')) {
+            break;
         }
-        out[count++] = value;
-        if (*separators == '\0' || *end != *separators) {
-            return count;
-        }
-        separators++;
-        text = end + 1;
-    }
-}
-
-int read_ints(const char* text, int* out, int most) {
-    int count = 0;
-    while (count < most) {
-        char* end = nullptr;
-        const long value = std::strtol(text, &end, 10);
-        if (end == text) {
-            return count;
-        }
-        out[count++] = static_cast<int>(std::clamp(value, -1000000000L, 1000000000L));
-        if (*end != ':') {
-            return count;
-        }
-        text = end + 1;
     }
     return count;
 }
 
+// Two numbers, of which one serves both. False when there is none.
+template <typename T>
+bool read_pair(const char* text, bool (*take)(const char**, T*), std::array<T, 2>* pair) {
+    const std::size_t count = read_numbers(text, take, pair);
+    if (count == 1) {
+        (*pair)[1] = (*pair)[0];
+    }
+    return count > 0;
+}
+
 void set_latlon(const char* value) {
     std::array<float, 4> numbers{};
-    const int count = read_floats(value, ":::", numbers.data());
+    const std::size_t count = read_numbers(value, take_float, &numbers);
     if (count == 0) {
         return;
     }
     const float lon = count > 1 ? numbers[1] : numbers[0];
-    const auto whole = [&](std::size_t i) {
-        return static_cast<int>(std::clamp(numbers[i], -1000.0F, 1000.0F));
-    };
-    MAP_latlon(numbers[0], lon, whole(2), whole(3));
+    MAP_latlon(numbers[0], lon, trunc_int(numbers[2]), trunc_int(numbers[3]));
 }
 
 void set_overlay(const char* value) {
     std::array<int, 2> numbers{};
-    const int count = read_ints(value, numbers.data(), 2);
+    const std::size_t count = read_numbers(value, take_int, &numbers);
     if (count > 0) {
         PLT_set_overlay_base(numbers[0]);
     }
@@ -188,25 +174,23 @@ void set_overlay(const char* value) {
 }
 
 void set_skip(const char* value) {
-    std::array<int, 2> numbers{};
-    const int count = read_ints(value, numbers.data(), 2);
-    if (count > 0) {
-        CONT_set_skip(numbers[0], count > 1 ? numbers[1] : numbers[0]);
+    std::array<int, 2> skip{};
+    if (read_pair(value, take_int, &skip)) {
+        CONT_set_skip(skip[0], skip[1]);
     }
 }
 
 void set_plot_offset(const char* value) {
-    std::array<float, 2> numbers{};
-    const int count = read_floats(value, ":", numbers.data());
-    if (count > 0) {
-        CONT_set_plot_offset(numbers[0], count > 1 ? numbers[1] : numbers[0]);
+    std::array<float, 2> offset{};
+    if (read_pair(value, take_float, &offset)) {
+        CONT_set_plot_offset(offset[0], offset[1]);
     }
 }
 
 void set_bar(const char* value, int bar) {
     std::array<float, 2> range{missing_f, missing_f};
     CONT_set_bar(bar);
-    if (read_floats(value, ":", range.data()) > 0) {
+    if (read_numbers(value, take_float, &range) > 0) {
         CONT_set_bar_range(range[1], range[0]);
     }
 }
@@ -377,20 +361,11 @@ int PLT_param_decode() {
 }
 
 int PLT_panel_decode(const char* text) {
-    std::array<float, 4> panel{1.0F, 1.0F, 0.0F, 0.0F};
-    if (read_floats(text, "x++", panel.data()) < 4) {
+    Gpanel panel;
+    if (!read_panel(text, &panel) || panel.width <= 0.0F || panel.height <= 0.0F) {
         return -1;
     }
-    auto [w, h, x, y] = panel;
-    if (w > 1.0F) {
-        w = std::clamp(w, 1.0F, 8.0F);
-        h = std::clamp(h, 1.0F, 8.0F);
-        x = x / w;
-        y = 1.0F - (1.0F + y) / h;
-        w = 1.0F / w;
-        h = 1.0F / h;
-    }
-    return GPH_set_view_size(w, h, x, y);
+    return GPH_set_view_size(panel.width, panel.height, panel.x, panel.y);
 }
 
 const PLT_settings& PLT_get_settings() {
