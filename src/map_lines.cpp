@@ -205,8 +205,9 @@ void draw_dots(int dot) {
 }
 
 void draw_map_grid(float dlat, float dlon) {
-    Grid g{static_cast<double>(dlat),
-           static_cast<double>(dlon),
+    constexpr double whole_circle = 360.0; // a wider step draws no further line
+    Grid g{std::min<double>(dlat, whole_circle),
+           std::min<double>(dlon, whole_circle),
            state.dot,
            state.extra,
            MAP_get_proj(),
