@@ -53,7 +53,7 @@ void clear_extent() {
     contours.conlo = missing_f;
     contours.conhi = missing_f;
     contours.cbase = missing_f;
-    contours.intrvl_asked = false;
+    contours.levels_asked = false;
 }
 
 void note_order() {
@@ -63,19 +63,23 @@ void note_order() {
 }
 
 // Entries without a level get one by their place between two that have one.
+// Behind the last level they go on at its distance from the one before.
 void interpolate_levels() {
+    float* levels = contours.cont_value;
+    const auto fill = [levels](int lo, int end, float distance) {
+        for (int i = lo + 1; i < end; i++) {
+            levels[i] = levels[lo] + static_cast<float>(i - lo) * distance;
+        }
+    };
     int lo = 0;
     for (int hi = 1; hi < contours.color_num; hi++) {
-        if (!is_set(contours.cont_value[hi])) {
-            continue;
+        if (is_set(levels[hi])) {
+            fill(lo, hi, (levels[hi] - levels[lo]) / static_cast<float>(hi - lo));
+            lo = hi;
         }
-        const float from = contours.cont_value[lo];
-        const float slope = (contours.cont_value[hi] - from) / static_cast<float>(hi - lo);
-        for (int i = lo + 1; i < hi; i++) {
-            contours.cont_value[i] = from + static_cast<float>(i - lo) * slope;
-        }
-        lo = hi;
     }
+    const bool rises = lo > 0 && levels[lo] > levels[lo - 1];
+    fill(lo, contours.color_num, rises ? levels[lo] - levels[lo - 1] : 1.0F);
 }
 
 // Ends the step list and takes count, interval and range from it.
@@ -286,20 +290,16 @@ const char* user_list() {
 
 // --- Colour of a value ------------------------------------------------------
 
-// Regular levels without an interval: con_interval, as the bar takes it, and
-// without that one step for all values. Read once for a list of colours.
-void settle_interval() {
-    contours.intrvl_asked = true;
-    ask_interval();
-}
-
+// Regular levels that the plotter has left open are those of the bar, so that
+// it tells the picture's colours. Without an interval all values are one step.
 int regular_step(float value) {
     State& s = contours;
     if (!is_set(s.cbase)) {
-        s.cbase = s.base;
-    }
-    if (!is_set(s.intrvl) && !s.intrvl_asked) {
-        settle_interval();
+        if (!s.levels_asked && (!is_set(s.intrvl) || !is_set(s.base))) {
+            s.levels_asked = true;
+            settle_bar_levels();
+        }
+        s.cbase = is_set(s.base) ? s.base : s.conlo;
     }
     if (!is_set(s.intrvl)) {
         return 0;
@@ -547,7 +547,7 @@ int CONT_init() {
     s.y_label_space = missing;
     s.fill_pat = missing;
     s.color_fill_set = 0;
-    s.intrvl_asked = false;
+    s.levels_asked = false;
     s.scale = 1.0F;
     s.label_skip = 2;
     s.ext_radius = 2;

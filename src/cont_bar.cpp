@@ -81,24 +81,6 @@ bool work_out_levels(float high, float low) {
     return true;
 }
 
-// Fixes what the bar shows. False when that is no bar.
-bool settle_levels() {
-    State& s = state();
-    const bool forced = is_set(s.bar_max);
-    float high = forced ? s.bar_max : s.grid_max;
-    float low = forced ? s.bar_min : s.grid_min;
-    ask_interval();
-    take_bases(forced, &high, &low);
-    if ((!is_set(s.conlo) || forced) && !work_out_levels(high, low)) {
-        return false;
-    }
-    if (is_set(s.cont_value[0])) {
-        s.intrvl = level_width(0);
-    }
-    return s.num_cont >= 1 && s.num_cont <= most_boxes && s.intrvl != 0.0F && is_set(s.intrvl) &&
-           s.color_num > 0;
-}
-
 // Where the bar lies. False without room.
 bool lay_out(const Glim& view) {
     Glim panel = {};
@@ -178,11 +160,28 @@ void draw_boxes(bool numbers) {
 
 } // namespace
 
+bool cont::settle_bar_levels() {
+    State& s = state();
+    const bool forced = is_set(s.bar_max);
+    float high = forced ? s.bar_max : s.grid_max;
+    float low = forced ? s.bar_min : s.grid_min;
+    ask_interval();
+    take_bases(forced, &high, &low);
+    if ((!is_set(s.conlo) || forced) && !work_out_levels(high, low)) {
+        return false;
+    }
+    if (is_set(s.cont_value[0])) {
+        s.intrvl = level_width(0);
+    }
+    return s.num_cont >= 1 && s.num_cont <= most_boxes && s.intrvl != 0.0F && is_set(s.intrvl) &&
+           s.color_num > 0;
+}
+
 int CONT_draw_bar(int orient, const char* label) {
     bar.bar_inc = 0.0F;
     Glim view = {};
     PLT_get_view(&view);
-    if (orient != 1 || !settle_levels() || !lay_out(view)) {
+    if (orient != 1 || !settle_bar_levels() || !lay_out(view)) {
         return -1;
     }
     Gattribs text;

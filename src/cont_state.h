@@ -29,7 +29,7 @@ struct State {
     float grid_min = missing_f, grid_max = missing_f;
     float bar_min = missing_f, bar_max = missing_f;
     float min_cut = missing_f, max_cut = missing_f; // values outside draw nothing
-    bool intrvl_asked = false; // con_interval was read for values without an interval
+    bool levels_asked = false; // what is unset of base and interval was settled
 
     // How to draw.
     int cont_type = missing;
@@ -74,6 +74,10 @@ Extent regular_extent(float low, float high, float base, float intrvl);
 
 // Reads the resource con_interval when no interval is set.
 void ask_interval();
+
+// Fixes the levels that the bar shows from what is set and from the resources
+// con_interval and con_base. Returns whether they make a bar.
+bool settle_bar_levels();
 
 // Level i, and the distance to the next (1e6 behind the last explicit one).
 float level_at(int i);
