@@ -350,6 +350,8 @@ int MAP_lines(float dlat, float dlon) {
     const bool is_map = is_map_proj(MAP_get_proj());
     if (is_map) {
         if (!(dlat >= finest_step) || !(dlon >= finest_step)) {
+            MESS_print(mess_warn, "MAP_lines: Invalid steps of the grid: %g,%g\n",
+                       static_cast<double>(dlat), static_cast<double>(dlon));
             return -1;
         }
         draw_map_grid(dlat, dlon);
