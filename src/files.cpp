@@ -254,7 +254,9 @@ int FILE_make_dir(const char* path, int drop) {
     std::string name = path == nullptr ? "" : path;
     std::replace(name.begin(), name.end(), '\\', '/');
     const std::size_t slash = name.rfind('/');
-    if (FILE_exist(name.substr(0, slash == std::string::npos ? 0 : slash).c_str()) != 0) {
+    const std::string parent = slash == std::string::npos ? "" : name.substr(0, slash);
+    struct stat info {};
+    if (parent.empty() || stat_of(parent.c_str(), &info)) {
         return 1;
     }
     char** part = nullptr;

@@ -252,8 +252,8 @@ TEST_F(Files, Directories) {
     EXPECT_EQ(FILE_size("new/deep/f"), 0);
     EXPECT_EQ(FILE_is_dir("new/deep"), 1);
     EXPECT_EQ(FILE_make_dir("new/other", 1), 1);
-    EXPECT_EQ(FILE_make_dir("x\\y//z/f", 1), 0);
-    EXPECT_EQ(FILE_is_dir("x/y/z"), 1);
+    EXPECT_EQ(FILE_make_dir("std\\f", 1) + FILE_make_dir("std//z/f", 1), 0);
+    EXPECT_EQ(FILE_is_dir("std/z"), 1); // a directory may have the name of a stream
     EXPECT_EQ(FILE_delete("new/deep/f"), 0);
 }
 
