@@ -250,6 +250,7 @@ TEST(Map, Lists) {
     EXPECT_EQ(draw_map("35,-98,.3").maps, " us_cnty.map zyr.map");
     EXPECT_EQ(draw_map("35,-98,.3", map_under).maps, " rivers.map lakes.map");
     EXPECT_EQ(draw_map("13.8,145,.4").maps, " cont.map country.map");
+    EXPECT_TRUE(draw_map("pix,0,0,511").lines.empty()); // a page of numbers
 }
 
 // Lines of the world on every projection: no part of a picture is crossed by
