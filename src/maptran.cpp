@@ -180,6 +180,13 @@ Pair lambert(const Map& m, double lat, double lon) {
     return {r * std::sin(theta), -sgn * r * std::cos(theta)};
 }
 
+// Scale at a latitude (15-4).
+float lambert_scale(const Map& m, double lat) {
+    const double held = std::clamp(lat, -89.0, 89.0);
+    const Pair p = lambert(m, held, m.domain.plon);
+    return p.ok ? to_float(m.xfactor * std::fabs(p.second) / (R * cos_deg(held))) : 1.0F;
+}
+
 Pair lambert_inverse(const Map& m, double x, double y) {
     const double sgn = m.scale;
     const double n = m.xfactor;
@@ -894,7 +901,8 @@ float MAP_factor(float lat, float /*lon*/) {
         // Held near the far pole, where the scale has no bound.
         return static_cast<float>(1.866 / std::max(1.0e-6, 1.0 + sin_deg(lat)));
     case proj_lambert:
-        return map.domain.param[2];
+        // A domain may name it; one that does not has the scale of its cone.
+        return is_set(map.domain.param[2]) ? map.domain.param[2] : lambert_scale(map, lat);
     default:
         return 1.0F;
     }
