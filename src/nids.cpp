@@ -84,10 +84,11 @@ struct Stream {
     int zstat = 0;          // status of the last decompressor call
     InflateStream zs;
     BunzipStream bz;
-    int bytes = 0;  // delivered since the last reset
-    int nbytes = 0; // length of the page, 0: no limit
-    long total = 0; // bytes that came into `out` so far
-    int failed = 1; // result of the first read that failed
+    int bytes = 0;    // delivered since the last reset
+    int nbytes = 0;   // length of the page, 0: no limit
+    long total = 0;   // bytes that came into `out` so far
+    int failed = 1;   // result of the first read that failed
+    bool cut = false; // it failed where more had to come
 };
 Stream stream;
 
@@ -322,6 +323,7 @@ int read_bytes(Stream& s, unsigned char* data, int dsize, FILE* ifile) {
     for (int done = 0; done < dsize;) {
         if (s.failed == 1 && (s.oavail == 0 || s.comp_test)) {
             s.failed = fill(s, ifile);
+            s.cut = s.failed != 1;
         }
         if (s.failed != 1) {
             return s.failed;
@@ -334,6 +336,20 @@ int read_bytes(Stream& s, unsigned char* data, int dsize, FILE* ifile) {
     }
     s.bytes += dsize;
     return 1;
+}
+
+// The halfword with which a block or packet begins. The end of the product may
+// stand in its place, but not that of a compressed stream that is not whole.
+int read_start(FILE* ifile, std::uint16_t& value) {
+    const bool going = stream.failed == 1;
+    const int result = NIDS_read_short(reinterpret_cast<unsigned char*>(&value), ifile);
+    if (result < 1 && going) {
+        const bool unpacked =
+            stream.file_type == type_plain ||
+            stream.zstat == (stream.file_type == type_zlib ? Z_STREAM_END : BZ_STREAM_END);
+        stream.cut = result != -1 || !unpacked;
+    }
+    return result;
 }
 
 // Whether there was a byte.
@@ -482,7 +498,7 @@ int read_packet(FILE* ifile, int* code) {
     }
     walk.bin_at = walk.bin_end;
     std::uint16_t read_code = 0;
-    if (NIDS_read_short(reinterpret_cast<unsigned char*>(&read_code), ifile) < 1) {
+    if (read_start(ifile, read_code) < 1) {
         return -1;
     }
     *code = read_code;
@@ -694,11 +710,14 @@ int NIDS_prod_symb(FILE* ifile) {
         (nids_row(nids_compressed, code) != nullptr || (code >= 32 && header.pr_desc.p[8] == 1))) {
         stream.comp_test = true;
     }
-    std::array<int, 1> divider{};
-    if (ifile == nullptr || !read_shorts(ifile, divider)) {
+    // A product whose description tells of no block may end here.
+    const bool may_end = header.pr_desc.code != 0 && header.pr_desc.off_symb == 0;
+    std::uint16_t divider = 0;
+    if (ifile == nullptr || read_start(ifile, divider) < 1) {
+        stream.cut = stream.cut || !may_end;
         return 0;
     }
-    return read_block(ifile, walk.pr_symb, divider[0], 1);
+    return read_block(ifile, walk.pr_symb, static_cast<std::int16_t>(divider), 1);
 }
 
 int NIDS_prod_symb_layer(FILE* ifile) {
@@ -717,6 +736,10 @@ int NIDS_packet(FILE* ifile, int* code) {
 
 int NIDS_packet_status() {
     return walk.status;
+}
+
+int NIDS_is_whole() {
+    return stream.cut ? 0 : 1;
 }
 
 int NIDS_get_radial(FILE* ifile, float* sangle, float* dangle) {

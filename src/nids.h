@@ -143,6 +143,11 @@ int NIDS_packet(FILE* ifile, int* code);
 // packet is there to be walked if this is above 0.
 int NIDS_packet_status();
 
+// To be asked when the symbology block is done. 0 when the stream ended, or could
+// not be unpacked, where more had to come: in a header, a record, or in front of
+// the block. Else 1.
+int NIDS_is_whole();
+
 // Next radial: start angle and width, degrees. Next row. Return 1; 0 when the
 // packet has no more; -1 at the end of the stream.
 int NIDS_get_radial(FILE* ifile, float* sangle, float* dangle);

@@ -22,6 +22,7 @@ namespace {
 
 struct State {
     std::FILE* ifile = nullptr;       // the open product
+    char name[file_name_size] = "";   // of its file
     NIDS_info info;                   // its header
     char datim[date_label_size] = ""; // its date label
     int num_plt = 0;                  // limit on the storms plotted, 0: none
@@ -116,7 +117,12 @@ int NIDS_plot_summary() {
     frame.data = attributes("color_data", rad_plain_color());
     frame.grid = attributes("color_grid", "red");
     PLT_mess("NIDS Sum");
-    return NIDS_draw_packets(frame);
+    const int result = NIDS_draw_packets(frame);
+    if (NIDS_is_whole() == 0) {
+        MESS_print(mess_warn, "NIDS_plot_summary: The product is damaged or not whole:%s\n",
+                   nids.name);
+    }
+    return result;
 }
 
 int NIDS_plot_data() {
@@ -170,6 +176,7 @@ int NIDS_print_loc_elev(const char* str, float x, float y, float slat, float slo
 }
 
 int NIDS_open_file(const char* filename) {
+    copy_text(nids.name, sizeof nids.name, filename);
     nids.ifile = FILE_open(filename, "r");
     if (nids.ifile == nullptr) {
         MESS_print(mess_error, "NIDS_open_file: Unable to open file:%s\n", filename);

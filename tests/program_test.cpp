@@ -24,6 +24,7 @@ protected:
         for (const auto& [name, bytes] : nids_samples()) {
             if (name == "radial" || name == "raster" || name == "precip") {
                 dir.write(name, {bytes.begin(), bytes.end()});
+                dir.write(name + "_cut", {bytes.begin(), bytes.end() - 9});
             }
         }
     }
@@ -155,6 +156,8 @@ TEST_F(ProgramTest, FaultsThatEndTheRun) {
              {"radial -de p,radial/x",  4,  "gopen_ws: unable to open postscript file\n\n" + closed},
              {"radial -inp nowrad",     10, other + "nowrad\n"                                     },
              {"radial -inp=",           10, other + "radar summary\n"                              },
+             {"radial_cut -de p,x",     0,
+              "NIDS_plot_summary: The product is damaged or not whole:radial_cut\n"                },
              {"radial -dr any -de p,x", 0,  "PLT_open: Nothing to draw: any\n"                     },
              {"-if rcmsite -inp what",  10, other + "what\n"                                       },
     }) {
