@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -119,7 +120,7 @@ bool is_alive(const WindowId& id) {
 }
 
 int held_side(long side, int usual) {
-    return side <= 0 ? usual : static_cast<int>(std::min(side, 32767L));
+    return side <= 0 ? usual : static_cast<int>(std::clamp<long>(side, min_side, 32767));
 }
 
 void attach(const WindowId& id) {
@@ -185,7 +186,7 @@ struct Part {
 // Device units of a part, within the drawable.
 void place_part(Part part, int side, int* offset, int* size) {
     const auto whole = static_cast<float>(side);
-    *size = static_cast<int>(std::clamp(whole * part.size, 1.0F, whole));
+    *size = static_cast<int>(std::clamp(whole * part.size, float{min_side}, whole));
     *offset =
         static_cast<int>(std::clamp(whole * part.offset, 0.0F, static_cast<float>(side - *size)));
 }
@@ -198,7 +199,7 @@ void set_panel(const char* text) {
     for (float& number : panel) {
         char* end = nullptr;
         const float value = std::strtof(text, &end);
-        if (end == text || value != value)
+        if (end == text || !std::isfinite(value))
             break;
         number = value;
         if (*separators == '\0' || *end != *separators)
@@ -235,8 +236,8 @@ void set_area(const char* text) {
     const int count = read_numbers(text, 10, "x++", fields);
     if (count < 2)
         return;
-    const auto w = static_cast<int>(std::clamp<long>(width, 1, gdisp().root_width));
-    const auto h = static_cast<int>(std::clamp<long>(height, 1, gdisp().root_height));
+    const auto w = static_cast<int>(std::clamp<long>(width, min_side, gdisp().root_width));
+    const auto h = static_cast<int>(std::clamp<long>(height, min_side, gdisp().root_height));
     gset_xsize(w, h);
     if (count == 4)
         gset_xoff(static_cast<int>(std::clamp<long>(x, 0, gdisp().root_width)),
