@@ -55,9 +55,8 @@ protected:
         call.env.try_emplace("zyrdefault", ZYR_SOURCE_DIR "/etc");
         call.directory = dir.path();
         std::istringstream words("-inp nids " + args);
-        for (std::string word; words >> word;) {
+        for (std::string word; words >> word;)
             call.args.push_back(word);
-        }
         return std::make_unique<RunningProgram>(ZYR_PROGRAM, call);
     }
     // Starts the program and waits for its picture; the pointer is in the window.

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <fstream>
@@ -40,78 +40,63 @@ int pass_over(Display*, XErrorEvent*) {
 // State, processor time and changes of a process: equal texts, with the state
 // asleep, mean that it did nothing in between.
 std::string activity(int pid) {
-    const std::string dir = "/proc/" + std::to_string(pid);
-    std::ifstream status(dir + "/status");
+    std::ifstream status("/proc/" + std::to_string(pid) + "/status");
     std::string all;
-    for (std::string line; std::getline(status, line);) {
-        if (line.starts_with("State:") || line.find("ctxt_switches") != std::string::npos) {
+    for (std::string line; std::getline(status, line);)
+        if (line.starts_with("State:") || line.find("ctxt_switches") != std::string::npos)
             all += line + ";";
-        }
-    }
     return all;
 }
 
 // Eight bits of a component under its mask in a pixel.
 std::uint32_t component(unsigned long pixel, unsigned long mask) {
-    if (mask == 0) {
-        return 0;
-    }
-    const unsigned long lowest = mask & (~mask + 1);
-    const auto value = static_cast<std::uint32_t>((pixel & mask) / lowest);
-    const auto most = static_cast<std::uint32_t>(mask / lowest);
-    std::uint32_t bits = 0;
-    while ((most >> bits) != 0) {
-        bits++;
-    }
+    const auto value = static_cast<std::uint32_t>((pixel & mask) >> std::countr_zero(mask));
+    const int bits = std::popcount(mask);
     return bits > 8 ? value >> (bits - 8) : value << (8 - bits);
 }
 
-// The colour of every pixel value of a colour map of up to 256 cells.
-std::vector<std::uint32_t> cells(Display* display, Colormap map) {
-    std::array<XColor, 256> colors{};
-    for (std::size_t i = 0; i < colors.size(); i++) {
-        colors[i].pixel = i;
-    }
-    XQueryColors(display, map, colors.data(), static_cast<int>(colors.size()));
-    std::vector<std::uint32_t> rgb;
-    for (const XColor& color : colors) {
-        rgb.push_back((color.red >> 8U) << 16U | (color.green >> 8U) << 8U | color.blue >> 8U);
-    }
-    return rgb;
-}
-
 Picture read_drawable(Display* display, Drawable drawable, int width, int height, Colormap map) {
-    Picture picture;
-    const Visual* visual = DefaultVisual(display, DefaultScreen(display));
     const std::unique_ptr<XImage, FreeImage> image(
         XGetImage(display, drawable, 0, 0, static_cast<unsigned>(width),
                   static_cast<unsigned>(height), AllPlanes, ZPixmap));
-    if (image == nullptr) {
-        return picture;
-    }
-    picture = {width, height, {}};
+    if (image == nullptr)
+        return {};
+    const Visual* visual = DefaultVisual(display, DefaultScreen(display));
+    std::array<XColor, 256> cells{}; // of the colour map, if the pixels are numbers of such
+    const bool mapped = image->depth <= 8;
+    for (std::size_t i = 0; i < cells.size(); i++)
+        cells[i].pixel = i;
+    if (mapped)
+        XQueryColors(display, map, cells.data(), static_cast<int>(cells.size()));
+    Picture picture = {width, height, {}};
     picture.rgb.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    const std::vector<std::uint32_t> table =
-        image->depth <= 8 ? cells(display, map) : std::vector<std::uint32_t>{};
     for (int y = 0; y < height; y++) {
         for (int x = 0; x < width; x++) {
             const unsigned long pixel = XGetPixel(image.get(), x, y);
-            picture.rgb.push_back(image->depth <= 8
-                                      ? table[pixel & 255U]
-                                      : component(pixel, visual->red_mask) << 16U |
-                                            component(pixel, visual->green_mask) << 8U |
-                                            component(pixel, visual->blue_mask));
+            const XColor& cell = cells[pixel & 255U];
+            picture.rgb.push_back(mapped ? (cell.red >> 8U) << 16U | (cell.green >> 8U) << 8U |
+                                               cell.blue >> 8U
+                                         : component(pixel, visual->red_mask) << 16U |
+                                               component(pixel, visual->green_mask) << 8U |
+                                               component(pixel, visual->blue_mask));
         }
     }
     return picture;
 }
 
+// The text that such a call of Xlib gives for a window; empty if there is none.
+std::string text_of(int (*fetch)(Display*, Window, char**), Display* display, Window window) {
+    char* text = nullptr;
+    const bool there = fetch(display, window, &text) != 0;
+    const std::unique_ptr<char, FreeX> owner(text);
+    return there && text != nullptr ? text : "";
+}
+
 bool is_plot(Display* display, Window window) {
     XClassHint hint{};
     XWindowAttributes attributes{};
-    if (XGetClassHint(display, window, &hint) == 0) {
+    if (XGetClassHint(display, window, &hint) == 0)
         return false;
-    }
     const std::unique_ptr<char, FreeX> name(hint.res_name);
     const std::unique_ptr<char, FreeX> kind(hint.res_class);
     return std::strcmp(kind.get(), "Zyr") == 0 &&
@@ -119,34 +104,13 @@ bool is_plot(Display* display, Window window) {
            attributes.map_state == IsViewable;
 }
 
-// A window manager puts the plot's window into one of its own.
-Window find_below(Display* display, Window parent) {
-    Window root = 0;
-    Window up = 0;
-    Window* children = nullptr;
-    unsigned count = 0;
-    if (XQueryTree(display, parent, &root, &up, &children, &count) == 0) {
-        return 0;
-    }
-    const std::unique_ptr<Window, FreeX> owner(children);
-    for (unsigned i = 0; i < count; i++) {
-        const Window child = children[i];
-        const Window found = is_plot(display, child) ? child : find_below(display, child);
-        if (found != 0) {
-            return found;
-        }
-    }
-    return 0;
-}
-
 } // namespace
 
 bool wait_until(const std::function<bool()>& done, double seconds) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
     while (!done()) {
-        if (std::chrono::steady_clock::now() > end) {
+        if (std::chrono::steady_clock::now() > end)
             return done();
-        }
         usleep(4000);
     }
     return true;
@@ -158,9 +122,8 @@ XServer::XServer(int depth, int width, int height) {
     const std::string size =
         std::to_string(width) + "x" + std::to_string(height) + "x" + std::to_string(depth);
     std::array<int, 2> ends{};
-    if (pipe(ends.data()) != 0) {
+    if (pipe(ends.data()) != 0)
         return;
-    }
     pid_ = fork();
     if (pid_ == 0) {
         prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -174,18 +137,10 @@ XServer::XServer(int depth, int width, int height) {
         _exit(127);
     }
     close(ends[1]);
-    std::array<char, 16> text{}; // the number and a line end, when it is ready
-    std::size_t length = 0;
-    ssize_t got = 0;
-    while (length + 1 < text.size() && std::strchr(text.data(), '\n') == nullptr &&
-           (got = read(ends[0], &text[length], text.size() - 1 - length)) > 0) {
-        length += static_cast<std::size_t>(got);
-    }
-    close(ends[0]);
-    if (char* end = std::strchr(text.data(), '\n')) {
-        *end = '\0';
-        name_ = std::string(":") + text.data();
-    }
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> ready(fdopen(ends[0], "r"), &std::fclose);
+    std::array<char, 16> number{}; // of the display, when it is ready
+    if (std::fgets(number.data(), static_cast<int>(number.size()), ready.get()) != nullptr)
+        name_ = ":" + std::to_string(std::strtol(number.data(), nullptr, 10));
 }
 
 XServer::~XServer() {
@@ -212,13 +167,11 @@ std::ostream& operator<<(std::ostream& out, const Picture& picture) {
 }
 
 int pixels_that_differ(const Picture& a, const Picture& b) {
-    if (a.width != b.width || a.height != b.height) {
+    if (a.width != b.width || a.height != b.height)
         return std::max(a.width * a.height, b.width * b.height);
-    }
     int count = 0;
-    for (std::size_t i = 0; i < a.rgb.size(); i++) {
+    for (std::size_t i = 0; i < a.rgb.size(); i++)
         count += a.rgb[i] != b.rgb[i] ? 1 : 0;
-    }
     return count;
 }
 
@@ -229,26 +182,31 @@ XUser::XUser(const std::string& display) : display_(XOpenDisplay(display.c_str()
 }
 
 Window XUser::find_window() const {
-    Window window = 0;
+    Window found = 0;
     wait_until([&] {
-        window = find_below(display(), DefaultRootWindow(display()));
-        return window != 0;
+        Window root = 0;
+        Window parent = 0;
+        Window* children = nullptr;
+        unsigned count = 0;
+        XQueryTree(display(), DefaultRootWindow(display()), &root, &parent, &children, &count);
+        const std::unique_ptr<Window, FreeX> owner(children);
+        for (unsigned i = 0; i < count && found == 0; i++)
+            found = is_plot(display(), children[i]) ? children[i] : 0;
+        return found != 0;
     });
-    return window;
+    return found;
 }
 
 bool XUser::settle(int pid) const {
     return wait_until([&] {
         const std::string before = activity(pid);
-        if (before.find("State:\tS") == std::string::npos) {
+        if (before.find("State:\tS") == std::string::npos)
             return before.empty() || before.find("State:\tZ") != std::string::npos;
-        }
         for (int i = 0; i < 6; i++) {
             XSync(display(), False);
             usleep(5000);
-            if (activity(pid) != before) {
+            if (activity(pid) != before)
                 return false;
-            }
         }
         return true;
     });
@@ -257,34 +215,26 @@ bool XUser::settle(int pid) const {
 Picture XUser::look(Window window) const {
     XWindowAttributes attributes{};
     XSync(display(), False);
-    if (XGetWindowAttributes(display(), window, &attributes) == 0) {
+    if (XGetWindowAttributes(display(), window, &attributes) == 0)
         return {};
-    }
     return read_drawable(display(), window, attributes.width, attributes.height,
                          attributes.colormap);
 }
 
 std::string XUser::title(Window window) const {
-    char* name = nullptr;
-    const bool there = XFetchName(display(), window, &name) != 0;
-    const std::unique_ptr<char, FreeX> owner(name);
-    return there ? name : "";
+    return text_of(XFetchName, display(), window);
 }
 
 std::string XUser::icon_title(Window window) const {
-    char* name = nullptr;
-    const bool there = XGetIconName(display(), window, &name) != 0;
-    const std::unique_ptr<char, FreeX> owner(name);
-    return there ? name : "";
+    return text_of(XGetIconName, display(), window);
 }
 
 std::map<std::string, int> XUser::resources(Window window) const {
     int count = 0;
     XResType* types = nullptr;
     std::map<std::string, int> all;
-    if (XResQueryClientResources(display(), window, &count, &types) == 0) {
+    if (XResQueryClientResources(display(), window, &count, &types) == 0)
         return all;
-    }
     const std::unique_ptr<XResType, FreeX> owner(types);
     for (int i = 0; i < count; i++) {
         const std::unique_ptr<char, FreeX> name(XGetAtomName(display(), types[i].resource_type));
@@ -306,11 +256,9 @@ void XUser::hold(unsigned modifiers, bool down) const {
     constexpr std::array<Key, 3> keys = {
         {{alt, XK_Alt_L}, {shift, XK_Shift_L}, {control, XK_Control_L}}
     };
-    for (const Key& key : keys) {
-        if ((modifiers & key.modifier) != 0) {
+    for (const Key& key : keys)
+        if ((modifiers & key.modifier) != 0)
             XTestFakeKeyEvent(display(), XKeysymToKeycode(display(), key.sym), down ? 1 : 0, 0);
-        }
-    }
     XSync(display(), False);
 }
 
@@ -322,21 +270,10 @@ void XUser::key(KeySym sym, unsigned modifiers) const {
     hold(modifiers, false);
 }
 
-void XUser::press(unsigned button, unsigned modifiers) const {
+void XUser::button(unsigned n, bool down, unsigned modifiers) const {
     hold(modifiers, true);
-    XTestFakeButtonEvent(display(), button, True, 0);
+    XTestFakeButtonEvent(display(), n, down ? 1 : 0, 0);
     hold(modifiers, false);
-}
-
-void XUser::release(unsigned button, unsigned modifiers) const {
-    hold(modifiers, true);
-    XTestFakeButtonEvent(display(), button, False, 0);
-    hold(modifiers, false);
-}
-
-void XUser::click(unsigned button, unsigned modifiers) const {
-    press(button, modifiers);
-    release(button, modifiers);
 }
 
 void XUser::resize(Window window, int width, int height) const {
@@ -355,29 +292,44 @@ void XUser::map(Window window) const {
 }
 
 void XUser::cover(Window window) const {
-    XWindowAttributes attributes{};
-    XGetWindowAttributes(display(), window, &attributes);
+    XWindowAttributes at{};
+    XGetWindowAttributes(display(), window, &at);
     XSetWindowAttributes look{};
-    look.background_pixel = 0x5A5A5A & ((1UL << static_cast<unsigned>(attributes.depth)) - 1);
+    look.background_pixel = 0x5A5A5A & ((1UL << static_cast<unsigned>(at.depth)) - 1);
     look.override_redirect = True;
-    const Window above = XCreateWindow(
-        display(), DefaultRootWindow(display()), attributes.x, attributes.y,
-        static_cast<unsigned>(attributes.width + 2 * attributes.border_width),
-        static_cast<unsigned>(attributes.height + 2 * attributes.border_width), 0, CopyFromParent,
-        InputOutput, CopyFromParent, CWBackPixel | CWOverrideRedirect, &look);
-    XMapRaised(display(), above);
-    XSync(display(), False);
+    const Window above =
+        XCreateWindow(display(), DefaultRootWindow(display()), at.x, at.y,
+                      static_cast<unsigned>(at.width + 2 * at.border_width),
+                      static_cast<unsigned>(at.height + 2 * at.border_width), 0, CopyFromParent,
+                      InputOutput, CopyFromParent, CWBackPixel | CWOverrideRedirect, &look);
+    map(above);
     XDestroyWindow(display(), above);
     XSync(display(), False);
 }
 
 void XUser::send(Window window, int code) const {
     XEvent event{};
-    event.xclient.type = ClientMessage;
-    event.xclient.window = window;
     event.xclient.message_type = request_type;
     event.xclient.format = 8;
     event.xclient.data.b[0] = static_cast<char>(code);
+    send(window, event);
+}
+
+void XUser::close(Window window) const {
+    Atom* protocols = nullptr; // that the window takes part in: this one alone
+    int count = 0;
+    XGetWMProtocols(display(), window, &protocols, &count);
+    const std::unique_ptr<Atom, FreeX> owner(protocols);
+    XEvent event{};
+    event.xclient.message_type = XInternAtom(display(), "WM_PROTOCOLS", False);
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = count == 1 ? static_cast<long>(*protocols) : 0;
+    send(window, event);
+}
+
+void XUser::send(Window window, XEvent event) const {
+    event.xclient.type = ClientMessage;
+    event.xclient.window = window;
     XSendEvent(display(), window, True, NoEventMask, &event);
     XSync(display(), False);
 }
@@ -429,9 +381,8 @@ std::vector<int> LoopWindow::serve(const std::function<void()>& busy) {
     XEvent event{};
     while (XCheckTypedWindowEvent(display, window_, ClientMessage, &event) != 0) {
         const XClientMessageEvent& message = event.xclient;
-        if (message.message_type != request_type || message.format != 8) {
+        if (message.message_type != request_type || message.format != 8)
             continue;
-        }
         codes.push_back(message.data.b[0]);
         if (codes.back() == 2) {
             XStoreName(display, window_, (std::string(loop_title) + " +").c_str());

@@ -43,7 +43,8 @@ struct Picture {
     std::vector<std::uint32_t> rgb;
 
     [[nodiscard]] std::uint32_t at(int x, int y) const {
-        return rgb[static_cast<std::size_t>(y * width + x)];
+        return rgb[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+                   static_cast<std::size_t>(x)];
     }
     [[nodiscard]] int colors() const; // number of different ones
     bool operator==(const Picture&) const = default;
@@ -77,20 +78,29 @@ public:
     // The pointer goes to a pixel of the window. Keys go where the pointer is.
     void point(Window window, int x, int y) const;
     void key(KeySym sym, unsigned modifiers = no_modifier) const;
-    void press(unsigned button, unsigned modifiers = no_modifier) const;
-    void release(unsigned button, unsigned modifiers = no_modifier) const;
-    void click(unsigned button, unsigned modifiers = no_modifier) const;
+    void press(unsigned n, unsigned modifiers = no_modifier) const { button(n, true, modifiers); }
+    void release(unsigned n, unsigned modifiers = no_modifier) const {
+        button(n, false, modifiers);
+    }
+    void click(unsigned n, unsigned modifiers = no_modifier) const {
+        press(n, modifiers);
+        release(n, modifiers);
+    }
 
     void resize(Window window, int width, int height) const;
     void iconify(Window window) const; // as without a window manager: unmaps it
     void map(Window window) const;
     // Covers all of the window for a moment.
     void cover(Window window) const;
-    // What a program attached to the window sends to it.
+    // What a program attached to the window sends to it, and a window manager
+    // that is to close it.
     void send(Window window, int code) const;
+    void close(Window window) const;
 
 private:
     void hold(unsigned modifiers, bool down) const;
+    void button(unsigned n, bool down, unsigned modifiers) const;
+    void send(Window window, XEvent event) const;
 
     struct Closer {
         void operator()(Display* display) const { XCloseDisplay(display); }
