@@ -163,6 +163,9 @@ void client_message(const XClientMessageEvent& event) {
     constexpr char ask_frame = 2;
     constexpr char ask_end = 9;
     constexpr int bytes_format = 8;
+    constexpr int longs_format = 32;
+    if (event.format == longs_format && static_cast<Atom>(event.data.l[0]) == gget_close_atom())
+        evnt.input_mode = input_leave;
     if (event.format != bytes_format)
         return;
     if (event.data.b[0] == ask_end)

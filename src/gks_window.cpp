@@ -173,6 +173,10 @@ void tell_window_manager(XSizeHints* hints) {
     copy_text(name.data(), name.size(), gget_prog_name());
     XClassHint hint{name.data(), kind.data()};
     XSetClassHint(display, gdisp().root_window, &hint);
+
+    // Closing the window ends the hold; else it would end the connection.
+    Atom close = gget_close_atom();
+    XSetWMProtocols(display, gdisp().root_window, &close, 1);
 }
 
 // The window is up when its first event comes, which stays for the event loop.
@@ -203,6 +207,10 @@ int unable() {
 const char* gchosen_geometry() {
     return gdisp_settings().geometry[0] != '\0' ? gdisp_settings().geometry.data()
                                                 : RES_get("geometry");
+}
+
+Atom gget_close_atom() {
+    return XInternAtom(gdisp().display, "WM_DELETE_WINDOW", False);
 }
 
 int gset_geometry(const char* geometry) {

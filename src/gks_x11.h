@@ -27,6 +27,7 @@ unsigned long gget_fore_pixel();
 unsigned long gget_back_pixel();
 // Errors counted by the handler.
 int gget_num_error();
+Atom gget_close_atom(); // of the window manager's wish that the window closes
 // `print` 0: errors are kept from the user and only noted until a call with 1,
 // which syncs and returns whether one came.
 int gtrap_errors(int print);

@@ -299,6 +299,10 @@ TEST_F(EventsTest, MessagesOfAttachedPrograms) {
     user->send(window, 9);
     serve();
     EXPECT_EQ(gget_input_mode(), 0);
+    gset_input_mode(1);
+    user->close(window); // with the window manager's button
+    serve();
+    EXPECT_EQ(gget_input_mode(), 0);
 }
 
 // A held window is left with Return, and looked after by the clock until then.
