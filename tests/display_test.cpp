@@ -50,6 +50,9 @@ protected:
         user = std::make_unique<XUser>(*server);
         for (const char* name : {"zyrwindow", "WINDOW", "zyrinverse", "zyrlocal_cmap"})
             unsetenv(name);
+        gset_rw_colors(1); // a display without writable cells has put it off for good
+        gset_background("");
+        gset_geometry("");
         gopen_gks(nullptr, 10000);
     }
     int open(Gws_type type = ws_window, const std::string& rest = "") const {
@@ -94,18 +97,12 @@ TEST_P(Depths, ColorsReachTheScreen) {
     ASSERT_EQ(picture.width, 640);
     ASSERT_EQ(picture.height, 512);
     const bool writable = GetParam() == 8;
-    const auto near = [](std::uint32_t a, std::uint32_t b) {
-        int most = 0;
-        for (const int shift : {0, 8, 16})
-            most = std::max(most, std::abs(static_cast<int>(a >> shift & 255U) -
-                                           static_cast<int>(b >> shift & 255U)));
-        return most <= (GetParam() == 16 ? 8 : 0);
-    };
+    const std::uint32_t kept = GetParam() == 16 ? 0xf8fcf8 : 0xffffff;
     const std::array<std::uint32_t, 4> seen = {picture.at(192, 320), picture.at(358, 320),
                                                picture.at(192, 150), picture.at(5, 5)};
     const std::array<std::uint32_t, 4> expected = {writable ? blue : red, green, blue, 0x204060};
     for (std::size_t i = 0; i < seen.size(); ++i)
-        EXPECT_TRUE(near(seen[i], expected[i])) << i << std::hex << ": " << seen[i];
+        EXPECT_EQ(seen[i], expected[i] & kept) << i;
     int grn = 0;
     int rest = 0;
     gget_color_rgb256(-1, &rest, &grn, &rest);
@@ -261,15 +258,6 @@ TEST_F(AtDisplay, ErrorsOfTheServerEndTheRun) {
     };
     EXPECT_EXIT(draw_on_nothing(), testing::ExitedWithCode(4),
                 "X11 error: BadDrawable.* in X_(.|\n)*too many errors");
-    const auto lose_connection = [&] {
-        const XUser other(*server);
-        if (open() != 0)
-            return;
-        XKillClient(other.display(), other.find_window());
-        XSync(other.display(), False);
-        gsync();
-    };
-    EXPECT_EXIT(lose_connection(), testing::ExitedWithCode(4), "Fatal X11 Error");
 }
 
 } // namespace
