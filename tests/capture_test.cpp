@@ -6,6 +6,7 @@
 #include "zyrresrc.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <filesystem>
 #include <memory>
@@ -19,9 +20,8 @@ constexpr std::initializer_list<int> depths = {24, 16, 8};
 
 // By the kind's own reader: there is no display that would bound the depth.
 Picture read_picture(const std::string& name, const std::string& kind) {
-    if (kind == "png") {
+    if (kind == "png")
         return read_png(name);
-    }
     IMG_report image;
     image.depth = 32;
     const int status = kind == "gif"   ? GIF_read(name.c_str(), &image, 0)
@@ -35,19 +35,16 @@ Picture read_picture(const std::string& name, const std::string& kind) {
 // A colour map's components above 0.99 count as full.
 Picture as_captured(Picture picture, int depth) {
     for (std::uint32_t& pixel : picture.rgb) {
-        for (const unsigned shift : {0U, 8U, 16U}) {
-            if (depth == 8 && (pixel >> shift & 255U) > 252) {
+        for (const unsigned shift : {0U, 8U, 16U})
+            if (depth == 8 && (pixel >> shift & 255U) > 252)
                 pixel |= 255U << shift;
-            }
-        }
     }
     return picture;
 }
 
 Picture averages(Picture picture) {
-    for (std::uint32_t& pixel : picture.rgb) {
+    for (std::uint32_t& pixel : picture.rgb)
         pixel = ((pixel >> 16U) + (pixel >> 8U & 255U) + (pixel & 255U)) / 3 * 0x10101;
-    }
     return picture;
 }
 
@@ -60,40 +57,30 @@ std::uint8_t pattern(int x, int y, int bits) {
     return static_cast<std::uint8_t>((x / 3 + y / 2) % count);
 }
 
-// A picture of 24 bits, or of a palette with 8, 4 or 1 bits a pixel.
+// A picture of 24 bits, or of a palette with 8, 4 or 1 bits a pixel: as few as its
+// colours need.
 void write_png(const std::string& name, int bits, int width, int height) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(name.c_str(), "wb"),
-                                                               &std::fclose);
-    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    png_infop info = png_create_info_struct(png);
-    std::vector<png_color> palette;
-    for (const std::uint32_t c : colors) {
-        palette.push_back({static_cast<png_byte>(c >> 16U), static_cast<png_byte>(c >> 8U),
-                           static_cast<png_byte>(c)});
+    constexpr int many = 17; // more than four bits count
+    std::array<png_byte, std::size_t{3} * many> palette{};
+    for (std::size_t i = 0; i < 3 * std::size(colors); i++)
+        palette[i] = static_cast<png_byte>(colors[i / 3] >> (16 - 8 * (i % 3)));
+    std::vector<png_byte> data;
+    for (int i = 0; i < width * height; i++) {
+        const std::uint8_t index = pattern(i % width, i / width, bits);
+        const auto first = palette.begin() + 3 * index;
+        if (bits == 24)
+            data.insert(data.end(), first, first + 3);
+        else
+            data.push_back(index);
     }
-    png_init_io(png, file.get());
-    png_set_IHDR(png, info, static_cast<png_uint_32>(width), static_cast<png_uint_32>(height),
-                 bits == 24 ? 8 : bits, bits == 24 ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_PALETTE,
-                 PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    if (bits != 24) {
-        png_set_PLTE(png, info, palette.data(), bits == 1 ? 2 : static_cast<int>(palette.size()));
-    }
-    png_write_info(png, info);
-    png_set_packing(png);
-    for (int y = 0; y < height; y++) {
-        std::vector<png_byte> row;
-        for (int x = 0; x < width; x++) {
-            const std::uint8_t index = pattern(x, y, bits);
-            if (bits != 24) {
-                row.push_back(index);
-                continue;
-            }
-            row.insert(row.end(), {palette[index].red, palette[index].green, palette[index].blue});
-        }
-        png_write_row(png, row.data());
-    }
-    png_write_end(png, info);
-    png_destroy_write_struct(&png, &info);
+    png_image png{};
+    png.version = PNG_IMAGE_VERSION;
+    png.width = static_cast<png_uint_32>(width);
+    png.height = static_cast<png_uint_32>(height);
+    png.format = bits == 24 ? PNG_FORMAT_RGB : PNG_FORMAT_RGB_COLORMAP;
+    png.colormap_entries = bits == 8 ? many : bits == 4 ? std::size(colors) : 2;
+    ASSERT_NE(png_image_write_to_file(&png, name.c_str(), 0, data.data(), 0, palette.data()), 0);
+    EXPECT_EQ(read_text(name).at(24), bits == 24 ? 8 : bits) << "a sample's bits, by the header";
 }
 
 // Pixels beyond the table, which all are its entry 0.
@@ -144,9 +131,8 @@ TEST_F(CaptureTest, FilesAgreeWithTheWindow) {
         const Picture seen = as_captured(picture_of("disc -ge 403x301 -pp full"), depth);
         ASSERT_GT(seen.colors(), 8);
         for (const Row& row : rows) {
-            if (row.depth != 0 && row.depth != depth) {
+            if (row.depth != 0 && row.depth != depth)
                 continue;
-            }
             const std::string name = file(std::string("shot.") + row.kind);
             std::remove(name.c_str());
             const ProgramRun run = dump(std::string("disc -ge 403x301 ") + row.option);
@@ -196,11 +182,10 @@ TEST_F(CaptureTest, ImagesLieOverThePlot) {
     std::string list = "s+9999:none";
     for (const Row& row : rows) {
         std::string name = std::to_string(&row - rows);
-        if (row.bits == 0) {
+        if (row.bits == 0)
             write_xwd_beyond(file(name), row.width, row.height);
-        } else {
+        else
             write_png(file(name), row.bits, row.width, row.height);
-        }
         list.append(",").append(row.kind).append(":").append(name).append(row.rest);
     }
     std::replace(list.begin(), list.end(), ',', ' ');
@@ -216,15 +201,13 @@ TEST_F(CaptureTest, ImagesLieOverThePlot) {
                 for (int x = std::max(0, -row.x); x < std::min(row.width, 401 - row.x); x++) {
                     const std::uint32_t pixel =
                         row.bits == 0 ? 0xFF0000 : colors[pattern(x, y, row.bits)];
-                    if (pixel != row.clear) {
+                    if (pixel != row.clear)
                         expected.rgb[(row.y + y) * 401 + row.x + x] = pixel;
-                    }
                 }
             }
         }
-        for (std::uint32_t& pixel : expected.rgb) {
+        for (std::uint32_t& pixel : expected.rgb)
             pixel &= depth == 16 ? 0xF8FCF8 : 0xFFFFFF;
-        }
         const Picture seen = picture_of(plot + "fi:" + file("images.lst"));
         EXPECT_EQ(pixels_that_differ(seen, expected), 0) << depth;
     }
@@ -250,9 +233,8 @@ TEST_F(CaptureTest, OddRecordsAreDrawnOrRefused) {
             image.bytes_line = image.width * std::max(image.bits_pixel, 1) / 8 + below(5);
             image.byte_order = below(2);
             image.red = below(2) == 0 ? 0xFF0000U : static_cast<unsigned>(random());
-            if (below(2) == 0) {
+            if (below(2) == 0)
                 IMG_alloc_colors(&image, 1 + below(300));
-            }
             if (IMG_alloc(&image) != 0) {
                 std::generate_n(image.data, image.bytes_line * image.height, random);
                 const int x = static_cast<int>(random());
@@ -322,9 +304,8 @@ TEST_F(CaptureTest, ZyrshotMakesPicturesWithoutADisplay) {
         call.env["zyrdefault"] = ZYR_SOURCE_DIR "/etc";
         call.directory = dir.path();
         std::istringstream words(row.args);
-        for (std::string word; words >> word;) {
+        for (std::string word; words >> word;)
             call.args.push_back(word);
-        }
         running.push_back(std::make_unique<RunningProgram>(script, call));
     }
     for (const Row& row : rows) {
