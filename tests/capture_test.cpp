@@ -255,21 +255,19 @@ TEST_F(CaptureTest, WhatCannotBeDoneIsTold) {
         const char* err;
     };
     constexpr Row rows[] = {
-        {"-ba disc -mf im:none.png,lalo",              "MAP_process: Image file not found: none.png\n"                          },
-        {"-ba disc -mf im:torn.png,lalo",              "MAP_process: Unable to draw image: torn.png\n"                          },
+        {"-ba disc -pp png=shot.png -mf im:none.png,lalo",
+         "MAP_process: Image file not found: none.png\n"                                                                        },
+        {"-ba disc -pp png=shot.png -mf im:torn.png,lalo",
+         "MAP_process: Unable to draw image: torn.png\n"                                                                        },
         {"-de p,o.ps disc -mf im:i.png,im:i.png,lalo",
          "MAP_process: Images are drawn in a window alone: i.png\n"                                                             },
-        {"-de p,o.ps disc -pp png=o.png",              "PLT_dump: Images are taken of a window alone\n"
+        {"-de p,o.ps disc -pp png=o.png",                  "PLT_dump: Images are taken of a window alone\n"
                                           "PLT_dump: Unable to write PNG file: o.png\n"},
         {"-ba disc -pp gif=/proc/o.gif",
          "Unable to open GIF file\nPLT_dump: Unable to write GIF file: /proc/o.gif\n"                                           },
     };
     for (const Row& row : rows) {
-        const std::string more =
-            std::strstr(row.args, "-ba") != nullptr && std::strstr(row.args, "-pp") == nullptr
-                ? " -pp png=shot.png"
-                : "";
-        const ProgramRun run = launch(std::string("-me warn ") + row.args + more)->wait();
+        const ProgramRun run = launch(std::string("-me warn ") + row.args)->wait();
         EXPECT_EQ(run.code, 0) << row.args;
         EXPECT_EQ(run.err, row.err) << row.args;
     }
