@@ -189,28 +189,3 @@ TEST_F(WindowTest, ReplotsHoldNothingBack) {
 #endif
     leave();
 }
-
-// What the window keeps of a plot is what a metafile of the plot itself holds.
-TEST_F(WindowTest, MetafileHoldsThePlot) {
-    const auto figures = [&](const std::string& name) {
-        std::istringstream in(read_text(dir.path() + "/" + name));
-        std::map<std::string, int> count;
-        for (std::string word; in >> word;)
-            if (word == "FA" || word == "PL" || word == "TE" || word == "CLR")
-                count[word]++;
-        return count;
-    };
-    start("disc -me mess");
-    user->key(XK_m, alt);
-    EXPECT_TRUE(said("Created metafile\n")) << program->out();
-    leave();
-    ASSERT_EQ(end_of("disc -de m,direct").code, 0);
-    EXPECT_EQ(figures("direct").size(), 4U);
-    EXPECT_EQ(figures("zyr.meta"), figures("direct"));
-    start("disc -dr sum", {
-                              {"zyrredraw", "no"}
-    });
-    user->key(XK_m, alt);
-    EXPECT_TRUE(said("gobj_print_meta: No redraw data to make metafile from\n"));
-    leave();
-}
