@@ -4,6 +4,7 @@
 
 #include "date.h"
 #include "date_text.h"
+#include "feed_stdin.h"
 #include "name_tmpl.h"
 #include "run_program.h"
 #include "zyrresrc.h"

@@ -2,6 +2,7 @@
 // arguments and conversions, the loop window link, prompts and menus. The cases
 // that start the database want a process of their own, as ctest gives them.
 #include "date_text.h"
+#include "feed_stdin.h"
 #include "files.h"
 #include "mqueue.h"
 #include "queue_peer.h"

@@ -10,6 +10,7 @@
 #include <sstream>
 #include <string>
 
+#include "feed_stdin.h"
 #include "files.h"
 #include "maptran.h"
 #include "run_program.h"

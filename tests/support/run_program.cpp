@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <iterator>
 #include <memory>
 #include <sys/wait.h>
@@ -194,19 +193,4 @@ int count_text(const std::string& text, const std::string& part) {
         count++;
     }
     return count;
-}
-
-void feed_stdin(const std::string& text) {
-    static const pid_t asked = getpid();
-    static const int guarded = std::atexit([] {
-        if (getpid() == asked && testing::UnitTest::GetInstance()->current_test_info() != nullptr) {
-            static_cast<void>(std::fputs("The program left in the middle of a test\n", stderr));
-            _exit(1);
-        }
-    });
-    const TempDir dir;
-    EXPECT_EQ(guarded, 0);
-    if (std::freopen(dir.write("stdin", text).c_str(), "r", stdin) == nullptr) {
-        std::abort();
-    }
 }

@@ -75,6 +75,3 @@ private:
 
 std::string read_text(const std::string& name);
 int count_text(const std::string& text, const std::string& part);
-// Text in place of standard input. The end of it ends the program with 0; a
-// test that comes to that fails.
-void feed_stdin(const std::string& text);
