@@ -92,6 +92,7 @@ int main(int argc, char** argv) {
         const char* input = RES_get("input");
         MESS_print(mess_error, "zyrrad: This build plots no input of this type: %s\n",
                    input != nullptr && *input != '\0' ? input : "radar summary");
+        MESS_print(mess_error, "zyrrad: Name the type with -inp: nids, lev2 or lev2z\n");
         ZYR_exit(exit_no_file);
     }
     std::array<char, file_name_size> file{};
