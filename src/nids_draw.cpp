@@ -88,6 +88,9 @@ void draw_raster(const NIDS_frame& frame, RadFills& fills) {
         };
         draw_row(frame, fills, grid.get(), edges, strip);
     }
+    if (grid && (std::fflush(grid.get()) != 0 || std::ferror(grid.get()) != 0)) {
+        MESS_print(mess_warn, "NIDS_plot: Unable to write grid file\n");
+    }
 }
 
 // Passes over a radial, raster or vector packet whose drawing is switched off.
@@ -168,7 +171,8 @@ void draw_text(const NIDS_frame& frame) {
     }
 }
 
-void draw_packet(const NIDS_frame& frame, RadFills& fills, int type) {
+// Returns whether the packet is of a kind that is drawn.
+bool draw_packet(const NIDS_frame& frame, RadFills& fills, int type) {
     switch (type) {
     case nids_packet_radial:
     case nids_packet_dig_radial:
@@ -190,8 +194,9 @@ void draw_packet(const NIDS_frame& frame, RadFills& fills, int type) {
         draw_text(frame);
         break;
     default: // passed over by the reader
-        break;
+        return false;
     }
+    return true;
 }
 
 // Whether the plot component "sum" switches a packet.
@@ -204,15 +209,21 @@ bool is_summary(int type) {
 int NIDS_draw_packets(const NIDS_frame& frame) {
     RadFills fills;
     int type = frame.info->type;
+    bool any = false;
     for (int status = NIDS_packet_status(); status > 0; status = NIDS_packet(frame.ifile, &type)) {
         if (type == nids_packet_raster_alt) {
             type = nids_packet_raster;
         }
         if (is_summary(type) && FLAG_getplot(item_summary) == 0) {
             skip_packet(frame, type);
+            any = true;
         } else {
-            draw_packet(frame, fills, type);
+            any = draw_packet(frame, fills, type) || any;
         }
+    }
+    if (!any) {
+        MESS_print(mess_warn, "NIDS_plot: Nothing of this product is drawn: %s\n",
+                   frame.info->info);
     }
     return 0;
 }

@@ -69,6 +69,15 @@ Gattribs attributes(const char* resource, const char* otherwise) {
     return attrib;
 }
 
+// Bytes of another format give a radar that stands nowhere on the earth.
+void check_place(const char* filename) {
+    const Domain& domain = nids.info.domain;
+    if (std::abs(domain.clat) > 90.0F || std::abs(domain.clon) > 180.0F) {
+        MESS_print(mess_warn, "NIDS_open_file: No radar product? Its radar is at %.2f %.2f:%s\n",
+                   domain.clat, domain.clon, filename);
+    }
+}
+
 } // namespace
 
 int NIDS_set_date(const Date* datim) {
@@ -187,6 +196,7 @@ int NIDS_open_file(const char* filename) {
         MESS_print(mess_error, "NIDS_open_file: Unable to read file:%s\n", filename);
         return 0;
     }
+    check_place(filename);
     take_product();
     return 1;
 }
