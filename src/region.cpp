@@ -556,7 +556,10 @@ bool plottable(const Domain& d) {
     if (!is_set(d.clat) || !is_set(d.clon)) {
         return false;
     }
-    return !is_map_proj(d.proj) || (d.nx > 1 && d.ny > 1 && d.dx > 0.0F && d.dy > 0.0F);
+    // Latitude and longitude in the wrong order, as a rule.
+    const bool beyond_pole = std::abs(d.clat) > 90.0F;
+    return !is_map_proj(d.proj) ||
+           (!beyond_pole && d.nx > 1 && d.ny > 1 && d.dx > 0.0F && d.dy > 0.0F);
 }
 
 // Whether a decoded text named a menu file alone and gave no domain.
