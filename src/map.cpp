@@ -316,7 +316,9 @@ int draw_entry(const char* entry) {
 void process_list_file(const char* name) {
     const FILE_ptr file = open_on_path("file_path", name);
     if (!file) {
-        MESS_print(mess_warn, "MAP_draw: Unable to open map list file: %s\n", name);
+        if ((state.over & map_plain) != 0) { // once of the two passes of a frame
+            MESS_print(mess_warn, "MAP_draw: Unable to open map list file: %s\n", name);
+        }
         return;
     }
     char word[entry_size];
