@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <string>
 #include <string_view>
 
 #include <fcntl.h>
@@ -32,6 +33,12 @@ std::FILE* own_stdout() {
     return fd < 0 ? nullptr : fdopen(fd, "w");
 }
 
+void store(char* name, std::size_t size, const char* text) {
+    if (copy_text(name, size, text) != 0) {
+        MESS_print(mess_warn, "Name of the output file cut to: %s\n", name);
+    }
+}
+
 } // namespace
 
 void output_name(const char* conn_id, std::initializer_list<const char*> environment,
@@ -39,19 +46,17 @@ void output_name(const char* conn_id, std::initializer_list<const char*> environ
     std::string_view field = conn_id != nullptr ? conn_id : "";
     field = field.substr(0, field.find(','));
     if (!field.empty()) {
-        const std::size_t n = std::min(field.size(), size - 1);
-        std::memcpy(name, field.data(), n);
-        name[n] = '\0';
+        store(name, size, std::string(field).c_str());
         return;
     }
     for (const char* variable : environment) {
         const char* value = std::getenv(variable);
         if (value != nullptr && *value != '\0') {
-            copy_text(name, size, value);
+            store(name, size, value);
             return;
         }
     }
-    copy_text(name, size, otherwise);
+    store(name, size, otherwise);
 }
 
 std::FILE* open_output(const char* name, bool append) {
