@@ -123,6 +123,8 @@ int gdeactivate_ws(int ws_id);
 // Opens the device of `ws_type`. An output that cannot be opened, or a device
 // that this build lacks, is reported and gives -1.
 int gopen_ws(int ws_id, const char* conn_id, Gws_type ws_type);
+// Returns 0; -1 when none is open, or after a report that not all of its file
+// could be written.
 int gclose_ws(int ws_id);
 // A new page. File devices begin a page by being opened: nothing happens.
 int gclear_ws(int ws_id, int flag);

@@ -136,12 +136,13 @@ int gclose_ws(int /*ws_id*/) {
         gclear_objs();
     else if (!gtype_is_PIX())
         gset_redraw(station.redraw);
+    int status = 0;
     if (gtype_is_PS())
-        gps_close_file();
+        status = gps_close_file();
     if (gtype_is_META())
-        gmeta_close_file();
+        status = gmeta_close_file();
     kernel.open_graphics = 0;
-    return 0;
+    return status;
 }
 
 int gclear_ws(int /*ws_id*/, int /*flag*/) {

@@ -115,12 +115,13 @@ int GPH_begin(int* ws_id, const char* conn_id, Gws_type* ws_type) {
 }
 
 int GPH_end(int ws_id) {
+    const bool open = gchk_graphics() != 0;
     gdeactivate_ws(ws_id);
-    gclose_ws(ws_id);
+    const int status = gclose_ws(ws_id);
     gclose_gks();
     plot.ws_open = false;
     FLAG_set(flag_device, plot.wk_itype);
-    return 0;
+    return open ? status : 0;
 }
 
 int GPH_reset(int* ws_id, Gws_type* ws_type, float asp_ratio, Glim* offset) {

@@ -30,7 +30,8 @@ struct Session {
 };
 Session session;
 
-constexpr int type_none = 99; // plot type that draws nothing
+constexpr int type_none = 99;  // plot type that draws nothing
+constexpr int exit_device = 4; // a file device lost a part of its page
 
 struct DumpKind {
     int kind;
@@ -160,8 +161,11 @@ int PLT_close() {
         GPH_hold(session.work_id);
     }
     gclear_ws(session.work_id, 1);
-    GPH_end(session.work_id);
+    const int status = GPH_end(session.work_id);
     PLT_init_labels();
+    if (status != 0) { // a script must not go on with half a page
+        ZYR_exit(exit_device);
+    }
     return 0;
 }
 

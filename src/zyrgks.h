@@ -53,6 +53,7 @@ int ATTRIB_print(const Gattribs* attrib);
 // Ends the program with 4 when the device cannot be opened.
 int GPH_setup(int* ws_id, Gws_type* ws_type, float asp_ratio, Glim* offset);
 int GPH_begin(int* ws_id, const char* conn_id, Gws_type* ws_type);
+// Returns 0; -1 when not all of the device's file could be written.
 int GPH_end(int ws_id);
 // A new page on the open workstation; then as GPH_panel.
 int GPH_reset(int* ws_id, Gws_type* ws_type, float asp_ratio, Glim* offset);
