@@ -225,6 +225,12 @@ bool PLT_has_room(int frame) {
     return frame < max_frames || !gtype_is_WIN_PIX();
 }
 
+void PLT_tell_overlaid(int pictures) {
+    if (pictures > 1 && gchk_graphics() != 0 && !gtype_is_WIN_PIX()) {
+        MESS_print(mess_warn, "A page has no frames: %d pictures lie over one another\n", pictures);
+    }
+}
+
 void PLT_tell_left_out(int files) {
     if (files > 0) {
         MESS_print(mess_warn, "A loop holds %d frames: %d more files are left out\n", max_frames,

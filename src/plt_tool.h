@@ -29,7 +29,8 @@ int PLT_reset(float aspect);
 // A further panel on the page; an aspect of 0 keeps the shape of the panel.
 int PLT_panel(float aspect);
 // Moves to the background in batch mode, lets the user look at a window and
-// ends the session. Returns 0; -1 with plot type 99.
+// ends the session. Returns 0; -1 with plot type 99. Ends the program with 4
+// when not all of the device's file could be written.
 int PLT_close();
 // Closes the graphics and ends the program.
 [[noreturn]] void PLT_exit(int code);
@@ -72,6 +73,8 @@ const PLT_settings& PLT_get_settings();
 bool PLT_has_room(int frame);
 // Tells how many files found no room in the loop; 0 tells nothing.
 void PLT_tell_left_out(int files);
+// Warns of several pictures on the one page of a file device.
+void PLT_tell_overlaid(int pictures);
 
 // Image dump after each frame: kind 0 none, 1 XWD, 2 GIF, 3 native image,
 // 4 PNG, and the convention that names it (null or empty: the kind's own).

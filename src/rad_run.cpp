@@ -245,7 +245,8 @@ int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool 
     FILE_first(&run.base_date);
     char name[file_name_size] = "";
     int left_out = 0;
-    for (int frame = 0; FILE_get_next(name) != 0;) {
+    int frame = 0;
+    while (FILE_get_next(name) != 0) {
         if (!PLT_has_room(frame)) {
             left_out++;
         } else if (plot_file(plotter, run, name, frame, domain)) {
@@ -254,6 +255,10 @@ int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool 
             PLT_exit(exit_no_file);
         }
     }
+    if (frame == 0 && !redraw) { // of several files none opens
+        PLT_exit(exit_no_file);
+    }
+    PLT_tell_overlaid(frame);
     PLT_tell_left_out(left_out);
     if (FILE_get_num_file() != 0) {
         gset_looping(1);

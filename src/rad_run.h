@@ -66,7 +66,7 @@ void rad_fill_date(RadRun& run, const Date& date);
 bool rad_open_session(const RadPlotter& plotter, RadRun& run, const RadWords& words,
                       Domain* domain);
 // Draws the selected files, and closes the session unless this is a redraw.
-// Returns 0; ends the program with 10 when a single file does not open.
+// Returns 0; ends the program with 10 when no file opens.
 int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool redraw);
 // Shows the newest file, as the last frame, when there is a newer one than on
 // show. Returns 0.
