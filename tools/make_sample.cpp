@@ -43,7 +43,7 @@ bool write_files(const std::string& dir, const std::vector<std::pair<std::string
 
 int main(int argc, char** argv) {
     const std::string option = argc == 3 ? argv[1] : "";
-    if (argc == 2) {
+    if (argc == 2 && *argv[1] != '-') {
         return write_file(argv[1], nids_sample_storm()) ? 0 : 1;
     }
     if (option == "--super") {
