@@ -118,7 +118,6 @@ TEST_F(ProgramTest, PlotGoesOnAfterAFault) {
              {"-fl gone.fnt",                          "71 11 0", "read_font: unable to load font file: gone.fnt\n"    },
              {"-ct gone.clr",                          "0 3 1",   ""                                                   },
              {"-dr map,sum,text -mf gone.map,fi:gone", "71 11 1",
-              "MAP_draw: Unable to open map list file: gone\n" // before the data and after
               "MAP_process: Map file not found: gone.map\n"
               "MAP_draw: Unable to open map list file: gone\n"                                                         },
     }) {
@@ -142,24 +141,30 @@ TEST_F(ProgramTest, FaultsThatEndTheRun) {
     };
     const std::string closed = "GPH_begin: Error opening workstation\n";
     const std::string other = "zyrrad: This build plots no input of this type: ";
+    const std::string hint = "zyrrad: Name the type with -inp: nids, lev2 or lev2z\n";
     for (const Row& row : std::initializer_list<Row>{
-             {"gone -de p,page.ps",     10,
+             {"gone lost -de p,page.ps", 10,
               "NIDS_open_file: Unable to open file:./gone\n"
-              "NIDS_open_file: Unable to open file:./gone\n"                                       },
-             {"-cu -1 -de p,page.ps",   10, "File not found: ./201905202130.nids\n"                },
-             {"-ba",                    10, "File not found: ./201905201411.nids\n"                }, // the 500 minutes before
-             {"radial -ba",             4,  no_window                                              },
-             {"radial -de d",           4,  no_window                                              },
-             {"radial -de w",           4,  no_window                                              },
-             {"radial -de m,radial/x",  4,  "gopen_ws: unable to open metafile\n\n" + closed       },
-             {"radial -de q,x",         4,  "gopen_ws: unable to open HPGL file\n\n" + closed      },
-             {"radial -de p,radial/x",  4,  "gopen_ws: unable to open postscript file\n\n" + closed},
-             {"radial -inp nowrad",     10, other + "nowrad\n"                                     },
-             {"radial -inp=",           10, other + "radar summary\n"                              },
-             {"radial_cut -de p,x",     0,
-              "NIDS_plot_summary: The product is damaged or not whole:radial_cut\n"                },
-             {"radial -dr any -de p,x", 0,  "PLT_open: Nothing to draw: any\n"                     },
-             {"-if rcmsite -inp what",  10, other + "what\n"                                       },
+              "NIDS_open_file: Unable to open file:./gone\n"
+              "NIDS_open_file: Unable to open file:./lost\n"                                        },
+             {"radial -de p,/dev/full",  4,  "gps_close_file: unable to write postscript file\n\n"  },
+             {"gone -de p,page.ps",      10,
+              "NIDS_open_file: Unable to open file:./gone\n"
+              "NIDS_open_file: Unable to open file:./gone\n"                                        },
+             {"-cu -1 -de p,page.ps",    10, "File not found: ./201905202130.nids\n"                },
+             {"-ba",                     10, "File not found: ./201905201411.nids\n"                }, // the 500 minutes before
+             {"radial -ba",              4,  no_window                                              },
+             {"radial -de d",            4,  no_window                                              },
+             {"radial -de w",            4,  no_window                                              },
+             {"radial -de m,radial/x",   4,  "gopen_ws: unable to open metafile\n\n" + closed       },
+             {"radial -de q,x",          4,  "gopen_ws: unable to open HPGL file\n\n" + closed      },
+             {"radial -de p,radial/x",   4,  "gopen_ws: unable to open postscript file\n\n" + closed},
+             {"radial -inp nowrad",      10, other + "nowrad\n" + hint                              },
+             {"radial -inp=",            10, other + "radar summary\n" + hint                       },
+             {"radial_cut -de p,x",      0,
+              "NIDS_plot_summary: The product is damaged or not whole:radial_cut\n"                 },
+             {"radial -dr any -de p,x",  0,  "PLT_open: Nothing to draw: any\n"                     },
+             {"-if rcmsite -inp what",   10, other + "what\n" + hint                                },
     }) {
         const ProgramRun result = run(row.args);
         EXPECT_EQ(result.code, row.code) << row.args;
@@ -258,7 +263,9 @@ TEST_F(ProgramTest, BatchGivesTheSamePageInTheBackground) {
     for (const char* device : {"p,page.ps", "p,|cat>page.ps"}) {
         const ProgramRun result = run(std::string("-ba radial raster -de ") + device);
         EXPECT_EQ(result.code, 0);
-        EXPECT_EQ(result.out + result.err, "") << "errors and warnings alone";
+        EXPECT_EQ(result.out + result.err,
+                  "A page has no frames: 2 pictures lie over one another\n")
+            << "errors and warnings alone";
         EXPECT_EQ(without_date(wait_for_page(file("page.ps"))), expected) << device;
     }
     // The background process has no standard output, but the page still does.
