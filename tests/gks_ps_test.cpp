@@ -21,24 +21,16 @@ constexpr const char* definitions =
 TEST(PostScript, HeadingAndClosing) {
     struct Case {
         const char* options;
-        std::string first, setup, pens, end;
+        std::string box, turn, color, scale; // `box` of an EPS file
     };
-    const std::string begin = "30 dict begin\n/saveobj save def\n";
-    const std::string pens = "0 setgray\n2 setlinejoin\n1 dot lw\n[] 0 setdash\n";
-    const std::string end = "saveobj restore\nshowpage\nend\n%%EOF\n";
     for (const Case& c : {
-             Case{"",               "%!PS-Adobe-1.0\n",
-                  begin + definitions + "90 rotate\n.25 inch -8.25 inch translate\n",                     pens, end                },
-             Case{"PORT,sz=8.5x11", "%!PS-Adobe-1.0\n",
-                  begin + definitions + ".25 inch .25 inch translate\n",                                  pens, end                },
-             Case{"eps,scale=.5",   "%!PS-Adobe-3.0 EPSF-3.0\n%%BoundingBox: 0 0 576 756\n",
-                  std::string(definitions) + "90 rotate\n0. inch -8.50 inch translate\n",
-                  pens + "0.50 0.50 scale\n",                                                                   "showpage\n%%EOF\n"},
-             Case{"eps,port",       "%!PS-Adobe-3.0 EPSF-3.0\n%%BoundingBox: 0 0 756 576\n", definitions,
-                  pens,                                                                                         "showpage\n%%EOF\n"},
-             Case{"color",          "%!PS-Adobe-1.0\n",
-                  begin + definitions + "90 rotate\n.25 inch -8.25 inch translate\n",
-                  "0 0 0 setrgbcolor\n2 setlinejoin\n1 dot lw\n[] 0 setdash\n",                                 end                }
+             Case{"",               "",            "90 rotate\n.25 inch -8.25 inch translate\n", "0 setgray\n",         ""                 },
+             Case{"PORT,sz=8.5x11", "",            ".25 inch .25 inch translate\n",              "0 setgray\n",         ""                 },
+             Case{"eps,scale=.5",   "0 0 576 756", "90 rotate\n0. inch -8.50 inch translate\n",
+                  "0 setgray\n",                                                                                        "0.50 0.50 scale\n"},
+             Case{"eps,port",       "0 0 756 576", "",                                           "0 setgray\n",         ""                 },
+             Case{"color",          "",            "90 rotate\n.25 inch -8.25 inch translate\n", "0 0 0 setrgbcolor\n",
+                  ""                                                                                                                       },
     }) {
         gps_set_scale(1.0F);
         gps_set_orient(0);
@@ -46,16 +38,22 @@ TEST(PostScript, HeadingAndClosing) {
         gset_win_title("A title");
         PsPage page(c.options);
         const std::string text = page.whole();
-        EXPECT_TRUE(text.starts_with(c.first + "%%Title: ZYR Graphics Display: A title\n"
-                                               "%%Creator: ZYR Postscript Processor-2.0\n"
-                                               "%%CreationDate: "))
+        const bool eps = !c.box.empty();
+        EXPECT_TRUE(text.starts_with(
+            (eps ? "%!PS-Adobe-3.0 EPSF-3.0\n%%BoundingBox: " + c.box : "%!PS-Adobe-1.0") +
+            "\n%%Title: ZYR Graphics Display: A title\n"
+            "%%Creator: ZYR Postscript Processor-2.0\n%%CreationDate: "))
             << text.substr(0, 200);
-        EXPECT_EQ(text_between(text, "%%CreationDate", "%%Begin plot"),
-                  "%%EndComments\n%%Postscript initialization\n" + c.setup + c.pens);
-        EXPECT_TRUE(text.find("%%Begin plot\n%%ZYR Plot: A title\ninitclip\n") !=
-                    std::string::npos);
-        EXPECT_TRUE(text.ends_with("%%End of plot\n" + c.end)) << c.options;
-        EXPECT_EQ(gget_inverse(), std::string(c.options) == "color" ? 1 : 0);
+        EXPECT_EQ(text_between(text, "%%CreationDate", "%%ZYR"),
+                  std::string("%%EndComments\n%%Postscript initialization\n") +
+                      (eps ? "" : "30 dict begin\n/saveobj save def\n") + definitions + c.turn +
+                      c.color + "2 setlinejoin\n1 dot lw\n[] 0 setdash\n" + c.scale +
+                      "%%Begin plot\n");
+        EXPECT_NE(text.find("%%ZYR Plot: A title\ninitclip\n"), std::string::npos);
+        EXPECT_TRUE(text.ends_with(eps ? "%%End of plot\nshowpage\n%%EOF\n"
+                                       : "%%End of plot\nsaveobj restore\nshowpage\nend\n%%EOF\n"))
+            << c.options;
+        EXPECT_EQ(gget_inverse(), gps_get_colorPS());
         gps_set_colorPS(0);
     }
 }
@@ -103,26 +101,18 @@ TEST(PostScript, PageOptionsAndGeometry) {
     }
 }
 
-TEST(PostScript, OutputNames) {
+TEST(PostScript, NamesAndPipes) {
     const std::string file = temp_name("name.ps");
-    setenv("PSPRINT", file.c_str(), 1);
+    setenv("PSPRINT", ("|cat >" + file).c_str(), 1);
     unsetenv("zyrps_print");
+    testing::internal::CaptureStdout();
     ASSERT_EQ(gps_open_ws(",eps"), 0); // an empty first field
     EXPECT_EQ(gps_close_file(), 0);
     EXPECT_EQ(gps_close_file(), -1);
-    EXPECT_TRUE(read_text(file).starts_with("%!PS-Adobe-3.0"));
-    gps_set_EPS(0);
-    std::remove(file.c_str());
-}
-
-TEST(PostScript, Pipes) {
-    const std::string file = temp_name("pipe.ps");
-    testing::internal::CaptureStdout();
-    ASSERT_EQ(gps_open_ws(("|cat >" + file).c_str()), 0);
-    EXPECT_EQ(gps_close_file(), 0);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "Spooling to: cat >" + file + "\nCreated Postscript file\n");
-    EXPECT_TRUE(read_text(file).starts_with("%!PS-Adobe-1.0"));
+    EXPECT_TRUE(read_text(file).starts_with("%!PS-Adobe-3.0"));
+    gps_set_EPS(0);
     ASSERT_EQ(gps_open_ws("|exit 3"), 0); // nobody reads: no signal ends the program
     for (int i = 0; i < 20000; ++i)
         gps_move(0.0F, 0.0F);
