@@ -1,5 +1,5 @@
-// ps_page.h: a PostScript workstation that writes into a file of the test's
-// own, whose text can be taken.
+// ps_page.h: workstations that write into a file of the test's own, whose text
+// can be taken.
 #pragma once
 
 #include "gks.h"
@@ -48,36 +48,41 @@ inline std::array<int, 4> device_area() {
     return area;
 }
 
-class PsPage {
+// A file device with its own file, which goes with the object.
+class FilePage {
 public:
-    // `options` stand behind the file name: "eps,color". With `append` the
-    // name begins with "+".
-    explicit PsPage(const std::string& options = "", bool append = false)
-        : path(temp_name("page.ps")) {
+    // `conn` stands behind the name, `mode` in front of it.
+    FilePage(Gws_type type, const std::string& conn, const std::string& mode = "")
+        : path(temp_name("page")) {
         for (const char* name :
              {"zyrprint", "zyrps_param", "zyrps_geometry", "PSGEOMETRY", "PSCOLOR"})
             unsetenv(name);
         RES_put("file_path", ZYR_SOURCE_DIR "/etc");
         gopen_gks(nullptr, 0);
-        gopen_ws(1, ((append ? "+" : "") + path + "," + options).c_str(), ws_postscript);
-        gmessage(1, "drawing");
+        gopen_ws(1, (mode + path + "," + conn).c_str(), type);
     }
-    ~PsPage() {
+    ~FilePage() {
         whole();
         std::filesystem::remove(path);
     }
-    PsPage(const PsPage&) = delete;
-    PsPage& operator=(const PsPage&) = delete;
-
+    FilePage(const FilePage&) = delete;
+    FilePage& operator=(const FilePage&) = delete;
     // Closes the workstation and returns the whole file.
     std::string whole() {
         gclose_ws(1);
         gclose_gks();
         return read_text(path);
     }
-    // The same, what was drawn since the opening alone.
-    std::string drawn() { return text_between(whole(), "%%Message: drawing", "%%End of plot"); }
+    const std::string path;
+};
 
-private:
-    std::string path;
+class PsPage : public FilePage {
+public:
+    // With `append` the name begins with "+".
+    explicit PsPage(const std::string& options = "", bool append = false)
+        : FilePage(ws_postscript, options, append ? "+" : "") {
+        gmessage(1, "drawing");
+    }
+    // What was drawn since the opening alone.
+    std::string drawn() { return text_between(whole(), "%%Message: drawing", "%%End of plot"); }
 };
