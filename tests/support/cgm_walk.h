@@ -7,6 +7,10 @@
 #include <utility>
 #include <vector>
 
+inline int cgm_word(const std::string& bytes, std::size_t at) {
+    return static_cast<std::uint8_t>(bytes[at]) << 8 | static_cast<std::uint8_t>(bytes[at + 1]);
+}
+
 using CgmPoints = std::vector<std::pair<int, int>>;
 
 struct CgmElement {
@@ -14,13 +18,9 @@ struct CgmElement {
     std::string data;
     [[nodiscard]] CgmPoints points() const {
         CgmPoints all;
-        for (std::size_t i = 0; i + 4 <= data.size(); i += 4) {
-            const auto word = [&](std::size_t at) {
-                return static_cast<std::int16_t>(static_cast<std::uint8_t>(data[at]) << 8 |
-                                                 static_cast<std::uint8_t>(data[at + 1]));
-            };
-            all.emplace_back(word(i), word(i + 2));
-        }
+        for (std::size_t i = 0; i + 4 <= data.size(); i += 4)
+            all.emplace_back(static_cast<std::int16_t>(cgm_word(data, i)),
+                             static_cast<std::int16_t>(cgm_word(data, i + 2)));
         return all;
     }
 };
@@ -49,10 +49,8 @@ inline CgmFile read_cgm(const std::string& bytes) {
     CgmFile file;
     std::size_t at = 0;
     const auto word = [&] {
-        const auto high = static_cast<std::uint8_t>(bytes[at]);
-        const auto low = static_cast<std::uint8_t>(bytes[at + 1]);
         at += 2;
-        return high << 8 | low;
+        return cgm_word(bytes, at - 2);
     };
     while (at < bytes.size()) {
         if (at + 2 > bytes.size())

@@ -6,10 +6,12 @@
 #include "zyrgks.h"
 #include "zyrresrc.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <unistd.h>
 
 namespace {
@@ -96,20 +98,10 @@ void FigurePage::read(int tran) {
 
 std::vector<Figure> FigurePage::pick(bool filled, const std::string& color) const {
     std::vector<Figure> found;
-    for (const Figure& figure : figures) {
-        if (figure.filled == filled && (color.empty() || figure.color == color)) {
-            found.push_back(figure);
-        }
-    }
+    std::copy_if(figures.begin(), figures.end(), std::back_inserter(found), [&](const Figure& f) {
+        return f.filled == filled && (color.empty() || f.color == color);
+    });
     return found;
-}
-
-std::vector<Figure> FigurePage::lines(const std::string& color) const {
-    return pick(false, color);
-}
-
-std::vector<Figure> FigurePage::areas(const std::string& color) const {
-    return pick(true, color);
 }
 
 double polygon_area(const std::vector<Gpt>& points) {

@@ -34,8 +34,8 @@ public:
     std::vector<std::string> messages; // of the status line
 
     // The lines, or the areas, of a colour; "" for all.
-    std::vector<Figure> lines(const std::string& color = "") const;
-    std::vector<Figure> areas(const std::string& color = "") const;
+    std::vector<Figure> lines(const std::string& color = "") const { return pick(false, color); }
+    std::vector<Figure> areas(const std::string& color = "") const { return pick(true, color); }
 
 private:
     std::vector<Figure> pick(bool filled, const std::string& color) const;
