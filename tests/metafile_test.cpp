@@ -216,38 +216,34 @@ TEST(Metafile, NamesFormsAndAreas) {
     std::filesystem::remove(named);
 }
 
+// A line that is longer than an element goes on; coordinates have 16 bits.
 TEST(BinaryMetafile, HoldsLinesAndClipsAlone) {
+    constexpr std::size_t most = 8191;
+    std::vector<Gpt> line(20000, Gpt{1, 0});
+    line[9000] = {0.5F, 1.0e6F};
+    line.back() = {0, -1.0e6F};
     MetaPage page("cgm");
     draw();
+    gsel_norm_tran(0);
+    gpolyline(static_cast<int>(line.size()), line.data());
     const CgmFile file = read_cgm(page.whole());
     EXPECT_EQ(file.fault, "");
     EXPECT_EQ(file.frame(), "0,1 1,1 1,2 1,11 1,9 2,6 0,3 0,4 0,5 0,2 ");
     EXPECT_EQ(file.all({1, 2})[0].data, "\12ZYRCGM-1.0");
     EXPECT_EQ(file.all({2, 6})[0].points()[1], (std::pair{10000, 8000}));
     const auto clips = file.all({3, 5});
-    EXPECT_EQ(clips.back().points()[0], (std::pair{199, 99}));
-    EXPECT_EQ(clips.back().points()[1], (std::pair{599, 399}));
+    const CgmPoints clip = clips[clips.size() - 2].points();
+    EXPECT_EQ(clip[0], (std::pair{199, 99}));
+    EXPECT_EQ(clip[1], (std::pair{599, 399}));
     const auto lines = file.all({4, 1});
+    ASSERT_EQ(lines.size(), 2U + 3U);
+    EXPECT_EQ(file.elements.size(), 10 + clips.size() + lines.size());
     EXPECT_EQ(lines[0].points()[1], (std::pair{799, 0}));
     EXPECT_EQ(lines[1].points()[2], (std::pair{499, 189})) << "cut, not rounded";
-    EXPECT_EQ(file.elements.size(), 10 + clips.size() + 2);
-}
-
-// A line that is longer than an element goes on; coordinates have 16 bits.
-TEST(BinaryMetafile, LongLines) {
-    MetaPage page("cgm");
-    constexpr int most = 8191;
-    constexpr int n = 20000;
-    std::vector<Gpt> line(n, Gpt{1, 0});
-    line[9000] = {0.5F, 1.0e6F};
-    line.back() = {0, -1.0e6F};
-    gpolyline(n, line.data());
-    const auto lines = read_cgm(page.whole()).all({4, 1});
-    ASSERT_EQ(lines.size(), 3U);
-    EXPECT_EQ(lines[0].points(), CgmPoints(most, {799, 0}));
-    EXPECT_EQ(lines[1].points()[9000 - (most - 1)], (std::pair{399, 32767}));
-    EXPECT_EQ(lines[2].points().size(), n - 2 * (most - 1));
-    EXPECT_EQ(lines[2].points().back(), (std::pair{0, -32767}));
+    EXPECT_EQ(lines[2].points(), CgmPoints(most, {799, 0}));
+    EXPECT_EQ(lines[3].points()[9000 - (most - 1)], (std::pair{399, 32767}));
+    EXPECT_EQ(lines[4].points().size(), line.size() - 2 * (most - 1));
+    EXPECT_EQ(lines[4].points().back(), (std::pair{0, -32767}));
 }
 
 // The polygons of a full product in at most one and a half times their bytes.
