@@ -17,6 +17,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 using namespace cont;
 
@@ -31,6 +32,7 @@ constexpr int color_list_end = -2; // what CLR_get_ind gives for "end"
 constexpr std::size_t entry_size = res_value_size;
 constexpr int max_file_lines = 10000; // comment lines included
 constexpr int max_line_chars = 80;
+constexpr const char* level_extension = ".lvl";
 
 State contours;
 
@@ -237,10 +239,18 @@ void begin_steps() {
     clear_labels();
 }
 
-int read_level_file(const char* name) {
+FILE_ptr open_level_file(const std::string& name) {
     char path[file_name_size] = "";
-    FILE_add_path(RES_get("file_path"), name, path);
-    const FILE_ptr file(FILE_open(path, "r"));
+    FILE_add_path(RES_get("file_path"), name.c_str(), path);
+    return FILE_ptr(FILE_open(path, "r"));
+}
+
+// A level file by its name, or by its name without the extension.
+int read_level_file(const char* name) {
+    FILE_ptr file = open_level_file(name);
+    if (!file) {
+        file = open_level_file(std::string(name) + level_extension);
+    }
     if (!file) {
         MESS_print(mess_warn, "CONT_set_fill_colors: Unable to read contour level file: %s\n",
                    name);
@@ -285,6 +295,9 @@ const char* user_list() {
     const char* list = RES_get("color_fill");
     const bool none = list == nullptr || *list == '\0' || stricmp(list, "miss") == 0 ||
                       strnicmp(list, "def", 3) == 0;
+    if (!none && stricmp(list, "auto") == 0) {
+        return contours.quantity;
+    }
     return none ? nullptr : list;
 }
 
@@ -736,6 +749,11 @@ int CONT_set_fill_colors(const char* string, int flag) {
         set_list(count, entries);
     }
     free_parsed_array(count, entries);
+    return 0;
+}
+
+int CONT_set_quantity(const char* quantity) {
+    contours.quantity = quantity;
     return 0;
 }
 

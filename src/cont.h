@@ -80,6 +80,9 @@ int CONT_reset_fill_set();
 // file: %s\n" when a level file does not open (the steps stay); -1 when the
 // colours are settled already or the colour table's own were taken.
 int CONT_set_fill_colors(const char* string, int flag);
+// What the data are that are coloured next: the name of the level file that
+// "auto" of `color_fill` takes. Null: of no known quantity, "auto" is as unset.
+int CONT_set_quantity(const char* quantity);
 // Decodes one entry and appends its steps. Returns 0; -1 when the entry is
 // "end" or the list is full.
 int CONT_decode_fill_color(const char* str);
@@ -121,6 +124,8 @@ int CONT_draw_lines(int type, int num_pt, const Gpt* pts);
 //   label   a text at the viewport's lower right corner, or empty
 // Returns 0; -1 with no bar when there is no room or no levels.
 int CONT_draw_bar(int orient, const char* label);
+// Right end of the bar drawn last, in transformation 1; missing_f: none yet.
+float CONT_get_bar_end();
 // Value of the bar at a position in transformation 1, missing_f outside it.
 float CONT_get_bar_value(float x, float y);
 // Event callback: "f-Alt" over the bar makes that colour blink 4 times.

@@ -81,6 +81,15 @@ bool work_out_levels(float high, float low) {
     return true;
 }
 
+// Ends the bar before the lower right label, but not below a fifth of the
+// viewport's width: the label gives way then. Lifts the numbers off the edge.
+void keep_clear(const Glim& view, Glim* lim) {
+    const float width = view.x_max - view.x_min;
+    const float label = PLT_low_right_begin() - 0.02F * width;
+    lim->x_max = std::min(lim->x_max, std::max(label, lim->x_min + 0.2F * width));
+    lim->y_min += 0.1F * (lim->y_max - lim->y_min);
+}
+
 // Where the bar lies. False without room.
 bool lay_out(const Glim& view) {
     Glim panel = {};
@@ -97,6 +106,9 @@ bool lay_out(const Glim& view) {
     lim.x_max = (view.x_min + view.x_max) / 2.0F;
     lim.y_max = inside ? view.y_min + room : view.y_min - 0.15F * room;
     lim.y_min = inside ? view.y_min + 0.15F * room : view.y_min - room;
+    if (PLT_get_fit_lab() != 0) {
+        keep_clear(view, &lim);
+    }
     bar.bar_inc = (lim.x_max - lim.x_min) / static_cast<float>(state().num_cont);
     return true;
 }
@@ -206,6 +218,10 @@ int CONT_draw_bar(int orient, const char* label) {
         GPH_pprint(&pos, label);
     }
     return 0;
+}
+
+float CONT_get_bar_end() {
+    return bar.bar_inc == 0.0F ? missing_f : bar.bar_lim.x_max;
 }
 
 float CONT_get_bar_value(float x, float y) {

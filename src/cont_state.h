@@ -24,6 +24,7 @@ struct State {
     int color_num = missing;                  // number of steps
     int color_fill_set = 0;                   // 1: settled
     int fill_pat = missing;                   // one pattern for all fills
+    const char* quantity = nullptr;           // its level file is "auto", or null
 
     // Ranges.
     float grid_min = missing_f, grid_max = missing_f;

@@ -470,6 +470,9 @@ int ginit_marker(int type);
 
 // Draws `str` at `pos`, in world coordinates, with the text attributes.
 int gtext(const Gpt* pos, const char* str);
+// Width of `str` in world units, with capitals of that height and the font,
+// expansion and spacing in force; 0 when nothing can be measured.
+float gtext_width(const char* str, float height);
 int gset_text_colr_ind(int ind);
 int gset_char_ht(float height); // height of capitals, world units
 int gset_expan(float factor);

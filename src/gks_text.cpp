@@ -223,6 +223,11 @@ int total_width(std::string_view text) {
     return trunc_int(static_cast<float>(width) * state.text_expan);
 }
 
+// World units of a font unit.
+float unit_of(float height) {
+    return height / 105.0F;
+}
+
 int start_x(int width) {
     switch (state.horiz_align) {
     case GCENTER_HOR:
@@ -344,7 +349,7 @@ void draw_glyph(const Layout& layout, int place) {
 }
 
 void draw_text(const Gpt& pos, std::string_view text) {
-    Layout layout = {pos, state.text_height / 105.0F, start_x(total_width(text)), start_y()};
+    Layout layout = {pos, unit_of(state.text_height), start_x(total_width(text)), start_y()};
     for (const char c : text) {
         const auto code = static_cast<unsigned char>(c);
         const int place = font_state.font.index[code];
@@ -479,6 +484,12 @@ int gtext(const Gpt* pos, const char* str) {
     }
     draw_text(*pos, str);
     return 0;
+}
+
+float gtext_width(const char* str, float height) {
+    if (gchk_open("gtext_width") != 0 || *str == '\0')
+        return 0.0F;
+    return static_cast<float>(total_width(str)) * unit_of(height);
 }
 
 int gset_text_colr_ind(int ind) {

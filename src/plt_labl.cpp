@@ -20,6 +20,9 @@
 
 namespace {
 
+constexpr float letter_part = 0.75F;     // of a line's step, the height of letters
+constexpr float side_part = 0.01F;       // of the viewport's width, beside a label
+constexpr float bar_gap = 0.02F;         // the same, between bar and label
 constexpr std::size_t append_limit = 59; // longest line that appending makes
 
 constexpr Date zero_date = {0, 0, 0, 0, 0, 0, 0, 0};
@@ -165,15 +168,61 @@ struct Layout {
     float offset; // of the first line from the viewport
 };
 
+// Room below the viewport.
+float room_below(const Layout& layout) {
+    Glim size{};
+    GPH_get_view_size(&size);
+    return PLT_get_full_lab() != 0 ? 0.06F : layout.view.y_min - size.y_min;
+}
+
+void set_lines(Layout* layout, float room) {
+    const float height = layout->view.y_max - layout->view.y_min;
+    layout->lines = labels.type < 0 ? 1 : std::max(labels.lines, 1);
+    const auto lines = static_cast<float>(layout->lines);
+    layout->step = std::min(room / lines, height * 0.03F);
+    layout->offset =
+        PLT_get_full_lab() != 0 ? -0.2F * layout->step - lines * layout->step : 0.2F * layout->step;
+}
+
+float text_height(const Layout& layout) {
+    return letter_part * layout.step;
+}
+
+int lines_of(const Layout& layout, bool fixed) {
+    return fixed ? 1 : std::min(layout.lines, plt_overlays);
+}
+
+float longest_line(std::size_t lab, int lines, float height) {
+    float longest = 0.0F;
+    for (int i = 0; i < lines; i++) {
+        longest = std::max(longest, gtext_width(labels.text[lab][i], height));
+    }
+    return longest;
+}
+
+// How much smaller the lower right label is written so that it ends before the
+// colour bar begins.
+float shrink_beside_bar(std::size_t lab, bool fixed, const Layout& layout) {
+    const bool beside = lab == low_right && PLT_get_fit_lab() != 0 && CONT_get_bar() >= 1;
+    if (!beside || !is_set(CONT_get_bar_end())) {
+        return 1.0F;
+    }
+    const float width = layout.view.x_max - layout.view.x_min;
+    const float room =
+        layout.view.x_max - side_part * width - (CONT_get_bar_end() + bar_gap * width);
+    const float longest = longest_line(lab, lines_of(layout, fixed), text_height(layout));
+    return longest <= room || room <= 0.0F ? 1.0F : room / longest;
+}
+
 void draw_position(const Position& position, std::size_t lab, bool fixed, const Layout& layout) {
     const Glim& view = layout.view;
     const float width = view.x_max - view.x_min;
     const float base = static_cast<float>(labels.base) * layout.step;
     float x = (view.x_min + view.x_max) / 2;
     if (position.horizontal == GLEFT_HOR) {
-        x = view.x_min + 0.01F * width;
+        x = view.x_min + side_part * width;
     } else if (position.horizontal == GRIGHT_HOR) {
-        x = view.x_max - 0.01F * width;
+        x = view.x_max - side_part * width;
     }
     float y = view.y_max + layout.offset + base;
     if (!position.upper) {
@@ -181,11 +230,18 @@ void draw_position(const Position& position, std::size_t lab, bool fixed, const 
         y = view.y_min - layout.offset - above + base;
     }
     GPH_text_align(position.horizontal, position.upper ? GBASE_VERT : GCAP_VERT);
-    const int lines = fixed ? 1 : std::min(layout.lines, plt_overlays);
+    const float shrink = shrink_beside_bar(lab, fixed, layout);
+    if (shrink < 1.0F) {
+        gset_char_ht(shrink * text_height(layout));
+    }
+    const int lines = lines_of(layout, fixed);
     for (int i = 0; i < lines; i++, y += layout.step) {
         if (labels.text[lab][i][0] != '\0') {
             GPH_printf(x, y, "%s", labels.text[lab][i]);
         }
+    }
+    if (shrink < 1.0F) {
+        gset_char_ht(text_height(layout));
     }
 }
 
@@ -308,6 +364,20 @@ int PLT_label_format(const char* form, char* text) {
     return copy_text(text, plt_label_size, expand(form).c_str());
 }
 
+float PLT_low_right_begin() {
+    const std::array<bool, plt_positions> fixed = read_entries();
+    Layout layout{};
+    PLT_get_view(&layout.view);
+    set_lines(&layout, room_below(layout));
+    Gattribs attrib;
+    ATTRIB_init(&attrib);
+    ATTRIB_get("color_text", "", &attrib);
+    const float height = text_height(layout) * (is_set(attrib.height) ? attrib.height : 1.0F);
+    const float longest = longest_line(low_right, lines_of(layout, fixed[low_right]), height);
+    const float width = layout.view.x_max - layout.view.x_min;
+    return longest > 0.0F ? layout.view.x_max - side_part * width - longest : layout.view.x_max;
+}
+
 int PLT_labels() {
     const std::array<bool, plt_positions> fixed = read_entries();
     Gattribs attrib;
@@ -316,17 +386,13 @@ int PLT_labels() {
     PLT_mess("Labels");
     GPH_trans(1);
     Layout layout{};
-    Glim size{};
     PLT_get_view(&layout.view);
-    GPH_get_view_size(&size);
     GPH_line_attr(nullptr);
     GPH_text_attr(nullptr, 1.0F);
     GPH_text_font(nullptr);
     GPH_line_attr(&attrib);
 
-    const float height = layout.view.y_max - layout.view.y_min;
-    const bool inside = PLT_get_full_lab() != 0;
-    const float room = inside ? 0.06F : layout.view.y_min - size.y_min;
+    const float room = room_below(layout);
     if (PLT_get_border() != 0 && FLAG_getplot(11) != 0) {
         GPH_border(&layout.view);
     }
@@ -336,14 +402,8 @@ int PLT_labels() {
     if (FLAG_getplot(0) == 0) {
         return 0;
     }
-    layout.lines = labels.type < 0 ? 1 : std::max(labels.lines, 1);
-    const auto lines = static_cast<float>(layout.lines);
-    layout.step = std::min(room / lines, height * 0.03F);
-    layout.offset = 0.2F * layout.step;
-    if (inside) {
-        layout.offset = -0.2F * layout.step - lines * layout.step;
-    }
-    GPH_text_attr(&attrib, 0.75F * layout.step);
+    set_lines(&layout, room);
+    GPH_text_attr(&attrib, text_height(layout));
     for (std::size_t lab = 0; lab < positions.size(); lab++) {
         const Position& position = positions[lab];
         if (FLAG_getplot(position.component) != 0 &&

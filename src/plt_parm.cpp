@@ -28,6 +28,7 @@ PLT_settings settings;
 enum class Word {
     full,
     full_labels,
+    fit_labels,
     page,
     redraw,
     id_type,
@@ -68,10 +69,11 @@ struct WordRow {
 };
 
 // The first row that fits a word counts.
-constexpr std::array<WordRow, 43> words = {
+constexpr std::array<WordRow, 44> words = {
     {
      {"full", false, Word::full, 0},
      {"fullab", false, Word::full_labels, 1},
+     {"fitlab", false, Word::fit_labels, 1},
      {"nopage", false, Word::page, 0},
      {"page", false, Word::page, 1},
      {"noredraw", false, Word::redraw, 0},
@@ -284,6 +286,9 @@ void apply(const WordRow& row, const char* rest) {
         [[fallthrough]];
     case Word::full:
         PLT_set_view_offset(0.0F);
+        break;
+    case Word::fit_labels:
+        PLT_set_fit_lab(row.number);
         break;
     case Word::page:
         MESS_set_page(row.number);

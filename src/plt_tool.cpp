@@ -25,6 +25,7 @@ struct Session {
     float view_offset = 0.0F;                   // last single margin given
     int border = 1;                             // draw a frame about the viewport
     int full_lab = 0;                           // labels inside the viewport
+    int fit_lab = 0;                            // label and bar keep clear of each other
     int dump = 0;                               // kind of image dump
     char dump_file[60] = "";                    // its name convention
 };
@@ -219,6 +220,15 @@ int PLT_set_full_lab(int value) {
 
 int PLT_get_full_lab() {
     return session.full_lab;
+}
+
+int PLT_set_fit_lab(int value) {
+    session.fit_lab = value;
+    return 0;
+}
+
+int PLT_get_fit_lab() {
+    return session.fit_lab;
 }
 
 bool PLT_has_room(int frame) {

@@ -50,6 +50,10 @@ int PLT_get_border();
 // 1: labels stand inside the viewport.
 int PLT_set_full_lab(int value);
 int PLT_get_full_lab();
+// 1: the lower right label and the colour bar keep clear of each other, and the
+// numbers of the bar of the panel's edge ("fitlab").
+int PLT_set_fit_lab(int value);
+int PLT_get_fit_lab();
 // How many times the picture was zoomed by its domain.
 int PLT_get_zoom();
 
@@ -136,5 +140,8 @@ int PLT_label_date(const Date* date);
 int PLT_label_for_time(long fhour);
 // Expands the codes of `form` into `text`, which holds plt_label_size bytes.
 int PLT_label_format(const char* form, char* text);
+// Left end of the lower right labels as PLT_labels would write them beside no
+// bar; the viewport's right edge when there are none.
+float PLT_low_right_begin();
 // Draws border and labels. Returns 0; -1 when there is no room for labels.
 int PLT_labels();

@@ -14,6 +14,7 @@
 #include <array>
 #include <cmath>
 #include <cstdarg>
+#include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
 #include <map>
@@ -202,6 +203,34 @@ TEST(Cont, LevelFiles) {
     EXPECT_EQ(CONT_set_fill_colors("red", 1), 0);
     EXPECT_EQ(cont::state().color_num, 3);
     EXPECT_EQ(CONT_set_fill_colors("1:red,2:blue", 1), -1);
+}
+
+// The level files of the data tree go by their name, and "auto" by the quantity.
+TEST(Cont, ShippedLevelFiles) {
+    int files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(ZYR_SOURCE_DIR "/etc")) {
+        if (entry.path().extension() != ".lvl") {
+            continue;
+        }
+        files++;
+        start();
+        const std::string name = entry.path().stem();
+        RES_put("color_fill", "auto");
+        CONT_set_quantity(name.c_str());
+        EXPECT_EQ(CONT_set_fill_colors("1:red,2:blue", 0), 0) << name;
+        const std::string by_quantity = steps();
+        EXPECT_TRUE(cont::state().ascending && cont::state().num_cont >= 10) << name;
+        EXPECT_EQ(by_quantity.find("none"), std::string::npos) << by_quantity;
+        CONT_reset_fill_set();
+        CONT_set_fill_colors(name.c_str(), 1);
+        EXPECT_EQ(steps(), by_quantity);
+    }
+    EXPECT_GT(files, 10);
+    start();
+    RES_put("color_fill", "auto");
+    CONT_set_quantity(nullptr);
+    CONT_set_fill_colors("1:red,2:blue", 0);
+    EXPECT_EQ(steps(), "1:red[1] 2:blue[2]");
 }
 
 TEST(Cont, IntervalsAndExtent) {

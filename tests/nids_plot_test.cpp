@@ -72,6 +72,44 @@ TEST_F(NidsPlot, FiguresFollowTheOptions) {
     }
 }
 
+// With "fitlab" a long lower right label begins after the last number of the bar.
+TEST_F(NidsPlot, LabelAndBarKeepClear) {
+    struct Row {
+        const char* label;
+        const char* word;
+        bool clear;
+    };
+    const std::vector<Row> rows = {
+        {"Md=0_Rng=124(0.1)_El=0.5_Mn:Mx=-110:122_of_all",                       "none",   false}, // the label is long
+        {"Md=0_Rng=124(0.1)_El=0.5_Mn:Mx=-110:122_of_all",                       "fitlab", true }, // a shorter bar
+        {"a_text_of_sixty_eight_characters_that_leaves_hardly_any_room_for_bar", "fitlab", true },
+        {"short",                                                                "fitlab", true }
+    };
+    for (const Row& row : rows) {
+        const NidsPage page = nids_page(dir, std::string("-dr sum,text -la lr:") + row.label +
+                                                 " -pp " + row.word + " ./digital");
+        double number = 0.0; // right end of the bar's numbers, points
+        double label = 1e9;  // left end of the label
+        double* end = nullptr;
+        std::istringstream lines(page.text);
+        for (std::string line; std::getline(lines, line);) {
+            double x = 0.0;
+            double y = 0.0;
+            char verb[3] = "";
+            if (line.starts_with("%%")) {
+                const bool is_label = line.find(std::string(row.label, 2)) != std::string::npos;
+                end = !line.starts_with("%%TE:") ? nullptr : is_label ? &label : &number;
+            } else if (end != nullptr &&
+                       std::sscanf(line.c_str(), "%lf %lf %2s", &x, &y, verb) == 3 && y < 30.0) {
+                *end = end == &label ? std::min(label, x) : std::max(number, x);
+            }
+        }
+        EXPECT_GT(number, 100.0) << row.label;
+        EXPECT_EQ(label > number, row.clear)
+            << row.label << " " << row.word << " " << label << " " << number;
+    }
+}
+
 TEST_F(NidsPlot, SingleFilesThatDoNotOpenEndTheRun) {
     write("refused", {'R', '3'});
     for (const auto& [name, failure] : {
