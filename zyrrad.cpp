@@ -1,6 +1,7 @@
 // zyrrad.cpp: the entry point. It reads the settings, finds out which kind of
 // radar file is asked for, gets the name of the first file and hands over to
 // the plotter of that kind, which does the rest of the run.
+#include "date.h"
 #include "files.h"
 #include "lev2.h"
 #include "lev2_plt.h"
@@ -8,8 +9,8 @@
 #include "nids_plt.h"
 #include "rad_input.h"
 #include "region.h"
+#include "res_table.h"
 #include "zyr.h"
-#include "zyrresrc.h"
 
 #include <algorithm>
 #include <array>
@@ -18,23 +19,8 @@
 namespace {
 
 // The settings of this program, in the order of the help.
-constexpr res_type res_key[] = {
-    RES_help,        RES_batch,        RES_message,     RES_file_path,  RES_data_path,
-    RES_con_path,    RES_grid_path,    RES_raw_path,    RES_image_path, RES_watch_path,
-    RES_text_path,   RES_model_path,   RES_sat_path,    RES_city_file,  RES_map_file,
-    RES_inputg,      RES_output,       RES_name_conv,   RES_in_file,    RES_out_file,
-    RES_file_param,  RES_current,      RES_hour,        RES_num_hour,   RES_identifier,
-    RES_plot_domain, RES_grid_domain,  RES_region,      RES_stat_prior, RES_variable,
-    RES_plot_type,   RES_plot_scale,   RES_plot_format, RES_plot_param, RES_draw,
-    RES_label,       RES_con_interval, RES_con_base,    RES_font_list,  RES_color_table,
-    RES_color_text,  RES_color_data,   RES_color_map,   RES_color_grid, RES_color_line,
-    RES_color_wind,  RES_color_watch,  RES_color_cmap,  RES_color_cont, RES_color_fill,
-    RES_color_label, RES_color_clabel, RES_device,      RES_title,      RES_icon,
-    RES_background,  RES_geometry,     RES_null,
-};
-static_assert(std::size(res_key) == 57 + 1);
-
-constexpr res_type res_pos[] = {RES_filenames, RES_null};
+constexpr auto res_key = res_listed<true>();
+constexpr auto res_pos = res_listed<false>();
 
 constexpr int exit_no_file = 10;
 
@@ -74,12 +60,14 @@ constexpr Plotter plotters[] = {
 } // namespace
 
 int main(int argc, char** argv) {
-    RES_init(argc, argv, res_key, res_pos);
+    RES_set_actions({.hour = FILE_set_time, .domain = DOM_decode});
+    MESS_set_log_tools({.open = FILE_open, .close = FILE_close, .stamp = DATE_get_current_str});
+    RES_init(argc, argv, res_key.data(), res_pos.data());
     if (FLAG_help() != 0) {
         std::array<char, file_name_size> name{};
         RES_get_progname(name.data());
         MESS_print(mess_print, "%s: This program plots various types of radar data\n", name.data());
-        RES_help_print(name.data(), res_key, res_pos);
+        RES_help_print(name.data(), res_key.data(), res_pos.data());
         ZYR_exit(0);
     }
     RAD_cvt_in_file();

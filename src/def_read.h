@@ -2,12 +2,10 @@
 // conditional blocks; a key is a pattern against program and resource name.
 #pragma once
 
-#include "zyr.h"
+#include "zyrresrc.h"
 
 // A line of a defaults file and its closing zero; the size of a key buffer.
 constexpr std::size_t def_line_size = 250;
-// A value of up to 200 characters and its closing zero.
-constexpr std::size_t def_value_size = 201;
 
 // Opens a defaults file in place of any open one. Null or empty: ".zyrdef".
 // A directory: the first that exists in it of "zyr.cfg", ".zyrdef", "Zyr.res".

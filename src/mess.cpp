@@ -5,7 +5,6 @@
 #include "zyr.h"
 
 #include "date.h"
-#include "files.h"
 
 #include <algorithm>
 #include <array>
@@ -40,6 +39,7 @@ struct State {
     std::FILE* pfile = nullptr;                 // open log
     std::array<char, log_name_size> filename{}; // log name of out_each
     bool warned = false;                        // that log was reported as not opening
+    MESS_log_tools tools;
 };
 State state;
 
@@ -122,7 +122,7 @@ void set_level(const char* item) {
 
 void close_log() {
     if (state.pfile != nullptr) {
-        FILE_close(state.pfile);
+        state.tools.close(state.pfile);
     }
     state.pfile = nullptr;
 }
@@ -130,7 +130,7 @@ void close_log() {
 // A log that does not open is dropped; the user is told once, on the screen
 // even where messages go to the log alone.
 void open_log(const char* name, const char* mode) {
-    state.pfile = FILE_open(name, mode);
+    state.pfile = state.tools.open(name, mode);
     if (state.pfile == nullptr && !state.warned && MESS_check(mess_warn) != 0) {
         std::fflush(stdout);
         std::fprintf(stderr, "MESS_set_str: Unable to open log file: %s\n", name);
@@ -162,9 +162,9 @@ bool set_log(const char* item) {
         open_log(state.filename.data(), "a");
     }
     if (state.pfile != nullptr) {
-        if (state.mess_out == out_stamped) {
+        if (state.mess_out == out_stamped && state.tools.stamp != nullptr) {
             std::array<char, date_label_size> now{};
-            DATE_get_current_str(now.data());
+            state.tools.stamp(now.data());
             std::fprintf(state.pfile, "%s -- ", now.data());
         }
         std::vfprintf(state.pfile, format, args);
@@ -226,6 +226,10 @@ int MESS_print(unsigned level, const char* format, ...) {
         count_lines(level, format);
     }
     return 1;
+}
+
+void MESS_set_log_tools(const MESS_log_tools& tools) {
+    state.tools = tools;
 }
 
 int MESS_print_prog(const char* title) {

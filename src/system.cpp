@@ -132,10 +132,6 @@ int ZYR_back_proc() {
     return output >= 0 && errors >= 0 ? 1 : 0;
 }
 
-const char* ZYR_version() {
-    return "5.60.2-LINUX-X11";
-}
-
 int ZYR_sleep(float seconds) {
     if (!(seconds > 0)) {
         return -1;

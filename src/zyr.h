@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdio>
 
 // --- Missing value and sizes ------------------------------------------------
 
@@ -87,6 +88,10 @@ int FLAG_setplot(int index, int value);
 int FLAG_getplot(int index);
 int FLAG_resetplot(int value);
 
+// --- Version (version.cpp) --------------------------------------------------
+
+const char* ZYR_version();
+
 // --- Messages (mess.cpp) ----------------------------------------------------
 
 // Level groups of MESS_print.
@@ -106,6 +111,15 @@ int MESS_check(unsigned level);
 int MESS_check_set();
 int MESS_set_page(int mode);
 int MESS_hold(unsigned level, const char* text);
+
+// How a log is opened and closed, and what stamps its lines with the time.
+// Messages are below files and dates, so the program hands these in.
+struct MESS_log_tools {
+    std::FILE* (*open)(const char* name, const char* mode) = std::fopen;
+    int (*close)(std::FILE* stream) = std::fclose;
+    char* (*stamp)(char* text) = nullptr; // `text` holds date_label_size characters
+};
+void MESS_set_log_tools(const MESS_log_tools& tools);
 
 // --- Strings (string.cpp) ---------------------------------------------------
 
@@ -143,7 +157,6 @@ int copy_text(char* out, std::size_t size, const char* text);
 // The one exit of the program.
 [[noreturn]] void ZYR_exit(int code);
 int ZYR_back_proc();
-const char* ZYR_version();
 int ZYR_sleep(float seconds);
 void ZYR_init_time();
 float ZYR_elapse_time();

@@ -128,7 +128,9 @@ enum res_type {
     RES_unit,
     RES_sat_path,
 };
-static_assert(RES_sat_path == 114);
+
+// A value of up to 200 characters and its closing zero.
+constexpr std::size_t def_value_size = 201;
 
 // How a value's text is converted, and what `out` of RES_getval points at.
 enum DEF_convert {
@@ -180,6 +182,14 @@ struct RES_defobj {
 };
 
 // --- Start ------------------------------------------------------------------
+
+// Conversions whose work lies above the settings: the program hands them in
+// before RES_init. Without one, its resource is read as text.
+struct RES_actions {
+    void (*hour)(const Date* date) = nullptr;               // CV_hour: parts of the file date
+    int (*domain)(const char* text, Domain* out) = nullptr; // CV_region, CV_domain
+};
+void RES_set_actions(const RES_actions& actions);
 
 // The whole start-up: resets the flags, builds the definition table from the
 // two lists (each closed by RES_null), merges all sources and applies the

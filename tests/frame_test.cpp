@@ -1,12 +1,14 @@
 // The program frame: flags, messages, the resource database with its
 // arguments and conversions, the loop window link, prompts and menus. The cases
 // that start the database want a process of their own, as ctest gives them.
+#include "date.h"
 #include "date_text.h"
 #include "feed_stdin.h"
 #include "files.h"
 #include "mqueue.h"
 #include "queue_peer.h"
 #include "rad_input.h"
+#include "res_table.h"
 #include "run_program.h"
 #include "var_tool.h"
 #include "zyr.h"
@@ -16,9 +18,11 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
 #include <regex>
+#include <set>
 
 namespace {
 
@@ -135,6 +139,7 @@ TEST(Mess, LevelsFollowTheText) {
 TEST(Mess, LogsAndScreenTakeTheSameText) {
     const TempDir dir;
     const std::string log = dir.path() + "/new/log";
+    MESS_set_log_tools({.open = FILE_open, .close = FILE_close, .stamp = DATE_get_current_str});
     for (const auto& [kind, in_log] : Pairs{
              {"+fi=", "old a 7\n"       },
              {"-fi=", "a 7\n"           },
@@ -299,6 +304,34 @@ TEST(Conversion, DrawNamesOrEdits) {
         RES_conv_data(text, nullptr, CV_draw);
         EXPECT_EQ(plot_switches(), expected) << text;
     }
+}
+
+// A setting that is asked for by a name that no row has would never arrive.
+TEST(List, EveryNameInTheCodeHasARow) {
+    std::set<std::string> known = {"name", "default"}; // these have options of their own
+    for (const ResRow& row : res_rows) {
+        if (row.argument != nullptr) {
+            known.insert(row.def);
+        }
+    }
+    std::vector<std::filesystem::path> files = {ZYR_SOURCE_DIR "/zyrrad.cpp"};
+    for (const auto& entry : std::filesystem::directory_iterator(ZYR_SOURCE_DIR "/src")) {
+        files.push_back(entry.path());
+    }
+    // What asks by name, and the names of settings that tables and callers pass on.
+    const std::regex name(R"re(RES_get\w*\(\s*"(\w+)"|"(color_\w+|[a-z]+_path)")re");
+    int found = 0;
+    for (const auto& file : files) {
+        const std::string text = read_text(file.string());
+        for (std::sregex_iterator at(text.begin(), text.end(), name), end; at != end; ++at) {
+            const std::string asked = (*at)[1].matched ? (*at)[1] : (*at)[2];
+            // The table itself holds names of rows that the program does not list.
+            EXPECT_TRUE(file.filename() == "res_table.h" || known.contains(asked))
+                << file << ": " << asked;
+            ++found;
+        }
+    }
+    EXPECT_GT(found, 50);
 }
 
 TEST(List, ReplacesInPlaceAndKeepsOldTexts) {

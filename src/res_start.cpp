@@ -1,0 +1,296 @@
+// res_start.cpp: the start of the settings: defaults files, a loop window, the
+// environment and the command line are merged into the database, each over the
+// one before it. It owns the program's definition table, which RES_init fills.
+#include "date.h"
+#include "def_read.h"
+#include "res_list.h"
+#include "res_table.h"
+#include "res_window.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+constexpr int all_positions = 10; // the row that takes every positional argument
+constexpr const char* built_in_search = ".:/home/zyr/etc:/usr/local/zyr/etc";
+constexpr unsigned trace_level = 0x80000000;
+
+struct State {
+    std::array<RES_defobj, std::size(res_rows) + 1> res_table{};
+};
+State state;
+
+// --- Defaults files and environment -----------------------------------------
+
+void store_setting(const char* key, const char* value, const RES_defobj* def_table) {
+    bool fits = false;
+    for (int i = 0; def_table[i].def != nullptr; ++i) {
+        const RES_defobj& row = def_table[i];
+        if (*row.def != '\0' && DEF_cmp(row.def, key) != 0) {
+            RES_new(i, row.def, value, row.cvt);
+            MESS_print(trace_level, "RESRC: %s=%s\n", row.def, value);
+            fits = true;
+        }
+    }
+    std::array<char, res_name_size> name{};
+    if (!fits && DEF_valid(key) != 0 && DEF_parse_name(key, name.data()) != 0) {
+        RES_new(missing, name.data(), value, CV_string);
+    }
+}
+
+void read_defaults(const char* item, const RES_defobj* def_table) {
+    std::array<char, def_line_size> key{};
+    std::array<char, def_value_size> value{};
+    DEF_open(item); // a missing file yields no setting
+    while (DEF_get(key.data(), value.data()) == 1) {
+        store_setting(key.data(), value.data(), def_table);
+    }
+    DEF_close();
+}
+
+void read_search_list(const RES_defobj* def_table) {
+    const char* list = RES_get("default");
+    int count = 0;
+    char** items = nullptr;
+    parse_string(list != nullptr ? list : built_in_search, ':', &count, &items);
+    DEF_clr_tag();
+    if (count == 0) {
+        read_defaults(nullptr, def_table);
+    }
+    for (int i = 0; i < count; ++i) {
+        const char* item = items[i];
+        if (*item == '+') {
+            if (DEF_tag(item + 1) != 0) {
+                MESS_print(mess_warn, "RES_decode: Too many tags: %s\n", item + 1);
+            }
+        } else if (*item == '#') {
+            RES_link_window(item + 1, def_table);
+        } else {
+            read_defaults(item, def_table);
+        }
+    }
+    free_parsed_array(count, items);
+}
+
+void read_environment(const RES_defobj* def_table) {
+    std::array<char, def_value_size> value{};
+    for (int i = 0; def_table[i].def != nullptr; ++i) {
+        const RES_defobj& row = def_table[i];
+        if (*row.def != '\0' && DEF_env(row.def, row.env, value.data()) != 0) {
+            RES_new(i, row.def, value.data(), row.cvt);
+        }
+    }
+}
+
+// --- Command line -----------------------------------------------------------
+
+bool is_letter(char c) {
+    return std::isalpha(static_cast<unsigned char>(c)) != 0;
+}
+
+bool is_short_option(const char* arg) {
+    return arg[0] == '-' && is_letter(arg[1]);
+}
+
+bool is_option(const char* arg) {
+    return is_short_option(arg) || (arg[0] == '-' && arg[1] == '-' && is_letter(arg[2]));
+}
+
+struct Option {
+    std::array<char, res_name_size> name{};
+    const char* value = nullptr;
+    bool from_next = false; // the value is the next argument
+};
+
+// Splits argument `i` into name and value. A value is what follows "=", else
+// the next argument unless that is an option; so "-90,30" is a value.
+Option read_option(int i, int argc, char** argv) {
+    Option option;
+    const char* text = argv[i] + (argv[i][1] == '-' ? 2 : 1);
+    const char* equals = std::strchr(text, '=');
+    const std::size_t length =
+        equals != nullptr ? static_cast<std::size_t>(equals - text) : std::strlen(text);
+    const std::size_t kept = std::min(length, option.name.size() - 1);
+    std::memcpy(option.name.data(), text, kept);
+    if (equals != nullptr) {
+        option.value = equals + 1;
+    } else if (i + 1 < argc && !is_short_option(argv[i + 1])) {
+        option.value = argv[i + 1];
+        option.from_next = true;
+    }
+    return option;
+}
+
+bool begins(const char* text, const char* start) {
+    return std::strncmp(text, start, std::strlen(start)) == 0;
+}
+
+bool begins_any_case(const char* text, const char* start) {
+    return strnicmp(text, start, static_cast<int>(std::strlen(start))) == 0;
+}
+
+// `name` and `default` decide which defaults apply: they are taken first.
+void scan_pseudo(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        if (!is_short_option(argv[i])) {
+            continue;
+        }
+        const Option option = read_option(i, argc, argv);
+        const char* name = option.name.data();
+        if (option.value != nullptr && begins("name", name)) {
+            RES_new(missing, "name", option.value, CV_string);
+            DEF_name(option.value);
+        } else if (option.value != nullptr && (begins(name, "default") || begins(name, "df"))) {
+            RES_new(missing, "default", option.value, CV_string);
+        }
+        i += option.from_next ? 1 : 0;
+    }
+}
+
+bool is_pseudo(const char* name) {
+    return begins_any_case("name", name) || begins_any_case(name, "default") ||
+           begins_any_case(name, "df");
+}
+
+enum Pass { by_option, by_name, by_beginning };
+
+bool fits(Pass pass, const char* name, const RES_defobj& row) {
+    switch (pass) {
+    case by_option:
+        return stricmp(name, row.cmd.text) == 0;
+    case by_name:
+        return stricmp(name, row.def) == 0;
+    case by_beginning:
+        return begins_any_case(row.def, name);
+    }
+    return false;
+}
+
+// Row of an option: by abbreviation, by full name, by the beginning of a name,
+// in this order. Returns `missing` if nothing fits.
+int find_option(const char* name, const RES_defobj* def_table) {
+    for (const Pass pass : {by_option, by_name, by_beginning}) {
+        for (int i = 0; def_table[i].def != nullptr; ++i) {
+            const RES_defobj& row = def_table[i];
+            if (row.cmd.text != nullptr && *row.def != '\0' && fits(pass, name, row)) {
+                return i;
+            }
+        }
+    }
+    return missing;
+}
+
+bool takes_no_argument(DEF_convert cvt) {
+    return cvt == CV_bool || cvt == CV_batch || cvt == CV_help;
+}
+
+// Returns how many arguments behind the option it used up.
+int take_option(Option option, const RES_defobj* def_table) {
+    const char* name = option.name.data();
+    if (is_pseudo(name)) {
+        return option.from_next ? 1 : 0;
+    }
+    const int index = find_option(name, def_table);
+    if (!is_set(index)) {
+        RES_new(missing, name, option.value, CV_string);
+        return option.from_next ? 1 : 0;
+    }
+    const RES_defobj& row = def_table[index];
+    if (option.from_next && takes_no_argument(row.cvt)) {
+        option.value = nullptr;
+        option.from_next = false;
+    }
+    RES_new(index, row.def, option.value, row.cvt);
+    RES_show_window(row.def, option.value);
+    return option.from_next ? 1 : 0;
+}
+
+void take_position(int count, const char* arg, const RES_defobj* def_table) {
+    int index = missing;
+    for (int i = 0; def_table[i].def != nullptr; ++i) {
+        const RES_cmd& cmd = def_table[i].cmd;
+        if (cmd.text != nullptr) {
+            continue;
+        }
+        if (cmd.position == count) {
+            index = i;
+            break;
+        }
+        if (cmd.position == all_positions) {
+            index = i;
+        }
+    }
+    if (!is_set(index)) {
+        return;
+    }
+    const RES_defobj& row = def_table[index];
+    if (row.cmd.position == all_positions && count > 1) {
+        RES_append(index, row.def, arg, row.cvt);
+    } else {
+        RES_new(index, row.def, arg, row.cvt);
+    }
+}
+
+void read_arguments(int argc, char** argv, const RES_defobj* def_table) {
+    int count = 0;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--") == 0) {
+            continue;
+        }
+        if (is_option(argv[i])) {
+            i += take_option(read_option(i, argc, argv), def_table);
+        } else {
+            take_position(++count, argv[i], def_table);
+        }
+    }
+}
+
+} // namespace
+
+int RES_init(int argc, char** argv, const res_type* res_key, const res_type* res_pos) {
+    FLAG_reset(missing);
+    int rows = 0;
+    for (const res_type* list : {res_key, res_pos}) {
+        for (; *list != RES_null; ++list) {
+            if (rows == static_cast<int>(std::size(res_rows))) {
+                MESS_print(mess_warn, "RES_init: Too many resources: %d\n", *list);
+                break;
+            }
+            RES_enter(&state.res_table[rows++], *list);
+        }
+    }
+    state.res_table[rows].def = nullptr;
+    RES_decode(argc > 0 ? argv[0] : nullptr, "Zyr", argc, argv, state.res_table.data());
+    // The files that lie beside an installed zyr.cfg are found wherever that is.
+    if (RES_get("file_path") == nullptr && *DEF_cfg_dir() != '\0') {
+        RES_put("file_path", DEF_cfg_dir());
+    }
+    if (const char* zone = std::getenv("zyrtz")) {
+        DATE_set_TZ(zone);
+    }
+    return 1;
+}
+
+int RES_decode(const char* /*progname*/, const char* /*res_class*/, int argc, char** argv,
+               const RES_defobj* def_table) {
+    RES_setCL(argc, argv);
+    DEF_prog();
+    if (const char* list = std::getenv("zyrdefault")) {
+        RES_new(missing, "default", list, CV_string);
+    }
+    scan_pseudo(argc, argv);
+    read_search_list(def_table);
+    read_environment(def_table);
+    read_arguments(argc, argv, def_table);
+    RES_leave_window();
+    for (const res_obj* entry = RES_first(); entry != nullptr; entry = entry->next) {
+        if (is_set(entry->index)) {
+            RES_conv_data(entry->data, def_table[entry->index].out, entry->cvt);
+        }
+    }
+    return 0;
+}
