@@ -58,7 +58,6 @@ int main() {
         capture = std::min(capture, cost_ms(server, [] {
                                IMG_report image;
                                gget_image(&image);
-                               IMG_free(&image);
                            }));
         dump = std::min(dump, cost_ms(server, [&] { PNG_dump(file("dump.png").c_str()); }));
     }

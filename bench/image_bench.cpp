@@ -194,7 +194,6 @@ int main() {
         std::printf("  palette %.1f ms\n", best_of([&] { IMG_make_indexed(image, 0, &picture); }));
         bench_gif(picture);
         bench_png(&image, picture);
-        IMG_free(&image);
     }
     return EXIT_SUCCESS;
 }

@@ -28,9 +28,9 @@ inline Indexed read_indexed(const std::string& name) {
             const auto byte = [](float part) { return static_cast<png_byte>(part * 255 + 0.5F); };
             out.palette.push_back({byte(c.red), byte(c.grn), byte(c.blu)});
         }
-        out.pixels.assign(image.data, image.data + std::size_t(image.width) * image.height);
+        out.pixels.assign(image.data.get(),
+                          image.data.get() + std::size_t(image.width) * image.height);
     }
-    IMG_free(&image);
     return out;
 }
 

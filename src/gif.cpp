@@ -12,10 +12,10 @@
 //   11    0x2C, left 0, top 0, width, height, 64 if interlaced, code size
 //   ...   sub-blocks, an empty one, 0x3B
 #include "gif_lzw.h"
+#include "img_kind.h"
 #include "img_pixel.h"
 
 #include "files.h"
-#include "gks.h"
 
 #include <algorithm>
 #include <array>
@@ -134,8 +134,8 @@ void take_pixels(void* to, std::span<const std::uint8_t> pixels) {
         const int x = c->left + c->column;
         const int held = std::min(static_cast<int>(n), c->image->width - x);
         if (y < c->image->height && held > 0) {
-            std::memcpy(c->image->data + std::size_t(c->image->bytes_line) * y + x, pixels.data(),
-                        static_cast<std::size_t>(held));
+            std::memcpy(c->image->data.get() + std::size_t(c->image->bytes_line) * y + x,
+                        pixels.data(), static_cast<std::size_t>(held));
         }
         c->column += static_cast<int>(n);
         pixels = pixels.subspan(n);
@@ -231,20 +231,12 @@ int GIF_transparent(int value) {
     return 0;
 }
 
-int GIF_dump(const char* filename) {
-    IMG_report image;
-    const int result = gget_image(&image) != 0 ? GIF_write(filename, &image) : 0;
-    IMG_free(&image);
-    return result;
-}
-
-int GIF_write(const char* filename, IMG_report* image) {
-    if (image->width > most_side || image->height > most_side) {
-        MESS_print(mess_warn, "GIF_write: Image is too large: %dx%d\n", image->width,
-                   image->height);
+int GIF_encode(const char* filename, const IMG_report& image, const IMG_look& look) {
+    if (image.width > most_side || image.height > most_side) {
+        MESS_print(mess_warn, "GIF_write: Image is too large: %dx%d\n", image.width, image.height);
         return 0;
     }
-    if (!IMG_is_sound(*image, "GIF_write")) {
+    if (!IMG_is_sound(image, "GIF_write")) {
         return 0;
     }
     const FILE_ptr file(FILE_open(filename, "wb"));
@@ -253,13 +245,12 @@ int GIF_write(const char* filename, IMG_report* image) {
         return 0;
     }
     IMG_indexed picture;
-    const auto background = static_cast<std::uint32_t>(gget_color_ind(-1));
-    if (!IMG_make_indexed(*image, background, &picture)) {
+    if (!IMG_make_indexed(image, look.background, &picture)) {
         return 0;
     }
     const int bits = index_bits(picture.num_color);
-    write_header(file.get(), *image, picture, bits);
-    write_pixels(file.get(), *image, picture, bits);
+    write_header(file.get(), image, picture, bits);
+    write_pixels(file.get(), image, picture, bits);
     return std::fflush(file.get()) == 0 && std::ferror(file.get()) == 0 ? 1 : 0;
 }
 

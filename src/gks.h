@@ -374,11 +374,17 @@ int gcgm_ps_point(float x, float y); // device units
 int gcgm_polyline(int n, const Gpt* pts);
 int gcgm_set_clip(float x0, float y0, float x1, float y1); // device units
 
-// --- Capture (gks_img.cpp; IMG_report in zyrimg.h) ------------------------------
+// --- Capture (gks_img.cpp; records in zyrimg.h, kinds in img_kind.h) ------------
 
+struct IMG_kind;
 struct IMG_report;
 // The picture of the current draw window. Returns 1, or 0 after a report.
 int gget_image(IMG_report* image);
+// Writes an image file, the background and the title being those of the window.
+int gwrite_image(const IMG_kind& kind, const char* filename, const IMG_report& image);
+// The one road from the window to an image file of any kind. `describe`, unless
+// null, completes the record of the capture.
+int gdump_image(const IMG_kind& kind, const char* filename, void (*describe)(IMG_report* image));
 int gread_image_file(const char* filename, IMG_report* image);
 // Lays an image over the plot, `background` transparent; position relative to
 // the viewport, negative from the right or bottom edge.
@@ -523,6 +529,12 @@ int gset_inverse(int value); // 1: black on white
 int gget_inverse();
 int gset_background(const char* text); // stronger than the resource; at most 49 characters
 int gget_back_color();
+// What the program's own colour names stand for: the index of a name, -1 for none,
+// and its components unless `rep` is null. Handed in by GPH_setup; without it a
+// background is named as X names colours.
+using Gcolor_finder = int (*)(const char* name, Gcolr_rep* rep);
+int gset_color_finder(Gcolor_finder find);
+int gfind_color(const char* name, Gcolr_rep* rep);
 int gset_rw_colors(int value);      // 1: try writable colour cells
 int gset_local_colormap(int value); // 1: make a private colour map
 int ginit_xcolr();

@@ -4,7 +4,6 @@
 
 #include "gks_x11.h"
 #include "zyr.h"
-#include "zyrgks.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
@@ -28,9 +27,10 @@ struct ColorState {
     int max_color_ind = 0;     // highest index used
     Colormap def_colormap = 0; // of the screen
     Colormap user_colormap = 0;
-    int local_cmap = 0; // 1: make a private colour map
-    int rw_colors = 1;  // 1: try writable cells
-    int inverse = 0;    // 1: black on white
+    int local_cmap = 0;           // 1: make a private colour map
+    int rw_colors = 1;            // 1: try writable cells
+    int inverse = 0;              // 1: black on white
+    Gcolor_finder find = nullptr; // of the program's colour names
     std::array<char, 50> background{};
 };
 ColorState colr;
@@ -150,14 +150,9 @@ bool is_over(const char* text) {
 
 XColor named_background(const char* text) {
     XColor color{};
-    const int ind = CLR_get_ind(text);
-    if (ind >= 0) {
-        float red = 0.0F;
-        float grn = 0.0F;
-        float blu = 0.0F;
-        CLR_get_rgb(ind, &red, &grn, &blu);
-        return x_color(red, grn, blu);
-    }
+    Gcolr_rep rep{};
+    if (gfind_color(text, &rep) >= 0)
+        return x_color(rep.red, rep.green, rep.blue);
     if (XParseColor(gget_display(), gget_colormap(), text, &color) == 0)
         MESS_print(mess_warn, "ginit_background: invalid color: %s\n", text);
     return color;
@@ -297,6 +292,15 @@ int gset_inverse(int value) {
 
 int gget_inverse() {
     return colr.inverse;
+}
+
+int gset_color_finder(Gcolor_finder find) {
+    colr.find = find;
+    return 0;
+}
+
+int gfind_color(const char* name, Gcolr_rep* rep) {
+    return colr.find == nullptr ? -1 : colr.find(name, rep);
 }
 
 int ginit_background() {

@@ -1,9 +1,10 @@
 // gks_img.cpp: the picture of the window as an image record, from which every
-// image file is written. Owns nothing. Needs a display and its draw window;
-// what lies images over the plot is in gks_overlay.cpp.
+// image file is written, and what readers and writers of image files ask of the
+// window. Owns nothing. A capture needs a display and its draw window; what lies
+// images over the plot is in gks_overlay.cpp.
 
 #include "gks_x11.h"
-#include "zyrimg.h"
+#include "img_kind.h"
 
 #include <algorithm>
 #include <bit>
@@ -124,7 +125,7 @@ void narrow_row(XImage* ximage, int y, unsigned char* out) {
 // The rows of a strip into the record, from row `top` on.
 void take_strip(IMG_report* image, XImage* ximage, int top) {
     const Taking taking = taking_of(*ximage);
-    unsigned char* out = image->data + static_cast<std::size_t>(top) * image->bytes_line;
+    unsigned char* out = image->data.get() + static_cast<std::size_t>(top) * image->bytes_line;
     if (taking == Taking::rows) {
         std::memcpy(out, ximage->data,
                     static_cast<std::size_t>(ximage->height) * image->bytes_line);
@@ -225,6 +226,11 @@ void take_colors(IMG_report* image, const XWindowAttributes& window) {
         take_table(image, window);
 }
 
+// The row of a writer.
+const IMG_kind& kind_of(decltype(IMG_kind::write) writer) {
+    return *std::ranges::find(IMG_kinds(), writer, &IMG_kind::write);
+}
+
 } // namespace
 
 int gget_image(IMG_report* image) {
@@ -259,4 +265,50 @@ int gget_image(IMG_report* image) {
     take_colors(image, window);
     XFlush(display);
     return 1;
+}
+
+// --- Files ----------------------------------------------------------------------
+
+int gwrite_image(const IMG_kind& kind, const char* filename, const IMG_report& image) {
+    const IMG_look look = {static_cast<std::uint32_t>(gget_color_ind(-1)), gget_win_title()};
+    return kind.write(filename, image, look);
+}
+
+int gdump_image(const IMG_kind& kind, const char* filename, void (*describe)(IMG_report* image)) {
+    IMG_report image;
+    if (gget_image(&image) == 0)
+        return 0;
+    if (describe != nullptr)
+        describe(&image);
+    return gwrite_image(kind, filename, image);
+}
+
+int gread_image_file(const char* filename, IMG_report* image) {
+    return IMG_read(filename, image, 0);
+}
+
+int IMG_read(const char* filename, IMG_report* image, int type) {
+    constexpr int any_depth = 32;
+    const int depth = gget_win_depth();
+    return IMG_read_any(filename, image, type, type == 1 && depth == 0 ? any_depth : depth);
+}
+
+int GIF_write(const char* filename, IMG_report* image) {
+    return gwrite_image(kind_of(GIF_encode), filename, *image);
+}
+
+int PNG_write(const char* filename, IMG_report* image) {
+    return gwrite_image(kind_of(PNG_encode), filename, *image);
+}
+
+int GIF_dump(const char* filename) {
+    return gdump_image(kind_of(GIF_encode), filename, nullptr);
+}
+
+int PNG_dump(const char* filename) {
+    return gdump_image(kind_of(PNG_encode), filename, nullptr);
+}
+
+int XWD_dump(const char* filename) {
+    return gdump_image(kind_of(XWD_encode), filename, nullptr);
 }

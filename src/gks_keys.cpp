@@ -6,8 +6,8 @@
 #include "files.h"
 #include "gks_loop.h"
 #include "gks_x11.h"
+#include "img_kind.h"
 #include "zyr.h"
-#include "zyrimg.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
@@ -51,56 +51,48 @@ constexpr std::array key_map = {
 
 // --- Dumps --------------------------------------------------------------------
 
-struct DumpRow {
-    const char* label;
-    const char* extension;
-    int (*dump)(const char* path);
-};
-constexpr DumpRow gif_dump = {"GIF", "gif", GIF_dump};
-constexpr DumpRow xwd_dump = {"XWD", "xwd", XWD_dump};
-
 // Name of a dump along the image path: the first letters of the title, and the
 // frame number unless it is negative.
-void dump_path(const DumpRow& row, int frame, char* path) {
+void dump_path(const IMG_kind& kind, int frame, char* path) {
     char title[6];
     std::snprintf(title, sizeof title, "%.5s", gget_win_title());
     for (char& c : title)
         c = c == ' ' || c == '/' ? '_' : c; // a title names no directory
     char name[file_name_size];
     if (frame < 0)
-        std::snprintf(name, sizeof name, "%s.%s", title, row.extension);
+        std::snprintf(name, sizeof name, "%s.%s", title, kind.word);
     else
-        std::snprintf(name, sizeof name, "%s-%2.2d.%s", title, frame, row.extension);
+        std::snprintf(name, sizeof name, "%s-%2.2d.%s", title, frame, kind.word);
     FILE_add_path(RES_get("image_path"), name, path);
 }
 
 // Writes one file and tells of it; by its bare path where a heading stands.
-void dump_one(const DumpRow& row, int frame, bool in_list) {
+void dump_one(const IMG_kind& kind, int frame, bool in_list) {
     char path[file_name_size];
-    dump_path(row, frame, path);
-    if (row.dump(path) == 0)
-        MESS_print(mess_warn, "gprocess_x11_event: Unable to write %s file: %s\n", row.label, path);
+    dump_path(kind, frame, path);
+    if (gdump_image(kind, path, nullptr) == 0)
+        MESS_print(mess_warn, "gprocess_x11_event: Unable to write %s file: %s\n", kind.name, path);
     else if (in_list)
         MESS_print(mess_mess, "%s\n", path);
     else
-        MESS_print(mess_mess, "Created %s file: %s\n", row.label, path);
+        MESS_print(mess_mess, "Created %s file: %s\n", kind.name, path);
 }
 
-void dump_frames(const DumpRow& row) {
+void dump_frames(const IMG_kind& kind) {
     const int n = gget_num_images();
     const int cursor = gset_cursor(cursor_number_wait);
     if (n < 2) {
-        dump_one(row, -1, false);
+        dump_one(kind, -1, false);
     } else if (gget_looping() != 0) {
-        MESS_print(mess_mess, "Creating %s files:\n", row.label);
+        MESS_print(mess_mess, "Creating %s files:\n", kind.name);
         for (int i = 0; i < n; ++i) {
             gselect_frame(i);
-            dump_one(row, i, true);
+            dump_one(kind, i, true);
         }
     } else {
         const int frame = std::max(gget_cur_frame(), 0);
         gselect_frame(frame);
-        dump_one(row, frame, false);
+        dump_one(kind, frame, false);
     }
     gset_cursor(cursor);
 }
@@ -141,10 +133,10 @@ Key_end act(Key key, int x, int y) {
         print_metafile();
         break;
     case Key::gif:
-        dump_frames(gif_dump);
+        dump_frames(*IMG_find_word("gif"));
         break;
     case Key::xwd:
-        dump_frames(xwd_dump);
+        dump_frames(*IMG_find_word("xwd"));
         break;
     case Key::loop:
         gtoggle_loop(-1);

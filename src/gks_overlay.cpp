@@ -8,7 +8,6 @@
 
 #include "gks_x11.h"
 #include "img_pixel.h"
-#include "zyrgks.h"
 
 #include <algorithm>
 #include <array>
@@ -19,6 +18,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -256,7 +256,7 @@ void map_pixels(const IMG_report& image, long trans, unsigned char* out) {
 long transparent_pixel(const char* background) {
     if (background == nullptr || *background == '\0')
         return gget_color_ind(-1);
-    const int ind = CLR_get_ind(background);
+    const int ind = gfind_color(background, nullptr);
     if (ind >= 0)
         return gget_color_ind(ind);
     XColor color{};
@@ -277,23 +277,22 @@ int place(int start, int size, int image_size, int distance) {
     return distance >= 0 ? start + distance : start + size - image_size + distance;
 }
 
-// The part of an image that can be seen, with pixels of its own; the colours
-// stay those of the image.
-struct ImagePart {
-    IMG_report record;
-
-    ImagePart(const IMG_report& image, int width, int height) : record(image) {
-        record.width = std::min(image.width, width);
-        record.height = std::min(image.height, height);
-        const std::size_t size = static_cast<std::size_t>(record.height) * image.bytes_line;
-        record.data = new (std::nothrow) unsigned char[size];
-        if (record.data != nullptr)
-            std::memcpy(record.data, image.data, size);
+// The part of an image that can be seen, at the top left. False without memory.
+bool copy_part(const IMG_report& image, int width, int height, IMG_report* part) {
+    static_cast<IMG_fields&>(*part) = image;
+    part->width = std::min(image.width, width);
+    part->height = std::min(image.height, height);
+    if (image.colors != nullptr) {
+        if (IMG_alloc_colors(part, image.num_colors) == 0)
+            return false;
+        std::copy_n(image.colors.get(), image.num_colors, part->colors.get());
     }
-    ~ImagePart() { delete[] record.data; }
-    ImagePart(const ImagePart&) = delete;
-    ImagePart& operator=(const ImagePart&) = delete;
-};
+    if (IMG_alloc(part) == 0)
+        return false;
+    const std::size_t size = static_cast<std::size_t>(part->height) * image.bytes_line;
+    std::memcpy(part->data.get(), image.data.get(), size);
+    return true;
+}
 
 // A bitmap of the pixels that differ from the transparent one.
 Pixmap make_mask(XImage* ximage, long trans) {
@@ -331,19 +330,13 @@ void put_masked(XImage* ximage, long trans, int x, int y) {
 
 } // namespace
 
-int gread_image_file(const char* filename, IMG_report* image) {
-    return IMG_read(filename, image, 0);
-}
-
 int goverlay_image_file(const char* filename, const char* background, int x, int y) {
     if (gget_display() == nullptr || gget_draw_window() == 0)
         return 0;
     IMG_report image;
     if (gread_image_file(filename, &image) == 0)
         return 0;
-    const int result = goverlay_image(&image, background, x, y);
-    IMG_free(&image);
-    return result;
+    return goverlay_image(&image, background, x, y);
 }
 
 int gsetup_image_colors(IMG_report* image, long trans) {
@@ -351,16 +344,17 @@ int gsetup_image_colors(IMG_report* image, long trans) {
         return 0;
     if (image->depth == small_depth && meaning_of(*image) == Meaning::gray)
         return 1; // pixels already
-    IMG_report mapped = *image;
-    mapped.depth = small_depth;
-    mapped.bits_pixel = small_depth;
+    IMG_report mapped;
+    mapped.width = image->width;
+    mapped.height = image->height;
     mapped.bytes_line = image->width;
-    mapped.data = nullptr;
     if (IMG_alloc(&mapped) == 0)
         return 0;
-    map_pixels(*image, trans, mapped.data);
-    delete[] image->data;
-    *image = mapped;
+    map_pixels(*image, trans, mapped.data.get());
+    image->depth = small_depth;
+    image->bits_pixel = small_depth;
+    image->bytes_line = image->width;
+    image->data = std::move(mapped.data);
     return 1;
 }
 
@@ -376,7 +370,7 @@ int gset_ximage_params(IMG_report* image, XImage* ximage) {
     XDestroyImage(made);
     const Converter converter(*image);
     if (converter.fits(*ximage)) {
-        ximage->data = reinterpret_cast<char*>(image->data);
+        ximage->data = reinterpret_cast<char*>(image->data.get());
         ximage->bytes_per_line = image->bytes_line;
         return 1;
     }
@@ -403,15 +397,15 @@ int goverlay_image(IMG_report* image, const char* background, int x, int y) {
     const int top = place(view.y, view.height, image->height, y);
     if (std::max(std::abs(left), std::abs(top)) > far_away)
         return 1; // nothing of it can be seen
-    ImagePart part(*image, view.width, view.height);
-    if (part.record.data == nullptr)
+    IMG_report part;
+    if (!copy_part(*image, view.width, view.height, &part))
         return 0;
-    gsetup_image_colors(&part.record, trans);
+    gsetup_image_colors(&part, trans);
     XImage ximage{};
-    if (gset_ximage_params(&part.record, &ximage) == 0)
+    if (gset_ximage_params(&part, &ximage) == 0)
         return 0;
     put_masked(&ximage, trans, left, top);
-    if (ximage.data != reinterpret_cast<char*>(part.record.data))
+    if (ximage.data != reinterpret_cast<char*>(part.data.get()))
         delete[] ximage.data;
     return 1;
 }

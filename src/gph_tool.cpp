@@ -53,6 +53,14 @@ std::array<Gpt, circle_points> circle(float x, float y, float r) {
     return pts;
 }
 
+// A colour name of the table, for the kernel.
+int find_color(const char* name, Gcolr_rep* rep) {
+    const int ind = CLR_get_ind(name);
+    if (ind >= 0 && rep != nullptr)
+        CLR_get_rgb(ind, &rep->red, &rep->green, &rep->blue);
+    return ind;
+}
+
 // The size of the device, its longer side being 1.
 int ginq_maxview(Gws_type ws_type, float* xvp, float* yvp) {
     int err = 0;
@@ -84,6 +92,7 @@ int GPH_setup(int* ws_id, Gws_type* ws_type, float asp_ratio, Glim* offset) {
         *ws_type = FLAG_batch() > 0 ? ws_window : ws_none;
     GPH_set_win_title();
     CLR_read_table(nullptr);
+    gset_color_finder(find_color);
     GPH_begin(ws_id, conn_id, ws_type);
     return GPH_reset(ws_id, ws_type, asp_ratio, offset);
 }

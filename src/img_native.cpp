@@ -7,6 +7,7 @@
 //   line 2  date label     line 3  description
 //   line 4  "width height", or a projection word, clat clon dx dy nx ny
 //   ...     width * height bytes; compressed: a zlib stream for each 10000 bytes
+#include "img_kind.h"
 #include "img_pixel.h"
 
 #include "date.h"
@@ -77,6 +78,30 @@ bool write_pieces(std::FILE* file, const std::vector<std::uint8_t>& bytes) {
         }
     }
     return true;
+}
+
+int write_file(const char* filename, const IMG_report& image, bool packed) {
+    if (!IMG_is_sound(image, "IMG_write")) {
+        return 0;
+    }
+    const FILE_ptr file(FILE_open(filename, "wb"));
+    if (!file) {
+        MESS_print(mess_warn, "Unable to open: %s\n", filename);
+        return 0;
+    }
+    std::fprintf(file.get(), "%s%s\n%s\n%s\n%s", magic, packed ? "Z" : "",
+                 one_line(image.datim).c_str(), one_line(image.info).c_str(),
+                 projection_line(image).c_str());
+    const auto width = static_cast<std::size_t>(image.width);
+    std::vector<std::uint8_t> bytes(width * static_cast<std::size_t>(image.height));
+    std::vector<std::uint32_t> values(width);
+    for (int row = 0; row < image.height; row++) {
+        row_bytes(image, row, &values, bytes.data() + width * static_cast<std::size_t>(row));
+    }
+    const bool written =
+        packed ? write_pieces(file.get(), bytes)
+               : std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
+    return written && std::fflush(file.get()) == 0 ? 1 : 0;
 }
 
 // --- Reading --------------------------------------------------------------------
@@ -312,8 +337,8 @@ bool read_pixels(std::FILE* file, const char* filename, const std::string& flags
         file = other.get();
     }
     const std::size_t got = flags.find('Z') != std::string::npos
-                                ? read_packed(file, image->data, size)
-                                : std::fread(image->data, 1, size, file);
+                                ? read_packed(file, image->data.get(), size)
+                                : std::fread(image->data.get(), 1, size, file);
     if (got < size) { // what arrived stands
         MESS_print(mess_warn, "IMG_read_zyr: Pixels are missing: %s\n", filename);
     }
@@ -327,28 +352,12 @@ int IMG_set_patience(int tries) {
     return 0;
 }
 
+int IMG_encode(const char* filename, const IMG_report& image, const IMG_look& /*look*/) {
+    return write_file(filename, image, false);
+}
+
 int IMG_write(const char* filename, IMG_report* image, int type) {
-    if (!IMG_is_sound(*image, "IMG_write")) {
-        return 0;
-    }
-    const FILE_ptr file(FILE_open(filename, "wb"));
-    if (!file) {
-        MESS_print(mess_warn, "Unable to open: %s\n", filename);
-        return 0;
-    }
-    std::fprintf(file.get(), "%s%s\n%s\n%s\n%s", magic, type == 1 ? "Z" : "",
-                 one_line(image->datim).c_str(), one_line(image->info).c_str(),
-                 projection_line(*image).c_str());
-    const auto width = static_cast<std::size_t>(image->width);
-    std::vector<std::uint8_t> bytes(width * static_cast<std::size_t>(image->height));
-    std::vector<std::uint32_t> values(width);
-    for (int row = 0; row < image->height; row++) {
-        row_bytes(*image, row, &values, bytes.data() + width * static_cast<std::size_t>(row));
-    }
-    const bool written =
-        type == 1 ? write_pieces(file.get(), bytes)
-                  : std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
-    return written && std::fflush(file.get()) == 0 ? 1 : 0;
+    return write_file(filename, *image, type == 1);
 }
 
 int IMG_read_zyr(const char* filename, IMG_report* image, int type) {

@@ -87,7 +87,7 @@ int IMG_line_pixels(const IMG_report& image) {
 }
 
 void IMG_row_values(const IMG_report& image, int row, int count, std::uint32_t* values) {
-    const unsigned char* p = image.data + std::size_t(image.bytes_line) * row;
+    const unsigned char* p = image.data.get() + std::size_t(image.bytes_line) * row;
     const int held = std::min(count, IMG_line_pixels(image));
     const bool high_first = image.byte_order == 1;
     switch (const int bits = stored_bits(image)) {

@@ -8,13 +8,13 @@
 #include "files.h"
 #include "geometry_text.h"
 #include "gks.h"
+#include "img_kind.h"
 #include "map.h"
 #include "maptran.h"
 #include "region.h"
 #include "text_num.h"
 #include "zyrcty.h"
 #include "zyrgks.h"
-#include "zyrimg.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
@@ -57,8 +57,7 @@ enum class Word {
     shadow,
     max_bad,
     min_size,
-    grid_format,
-    dump
+    grid_format
 };
 
 struct WordRow {
@@ -69,7 +68,7 @@ struct WordRow {
 };
 
 // The first row that fits a word counts.
-constexpr std::array<WordRow, 44> words = {
+constexpr std::array<WordRow, 40> words = {
     {
      {"full", false, Word::full, 0},
      {"fullab", false, Word::full_labels, 1},
@@ -111,10 +110,6 @@ constexpr std::array<WordRow, 44> words = {
      {"max_bad", true, Word::max_bad, 5},
      {"min_size", true, Word::min_size, 0},
      {"grdfmt", true, Word::grid_format, 0},
-     {"gif", true, Word::dump, 2},
-     {"png", true, Word::dump, 4},
-     {"img", true, Word::dump, 3},
-     {"xwd", true, Word::dump, 1},
      }
 };
 
@@ -299,9 +294,6 @@ void apply(const WordRow& row, const char* rest) {
     case Word::panel:
         PLT_panel_decode(value);
         break;
-    case Word::dump:
-        PLT_set_dump(row.number, value);
-        break;
     case Word::headers:
         settings.headers = row.number;
         break;
@@ -325,6 +317,12 @@ bool fits(const WordRow& row, const char* word, const char** rest) {
                       : stricmp(word, row.text) == 0;
 }
 
+// A kind of image and, after a separator, the name of its files.
+void take_dump(const IMG_kind& kind, const char* word) {
+    const char* rest = word + std::strlen(kind.word);
+    PLT_set_dump(kind.dump, *rest == '\0' ? rest : rest + 1);
+}
+
 void decode_word(const char* word) {
     const char* rest = nullptr;
     for (const WordRow& row : words) {
@@ -333,17 +331,16 @@ void decode_word(const char* word) {
             return;
         }
     }
+    if (const IMG_kind* kind = IMG_find_word(word); kind != nullptr) {
+        take_dump(*kind, word);
+    }
 }
 
-// "gif" and "png" (kinds 2 and 4) in the list of output files ask for a dump
-// as well.
+// Some kinds of image are asked for in the list of output files as well.
 void decode_output(const char* word) {
-    const char* rest = nullptr;
-    for (const WordRow& row : words) {
-        if (row.word == Word::dump && row.number % 2 == 0 && fits(row, word, &rest)) {
-            apply(row, rest);
-            return;
-        }
+    const IMG_kind* kind = IMG_find_word(word);
+    if (kind != nullptr && kind->out_file) {
+        take_dump(*kind, word);
     }
 }
 

@@ -6,10 +6,12 @@
 #include "cont.h"
 #include "files.h"
 #include "gks.h"
+#include "img_kind.h"
+#include "maptran.h"
 #include "zyrgks.h"
-#include "zyrimg.h"
 #include "zyrresrc.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdarg>
 #include <cstdio>
@@ -34,29 +36,6 @@ Session session;
 constexpr int type_none = 99;  // plot type that draws nothing
 constexpr int exit_device = 4; // a file device lost a part of its page
 
-struct DumpKind {
-    int kind;
-    const char* label;     // in messages
-    const char* file_name; // convention when none is given
-};
-constexpr std::array<DumpKind, 4> dump_kinds = {
-    {
-     {1, "xdump", "zyr.xwd"},
-     {2, "GIF", "zyr.gif"},
-     {3, "IMG", "zyr.xwd"},
-     {4, "PNG", "zyr.png"},
-     }
-};
-
-const DumpKind* find_kind(int kind) {
-    for (const DumpKind& row : dump_kinds) {
-        if (row.kind == kind) {
-            return &row;
-        }
-    }
-    return nullptr;
-}
-
 bool nothing_to_draw() {
     return FLAG_getplot(12) == 0 || FLAG_get(flag_plot_type) == type_none;
 }
@@ -69,19 +48,39 @@ void warn_of_parts() {
     }
 }
 
-int write_image(const char* path) {
-    switch (session.dump) {
-    case 1:
-        return XWD_dump(path);
-    case 2:
-        return GIF_dump(path);
-    case 3:
-        return IMG_dump(path);
-    case 4:
-        return PNG_dump(path);
-    default:
-        return 0;
+const char* label_text(int lab) {
+    const char* text = PLT_get_label(lab, 0);
+    return text != nullptr ? text : "";
+}
+
+// A picture laid out on the domain of the plot lies on the earth.
+void locate(IMG_report* image) {
+    constexpr float largest_offset = 0.7F;
+    if (PLT_get_view_offset() > largest_offset) {
+        return;
     }
+    Domain& d = image->domain;
+    MAP_get_domain(&d);
+    if (is_set(d.proj) && d.nx != image->width) {
+        d.dx =
+            d.dx * static_cast<float>(d.nx - 1) / static_cast<float>(std::max(image->width - 1, 1));
+        d.dy = d.dy * static_cast<float>(d.ny - 1) /
+               static_cast<float>(std::max(image->height - 1, 1));
+        d.nx = image->width;
+        d.ny = image->height;
+    }
+}
+
+void describe(IMG_report* image) {
+    locate(image);
+    std::array<char, 2 * sizeof image->info> info{};
+    std::snprintf(info.data(), info.size(), "%s [%s]", label_text(0), label_text(5));
+    copy_text(image->info, sizeof image->info, info.data());
+    copy_text(image->datim, sizeof image->datim, label_text(2));
+}
+
+bool write_image(const IMG_kind& kind, const char* path) {
+    return gdump_image(kind, path, kind.placed ? describe : nullptr) != 0;
 }
 
 // Writes the picture of the selected frame under the name that the dump's
@@ -96,12 +95,12 @@ void dump_image(const char* key) {
     FILE_set_key('p', gget_win_title());
     FILE_set_date(&date, name);
     FILE_add_path(RES_get("image_path"), name, path);
-    const DumpKind* kind = find_kind(session.dump);
-    const char* label = kind == nullptr ? "" : kind->label;
+    const IMG_kind* kind = IMG_find_dump(session.dump);
+    const char* label = kind == nullptr ? "" : kind->dump_name;
     if (!gtype_is_WIN_PIX()) {
         MESS_print(mess_warn, "PLT_dump: Images are taken of a window alone\n");
     }
-    if (write_image(path) != 0) {
+    if (kind != nullptr && write_image(*kind, path)) {
         MESS_print(mess_mess, "Wrote %s file: %s\n", label, path);
     } else {
         MESS_print(mess_warn, "PLT_dump: Unable to write %s file: %s\n", label, path);
@@ -251,7 +250,7 @@ void PLT_tell_left_out(int files) {
 int PLT_set_dump(int type, const char* filename) {
     session.dump = type;
     if (filename == nullptr || *filename == '\0') {
-        const DumpKind* kind = find_kind(type);
+        const IMG_kind* kind = IMG_find_dump(type);
         filename = kind == nullptr ? "" : kind->file_name;
     }
     const int status = copy_text(session.dump_file, sizeof session.dump_file, filename);
@@ -280,4 +279,8 @@ int PLT_dump(int frame) {
     }
     FILE_restore_name_conv();
     return 0;
+}
+
+int IMG_dump(const char* filename) {
+    return gdump_image(*IMG_find_word("img"), filename, describe);
 }

@@ -3,11 +3,11 @@
 //
 // libpng reports an error by a jump back into the routine that called
 // setjmp; those routines own nothing and hold nothing that has a destructor.
+#include "img_kind.h"
 #include "img_pixel.h"
 
 #include "date.h"
 #include "files.h"
-#include "gks.h"
 
 #include <array>
 #include <csetjmp>
@@ -68,11 +68,11 @@ bool write_png(png_structp png, png_infop info, WriteJob* job) {
     return true;
 }
 
-std::array<TextLine, 3> text_lines() {
+std::array<TextLine, 3> text_lines(const char* title) {
     std::array<TextLine, 3> lines{
         {{{"Title"}, {}}, {{"Software"}, {"ZYR - Sky Foundry v5.0"}}, {{"Creation Time"}, {}}}
     };
-    copy_text(lines[0].text.data(), lines[0].text.size(), gget_win_title());
+    copy_text(lines[0].text.data(), lines[0].text.size(), title);
     std::time_t now = 0;
     DATE_get_time(&now);
     std::tm utc{};
@@ -187,15 +187,8 @@ bool take_palette(const Header& h, IMG_report* image) {
 
 } // namespace
 
-int PNG_dump(const char* filename) {
-    IMG_report image;
-    const int result = gget_image(&image) != 0 ? PNG_write(filename, &image) : 0;
-    IMG_free(&image);
-    return result;
-}
-
-int PNG_write(const char* filename, IMG_report* image) {
-    if (!IMG_is_sound(*image, "PNG_write")) {
+int PNG_encode(const char* filename, const IMG_report& image, const IMG_look& look) {
+    if (!IMG_is_sound(image, "PNG_write")) {
         return 0;
     }
     const FILE_ptr file(FILE_open(filename, "wb"));
@@ -204,20 +197,19 @@ int PNG_write(const char* filename, IMG_report* image) {
         return 0;
     }
     IMG_indexed picture;
-    const auto background = static_cast<std::uint32_t>(gget_color_ind(-1));
-    if (!IMG_make_indexed(*image, background, &picture)) {
+    if (!IMG_make_indexed(image, look.background, &picture)) {
         return 0;
     }
     std::vector<png_bytep> rows;
-    rows.reserve(static_cast<std::size_t>(image->height));
-    for (int row = 0; row < image->height; row++) {
-        rows.push_back(picture.index.data() + static_cast<std::size_t>(image->width) * row);
+    rows.reserve(static_cast<std::size_t>(image.height));
+    for (int row = 0; row < image.height; row++) {
+        rows.push_back(picture.index.data() + static_cast<std::size_t>(image.width) * row);
     }
-    std::array<TextLine, 3> lines = text_lines();
+    std::array<TextLine, 3> lines = text_lines(look.title);
     WriteJob job{};
     job.file = file.get();
-    job.width = static_cast<png_uint_32>(image->width);
-    job.height = static_cast<png_uint_32>(image->height);
+    job.width = static_cast<png_uint_32>(image.width);
+    job.height = static_cast<png_uint_32>(image.height);
     job.rows = rows.data();
     for (int i = 0; i < img_palette_size; i++) {
         const IMG_rgb c = picture.color[i];
@@ -259,5 +251,5 @@ int PNG_read(const char* filename, IMG_report* image, int type) {
         MESS_print(mess_warn, "Unable to allocate data buffer.\n");
         return 0;
     }
-    return read_rows(reader.png, reader.info, header, image->data) ? 1 : 0;
+    return read_rows(reader.png, reader.info, header, image->data.get()) ? 1 : 0;
 }

@@ -7,11 +7,11 @@
 //   n       window name with its closing zero: header_size - 100 bytes
 //   16 n    colour records: pixel (4), 0 (4), red, green, blue (2 each), flags 7, 0
 //   ...     height * bytes_line bytes of pixels
-#include "byte_reader.h"
-#include "img_pixel.h"
+#include "img_kind.h"
 
+#include "byte_reader.h"
 #include "files.h"
-#include "gks.h"
+#include "img_pixel.h"
 
 #include <algorithm>
 #include <array>
@@ -213,36 +213,32 @@ void take_header(const XWDFileHeader& h, IMG_report* image) {
 
 } // namespace
 
-int XWD_dump(const char* filename) {
-    IMG_report image;
-    const int result = gget_image(&image) != 0 ? XWD_write(filename, &image) : 0;
-    IMG_free(&image);
-    return result;
-}
-
-int XWD_write(const char* filename, IMG_report* image) {
+int XWD_encode(const char* filename, const IMG_report& image, const IMG_look& /*look*/) {
     const FILE_ptr file(FILE_open(filename, "wb"));
     if (!file) {
         return fail("Unable to open dump file\n");
     }
-    const auto header = header_of(*image);
+    const auto header = header_of(image);
     if (!write_bytes(file.get(), header.data(), header.size())) {
         return fail("Unable to write dump file header\n");
     }
-    if (!write_bytes(file.get(), image->info, std::strlen(image->info) + 1)) {
+    if (!write_bytes(file.get(), image.info, std::strlen(image.info) + 1)) {
         return fail("Unable to write window name to dump file.\n");
     }
-    const auto colors = colors_of(*image);
+    const auto colors = colors_of(image);
     if (!write_bytes(file.get(), colors.data(), colors.size())) {
         return fail("Unable to write color map to dump file.\n");
     }
-    const std::size_t size = image->bytes_line > 0 && image->height > 0
-                                 ? std::size_t(image->bytes_line) * image->height
-                                 : 0;
-    if (image->data == nullptr || !write_bytes(file.get(), image->data, size)) {
+    const std::size_t size =
+        image.bytes_line > 0 && image.height > 0 ? std::size_t(image.bytes_line) * image.height : 0;
+    if (image.data == nullptr || !write_bytes(file.get(), image.data.get(), size)) {
         return fail("Unable to write to XWD file.\n");
     }
     return 1;
+}
+
+int XWD_write(const char* filename, IMG_report* image) {
+    return XWD_encode(filename, *image, {});
 }
 
 int XWD_read(const char* filename, IMG_report* image, int /*type*/) {
@@ -278,7 +274,7 @@ int XWD_read(const char* filename, IMG_report* image, int /*type*/) {
         return fail("Unable to allocate data buffer.\n");
     }
     const std::size_t size = std::size_t(image->bytes_line) * image->height;
-    if (std::fread(image->data, 1, size, file.get()) != size) {
+    if (std::fread(image->data.get(), 1, size, file.get()) != size) {
         return fail("Unable to read pixmap from dump file.\n");
     }
     return 1;

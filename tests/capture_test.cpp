@@ -27,9 +27,7 @@ Picture read_picture(const std::string& name, const std::string& kind) {
     const int status = kind == "gif"   ? GIF_read(name.c_str(), &image, 0)
                        : kind == "xwd" ? XWD_read(name.c_str(), &image, 0)
                                        : IMG_read_zyr(name.c_str(), &image, 0);
-    Picture picture = status != 0 ? picture_of_record(image) : Picture{};
-    IMG_free(&image);
-    return picture;
+    return status != 0 ? picture_of_record(image) : Picture{};
 }
 
 // A colour map's components above 0.99 count as full.
@@ -94,9 +92,8 @@ void write_xwd_beyond(const std::string& name, int width, int height) {
     IMG_alloc_colors(&image, 2);
     image.colors[0] = {1.0F, 0.0F, 0.0F};
     IMG_alloc(&image);
-    std::memset(image.data, 200, static_cast<std::size_t>(width) * height);
+    std::memset(image.data.get(), 200, static_cast<std::size_t>(width) * height);
     XWD_write(name.c_str(), &image);
-    IMG_free(&image);
 }
 
 class CaptureTest : public PlotWindow {
@@ -213,6 +210,40 @@ TEST_F(CaptureTest, ImagesLieOverThePlot) {
     }
 }
 
+// With margins the map is smaller than the page: "if:" counts from the page's
+// corners, "im:" from the map's.
+TEST_F(CaptureTest, ImagesArePlacedOnThePageOrOnTheMap) {
+    constexpr int width = 20;
+    constexpr int height = 14;
+    write_png(file("i.png"), 24, width, height);
+    const auto place_of = [&](const std::string& kind, int x, int y) {
+        const Picture seen =
+            picture_of("disc -ge 401x301 -dr sum,map -mf " + kind +
+                       ":i.png:black:" + std::to_string(x) + ":" + std::to_string(y));
+        const auto fits = [&](int left, int top) {
+            for (int i = 0; i < width * height; i++) {
+                const std::uint32_t pixel = colors[pattern(i % width, i / width, 24)];
+                const int at = (top + i / width) * seen.width + left + i % width;
+                if (pixel != 0 && seen.rgb[at] != pixel)
+                    return false;
+            }
+            return true;
+        };
+        for (int i = 0; i < (seen.width - width) * (seen.height - height); i++) {
+            const int left = i % (seen.width - width);
+            const int top = i / (seen.width - width);
+            if (fits(left, top))
+                return std::pair{left, top};
+        }
+        return std::pair{-1, -1};
+    };
+    EXPECT_EQ(place_of("if", 3, 5), (std::pair{3, 5}));
+    EXPECT_EQ(place_of("if", -7, -9), (std::pair{401 - width - 7, 301 - height - 9}));
+    constexpr int margin = 17; // 0.04 of the width, 16.04 pixels, above and below
+    EXPECT_EQ(place_of("im", 3, 5), (std::pair{3, 5 + margin}));
+    EXPECT_EQ(place_of("im", -7, -9), (std::pair{401 - width - 7, 301 - height - 9 - margin}));
+}
+
 // Records of any layout, true or false about themselves, at any place.
 TEST_F(CaptureTest, OddRecordsAreDrawnOrRefused) {
     constexpr int layouts[] = {1, 2, 3, 4, 8, 15, 16, 24, 32, 48, 0, -5};
@@ -236,11 +267,10 @@ TEST_F(CaptureTest, OddRecordsAreDrawnOrRefused) {
             if (below(2) == 0)
                 IMG_alloc_colors(&image, 1 + below(300));
             if (IMG_alloc(&image) != 0) {
-                std::generate_n(image.data, image.bytes_line * image.height, random);
+                std::generate_n(image.data.get(), image.bytes_line * image.height, random);
                 const int x = static_cast<int>(random());
                 drawn += goverlay_image(&image, "", below(2) == 0 ? x : x % 500, x % 300);
             }
-            IMG_free(&image);
         }
         EXPECT_GT(drawn, 50);
         gclose_ws(1);

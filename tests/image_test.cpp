@@ -49,14 +49,6 @@ std::string big(std::int64_t value, int bytes) {
     return out;
 }
 
-struct Freed : IMG_report {
-    Freed() = default;
-    explicit Freed(const IMG_report& image) : IMG_report(image) {}
-    ~Freed() { IMG_free(this); }
-    Freed(const Freed&) = delete;
-    Freed& operator=(const Freed&) = delete;
-};
-
 constexpr ImageSample samples[] = {
     {1,   1,   24, 32, 2,    0},
     {37,  29,  24, 32, 16,   0},
@@ -104,7 +96,7 @@ Picture shown(const ImageSample& sample, const IMG_report& image, bool* has_back
 }
 
 Picture read_back(const std::string& name) {
-    Freed image;
+    IMG_report image;
     return IMG_read(name.c_str(), &image, 0) == 1 ? picture_of_record(image) : Picture{};
 }
 
@@ -192,7 +184,7 @@ std::string png_bomb() {
 
 void expect_refused(const std::string& text, const std::string& message) {
     const MemoryFile file(bytes_of(text));
-    Freed image;
+    IMG_report image;
     testing::internal::CaptureStderr();
     EXPECT_EQ(IMG_read(file.name(), &image, 0), 0) << message;
     const std::string said = testing::internal::GetCapturedStderr();
@@ -217,7 +209,7 @@ TEST_F(Image, EveryLayoutGoesThroughPaletteFiles) {
     const MemoryFile file({});
     for (const ImageSample& sample : samples) {
         SCOPED_TRACE("sample " + std::to_string(&sample - samples));
-        Freed image(image_sample(sample));
+        IMG_report image = image_sample(sample);
         bool has_background = false;
         Picture expected = shown(sample, image, &has_background);
         for (const int way : {0, 1, 2, 3}) {
@@ -256,7 +248,7 @@ TEST_F(Image, WindowDumpsKeepPixelsAndColors) {
     const MemoryFile file({});
     for (const ImageSample& sample : samples) {
         SCOPED_TRACE("sample " + std::to_string(&sample - samples));
-        Freed image(image_sample(sample));
+        IMG_report image = image_sample(sample);
         ASSERT_EQ(XWD_write(file.name(), &image), 1);
         const auto [w, h, depth, bits, colors, order] = sample;
         const std::string name = image.info + "\0"s;
@@ -281,14 +273,14 @@ TEST_F(Image, WindowDumpsKeepPixelsAndColors) {
             }
             expected += big(0x700, 2);
         }
-        expected.append(image.data, image.data + image.bytes_line * h);
+        expected.append(image.data.get(), image.data.get() + image.bytes_line * h);
         EXPECT_TRUE(text_of(file) == expected);
-        Freed back;
+        IMG_report back;
         back.depth = 32;
         ASSERT_EQ(XWD_read(file.name(), &back, 0), 1);
         EXPECT_STREQ(back.info, image.info);
         EXPECT_EQ(picture_of_record(back), picture_of_record(image));
-        Freed shallow;
+        IMG_report shallow;
         shallow.depth = depth - 1;
         testing::internal::CaptureStderr();
         EXPECT_EQ(XWD_read(file.name(), &shallow, 0), 0);
@@ -302,7 +294,7 @@ TEST_F(Image, NativeFilesKeepGreyLevels) {
     const MemoryFile file({});
     for (const ImageSample& sample : samples) {
         SCOPED_TRACE("sample " + std::to_string(&sample - samples));
-        Freed image(image_sample(sample));
+        IMG_report image = image_sample(sample);
         Bytes grey;
         for (int i = 0; i < sample.width * sample.height; i++) {
             const std::uint32_t v = image_value(sample, color_at(sample, i));
@@ -311,9 +303,10 @@ TEST_F(Image, NativeFilesKeepGreyLevels) {
         }
         for (const int packed : {0, 1}) {
             ASSERT_EQ(IMG_write(file.name(), &image, packed), 1);
-            Freed back;
+            IMG_report back;
             ASSERT_EQ(IMG_read(file.name(), &back, 0), 1);
-            EXPECT_EQ(Bytes(back.data, back.data + back.bytes_line * back.height), grey) << packed;
+            EXPECT_EQ(Bytes(back.data.get(), back.data.get() + back.bytes_line * back.height), grey)
+                << packed;
             EXPECT_EQ(back.source, img_native);
             EXPECT_STREQ(back.info, image.info);
         }
@@ -344,7 +337,7 @@ TEST_F(Image, NativeFilesKeepTheProjection) {
                                  (located ? "35.000000 -97.000000 0.500000 0.250000 " : "") +
                                  "3 2\nabcdef";
         const MemoryFile file(bytes_of(text));
-        Freed image;
+        IMG_report image;
         ASSERT_EQ(IMG_read(file.name(), &image, 0), 1) << text;
         Domain& d = image.domain;
         EXPECT_EQ((std::array{d.plat, d.plon, d.param[0], d.clat, d.dx}),
@@ -377,9 +370,10 @@ TEST_F(Image, NativeHeadersOfOtherProgramsAreRead) {
              "ZYRIMG\n\n\n35.0 -97.0 0.5 0.5 3 2\n" + pixels,
          }) {
         const MemoryFile file(bytes_of(text));
-        Freed image;
+        IMG_report image;
         ASSERT_EQ(IMG_read(file.name(), &image, 0), 1) << text;
-        EXPECT_EQ(std::string(image.data, image.data + image.bytes_line * image.height), pixels)
+        EXPECT_EQ(std::string(image.data.get(), image.data.get() + image.bytes_line * image.height),
+                  pixels)
             << text;
         EXPECT_EQ(image.width, 3);
     }
@@ -387,7 +381,7 @@ TEST_F(Image, NativeHeadersOfOtherProgramsAreRead) {
 
 TEST_F(Image, NativeFileMayStillGrow) {
     IMG_set_patience(10);
-    Freed image(image_sample({400, 100, 8, 8, 200, 0}));
+    IMG_report image = image_sample({400, 100, 8, 8, 200, 0});
     MemoryFile whole({});
     ASSERT_EQ(IMG_write(whole.name(), &image, 1), 1);
     const Bytes bytes = whole.bytes();
@@ -397,11 +391,11 @@ TEST_F(Image, NativeFileMayStillGrow) {
         std::this_thread::sleep_for(std::chrono::milliseconds(300));
         growing.add(Bytes(half, bytes.end()));
     });
-    Freed back;
+    IMG_report back;
     EXPECT_EQ(IMG_read(growing.name(), &back, 0), 1);
     writer.join();
     EXPECT_EQ(back.width * back.height, 40000);
-    EXPECT_EQ(std::memcmp(back.data, image.data, 40000), 0);
+    EXPECT_EQ(std::memcmp(back.data.get(), image.data.get(), 40000), 0);
 }
 
 TEST_F(Image, EveryKindOfPngIsRead) {
@@ -417,7 +411,7 @@ TEST_F(Image, EveryKindOfPngIsRead) {
             for (const int interlace : {PNG_INTERLACE_NONE, PNG_INTERLACE_ADAM7}) {
                 SCOPED_TRACE(std::to_string(type) + " " + std::to_string(depth));
                 make_png(file, type, depth, interlace);
-                Freed image;
+                IMG_report image;
                 ASSERT_EQ(IMG_read(file.name(), &image, 0), 1);
                 EXPECT_EQ(image.depth, std::min(depth, 8) * (one ? 1 : 3));
                 EXPECT_EQ(image.bits_pixel, alpha ? 32 : image.depth);
@@ -432,7 +426,7 @@ TEST_F(Image, EveryKindOfPngIsRead) {
 TEST_F(Image, PngFilesMayBeWideAndSayWhatTheyAre) {
     setenv("TZ", "EST5EDT", 1);
     const MemoryFile file({});
-    Freed image(image_sample({70000, 1, 8, 8, 4, 0}));
+    IMG_report image = image_sample({70000, 1, 8, 8, 4, 0});
     EXPECT_EQ(GIF_write(file.name(), &image), 0);
     EXPECT_TRUE(file.bytes().empty());
     ASSERT_EQ(PNG_write(file.name(), &image), 1);
@@ -478,7 +472,7 @@ TEST_F(Image, HostileFilesAreRefused) {
         std::string message;
     };
     const MemoryFile file({});
-    Freed image(image_sample({6, 5, 8, 8, 4, 0}));
+    IMG_report image = image_sample({6, 5, 8, 8, 4, 0});
     XWD_write(file.name(), &image);
     for (const Row& row : std::initializer_list<Row>{
              {4,  8,          "XWD file format version mismatch\n"  },
@@ -503,7 +497,7 @@ TEST_F(Image, FilesMayBeCutAnywhere) {
             for (std::size_t n = 0; n < bytes.size(); n++) {
                 const MemoryFile file(
                     Bytes(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(n)));
-                Freed image;
+                IMG_report image;
                 const int result = IMG_read(file.name(), &image, 0);
                 EXPECT_EQ(result == 1, image.data != nullptr) << name << " " << n;
             }

@@ -134,7 +134,5 @@ image_samples(const std::string& kind) {
         flat.domain.ny = flat.height;
         keep("located", IMG_write(file.name(), &flat, 0));
     }
-    IMG_free(&deep);
-    IMG_free(&flat);
     return files;
 }

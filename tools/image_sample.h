@@ -23,7 +23,7 @@ int image_color_at(const ImageSample& sample, int x, int y);
 // the depth has.
 std::uint32_t image_value(const ImageSample& sample, int color);
 std::uint32_t image_rgb(const ImageSample& sample, int color);
-// The record; rows are padded to four bytes. To be freed by IMG_free.
+// The record; rows are padded to four bytes.
 IMG_report image_sample(const ImageSample& sample);
 // Small files of a kind ("gif", "png", "xwd", "native"), by name, made by the
 // program's writers.

@@ -19,7 +19,6 @@ inline void image_walk(const std::vector<std::uint8_t>& bytes, ImageReader read)
     IMG_report header;
     header.depth = 32;
     read(file.name(), &header, 1);
-    IMG_free(&header);
     IMG_report image;
     image.depth = 32;
     if (read(file.name(), &image, 0) == 1) {
@@ -41,12 +40,10 @@ inline void image_walk(const std::vector<std::uint8_t>& bytes, ImageReader read)
                 if ((result != 1 || !same) && write != XWD_write) {
                     std::abort();
                 }
-                IMG_free(&again);
             }
         }
         for (int packed = 0; small && packed < 2; packed++) {
             IMG_write(out.name(), &image, packed);
         }
     }
-    IMG_free(&image);
 }
