@@ -707,7 +707,7 @@ int NIDS_prod_symb(FILE* ifile) {
     // Parameter 8 of the later products tells that the block is compressed.
     // Inside a zlib stream there is nothing to look for.
     if (stream.file_type == type_plain &&
-        (nids_row(nids_compressed, code) != nullptr || (code >= 32 && header.pr_desc.p[8] == 1))) {
+        (nids_product(code).compressed || (code >= 32 && header.pr_desc.p[8] == 1))) {
         stream.comp_test = true;
     }
     // A product whose description tells of no block may end here.

@@ -5,6 +5,7 @@
 
 #include "files.h"
 #include "maptran.h"
+#include "nids_tables.h"
 #include "rad_fill.h"
 #include "windbarb.h"
 
@@ -17,7 +18,6 @@ constexpr int item_summary = 10;   // plot component of the packets
 constexpr int raster_chunk = 10;   // cells of a raster figure on the product's own projection
 constexpr float barb_size = 20.0F; // plot units
 constexpr float text_height = 8.0F;
-constexpr int code_precip_array = 81;
 
 // The edges of a radial whose bins begin at the site.
 RadEdges radial_edges(const NIDS_frame& frame, float sangle, float dangle) {
@@ -54,13 +54,14 @@ void draw_row(const NIDS_frame& frame, RadFills& fills, std::FILE* grid, const R
               RadStrip& strip) {
     strip.begin();
     const int chunk = strip.same() ? raster_chunk : 1;
+    const bool decibel = nids_product(frame.info->code).decibel;
     int column = 0;
     NIDS_data data;
     while (NIDS_get_data(frame.ifile, &data) > 0) {
         strip.make_room(edges);
         const int run = static_cast<int>(data.run);
         float value = data.val;
-        if (frame.info->code == code_precip_array && is_set(value)) {
+        if (decibel && is_set(value)) {
             value = static_cast<float>(std::pow(10.0, static_cast<double>(value) / 10.0) / 100.0);
         }
         for (int i = 0; grid != nullptr && i < run; i++) {

@@ -111,11 +111,6 @@ float coded_level(unsigned t) {
     return (t & 0x100U) != 0 ? -v : v;
 }
 
-NidsScale scale_of(int code) {
-    const auto* row = nids_row(nids_scales, code);
-    return row != nullptr ? row->scale : NidsScale::levels;
-}
-
 // Minimum and step, both divided by `divisor` and multiplied by `factor`, and
 // the number of levels.
 void linear_thresholds(const NidsProdDesc& desc, float divisor, double factor,
@@ -136,7 +131,7 @@ float finite_or_missing(float v) {
 std::array<float, nids_num_thres> decode_thresholds(int code, const NidsProdDesc& desc) {
     std::array<float, nids_num_thres> v{};
     const auto& t = desc.thres;
-    switch (scale_of(code)) {
+    switch (nids_product(code).scale) {
     case NidsScale::tenths:
         linear_thresholds(desc, 10.0F, 1.0, v);
         break;
@@ -164,11 +159,12 @@ std::array<float, nids_num_thres> decode_thresholds(int code, const NidsProdDesc
     case NidsScale::levels:
         std::transform(t.begin(), t.end(), v.begin(), coded_level);
         break;
-    }
-    if (code == 186) { // its thresholds are not to be trusted
+    case NidsScale::fixed: // its thresholds are not to be trusted
+        std::transform(t.begin(), t.end(), v.begin(), coded_level);
         v[0] = -32.0F;
         v[1] = 0.5F;
         v[2] = 256.0F;
+        break;
     }
     return v;
 }
@@ -301,21 +297,10 @@ int find_in_collective(FILE* ifile, const char* ext_info) {
 
 // Bin length, range, and for composites the cell size.
 void set_resolution(NIDS_info& info) {
-    if (const auto* row = nids_row(nids_radar_products, info.code)) {
-        info.res = row->res_nmi;
-        info.range = row->range_nmi;
-    }
-    if (info.src > nids_max_site) {
-        info.range = 0;
-        const auto* row = nids_row(nids_composite_products, info.code);
-        if (row != nullptr && row->cell_km > 0) {
-            info.res = row->cell_km;
-        }
-    }
-    if (info.code == 48) { // a display, not a map
-        info.res = 512;
-        info.range = 1;
-    }
+    const NidsProduct& product = nids_product(info.code);
+    const bool mosaic = info.src > nids_max_site && product.map != NidsMap::display;
+    info.res = mosaic && product.cell_km > 0 ? product.cell_km : product.bin_nmi;
+    info.range = mosaic ? 0 : product.range_nmi;
     info.domain.dx = info.res;
 }
 
@@ -351,11 +336,12 @@ bool is_length(float v) {
 
 void finish_domain(NIDS_info& info) {
     Domain& domain = info.domain;
-    if (info.code == 48) {
+    const NidsMap map = nids_product(info.code).map;
+    if (map == NidsMap::display) {
         domain.proj = proj_pixel;
         domain.clat = domain.clon = 0;
         domain.dx = domain.dy = 511;
-    } else if (info.code == 81) {
+    } else if (map == NidsMap::precip_grid) {
         domain.proj = proj_pstereo;
         domain.plat = 90;
         domain.plon = -105;
@@ -392,14 +378,8 @@ void finish_domain(NIDS_info& info) {
 }
 
 void set_label(NIDS_info& info) {
-    const char* label = nullptr;
-    if (info.src > nids_max_site) {
-        const auto* row = nids_row(nids_composite_products, info.code);
-        label = row != nullptr ? row->label : nullptr;
-    } else {
-        const auto* row = nids_row(nids_radar_products, info.code);
-        label = row != nullptr ? row->label : nullptr;
-    }
+    const NidsProduct& product = nids_product(info.code);
+    const char* label = info.src > nids_max_site ? product.mosaic : product.label;
     if (label != nullptr) {
         copy_text(info.info, sizeof info.info, label);
     } else {
@@ -407,13 +387,8 @@ void set_label(NIDS_info& info) {
     }
 }
 
-const NidsParamRow& params_of(int code) {
-    const auto* row = nids_row(nids_params, code);
-    return row != nullptr ? *row : nids_other_params;
-}
-
 void set_params(NIDS_info& info, const NidsProdDesc& desc) {
-    const NidsParamRow& row = params_of(info.code);
+    const NidsParams& row = nids_product(info.code).params;
     if (row.elev != NidsElev::none) {
         info.elev = tenths(desc.p[3]);
     }
@@ -454,6 +429,8 @@ void add_start(Line& line, int days, int minutes) {
 
 void add_extra(Line& line, NidsExtra extra, const NidsProdDesc& desc) {
     switch (extra) {
+    case NidsExtra::none:
+        break;
     case NidsExtra::start_p5:
         add_start(line, desc.p[5], desc.p[6]);
         break;
@@ -471,22 +448,21 @@ void add_extra(Line& line, NidsExtra extra, const NidsProdDesc& desc) {
 
 void set_misc(NIDS_info& info, const NidsProdDesc& desc) {
     constexpr std::array<const char*, 3> modes = {"Md=mt", "Md=cl", "Md=pr"};
-    const NidsParamRow& row = params_of(info.code);
+    const NidsProduct& product = nids_product(info.code);
+    const NidsParams& row = product.params;
     Line line(info.misc, sizeof info.misc);
     if (info.mode >= 0 && info.mode < static_cast<int>(modes.size())) {
         line.add("%s", modes[static_cast<std::size_t>(info.mode)]);
     }
     if (info.src > nids_max_site) {
         line.add(" Res=%3.1f", info.res);
-    } else if (info.code != 48 && info.code != 55 && info.code != 56) {
+    } else if (product.show_range) {
         line.add(" Rng=%.0f(%.1f)", info.range, info.res);
     }
     if (row.elev == NidsElev::shown) {
         line.add(" El=%.1f", info.elev);
     }
-    if (const auto* extra = nids_row(nids_extras, info.code)) {
-        add_extra(line, extra->extra, desc);
-    }
+    add_extra(line, product.extra, desc);
     switch (row.show) {
     case NidsExtremes::min_max:
         line.add(" Mn,Mx=%.*f,%.*f", row.decimals, info.nmax, row.decimals, info.max);
@@ -538,14 +514,14 @@ const NidsHeader& nids_header() {
 }
 
 float nids_level_value(const NidsHeader& header, int packet, int level) {
-    const int code = header.mess.code;
+    const NidsProduct& product = nids_product(header.mess.code);
     const auto& v = header.thres;
     const auto b = static_cast<float>(level);
     float value = b * v[1] + v[0];
     if (packet == nids_packet_dig_precip) {
         value = level < 255 ? value : missing_f;
     } else {
-        switch (scale_of(code)) {
+        switch (product.scale) {
         case NidsScale::liquid:
             value = b < v[2] ? (b - v[1]) / v[0] : std::exp((b - v[4]) / v[3]);
             break;
@@ -559,9 +535,7 @@ float nids_level_value(const NidsHeader& header, int packet, int level) {
             break;
         }
         value = level < 2 ? missing_f : value;
-        if (code >= 170 && code <= 175) {
-            value /= 100.0F; // stored in hundredths of an inch
-        }
+        value /= product.divisor;
     }
     return finite_or_missing(value); // a step or divisor may be damaged
 }
