@@ -24,6 +24,7 @@ namespace {
 
 constexpr int default_range = 460;   // grid steps of 0.54 nautical miles
 constexpr int item_summary = 10;     // plot component
+constexpr int scan_first = -9999;    // the lowest scan that holds the moment
 constexpr float radial_width = 1.0F; // degrees about the azimuth, also of half degree radials
 constexpr int first_clear = 30;      // coverage patterns of clear air
 constexpr int last_clear = 39;
@@ -33,7 +34,8 @@ struct State {
     char datim[date_label_size] = ""; // its date label
     char misc[40] = "";               // lower right label
     Domain domain;                    // its own
-    int scan_num = 1;                 // elevation number drawn
+    int scan_num = 1;                 // elevation number drawn, scan_first: not yet known
+    int told_scan = missing;          // the one that was named for want of a number
     int scan_type = lev2_refl;        // moment drawn
     bool told_variable = false;       // that `variable` names no moment
     int range = default_range;        // size of the own domain
@@ -69,21 +71,41 @@ const Moment& moment() {
     return moments[static_cast<std::size_t>(lev2.scan_type)];
 }
 
+// Whether an item of `variable` names a moment, which is then chosen. Without a
+// number behind it the volume says which scan it is.
+bool take_item(const char* item) {
+    for (std::size_t i = 0; i < moments.size(); ++i) {
+        const int length = static_cast<int>(std::strlen(moments[i].word));
+        if (strnicmp(item, moments[i].word, length) == 0) {
+            char* end = nullptr;
+            const long number = std::strtol(item + length, &end, 10);
+            lev2.scan_type = static_cast<int>(i);
+            lev2.scan_num = end == item + length
+                                ? scan_first
+                                : static_cast<int>(std::clamp(number, -1000000L, 1000000L));
+            return true;
+        }
+    }
+    return false;
+}
+
+// The first item of `variable` that names a moment chooses.
 void decode_variable() {
     const char* variable = RES_get("variable");
     if (variable == nullptr || *variable == '\0') {
         return;
     }
-    for (std::size_t i = 0; i < moments.size(); i++) {
-        const int length = static_cast<int>(std::strlen(moments[i].word));
-        if (strnicmp(variable, moments[i].word, length) == 0) {
-            lev2.scan_type = static_cast<int>(i);
-            lev2.scan_num = static_cast<int>(
-                std::clamp(std::strtol(variable + length, nullptr, 10), -1000000L, 1000000L));
+    bool known = false;
+    for (const char* item = variable; item != nullptr;) {
+        item += std::strspn(item, " ");
+        if (take_item(item)) {
             return;
         }
+        known = known || strnicmp(item, "watch", 5) == 0;
+        item = std::strchr(item, ',');
+        item = item != nullptr ? item + 1 : nullptr;
     }
-    if (!lev2.told_variable) {
+    if (!known && !lev2.told_variable) {
         lev2.told_variable = true;
         MESS_print(mess_warn, "LEV2_plot: Unknown variable:%s, drawn is \"%s%d\"\n", variable,
                    moment().word, lev2.scan_num);
@@ -188,6 +210,16 @@ void draw_radial(Walk& walk, const LEV2_data& data) {
     walk.strip.draw(edges);
 }
 
+// Scans come in the order of their numbers, from the lowest one up.
+void take_scan(int number) {
+    lev2.scan_num = number;
+    if (lev2.told_scan != number) {
+        lev2.told_scan = number;
+        MESS_print(mess_warn, "LEV2_plot: No scan is named, drawn is \"%s%d\"\n", moment().word,
+                   number);
+    }
+}
+
 void draw_scan(Walk& walk) {
     LEV2_data data;
     for (; LEV2_get_block(&data) != 0; LEV2_next_block()) {
@@ -195,9 +227,15 @@ void draw_scan(Walk& walk) {
             continue;
         }
         print_radial(walk, data);
+        if (lev2.scan_num == scan_first && LEV2_set_data_type(lev2.scan_type) != 0) {
+            take_scan(data.elev_num);
+        }
         if (data.elev_num == lev2.scan_num && LEV2_set_data_type(lev2.scan_type) != 0) {
             draw_radial(walk, data);
         }
+    }
+    if (lev2.scan_num == scan_first) { // none holds it
+        lev2.scan_num = LEV2_get_cuts().empty() ? 1 : LEV2_get_cuts().front().num;
     }
 }
 

@@ -56,15 +56,15 @@ struct NidsProduct {
     float cell_km = 0;            // 0: the length of a bin is taken
 
     NidsScale scale = NidsScale::levels;
-    float divisor = 1;            // of the values of a digital radial
-    bool decibel = false;         // cells are decibels of 0.01 inch
     const char* colors = nullptr; // null: the thresholds are the levels
-    bool barb_levels = false;     // levels 0, 4 ... 16 for the colours
     NidsParams params{};
-    bool show_range = true; // in the parameter line
+    float divisor = 1; // of the values of a digital radial
     NidsExtra extra = NidsExtra::none;
     NidsMap map = NidsMap::site;
-    bool compressed = false; // the symbology block may be bzip2-compressed
+    bool decibel = false;     // cells are decibels of 0.01 inch
+    bool barb_levels = false; // levels 0, 4 ... 16 for the colours
+    bool show_range = true;   // in the parameter line
+    bool compressed = false;  // the symbology block may be bzip2-compressed
 };
 
 // The row of a code; one without facts where the code is not known.

@@ -327,6 +327,12 @@ TEST_F(Lev2, WhyThePictureIsEmpty) {
     EXPECT_EQ(lev2_empty_text(cuts, 9, 1), "There is no scan 9, the volume has 0-4,7,255");
     EXPECT_EQ(lev2_empty_text(cuts, 1, 1),
               "Scan 1 (El=0.0) has no velocity, scans that have it: 2,4");
+    Lev2Cuts tilted; // an antenna that is still moving: the mean counts
+    for (const float angle : {0.5F, 0.9F, 1.0F}) {
+        d.elev_ang = angle;
+        lev2_count_radial(tilted, d);
+    }
+    EXPECT_EQ(lev2_cut_text(tilted.row[0]).substr(0, 18), "Scan 255: El=0.8 3");
     EXPECT_EQ(lev2_empty_text(cuts, 1, 2), "Scan 1 (El=0.0) has no spectrum width, nor has any "
                                            "other");
     for (d.elev_num = 0; d.elev_num < 300; d.elev_num++) {
