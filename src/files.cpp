@@ -430,3 +430,7 @@ void FILE_set_time(const Date* date) {
 void FILE_get_date(Date* date) {
     *date = module.state.file_date;
 }
+
+void FILE_put_date(const Date* date) {
+    module.state.file_date = *date;
+}

@@ -75,6 +75,7 @@ void FILE_set_filename(const char* text);
 const char* FILE_get_filename(char* buffer);
 void FILE_set_time(const Date* date); // clock values and steps of `hour`
 void FILE_get_date(Date* date);       // date of the current file
+void FILE_put_date(const Date* date); // puts it back after names of other files
 
 // --- Selection (file_sel.cpp) ------------------------------------------------
 

@@ -333,6 +333,8 @@ int LEV2_plot_frame() {
     LEV2_plot_summary();
     rad_draw_bar();
     MAP_draw(map_over | map_plain);
+    GPH_trans(tran_map);
+    rad_draw_watches(is_set(lev2.info.date.year) ? lev2.info.date : lev2.run.file_date);
     PLT_labels();
     return 0;
 }

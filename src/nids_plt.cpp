@@ -145,6 +145,7 @@ int NIDS_plot_data() {
     CONT_reset_values();
     gset_marker_type(2);
     rad_draw_site(nids.words, nids.info.domain.clat, nids.info.domain.clon);
+    rad_draw_watches(nids.info.date);
     return 0;
 }
 

@@ -9,6 +9,7 @@
 #include "map.h"
 #include "maptran.h"
 #include "region.h"
+#include "watch.h"
 #include "zyrgks.h"
 #include "zyrresrc.h"
 
@@ -181,6 +182,8 @@ bool rad_take_word(RadWords& words, const char* word) {
         set_rings(words, word);
     } else if (stricmp(word, "nodist") == 0) {
         words.rings[0] = 0.0F;
+    } else if (stricmp(word, "slabel") == 0) {
+        WATCH_set_label(1);
     } else if (strnicmp(word, "clutter", 7) == 0) {
         set_clutter(words, word);
     } else {
@@ -309,6 +312,13 @@ void rad_draw_site(const RadWords& words, float lat, float lon) {
         if (words.rings[i] != 0.0F) {
             MAP_draw_circle(x, y, words.rings[i] * km_per_nmi);
         }
+    }
+}
+
+void rad_draw_watches(const Date& date) {
+    if (WATCH_wanted()) {
+        WATCH_decode(&date);
+        WATCH_plot();
     }
 }
 

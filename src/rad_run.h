@@ -79,5 +79,7 @@ void rad_draw_bar();
 // Mark and range rings of a site at its image on the plot, in the line and
 // marker attributes in force.
 void rad_draw_site(const RadWords& words, float lat, float lon);
+// The watch boxes in force at a time, when `variable` asks for them.
+void rad_draw_watches(const Date& date);
 // The colour of texts and marks that no resource names.
 const char* rad_plain_color();
