@@ -7,6 +7,7 @@
 #include "gks_x11.h"
 
 #include <array>
+#include <string>
 
 constexpr int num_cursors = 9;
 constexpr int icon_size = 48;
@@ -17,6 +18,14 @@ constexpr int default_height = 512;
 // screen, and a square of it takes the server 256 MB.
 constexpr int min_side = 2;
 constexpr int max_side = 8192;
+
+// Atoms that are no constants of the protocol, asked for in one go at the opening.
+struct Watoms {
+    Atom protocols = None;
+    Atom close = None;
+    Atom net_name = None;
+    Atom utf8 = None;
+};
 
 // What lasts as long as the connection. gclose_display gives every id back.
 struct Gdisp {
@@ -40,6 +49,7 @@ struct Gdisp {
     std::array<Cursor, num_cursors> cursors{}; // type 1 alone
     int cursor = 0;                            // number of the one in force
     int redraw = 1;                            // of the redraw list before type 6
+    Watoms atoms;
 };
 
 // What is chosen before the opening and outlives a closing.
@@ -77,6 +87,12 @@ void greset_gcs();
 
 // Leaves the window of type 6; with pix_mode 9 its owner's hold ends.
 void gend_pixmap();
+
+const Watoms& gwindow_atoms();
+// The name of any window, as UTF-8; empty without one.
+std::string gfetch_name(Window window);
+// Drops a character of UTF-8 at the end that a buffer has cut in two.
+void gcut_title(char* text);
 
 void gmake_cursors();
 void gfree_cursors();

@@ -142,6 +142,18 @@ void configure(const XConfigureEvent& event) {
         take_size();
 }
 
+// Another client has destroyed the window. A plot under way is drawn to its end,
+// as its images may be asked for, and there is nothing to hold.
+void destroyed(const XDestroyWindowEvent& event) {
+    if (event.window != gget_root_window())
+        return;
+    glose_window();
+    evnt.mapped = 0;
+    evnt.size_due = false;
+    evnt.num_waiting = 0;
+    evnt.input_mode = input_leave;
+}
+
 // A program attached to this window asks for a pixmap to draw the next frame
 // in. The pixmap that it knows moves on to the end of the loop.
 void new_frame() {
@@ -203,8 +215,11 @@ void key_press(XKeyEvent* event) {
     std::array<char, event_name_size> name{};
     constexpr int text_size = 60; // leaves room for the modifiers
     KeySym key = NoSymbol;
+    event->state &= ~static_cast<unsigned>(LockMask); // a key means the same with Caps Lock on
     const int length = XLookupString(event, name.data(), text_size, &key, nullptr);
     name[static_cast<std::size_t>(std::clamp(length, 0, text_size))] = '\0';
+    if (key == XK_KP_Enter)
+        key = XK_Return;
     if (key == XK_Return)
         copy_text(name.data(), name.size(), "Ret");
     const Key_end end = gserve_key(key, event->state, event->x, event->y);
@@ -375,6 +390,9 @@ int gprocess_x11_event(XEvent* event) {
     case ConfigureNotify:
         configure(event->xconfigure);
         break;
+    case DestroyNotify:
+        destroyed(event->xdestroywindow);
+        break;
     case ClientMessage:
         client_message(event->xclient);
         break;
@@ -401,7 +419,7 @@ int ghold(int /*ws_id*/) {
     gsync();
     if (gget_looping() != 0)
         ZYR_init_time();
-    gset_input_mode(input_hold);
+    evnt.input_mode = ghas_window() ? input_hold : input_leave;
     gcheck_event(); // what the plot has put off
     auto due = Clock::now() + std::chrono::seconds(evnt.refresh);
     int quiet = 0;

@@ -142,12 +142,9 @@ void attach(const WindowId& id) {
 void take_title(const WindowId& id) {
     if (id.window == 0)
         return;
-    char* name = nullptr;
-    if (XFetchName(gget_display(), static_cast<Window>(id.window), &name) == 0 || name == nullptr)
-        return;
-    const std::string title(name);
-    XFree(name);
-    gset_win_title(title.substr(0, title.find(" [")).c_str());
+    const std::string title = gfetch_name(static_cast<Window>(id.window));
+    if (!title.empty())
+        gset_win_title(title.substr(0, title.find(" [")).c_str());
 }
 
 void send_message(char what) {
@@ -257,13 +254,13 @@ void choose_area() {
 // The id text of the connection's second field, read from its file if it names
 // one. Empty, after a report, if there is no id.
 std::string id_text(const char* conn_id) {
-    int count = 0;
-    char** fields = nullptr;
-    parse_string(conn_id, ',', &count, &fields);
-    const char* found = find_id_text(count > 1 ? fields[1] : nullptr);
+    const std::string conn(conn_id != nullptr ? conn_id : "");
+    const std::size_t comma = conn.find(',');
+    const std::string field = comma != conn.npos ? conn.substr(comma + 1) : "";
+    const std::string second = field.substr(0, field.find(','));
+    const char* found = find_id_text(comma != conn.npos ? second.c_str() : nullptr);
     const bool given = found != nullptr;
     std::string text = given ? found : "";
-    free_parsed_array(count, fields);
     if (!given) {
         refuse("window parameters not specified");
         return {};

@@ -294,7 +294,8 @@ const char* gget_prog_name() {
 }
 
 int gset_win_title(const char* title) {
-    copy_text(station.win_title.data(), station.win_title.size(), title);
+    if (copy_text(station.win_title.data(), station.win_title.size(), title) != 0)
+        gcut_title(station.win_title.data());
     return gshow_win_title();
 }
 

@@ -150,8 +150,7 @@ void tell_window_manager(XSizeHints* hints) {
     std::array<char, 60> title{};
     copy_text(title.data(), title.size(), gget_win_title());
     fill_string(title.data(), '_', ' ');
-    XSetStandardProperties(display, gdisp().root_window, title.data(), title.data(), 0, nullptr, 0,
-                           hints);
+    XSetWMNormalHints(display, gdisp().root_window, hints);
     gset_win_title(title.data());
 
     const auto* bits =
@@ -175,7 +174,7 @@ void tell_window_manager(XSizeHints* hints) {
     XSetClassHint(display, gdisp().root_window, &hint);
 
     // Closing the window ends the hold; else it would end the connection.
-    Atom close = gget_close_atom();
+    Atom close = gwindow_atoms().close;
     XSetWMProtocols(display, gdisp().root_window, &close, 1);
 }
 
@@ -207,10 +206,6 @@ int unable() {
 const char* gchosen_geometry() {
     return gdisp_settings().geometry[0] != '\0' ? gdisp_settings().geometry.data()
                                                 : RES_get("geometry");
-}
-
-Atom gget_close_atom() {
-    return XInternAtom(gdisp().display, "WM_DELETE_WINDOW", False);
 }
 
 int gset_geometry(const char* geometry) {

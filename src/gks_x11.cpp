@@ -57,6 +57,27 @@ int gopen_display(const char* conn_id) {
     return 0;
 }
 
+const Watoms& gwindow_atoms() {
+    Watoms& atoms = disp.atoms;
+    if (atoms.protocols != None)
+        return atoms;
+    // The order of the record.
+    std::array<std::array<char, 17>, 4> names = {
+        {{"WM_PROTOCOLS"}, {"WM_DELETE_WINDOW"}, {"_NET_WM_NAME"}, {"UTF8_STRING"}}
+    };
+    std::array<char*, names.size()> list{};
+    std::array<Atom, names.size()> found{};
+    std::transform(names.begin(), names.end(), list.begin(),
+                   [](auto& name) { return name.data(); });
+    XInternAtoms(disp.display, list.data(), static_cast<int>(list.size()), False, found.data());
+    atoms = {found[0], found[1], found[2], found[3]};
+    return atoms;
+}
+
+Atom gget_close_atom() {
+    return gwindow_atoms().close;
+}
+
 void gsetup_display(Drawable drawable) {
     XGCValues values{};
     values.graphics_exposures = False; // nobody waits for the events of a copy
@@ -89,7 +110,7 @@ int gclose_display() {
         gdelete_all_frames();
         if (disp.base_window != 0)
             XFreePixmap(display, disp.base_window);
-        if (disp.root_window != 0)
+        if (disp.has_window)
             XDestroyWindow(display, disp.root_window); // unmaps it first
     }
     gfree_line_gc();
@@ -126,6 +147,16 @@ Visual* gget_visual() {
 
 Window gget_root_window() {
     return disp.root_window;
+}
+
+bool ghas_window() {
+    return disp.has_window;
+}
+
+void glose_window() {
+    gfree_cursors();
+    disp.has_window = false;
+    disp.root_window = disp.base_window;
 }
 
 Pixmap gget_base_window() {
@@ -232,7 +263,7 @@ void greset_gcs() {
 }
 
 int gresize_window(int width, int height) {
-    if (!gtype_is_WIN() || disp.root_window == 0)
+    if (!gtype_is_WIN() || !disp.has_window)
         return 0;
     const bool by_program = width > 0;
     const bool renew = by_program || width == -1;
@@ -243,7 +274,8 @@ int gresize_window(int width, int height) {
                       static_cast<unsigned>(height));
     } else {
         const XWindowAttributes given = gwindow_attributes();
-        if (given.width == disp.root_width && given.height == disp.root_height)
+        const bool gone = given.width <= 0; // its event is still to come
+        if (gone || (given.width == disp.root_width && given.height == disp.root_height))
             return 0;
         width = given.width;
         height = given.height;

@@ -15,6 +15,9 @@ Display* gget_display();
 int gget_screen();
 Visual* gget_visual();
 Window gget_root_window(); // the plot's window, not the screen's
+bool ghas_window();        // whether there is one, not the pixmap alone
+// The window is gone from the server: the plot goes on in the pixmap.
+void glose_window();
 Pixmap gget_base_window(); // its backing pixmap
 int gset_base_window(Pixmap id);
 Drawable gget_draw_window();       // where primitives draw

@@ -25,7 +25,11 @@ ErrorState errors;
 
 int Xerror_handler(Display* display, XErrorEvent* event) {
     errors.Xerror = 1;
-    if (errors.Xerror_print == 0)
+    // What was on its way to a window that another client has just destroyed: its
+    // event says so.
+    const bool of_window = gtype_is_WIN() && event->resourceid == gget_root_window() &&
+                           (event->error_code == BadWindow || event->error_code == BadDrawable);
+    if (errors.Xerror_print == 0 || of_window)
         return 0;
     std::array<char, 80> text{};
     std::array<char, 20> number{};

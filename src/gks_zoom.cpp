@@ -110,7 +110,7 @@ void keep_base_image(int width, int height) {
     const auto w = static_cast<unsigned>(width);
     const auto h = static_cast<unsigned>(height);
     zoomed.base_image =
-        XCreatePixmap(display, gget_root_window(), w, h, static_cast<unsigned>(gget_win_depth()));
+        XCreatePixmap(display, gget_base_window(), w, h, static_cast<unsigned>(gget_win_depth()));
     XCopyArea(display, gget_base_window(), zoomed.base_image, gget_root_gc(), 0, 0, w, h, 0, 0);
 }
 

@@ -236,8 +236,10 @@ void store_device(const char* value, const char** out) {
     char** items = nullptr;
     parse_string(value, ',', &count, &items);
     FLAG_set(flag_device, count > 0 ? RES_set_device(items[0]) : 1);
-    if (count > 1) {
-        *out = std::strchr(value, ',') + 1;
+    const char* rest = value != nullptr ? std::strchr(value, ',') : nullptr;
+    const bool empty_id = FLAG_get(flag_device) == 6 && rest != nullptr && rest[1] == ',';
+    if (count > 1 || empty_id) { // an id that a script left empty is not one left out
+        *out = rest + 1;
     }
     free_parsed_array(count, items);
 }

@@ -176,11 +176,15 @@ TEST_F(AtDisplay, TitleIsAChannel) {
     EXPECT_EQ(gset_win_title("Radar_of_today"), -1) << "no window yet";
     ASSERT_EQ(open(), 0);
     const Window window = user->find_window();
-    EXPECT_EQ(user->title(window), "Radar of today");
+    const auto title = [&] {
+        gsync(); // a title is sent, and not waited for
+        return user->title(window);
+    };
+    EXPECT_EQ(title(), "Radar of today");
     EXPECT_EQ(user->icon_title(window), "Radar of today");
     char extra[60];
     EXPECT_EQ(gset_win_title_extra("[3]"), 0);
-    EXPECT_EQ(user->title(window), "Radar of today [3]");
+    EXPECT_EQ(title(), "Radar of today [3]");
     EXPECT_EQ(gget_win_title_extra(extra), 0);
     EXPECT_STREQ(extra, "[3]");
     EXPECT_EQ(gset_win_title("new"), 0);
@@ -223,6 +227,7 @@ TEST_F(AtDisplay, WhatCannotBeOpenedIsReported) {
     const Row rows[] = {
         {ws_window, ":nowhere",                "gopen_ws: unable to connect to display\n"   },
         {ws_pixmap, server->name(),            "gopen_ws: window parameters not specified\n"},
+        {ws_pixmap, server->name() + ",",      "gopen_ws: window id not specified\n"        },
         {ws_pixmap, server->name() + ",0x",    "gopen_ws: window id not specified\n"        },
         {ws_pixmap, server->name() + ",0:9x9", "gopen_ws: window id not specified\n"        },
         {ws_pixmap, server->name() + ",w77",   "gopen_ws: unable to open window id file\n"  },

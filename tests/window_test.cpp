@@ -116,6 +116,62 @@ TEST_F(WindowTest, SizeAndLook) {
     }
 }
 
+// Keys by their meaning, whatever is locked, and the ways that a window goes.
+TEST_F(WindowTest, EndsWithItsWindow) {
+    start("disc" + std::string(plain));
+    user->key(XK_Caps_Lock);
+    user->point(window, 300, 200);
+    user->key(XK_v, alt);
+    EXPECT_TRUE(said("Lat:")) << "Caps Lock changes no key";
+    user->key(XK_KP_Enter);
+    ProgramRun run = program->wait();
+    EXPECT_EQ(std::tie(run.code, run.timed_out), std::make_tuple(0, false));
+    user->key(XK_Caps_Lock);
+    write("next", disc_product(3, 40));
+    for (const char* files : {"disc", "disc next"}) { // a still picture and a loop
+        start(files + std::string(plain) + " -me mess");
+        XDestroyWindow(user->display(), window);
+        XSync(user->display(), False);
+        run = program->wait();
+        EXPECT_EQ(std::tie(run.code, run.timed_out), std::make_tuple(0, false)) << files;
+        EXPECT_EQ(run.err, "") << files;
+    }
+}
+
+// Titles as window managers old and new read them.
+TEST_F(WindowTest, TitlesOfAnyScript) {
+    struct Row {
+        const char* title;
+        const char* name; // as Latin-1; empty: it has characters of its own
+        const char* utf8;
+    };
+    constexpr Row rows[] = {
+        {"Z\xC3\xBCrich",            "Z\xFCrich", "Z\xC3\xBCrich"           },
+        {"\xE5\xA4\xA9\xE6\xB0\x97", "",          "\xE5\xA4\xA9\xE6\xB0\x97"},
+        {"Z\xFCrich",                "Z\xFCrich", "Z\xC3\xBCrich"           }, // of a Latin-1 terminal
+    };
+    Display* display = user->display();
+    const auto property = [&](const char* name, const char* type) {
+        Atom is = None;
+        int bits = 0;
+        unsigned long count = 0;
+        unsigned long left = 0;
+        unsigned char* data = nullptr;
+        XGetWindowProperty(display, window, XInternAtom(display, name, False), 0, 99, False,
+                           XInternAtom(display, type, False), &is, &bits, &count, &left, &data);
+        std::string text(reinterpret_cast<char*>(data), count);
+        XFree(data);
+        return text;
+    };
+    for (const Row& row : rows) {
+        start("disc -ti " + std::string(row.title) + plain);
+        EXPECT_EQ(property("WM_NAME", "STRING"), row.name) << row.title;
+        EXPECT_EQ(property("WM_ICON_NAME", "STRING"), row.name) << row.title;
+        EXPECT_EQ(property("_NET_WM_NAME", "UTF8_STRING"), row.utf8) << row.title;
+        leave();
+    }
+}
+
 TEST_F(WindowTest, FaultsOfTheServer) {
     struct Row {
         const char* args;
