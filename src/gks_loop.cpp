@@ -75,7 +75,7 @@ Grectangle drawing_area() {
 Pixmap new_pixmap() {
     const Grectangle area = drawing_area();
     return XCreatePixmap(
-        gget_display(), gget_root_window(), static_cast<unsigned>(area.x + area.width),
+        gget_display(), gget_base_window(), static_cast<unsigned>(area.x + area.width),
         static_cast<unsigned>(area.y + area.height), static_cast<unsigned>(gget_win_depth()));
 }
 
@@ -244,7 +244,8 @@ int gdelete_frame(int ind) {
     const bool on_show = loop.cur_image == ind;
     remove_entry(ind);
     if (loop.num_images == 0) {
-        XClearWindow(gget_display(), gget_root_window());
+        if (ghas_window())
+            XClearWindow(gget_display(), gget_root_window());
         gset_win_title_extra("");
     }
     if (loop.cur_image == loop.num_images)
@@ -381,13 +382,14 @@ int ginc_frame(int step) {
 }
 
 int gloop_sleep() {
-    constexpr float slice = 0.2F; // the window answers after that at the latest
+    constexpr float slice = 0.2F;  // the window answers after that at the latest
+    constexpr float least = 0.05F; // a delay of 0 must not keep the server busy for nothing
     if (loop.cur_image < 0 || loop.cur_image > loop.num_images)
         return -1;
     const int looping = loop.looping;
     // An event may stop the loop or end the hold: then the wait is over too.
     while (loop.looping == looping && gget_input_mode() != 0) {
-        const float rest = gget_frame_delay(frame_current) - ZYR_elapse_time();
+        const float rest = std::max(gget_frame_delay(frame_current), least) - ZYR_elapse_time();
         if (!(rest > 0.0F))
             return 0;
         if (rest > slice)

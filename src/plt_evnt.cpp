@@ -85,8 +85,18 @@ Domain current_domain() {
     return domain;
 }
 
+// A click with an unsteady hand draws a rectangle, too.
+bool is_too_small(Gpt a, Gpt b) {
+    constexpr float least = 5.0F; // pixels of the window
+    const auto zoom = static_cast<float>(gget_zoom());
+    return zoom * std::fabs(xW_p(a.x) - xW_p(b.x)) < least ||
+           zoom * std::fabs(yW_p(a.y) - yW_p(b.y)) < least;
+}
+
 int zoom_in(Gpt release) {
-    if (release.x == events.press.x || release.y == events.press.y) {
+    events.code = 0;
+    if (is_too_small(events.press, release)) {
+        gupdate_window(); // the rubber band goes
         return -1;
     }
     const Domain before = current_domain();
@@ -99,7 +109,6 @@ int zoom_in(Gpt release) {
     MESS_print(mess_mess, "New domain: ");
     DOM_print(mess_mess, &domain);
     redraw(events.zoom_func, domain);
-    events.code = 0;
     return 0;
 }
 

@@ -138,6 +138,19 @@ TEST_F(FramesTest, LoopRunsAndRests) {
         EXPECT_GT(stay, name == "T [3]" ? 0.95 : 0.45) << name;
         EXPECT_LT(stay, name == "T [3]" ? 1.45 : 0.95) << name;
     }
+    for (int i = 0; i < 9; i++)
+        user->key(XK_bracketright, alt); // no delay at all
+    settle();
+    title = user->title(window);
+    changes = 0;
+    since = Clock::now();
+    while (Clock::now() - since < std::chrono::seconds(4)) {
+        const std::string now = user->title(window);
+        changes += now != title ? 1 : 0;
+        title = now;
+    }
+    EXPECT_GT(changes, 4);
+    EXPECT_LT(changes, 16) << "a second on the last frame, 0.05 on each other";
     user->iconify(window); // a hidden loop stands still
     settle();
     title = user->title(window);
@@ -248,6 +261,9 @@ TEST_F(FramesTest, RectangleZoomsIntoTheMap) {
     EXPECT_TRUE(shows(whole)) << "back to the first domain at once";
     drag(420, 300, 220, 160); // the other way round
     EXPECT_TRUE(shows(part));
+    drag(300, 200, 400, 203); // a slip of the hand, whose band goes
+    EXPECT_TRUE(shows(part));
+    EXPECT_EQ(count_text(program->out(), "New domain:"), 3);
     leave();
 }
 
