@@ -6,6 +6,7 @@
 
 #include "cont_state.h"
 #include "map.h"
+#include "map_wrap.h"
 #include "maptran.h"
 #include "plt_tool.h"
 #include "region.h"
@@ -26,13 +27,6 @@
 using namespace cont;
 
 namespace {
-
-// Width of the map in plot units where it wraps round, and the half axis of
-// the Mollweide ellipse.
-constexpr double latlon_width = 360.0;
-constexpr double merc_width = 400.31555892808814;
-constexpr double moll_width = 254.852;
-constexpr double moll_height = 63.713;
 
 // Entries of Cell::dz besides fractions.
 constexpr float side_flat = -3.0F;   // both ends are equal
@@ -94,133 +88,85 @@ bool usable(float v) {
 
 // --- Wrapping ---------------------------------------------------------------
 
-int wrap_code() {
-    return state().index_coords ? missing : MAP_get_proj();
+// Grid indices never wrap.
+const MapEdge& map_edge() {
+    static constexpr MapEdge none;
+    return state().index_coords ? none : MAP_current().row->edge;
 }
 
-// Width of the Mollweide map at a height.
-double moll_at(float y) {
-    const double part = static_cast<double>(y) / moll_height;
-    return moll_width * std::sqrt(std::max(0.0, 1.0 - part * part));
+bool across(const MapEdge& edge, const Gpt& a, const Gpt& b) {
+    const bool either_side = edge.half_height == 0.0 || (a.x < 0.0F) != (b.x < 0.0F);
+    return either_side && map_wrap_shift(edge, a, b, edge.gap) != 0.0F;
 }
 
-// How far apart neighbours are that lie on either side of the map's edge;
-// 0: the map does not wrap.
-float wrap_gap(int code) {
-    switch (code) {
-    case proj_latlon:
-    case proj_merc:
-    case proj_lambert:
-        return 50.0F;
-    case proj_mollweide:
-        return 10.0F;
-    default:
-        return 0.0F;
-    }
-}
-
-// Largest x on the map; 0: none is needed.
-float wrap_limit(int code) {
-    return code == proj_latlon ? 180.0F : code == proj_merc ? 200.1603F : 0.0F;
-}
-
-bool is_split(int code, int num_pt, const Gpt* pts) {
-    const float gap = wrap_gap(code);
-    if (gap == 0.0F) {
+bool is_split(const MapEdge& edge, int num_pt, const Gpt* pts) {
+    if (edge.width == 0.0) {
         return false;
     }
-    const float limit = wrap_limit(code);
     for (int i = 0; i < num_pt; i++) {
         const Gpt& next = pts[i + 1 < num_pt ? i + 1 : 0];
-        if (std::fabs(pts[i].x - next.x) > gap || (limit > 0.0F && std::fabs(pts[i].x) > limit)) {
+        if (std::fabs(pts[i].x - next.x) > edge.gap ||
+            (edge.limit > 0.0F && std::fabs(pts[i].x) > edge.limit)) {
             return true;
         }
     }
     return false;
 }
 
-void shift(Gpt* pt, double by) {
-    pt->x = static_cast<float>(static_cast<double>(pt->x) + by);
-}
-
-// A polygon over the map's edge is drawn twice, once at either edge.
-void fill_split(int code, int num_pt, const Gpt* pts) {
-    if (code == proj_lambert) {
+// A polygon over the map's edge is drawn twice, once on either side.
+void fill_split(const MapEdge& edge, int num_pt, const Gpt* pts) {
+    if (edge.slanted) {
         return;
     }
-    const double width = code == proj_latlon ? latlon_width : merc_width;
     std::vector<Gpt> moved(pts, pts + num_pt);
     for (Gpt& pt : moved) {
-        if (code == proj_mollweide ? pt.x < 0.0F : pt.x < -150.0F) {
-            shift(&pt, code == proj_mollweide ? moll_at(pt.y) : width);
-        }
+        pt.x += pt.x < -edge.side ? map_wrap_width(edge, pt.y) : 0.0F;
     }
     gfill_area(num_pt, moved.data());
+    const bool all = edge.side == 0.0F;
     for (Gpt& pt : moved) {
-        if (code == proj_mollweide) {
-            shift(&pt, -moll_at(pt.y));
-        } else if (pt.x > 150.0F) {
-            shift(&pt, -width);
-        }
+        pt.x -= all || pt.x > edge.side ? map_wrap_width(edge, pt.y) : 0.0F;
     }
     gfill_area(num_pt, moved.data());
 }
 
-void draw_line(int code, const Gpt* pts) {
-    Gpt line[2] = {pts[0], pts[1]};
-    const float gap = wrap_gap(code);
-    const bool across = gap > 0.0F && std::fabs(line[0].x - line[1].x) > gap &&
-                        (code != proj_mollweide || (line[0].x < 0.0F) != (line[1].x < 0.0F));
-    if (!across) {
+// A line over the map's edge comes first where it runs off on the right.
+void draw_line(const MapEdge& edge, const Gpt* pts) {
+    if (!across(edge, pts[0], pts[1])) {
+        gpolyline(2, pts);
+        return;
+    }
+    if (edge.slanted) {
+        return;
+    }
+    const bool to_left = pts[1].x < pts[0].x;
+    const Gpt& right = to_left ? pts[0] : pts[1];
+    const Gpt& left = to_left ? pts[1] : pts[0];
+    map_wrap_line(edge, right, left, edge.gap, [to_left](const Gpt& r, const Gpt& l) {
+        const Gpt line[] = {to_left ? r : l, to_left ? l : r};
         gpolyline(2, line);
-        return;
-    }
-    if (code == proj_lambert) {
-        return;
-    }
-    const double width = code == proj_mollweide ? moll_at(line[0].y)
-                         : code == proj_latlon  ? latlon_width
-                                                : merc_width;
-    shift(&line[line[0].x < line[1].x ? 0 : 1], width);
-    gpolyline(2, line);
-    shift(&line[0], -width);
-    shift(&line[1], -width);
-    gpolyline(2, line);
+    });
 }
 
-// The point at fraction d from end 1 to end 2, with x corrected where the
-// ends lie on either side of the map's edge.
-void int_xy(Gpt* pt, float x1, float y1, float x2, float y2, float d) {
-    double from = x1;
-    double to = x2;
-    const int code = wrap_code();
-    if (code == proj_latlon || code == proj_merc) {
-        const double width = code == proj_latlon ? latlon_width : merc_width;
-        if (from - to < -50.0) {
-            from += width;
-        }
-        if (from - to > 50.0) {
-            from -= width;
-        }
-    } else if (code == proj_mollweide) {
-        if (from < 0.0 && to > 0.0 && to - from > 10.0) {
-            from += moll_at(y1);
-        } else if (from > 0.0 && to < 0.0 && from - to > 10.0) {
-            to += moll_at(y2);
-        }
+// The point at fraction d from end 1 to end 2, which are brought to one side of
+// the map where they lie on either; on an ellipse to the right one.
+Gpt between(Gpt from, Gpt to, float d) {
+    const MapEdge& edge = map_edge();
+    if (!edge.slanted && across(edge, to, from)) {
+        Gpt& moved = edge.half_height != 0.0 && to.x < from.x ? to : from;
+        const Gpt& other = &moved == &to ? from : to;
+        moved.x += map_wrap_shift(edge, other, moved, edge.gap);
     }
     const double part = d;
-    pt->x = static_cast<float>(from + (to - from) * part);
-    pt->y = static_cast<float>(y1 + (static_cast<double>(y2) - y1) * part);
+    return {static_cast<float>(from.x + (static_cast<double>(to.x) - from.x) * part),
+            static_cast<float>(from.y + (static_cast<double>(to.y) - from.y) * part)};
 }
 
 // --- One level in a cell ----------------------------------------------------
 
 Gpt side_point(int side, float d) {
     const Side& s = sides[side];
-    Gpt pt = {};
-    int_xy(&pt, cell.x[s.a], cell.y[s.a], cell.x[s.b], cell.y[s.b], d);
-    return pt;
+    return between({cell.x[s.a], cell.y[s.a]}, {cell.x[s.b], cell.y[s.b]}, d);
 }
 
 float side_fraction(int side, float level) {
@@ -673,9 +619,9 @@ Gattribs label_attribs() {
 // Places the grid's points: its own domain is drawn in grid indices.
 int place_points(Field* field) {
     const Domain& own = field->grid->domain;
-    const Domain* current = MAP_get_domain(nullptr);
+    const Domain& plot = MAP_current().domain;
     State& s = state();
-    s.index_coords = DOM_comp(current, &own) == 1;
+    s.index_coords = DOM_comp(&plot, &own) == 1;
     if (s.index_coords) {
         Glim view = {};
         PLT_get_view(&view);
@@ -687,10 +633,9 @@ int place_points(Field* field) {
         field->vert_size = static_cast<float>(own.ny - 1);
         return 0;
     }
-    const Domain target = *current;
     float* x = nullptr;
     float* y = nullptr;
-    if (GRD_proj_XY(field->grid, &target, &x, &y) != 0) {
+    if (GRD_proj_XY(field->grid, &plot, &x, &y) != 0) {
         MESS_print(mess_warn, "CONT_draw_contour: Unable to project grid\n");
         return -1;
     }
@@ -735,11 +680,11 @@ int CONT_draw_lines(int type, int num_pt, const Gpt* pts) {
         num_pt < 2) {
         return -1;
     }
-    const int code = wrap_code();
+    const MapEdge& edge = map_edge();
     if (is_line_type(type) || num_pt == 2) {
-        draw_line(code, pts);
-    } else if (is_split(code, num_pt, pts)) {
-        fill_split(code, num_pt, pts);
+        draw_line(edge, pts);
+    } else if (is_split(edge, num_pt, pts)) {
+        fill_split(edge, num_pt, pts);
     } else {
         gfill_area(num_pt, pts);
     }

@@ -1,9 +1,8 @@
 // grd_tool.cpp: the range of a grid's values and the plot positions of its
-// points. Owns no state; the second call changes the map's current domain for
-// a moment and puts it back.
+// points. No state.
 #include "zyrgrid.h"
 
-#include "maptran.h"
+#include "map_proj.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -21,18 +20,18 @@ float* new_array(std::size_t count) {
     return static_cast<float*>(std::calloc(count, sizeof(float)));
 }
 
-// Latitude and longitude of every point, north row first, with the grid's own
-// domain selected.
+// Latitude and longitude of every point, north row first.
 void fill_lat_lon(const Domain& own, float* lat, float* lon) {
+    const Map map = map_make(own);
     float cx = 0.0F;
     float cy = 0.0F;
-    MAP_tran(own.clat, own.clon, &cx, &cy);
+    map.tran(own.clat, own.clon, &cx, &cy);
     const float left = cx - own.dx * static_cast<float>(own.nx - 1) / 2.0F;
     const float bottom = cy - own.dy * static_cast<float>(own.ny - 1) / 2.0F;
     for (int row = own.ny - 1; row >= 0; row--) {
         const float y = bottom + static_cast<float>(row) * own.dy;
         for (int column = 0; column < own.nx; column++) {
-            MAP_untran(left + static_cast<float>(column) * own.dx, y, lat++, lon++);
+            map.untran(left + static_cast<float>(column) * own.dx, y, lat++, lon++);
         }
     }
 }
@@ -77,18 +76,14 @@ int GRD_proj_XY(const GRD_report* grid, const Domain* domain, float** x, float**
         MESS_print(mess_warn, "GRD_proj_XY: Unable to allocate grid arrays\n");
         return -1;
     }
-    Domain saved;
-    MAP_get_domain(&saved);
-    MAP_domain(&grid->domain);
     fill_lat_lon(grid->domain, *x, *y);
-    MAP_domain(domain);
+    const Map plot = map_make(*domain);
     for (std::size_t i = 0; i < count; i++) {
         const float lat = (*x)[i];
         const float lon = (*y)[i];
         if (is_set(lat) && is_set(lon)) {
-            MAP_tran(lat, lon, &(*x)[i], &(*y)[i]);
+            plot.tran(lat, lon, &(*x)[i], &(*y)[i]);
         }
     }
-    MAP_domain(&saved);
     return 0;
 }

@@ -160,8 +160,9 @@ private:
 
 // A walk over the volume, and what it finds for the labels.
 struct Walk {
-    Domain plot;   // the plot's domain, current on entry and exit
-    Gpt site = {}; // in the volume's own domain
+    Map own;       // of the volume
+    Map plot;      // of the picture
+    Gpt site = {}; // on the volume's own map
     Looks looks;
     RadStrip strip;
     int elev_num = missing; // of the radial before
@@ -170,7 +171,10 @@ struct Walk {
     bool clear_air = false; // mode of the scan
     bool cluttered = false; // a gate was left out near the site
 
-    explicit Walk(const Domain& plot_domain) : plot(plot_domain), strip(lev2.domain, plot) {}
+    Walk(const Domain& domain, const Map& picture)
+        : own(map_make(domain)), plot(picture), strip(own, plot) {}
+    Walk(const Walk&) = delete; // the strip refers to the maps
+    Walk& operator=(const Walk&) = delete;
 };
 
 void print_radial(Walk& walk, const LEV2_data& data) {
@@ -191,7 +195,7 @@ void draw_radial(Walk& walk, const LEV2_data& data) {
     walk.elev = data.elev_ang;
     const RadBeam beam = {data.rad_az, -radial_width / 2, radial_width, gates.first_km / 100.0,
                           static_cast<double>(gates.size_km) * lev2.domain.dx};
-    const RadEdges edges = rad_radial_edges(lev2.domain, walk.plot, walk.site, beam);
+    const RadEdges edges = rad_radial_edges(walk.own, walk.site, beam);
     walk.looks.take(gates);
     walk.strip.begin();
     for (int i = 0; i < gates.count; i++) {
@@ -351,12 +355,8 @@ int LEV2_plot_summary() {
     }
     GPH_trans(tran_map);
     set_colors();
-    Domain plot;
-    MAP_get_domain(&plot);
-    Walk walk(plot);
-    MAP_domain(&lev2.domain);
-    MAP_tran(lev2.info.lat, lev2.info.lon, &walk.site.x, &walk.site.y);
-    MAP_domain(&plot);
+    Walk walk(lev2.domain, MAP_current());
+    walk.own.tran(lev2.info.lat, lev2.info.lon, &walk.site.x, &walk.site.y);
     PLT_mess("LEV2 Sum");
     draw_scan(walk);
     LEV2_list_cuts(mess_mess);

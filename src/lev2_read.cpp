@@ -49,7 +49,7 @@
 #include "files.h"
 #include "lev2_cuts.h"
 #include "lev2_stream.h"
-#include "maptran.h"
+#include "map_proj.h"
 #include "nids.h"
 #include "region.h"
 #include "tools.h"
@@ -655,11 +655,7 @@ int LEV2_get_domain(float clat, float clon, float range, Domain* domain) {
     domain->plon = domain->clon = clon;
     domain->ny = static_cast<int>(2 * steps + 1);
     domain->nx = static_cast<int>(3 * steps + 1);
-    const int proj = MAP_get_proj();
-    MAP_proj(proj_pstereo);
-    const float factor = MAP_factor(clat, clon);
-    MAP_proj(proj);
-    domain->dx = static_cast<float>(factor * (step_nmi * nmi_to_km) / 100.0);
+    domain->dx = static_cast<float>(map_stereo_factor(clat) * (step_nmi * nmi_to_km) / 100.0);
     domain->dy = domain->dx;
     return 0;
 }

@@ -202,7 +202,7 @@ private:
 };
 
 // False if the record ends early.
-bool draw_record(Records& records, int count, MapLine line) {
+bool draw_record(const Map& map, Records& records, int count, MapLine line) {
     bool whole = true;
     for (int i = 0; i < count; ++i) {
         float lat = 0;
@@ -213,7 +213,7 @@ bool draw_record(Records& records, int count, MapLine line) {
         if (!whole) {
             break;
         }
-        const bool has_image = MAP_tran(lat, lon, &x, &y) == 1;
+        const bool has_image = map.tran(lat, lon, &x, &y) == 1;
         line.add(x, y, has_image);
     }
     line.end();
@@ -222,26 +222,12 @@ bool draw_record(Records& records, int count, MapLine line) {
 
 } // namespace
 
-float map_wrap_offset(int proj, float y) {
-    switch (proj) {
-    case proj_latlon:
-        return 360;
-    case proj_merc:
-        return 400.31555892808814F;
-    case proj_lambert:
-        return 1000; // carries the end of the line out of the picture
-    case proj_mollweide: {
-        const double part = static_cast<double>(y) / 63.713;
-        return static_cast<float>(254.852 * std::sqrt(std::max(0.0, 1 - part * part)));
+float map_wrap_width(const MapEdge& edge, float y) {
+    if (edge.half_height == 0.0) {
+        return static_cast<float>(edge.width);
     }
-    default:
-        return 0;
-    }
-}
-
-bool map_is_torn(int proj, const Gpt& a, const Gpt& b) {
-    constexpr float radius = 63.7122F;
-    return proj == proj_lambert_az && std::hypot(a.x - b.x, a.y - b.y) > radius;
+    const double part = y / edge.half_height;
+    return static_cast<float>(edge.width * std::sqrt(std::max(0.0, 1 - part * part)));
 }
 
 void MapLine::end() {
@@ -255,12 +241,11 @@ void MapLine::end() {
     count_ = 0;
 }
 
-// Ends the piece at the other image of `point`, beyond the edge.
-void MapLine::jump(const Gpt& point, float step) {
-    if (!map_is_torn(proj_, points_[count_ - 1], point)) {
-        const float offset = map_wrap_offset(proj_, point.y);
-        points_[count_++] = {step < 0 ? point.x + offset : point.x - offset, point.y};
-    }
+// Ends the piece at the other image of `point`, beyond the edge; on a map without
+// one at the point itself.
+void MapLine::jump(const Gpt& point) {
+    const float shift = map_wrap_shift(edge_, points_[count_ - 1], point, map_line_jump);
+    points_[count_++] = {point.x + shift, point.y};
     end();
 }
 
@@ -270,8 +255,8 @@ int MAP_set_fill(int value) {
 }
 
 int MAP_map(std::FILE* map_file) {
-    const int proj = MAP_get_proj();
-    if (!is_map_proj(proj) || map_file == nullptr) {
+    const Map& map = MAP_current();
+    if (!is_map_proj(map.domain.proj) || map_file == nullptr) {
         return 1;
     }
     Records records(map_file);
@@ -282,7 +267,8 @@ int MAP_map(std::FILE* map_file) {
             return count;
         }
         Gpt* room = points.room(count);
-        if (room == nullptr || !draw_record(records, count, MapLine(proj, room, state.fill != 0))) {
+        const bool fill = state.fill != 0;
+        if (room == nullptr || !draw_record(map, records, count, {map.row->edge, room, fill})) {
             return -1;
         }
     }
@@ -291,12 +277,13 @@ int MAP_map(std::FILE* map_file) {
 int MAP_draw_circle(float x, float y, float rad) {
     constexpr int steps = 48;
     std::array<Gpt, steps + 2> points;
-    MapLine line(MAP_get_proj(), points.data(), false);
+    const Map& map = MAP_current();
+    MapLine line(map.row->edge, points.data(), false);
     for (int i = 0; i <= steps; ++i) {
         float xf = 0;
         float yf = 0;
         const float bearing = 7.5F * static_cast<float>(i);
-        const bool has_image = MAP_offset(x, y, bearing, rad, &xf, &yf) == 1;
+        const bool has_image = map.offset(x, y, bearing, rad, &xf, &yf) == 1;
         line.add(xf, yf, has_image);
     }
     line.end();

@@ -36,8 +36,7 @@ struct Grid {
     double dlon;
     int dot;
     int extra;
-    int proj;
-    MAP_limits limits;
+    const Map& map;
     float pad; // from the edge of the picture to a label
 };
 
@@ -47,10 +46,10 @@ struct Image {
     bool seen = false;
 };
 
-Image image_of(double lat, double lon) {
+Image image_of(const Map& map, double lat, double lon) {
     Image out;
     out.seen =
-        MAP_tran(static_cast<float>(lat), static_cast<float>(lon), &out.at.x, &out.at.y) == 1;
+        map.tran(static_cast<float>(lat), static_cast<float>(lon), &out.at.x, &out.at.y) == 1;
     return out;
 }
 
@@ -61,44 +60,35 @@ void print_at(float x, float y, const char* text) {
 // The label of a parallel where it enters the picture on the left, and of a
 // meridian where it enters at the bottom.
 void label_parallel(const Grid& g, const Gpt& a, const Gpt& b, const char* label) {
-    const float edge = g.limits.x_min;
+    const float edge = g.map.limits.x_min;
     if ((a.x < edge) != (b.x < edge)) {
         const float y = a.y + (b.y - a.y) * (edge - a.x) / (b.x - a.x);
-        if (y >= g.limits.y_min && y <= g.limits.y_max) {
+        if (y >= g.map.limits.y_min && y <= g.map.limits.y_max) {
             print_at(edge + g.pad, y, label);
         }
     }
 }
 
 void label_meridian(const Grid& g, const Gpt& a, const Gpt& b, const char* label) {
-    const float edge = g.limits.y_min;
+    const float edge = g.map.limits.y_min;
     if ((a.y < edge) != (b.y < edge)) {
         const float x = a.x + (b.x - a.x) * (edge - a.y) / (b.y - a.y);
-        if (x >= g.limits.x_min && x <= g.limits.x_max) {
+        if (x >= g.map.limits.x_min && x <= g.map.limits.x_max) {
             print_at(x, edge + g.pad, label);
         }
     }
 }
 
+// A piece across the edge of the map is seen at both ends.
 void parallel_piece(const Grid& g, const Gpt& a, const Gpt& b, const char* label) {
-    if (map_is_torn(g.proj, a, b)) {
+    const MapEdge& edge = g.map.row->edge;
+    if (map_is_torn(edge, a, b)) {
         return;
     }
-    const float step = b.x - a.x;
-    const float offset = map_wrap_offset(g.proj, b.y);
-    if (std::fabs(step) <= map_grid_jump || offset == 0) {
-        GPH_line(a.x, a.y, b.x, b.y);
-        label_parallel(g, a, b, label);
-        return;
-    }
-    // It crosses the edge of the map: seen at both ends.
-    const float shift = step < 0 ? offset : -offset;
-    const Gpt beyond{b.x + shift, b.y};
-    const Gpt before{a.x - shift, a.y};
-    GPH_line(a.x, a.y, beyond.x, beyond.y);
-    label_parallel(g, a, beyond, label);
-    GPH_line(before.x, before.y, b.x, b.y);
-    label_parallel(g, before, b, label);
+    map_wrap_line(edge, a, b, map_grid_jump, [&](const Gpt& from, const Gpt& to) {
+        GPH_line(from.x, from.y, to.x, to.y);
+        label_parallel(g, from, to, label);
+    });
 }
 
 // Where repeated labels begin: a multiple of the other lines' step, less half.
@@ -107,17 +97,18 @@ double first_label(int extra, int from, double step) {
     return std::trunc(start / step) * step - step / 2;
 }
 
-void repeat_label(const Image& place, const char* label) {
-    if (place.seen && MAP_in_domain(place.at.x, place.at.y) == 1) {
+void repeat_label(const Grid& g, double lat, double lon, const char* label) {
+    const Image place = image_of(g.map, lat, lon);
+    if (place.seen && g.map.shows(place.at.x, place.at.y)) {
         print_at(place.at.x, place.at.y, label);
     }
 }
 
 void draw_parallel(const Grid& g, double lat, const char* label) {
     constexpr double step = 2.5;
-    Image last = image_of(lat, -180);
+    Image last = image_of(g.map, lat, -180);
     for (int i = 2; i * step <= 360; ++i) { // the first piece is twice as long
-        const Image next = image_of(lat, -180 + i * step);
+        const Image next = image_of(g.map, lat, -180 + i * step);
         if (last.seen && next.seen) {
             parallel_piece(g, last.at, next.at, label);
         }
@@ -127,7 +118,7 @@ void draw_parallel(const Grid& g, double lat, const char* label) {
         GPH_text_align(GCENTER_HOR, GHALF_VERT);
         const double first = first_label(g.extra, -179, g.dlon);
         for (int i = 0; first + i * g.extra <= 180; ++i) {
-            repeat_label(image_of(lat, first + i * g.extra), label);
+            repeat_label(g, lat, first + i * g.extra, label);
         }
         GPH_text_align(GLEFT_HOR, GHALF_VERT);
     }
@@ -136,17 +127,16 @@ void draw_parallel(const Grid& g, double lat, const char* label) {
 // Latitude at which meridians end. Where they all meet in a point the last
 // step is left out, so that the pole is not blotted.
 double meridian_end(const Grid& g) {
-    const bool meet = g.proj == proj_pstereo || g.proj == proj_lambert || g.proj == proj_satellite;
-    return meet ? std::trunc(89 / g.dlat) * g.dlat : 90;
+    return g.map.row->meridians_meet ? std::trunc(89 / g.dlat) * g.dlat : 90;
 }
 
 void draw_meridian(const Grid& g, double lon, const char* label) {
     const double end = meridian_end(g);
-    Image last = image_of(-end, lon);
+    Image last = image_of(g.map, -end, lon);
     const int pieces = static_cast<int>(std::ceil(2 * end / g.dlat - 0.001));
     for (int i = 1; i <= pieces; ++i) {
-        const Image next = image_of(std::min(-end + i * g.dlat, end), lon);
-        if (last.seen && next.seen && !map_is_torn(g.proj, last.at, next.at)) {
+        const Image next = image_of(g.map, std::min(-end + i * g.dlat, end), lon);
+        if (last.seen && next.seen && !map_is_torn(g.map.row->edge, last.at, next.at)) {
             GPH_line(last.at.x, last.at.y, next.at.x, next.at.y);
             label_meridian(g, last.at, next.at, label);
         }
@@ -155,7 +145,7 @@ void draw_meridian(const Grid& g, double lon, const char* label) {
     if (g.extra > 0) {
         const double first = first_label(g.extra, -89, g.dlat);
         for (int i = 0; first + i * g.extra < 90; ++i) {
-            repeat_label(image_of(first + i * g.extra, lon), label);
+            repeat_label(g, first + i * g.extra, lon, label);
         }
     }
 }
@@ -194,30 +184,28 @@ void draw_arm(const Image& a, const Image& b) {
     }
 }
 
-void draw_dots(int dot) {
+void draw_dots(const Map& map, int dot) {
     constexpr double arm = 0.1;
     for (int lat = -79 / dot * dot; lat < 80; lat += dot) {
         for (int lon = -179 / dot * dot; lon <= 180; lon += dot) {
-            draw_arm(image_of(lat, lon - arm), image_of(lat, lon + arm));
-            draw_arm(image_of(lat - arm, lon), image_of(lat + arm, lon));
+            draw_arm(image_of(map, lat, lon - arm), image_of(map, lat, lon + arm));
+            draw_arm(image_of(map, lat - arm, lon), image_of(map, lat + arm, lon));
         }
     }
 }
 
-void draw_map_grid(float dlat, float dlon) {
+void draw_map_grid(const Map& map, float dlat, float dlon) {
     constexpr double whole_circle = 360.0; // a wider step draws no further line
-    Grid g{std::min<double>(dlat, whole_circle),
-           std::min<double>(dlon, whole_circle),
-           state.dot,
-           state.extra,
-           MAP_get_proj(),
-           {},
-           0.01F * MAP_get_hor()};
-    MAP_get_limits(&g.limits);
+    const Grid g{std::min<double>(dlat, whole_circle),
+                 std::min<double>(dlon, whole_circle),
+                 state.dot,
+                 state.extra,
+                 map,
+                 0.01F * MAP_get_hor()};
     draw_parallels(g);
     draw_meridians(g);
     if (g.dot > 0) {
-        draw_dots(std::min(g.dot, 360));
+        draw_dots(map, std::min(g.dot, 360));
     }
 }
 
@@ -250,31 +238,21 @@ double axis_value(const Axis& axis, int i) {
 }
 
 // A line of the diagram in short pieces: it may be curved.
-void diagram_line(double a1, double b1, double a2, double b2) {
+void diagram_line(const Map& map, double a1, double b1, double a2, double b2) {
     constexpr int pieces = 24;
     std::array<Gpt, pieces + 1> points;
-    MapLine line(MAP_get_proj(), points.data(), false);
+    MapLine line(map.row->edge, points.data(), false);
     for (int i = 0; i <= pieces; ++i) {
         const double t = static_cast<double>(i) / pieces;
-        const Image p = image_of(a1 + t * (a2 - a1), b1 + t * (b2 - b1));
+        const Image p = image_of(map, a1 + t * (a2 - a1), b1 + t * (b2 - b1));
         line.add(p.at.x, p.at.y, p.seen);
     }
     line.end();
 }
 
 // Second coordinates run down where they are pressures.
-int second_sign(int proj, double extent) {
-    switch (proj) {
-    case proj_xy:
-    case proj_category:
-    case proj_pixel:
-        return 1;
-    case proj_xlogp:
-    case proj_stuve:
-        return -1;
-    default:
-        return extent < 0 ? -1 : 1;
-    }
+int second_sign(const Projection& row, double extent) {
+    return row.second_step != 0 ? row.second_step : extent < 0 ? -1 : 1;
 }
 
 void print_number(float x, float y, double value) {
@@ -284,15 +262,15 @@ void print_number(float x, float y, double value) {
 }
 
 // Numbers outside the viewport, on the page.
-void number_axes(const Axis& first, const Axis& second, int proj) {
+void number_axes(const Map& map, const Axis& first, const Axis& second) {
     constexpr float gap = 0.01F;
     Glim view{};
     GPH_get_view(tran_map, &view);
     gsel_norm_tran(tran_page);
-    if (proj != proj_category) {
+    if (map.row->numbered) {
         GPH_text_align(GCENTER_HOR, GTOP_VERT);
         for (int i = 0; i < axis_lines(first); ++i) {
-            const Image p = image_of(axis_value(first, i), second.from);
+            const Image p = image_of(map, axis_value(first, i), second.from);
             const float x = xW_trans(p.at.x, tran_map, tran_page);
             if (p.seen && x >= view.x_min && x <= view.x_max) {
                 print_number(x, view.y_min - gap, axis_value(first, i));
@@ -301,7 +279,7 @@ void number_axes(const Axis& first, const Axis& second, int proj) {
     }
     GPH_text_align(GRIGHT_HOR, GHALF_VERT);
     for (int i = 0; i < axis_lines(second); ++i) {
-        const Image p = image_of(first.from, axis_value(second, i));
+        const Image p = image_of(map, first.from, axis_value(second, i));
         const float y = yW_trans(p.at.y, tran_map, tran_page);
         if (p.seen && y >= view.y_min && y <= view.y_max) {
             print_number(view.x_min - gap, y, axis_value(second, i));
@@ -310,22 +288,21 @@ void number_axes(const Axis& first, const Axis& second, int proj) {
     gsel_norm_tran(tran_map);
 }
 
-void draw_diagram_grid(float dfirst, float dsecond) {
-    Domain domain;
-    MAP_get_domain(&domain);
+void draw_diagram_grid(const Map& map, float dfirst, float dsecond) {
+    const Domain& domain = map.domain;
     const double extent1 = static_cast<double>(domain.dx);
     const double extent2 = static_cast<double>(domain.dy);
     const Axis first = make_axis(domain.clat, extent1, dfirst, extent1 < 0 ? -1 : 1);
-    const Axis second = make_axis(domain.clon, extent2, dsecond, second_sign(domain.proj, extent2));
+    const Axis second = make_axis(domain.clon, extent2, dsecond, second_sign(*map.row, extent2));
     for (int i = 0; i < axis_lines(first); ++i) {
         const double value = axis_value(first, i);
-        diagram_line(value, second.from, value, second.to);
+        diagram_line(map, value, second.from, value, second.to);
     }
     for (int i = 0; i < axis_lines(second); ++i) {
         const double value = axis_value(second, i);
-        diagram_line(first.from, value, first.to, value);
+        diagram_line(map, first.from, value, first.to, value);
     }
-    number_axes(first, second, domain.proj);
+    number_axes(map, first, second);
 }
 
 } // namespace
@@ -347,16 +324,17 @@ int MAP_lines(float dlat, float dlon) {
     }
     gsel_norm_tran(tran_map);
     PLT_mess("Map-lalo: %.1f,%.1f", static_cast<double>(dlat), static_cast<double>(dlon));
-    const bool is_map = is_map_proj(MAP_get_proj());
+    const Map& map = MAP_current();
+    const bool is_map = is_map_proj(map.domain.proj);
     if (is_map) {
         if (!(dlat >= finest_step) || !(dlon >= finest_step)) {
             MESS_print(mess_warn, "MAP_lines: Invalid steps of the grid: %g,%g\n",
                        static_cast<double>(dlat), static_cast<double>(dlon));
             return -1;
         }
-        draw_map_grid(dlat, dlon);
+        draw_map_grid(map, dlat, dlon);
     } else {
-        draw_diagram_grid(dlat, dlon);
+        draw_diagram_grid(map, dlat, dlon);
     }
     GPH_line_attr(nullptr);
     GPH_text_attr(nullptr, 1);

@@ -1,51 +1,16 @@
 // maptran.h: latitude and longitude to plot coordinates and back, for one
-// current domain. Plot coordinates are units of 100 km on earth projections
-// and degrees on latitude-longitude domains.
+// current domain, that of the plot; for any other see map_proj.h. Plot
+// coordinates are units of 100 km on earth projections and degrees on
+// latitude-longitude domains.
 #pragma once
 
-#include "zyr.h"
-
-// Projection codes of `Domain::proj`. Codes 1 to 9 are maps.
-enum {
-    proj_pstereo = 1,
-    proj_latlon = 2,
-    proj_merc = 3,
-    proj_lambert = 4,
-    proj_ortho = 5,
-    proj_gnomonic = 6,
-    proj_mollweide = 7,
-    proj_lambert_az = 8,
-    proj_satellite = 9,
-    proj_xy = 20,
-    proj_xz = 21,
-    proj_xlogp = 22,
-    proj_hodograph = 23,
-    proj_category = 24,
-    proj_xp = 25,
-    proj_skewt = 40,
-    proj_stuve = 41,
-    proj_emagram = 42,
-    proj_tephigram = 43,
-    proj_rot_tephigram = 44,
-    proj_zoom = 50,
-    proj_size = 51,
-    proj_pixel = 99
-};
-
-// Whether a code is a map of the earth.
-constexpr bool is_map_proj(int proj) {
-    return proj >= 1 && proj <= 9;
-}
-
-// A window of plot coordinates.
-struct MAP_limits {
-    float x_min = 0.0F;
-    float x_max = 0.0F;
-    float y_min = 0.0F;
-    float y_max = 0.0F;
-};
+#include "map_proj.h"
 
 // --- The current domain -----------------------------------------------------
+
+// The current map. Take it as an argument where its plot coordinates are meant;
+// a second map is a value of its own (map_make), not a domain set and put back.
+const Map& MAP_current();
 
 // Makes a copy of `dom` current and computes its limits. An unset `plat` or
 // `plon` takes the centre's. Returns 0; null: no projection, -1.

@@ -4,7 +4,6 @@
 #include "nids_draw.h"
 
 #include "files.h"
-#include "maptran.h"
 #include "nids_tables.h"
 #include "rad_fill.h"
 #include "windbarb.h"
@@ -21,13 +20,12 @@ constexpr float text_height = 8.0F;
 
 // The edges of a radial whose bins begin at the site.
 RadEdges radial_edges(const NIDS_frame& frame, float sangle, float dangle) {
-    const Domain& own = frame.info->domain;
-    const RadBeam beam = {sangle, 0.0F, dangle, 0.0, own.dx};
-    return rad_radial_edges(own, frame.plot, {frame.x0, frame.y0}, beam);
+    const RadBeam beam = {sangle, 0.0F, dangle, 0.0, frame.info->domain.dx};
+    return rad_radial_edges(frame.own, frame.site, beam);
 }
 
 void draw_radials(const NIDS_frame& frame, RadFills& fills) {
-    RadStrip strip(frame.info->domain, frame.plot);
+    RadStrip strip(frame.own, frame.plot);
     float sangle = 0;
     float dangle = 0;
     while (NIDS_get_radial(frame.ifile, &sangle, &dangle) > 0) {
@@ -78,10 +76,10 @@ void draw_row(const NIDS_frame& frame, RadFills& fills, std::FILE* grid, const R
 
 void draw_raster(const NIDS_frame& frame, RadFills& fills) {
     const FILE_ptr grid(NIDS_grd_open(*frame.info, frame.datim));
-    RadStrip strip(frame.info->domain, frame.plot);
+    RadStrip strip(frame.own, frame.plot);
     const double d = frame.info->domain.dx;
-    const double left = frame.x0 - d * (frame.info->nx - 1) / 2;
-    const double top = frame.y0 + d * (frame.info->ny - 1) / 2;
+    const double left = frame.site.x - d * (frame.info->nx - 1) / 2;
+    const double top = frame.site.y + d * (frame.info->ny - 1) / 2;
     for (int row = 0; NIDS_get_rastor(frame.ifile) > 0; row++) {
         const RadEdges edges = {
             {left, top - row * d,       d, 0.0},
@@ -128,9 +126,9 @@ void skip_packet(const NIDS_frame& frame, int type) {
 }
 
 // Image of a point that a packet gives in the coordinates of the plot.
-Gpt image(float x, float y) {
+Gpt image(const NIDS_frame& frame, float x, float y) {
     Gpt p{missing_f, missing_f};
-    if (MAP_tran(x, y, &p.x, &p.y) == 0) {
+    if (frame.plot.tran(x, y, &p.x, &p.y) == 0) {
         p = {missing_f, missing_f};
     }
     return p;
@@ -140,8 +138,8 @@ void draw_vectors(const NIDS_frame& frame) {
     GPH_line_attr(&frame.grid);
     NIDS_vector_data vector;
     while (NIDS_get_vector(frame.ifile, &vector) > 0) {
-        const Gpt from = image(vector.x1, vector.y1);
-        const Gpt to = image(vector.x2, vector.y2);
+        const Gpt from = image(frame, vector.x1, vector.y1);
+        const Gpt to = image(frame, vector.x2, vector.y2);
         if (rad_is_place(from) && rad_is_place(to)) {
             GPH_line(from.x, from.y, to.x, to.y);
         }
@@ -151,7 +149,7 @@ void draw_vectors(const NIDS_frame& frame) {
 void draw_winds(const NIDS_frame& frame, RadFills& fills) {
     NIDS_wind_data wind;
     while (NIDS_get_wind(frame.ifile, &wind) > 0) {
-        const Gpt p = image(wind.x, wind.y);
+        const Gpt p = image(frame, wind.x, wind.y);
         const Gattribs* attrib = fills.get(wind.val);
         if (attrib != nullptr && attrib->color >= 0 && rad_is_place(p)) {
             GPH_fill_attr(attrib);
@@ -164,7 +162,7 @@ void draw_winds(const NIDS_frame& frame, RadFills& fills) {
 void draw_text(const NIDS_frame& frame) {
     NIDS_text_data text;
     NIDS_get_text(frame.ifile, &text);
-    const Gpt p = image(text.x, text.y);
+    const Gpt p = image(frame, text.x, text.y);
     GPH_text_attr(&frame.data, text_height);
     GPH_text_align(GLEFT_HOR, GCAP_VERT);
     if (frame.data.color >= 0 && rad_is_place(p)) {

@@ -2,6 +2,7 @@
 // colours, symbology packets and the text grid file.
 #pragma once
 
+#include "map_proj.h"
 #include "nids.h"
 #include "zyrgks.h"
 
@@ -20,8 +21,9 @@ struct NIDS_frame {
     std::FILE* ifile = nullptr; // behind the header of the first packet
     const NIDS_info* info = nullptr;
     const char* datim = ""; // date label
-    Domain plot;            // the plot's domain, current on entry and exit
-    float x0 = 0, y0 = 0;   // site in the product's domain
+    Map own;                // of the product
+    Map plot;               // of the picture
+    Gpt site = {};          // on the product's own map
     int clutter_rad = 0;    // bins near the site that are left out
     Gattribs data, grid;    // attributes of text and of lines
 };

@@ -23,7 +23,7 @@
 
 #include "byte_reader.h"
 #include "date.h"
-#include "maptran.h"
+#include "map_proj.h"
 #include "nids_impl.h"
 #include "nids_tables.h"
 #include "region.h"
@@ -323,11 +323,7 @@ void set_sizes(NIDS_info& info, const NidsProdDesc& desc) {
 
 // Plot units (100 km) of a length at the centre of a polar stereographic map.
 float plot_length(const Domain& domain, float length_nmi) {
-    const int proj = MAP_get_proj();
-    MAP_proj(proj_pstereo);
-    const float factor = MAP_factor(domain.clat, domain.clon);
-    MAP_proj(proj);
-    return static_cast<float>(factor * (length_nmi * nmi_to_km) / 100.0);
+    return static_cast<float>(map_stereo_factor(domain.clat) * (length_nmi * nmi_to_km) / 100.0);
 }
 
 bool is_length(float v) {

@@ -118,10 +118,9 @@ int NIDS_plot_summary() {
     frame.info = &info;
     frame.datim = nids.datim;
     frame.clutter_rad = nids.words.clutter;
-    MAP_get_domain(&frame.plot);
-    MAP_domain(&info.domain);
-    MAP_tran(info.domain.clat, info.domain.clon, &frame.x0, &frame.y0);
-    MAP_domain(&frame.plot);
+    frame.own = map_make(info.domain);
+    frame.plot = MAP_current();
+    frame.own.tran(info.domain.clat, info.domain.clon, &frame.site.x, &frame.site.y);
     NIDS_set_colors(info);
     frame.data = attributes("color_data", rad_plain_color());
     frame.grid = attributes("color_grid", "red");

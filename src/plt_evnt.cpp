@@ -45,12 +45,13 @@ Domain zoom_map(Domain domain, Gpt a, Gpt b) {
 Domain zoom_diagram(Domain domain, Gpt a, Gpt b) {
     const Gpt low{std::min(a.x, b.x), std::min(a.y, b.y)};
     const Gpt high{std::max(a.x, b.x), std::max(a.y, b.y)};
-    const bool polar = domain.proj == proj_hodograph;
+    const MapZoom zoom = MAP_current().row->zoom;
+    const bool polar = zoom == MapZoom::plot;
     float first = missing_f;
     float second = missing_f;
     MAP_untran(low.x, low.y, &domain.clat, &domain.clon);
     MAP_untran(high.x, high.y, &first, &second);
-    const bool plot_dx = polar || domain.proj == proj_skewt;
+    const bool plot_dx = zoom != MapZoom::data;
     domain.dx = plot_dx ? high.x - low.x : first - domain.clat;
     domain.dy = polar ? high.y - low.y : second - domain.clon;
     if (polar) {

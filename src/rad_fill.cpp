@@ -1,17 +1,14 @@
 // rad_fill: the look of radar values, and strips of filled figures. No state
-// of its own; the levels and colours of the frame (cont.h) must be set, and
-// the plot's domain be current.
+// of its own; the levels and colours of the frame (cont.h) must be set.
 #include "rad_fill.h"
 
 #include "cont.h"
-#include "maptran.h"
 #include "region.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <numbers>
-#include <span>
 
 namespace {
 
@@ -43,10 +40,8 @@ const Gattribs* RadFills::find(float value) {
 
 // --- Strips ---------------------------------------------------------------------
 
-RadEdges rad_radial_edges(const Domain& own, const Domain& plot, Gpt site, const RadBeam& beam) {
-    MAP_domain(&own);
-    const float from = MAP_dir_adj(beam.azimuth, site.x, site.y) + beam.shift;
-    MAP_domain(&plot);
+RadEdges rad_radial_edges(const Map& own, Gpt site, const RadBeam& beam) {
+    const float from = own.dir_adj(beam.azimuth, site.x, site.y) + beam.shift;
     const auto edge = [&](double angle) {
         const double east = std::sin(angle * deg_to_rad);
         const double north = std::cos(angle * deg_to_rad);
@@ -56,8 +51,8 @@ RadEdges rad_radial_edges(const Domain& own, const Domain& plot, Gpt site, const
     return {edge(from), edge(from + beam.width + overlap_deg)};
 }
 
-RadStrip::RadStrip(const Domain& own, const Domain& plot)
-    : own_(own), plot_(plot), same_(DOM_comp_proj(&own, &plot) != 0) {}
+RadStrip::RadStrip(const Map& own, const Map& plot)
+    : own_(own), plot_(plot), same_(DOM_comp_proj(&own.domain, &plot.domain) != 0) {}
 
 void RadStrip::begin() {
     steps_.clear();
@@ -87,7 +82,8 @@ void RadStrip::draw(const RadEdges& edges) {
     place(edges.first, near_);
     place(edges.second, far_);
     if (!same_) {
-        reproject();
+        reproject(near_);
+        reproject(far_);
     }
     for (const Figure& figure : figures_) {
         const std::size_t i = figure.first;
@@ -118,29 +114,19 @@ void RadStrip::place(const RadRuler& ruler, std::vector<Gpt>& points) const {
 }
 
 // The data's coordinates to latitude and longitude, and these to the plot's.
-void RadStrip::reproject() {
-    MAP_domain(&own_);
-    for (const std::span<Gpt> line : {std::span(near_), std::span(far_)}) {
-        for (Gpt& p : line) {
-            const Gpt from = p;
-            MAP_untran(from.x, from.y, &p.x, &p.y);
-        }
-    }
-    MAP_domain(&plot_);
-    for (const std::span<Gpt> line : {std::span(near_), std::span(far_)}) {
-        for (Gpt& p : line) {
-            const Gpt from = p;
-            if (!rad_is_place(from) || MAP_tran(from.x, from.y, &p.x, &p.y) == 0) {
-                p = {missing_f, missing_f};
-            }
+void RadStrip::reproject(std::vector<Gpt>& points) const {
+    for (Gpt& p : points) {
+        Gpt place = p;
+        own_.untran(p.x, p.y, &place.x, &place.y);
+        if (!rad_is_place(place) || plot_.tran(place.x, place.y, &p.x, &p.y) == 0) {
+            p = {missing_f, missing_f};
         }
     }
 }
 
 // Looks whether the box about a figure meets the plot window.
 void RadStrip::note(const std::array<Gpt, 5>& corners) {
-    MAP_limits lim;
-    MAP_get_limits(&lim);
+    const MAP_limits& lim = plot_.limits;
     const auto [left, right] =
         std::minmax({corners[0].x, corners[1].x, corners[2].x, corners[3].x});
     const auto [low, high] = std::minmax({corners[0].y, corners[1].y, corners[2].y, corners[3].y});

@@ -2,6 +2,7 @@
 // and the bins of a radial or cells of a row as polygons between two lines.
 #pragma once
 
+#include "map_proj.h"
 #include "zyrgks.h"
 
 #include <array>
@@ -68,17 +69,16 @@ struct RadBeam {
     double step = 0;  // length of a bin
 };
 
-// The edges of a radial around a site in the data's domain `own`. `plot` is the
-// plot's domain, current on entry and exit.
-RadEdges rad_radial_edges(const Domain& own, const Domain& plot, Gpt site, const RadBeam& beam);
+// The edges of a radial around a site on the data's own map.
+RadEdges rad_radial_edges(const Map& own, Gpt site, const RadBeam& beam);
 
 // The figures between two rulers: the bins of a radial between its edges, the
 // cells of a row between its top and bottom. They are collected first, so that
-// the domain is changed but once for all corners of a radial or row.
+// a corner shared by two figures is placed but once.
 class RadStrip {
 public:
-    // Domain of the data and of the plot, which is current; both must stay.
-    RadStrip(const Domain& own, const Domain& plot);
+    // Maps of the data and of the plot; both must stay.
+    RadStrip(const Map& own, const Map& plot);
 
     // Whether plot and data share their projection, so that corners need no
     // way through latitude and longitude.
@@ -111,11 +111,11 @@ private:
     };
 
     void place(const RadRuler& ruler, std::vector<Gpt>& points) const;
-    void reproject();
+    void reproject(std::vector<Gpt>& points) const;
     void note(const std::array<Gpt, 5>& corners);
 
-    const Domain& own_;
-    const Domain& plot_;
+    const Map& own_;
+    const Map& plot_;
     bool same_;
     bool drawn_ = false, in_view_ = false;
     int color_ = missing;    // of the last figure drawn

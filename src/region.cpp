@@ -18,7 +18,7 @@
 #include <cstring>
 
 #include "files.h"
-#include "maptran.h"
+#include "map_proj.h"
 #include "tools.h"
 #include "zyrcty.h"
 #include "zyrresrc.h"
@@ -37,70 +37,6 @@ constexpr int common_ny = 17;
 constexpr float common_step = 1.2F;
 
 // --- Tables -----------------------------------------------------------------
-
-struct Keyword {
-    const char* text;
-    int length; // characters compared; longer than the text: the whole word
-    int proj;
-};
-// The first match wins: "lamb" hides "la" for "lambaz", "polar" is the map.
-constexpr Keyword keywords[] = {
-    {"ll",    2, proj_latlon       },
-    {"lat",   3, proj_latlon       },
-    {"polar", 5, proj_pstereo      },
-    {"ps",    2, proj_pstereo      },
-    {"sat",   3, proj_satellite    },
-    {"lamb",  4, proj_lambert      },
-    {"lc",    2, proj_lambert      },
-    {"la",    2, proj_lambert_az   },
-    {"gn",    2, proj_gnomonic     },
-    {"or",    2, proj_ortho        },
-    {"mo",    2, proj_mollweide    },
-    {"me",    2, proj_merc         },
-    {"pix",   3, proj_pixel        },
-    {"xy",    2, proj_xy           },
-    {"xlogy", 5, proj_xlogp        },
-    {"xlogp", 5, proj_xlogp        },
-    {"cat",   3, proj_category     },
-    {"skewt", 5, proj_skewt        },
-    {"ema",   3, proj_emagram      },
-    {"teph",  4, proj_tephigram    },
-    {"rteph", 5, proj_rot_tephigram},
-    {"therm", 5, proj_skewt        },
-    {"stuve", 5, proj_stuve        },
-    {"hodo",  4, proj_hodograph    },
-    {"vert",  4, proj_xlogp        },
-    {"xp",    4, proj_xp           },
-    {"zoom",  4, proj_zoom         },
-    {"size",  4, proj_size         },
-    {"miss",  5, missing           },
-};
-
-struct ProjName {
-    int proj;
-    const char* text;
-};
-constexpr ProjName proj_names[] = {
-    {proj_pstereo,    "pstereo"},
-    {proj_latlon,     "latlon" },
-    {proj_merc,       "merc"   },
-    {proj_lambert,    "lamb"   },
-    {proj_ortho,      "ortho"  },
-    {proj_gnomonic,   "gnom"   },
-    {proj_mollweide,  "moll"   },
-    {proj_lambert_az, "lambaz" },
-    {proj_satellite,  "sat"    },
-    {proj_xy,         "xy"     },
-    {proj_xz,         "xz"     },
-    {proj_xlogp,      "xlogp"  },
-    {proj_hodograph,  "polar"  },
-    {proj_category,   "cat"    },
-    {proj_skewt,      "skewt"  },
-    {proj_stuve,      "stuve"  },
-    {proj_emagram,    "ema"    },
-    {proj_zoom,       "zoom"   },
-    {proj_pixel,      "pixel"  },
-};
 
 // What a shape leaves open and what is filled in for it.
 enum class Spacing { given, square, common }; // as read; dy = dx; the common step
@@ -543,17 +479,8 @@ int decode(const char* str, Domain* domain) {
 
 // Whether a picture can be laid out on the domain.
 bool plottable(const Domain& d) {
-    switch (d.proj) {
-    case -1:
-    case missing:
-    case proj_xz:
-    case proj_zoom:
-    case proj_size:
-        return false;
-    default:
-        break;
-    }
-    if (!is_set(d.clat) || !is_set(d.clon)) {
+    const bool has_formula = map_projection(d.proj).forward != nullptr;
+    if (!is_set(d.proj) || !has_formula || !is_set(d.clat) || !is_set(d.clon)) {
         return false;
     }
     // Latitude and longitude in the wrong order, as a rule.
@@ -652,6 +579,33 @@ std::string colon_numbers(std::initializer_list<float> numbers) {
     return text;
 }
 
+// What follows the projection word of a file.
+std::string file_numbers(MapNumbers numbers, const Domain& d) {
+    switch (numbers) {
+    case MapNumbers::own_plon:
+        return is_set(d.plon) && d.plon != d.clon ? colon_numbers({d.plon}) : "";
+    case MapNumbers::cone:
+        if (is_set(d.param[0])) {
+            return colon_numbers({d.plat, d.plon, d.param[0], d.param[1], d.param[2]});
+        }
+        return is_set(d.plon) ? colon_numbers({d.plon}) : "";
+    case MapNumbers::orbit:
+        return colon_numbers({d.plat, d.plon}) +
+               (is_set(d.param[0]) ? colon_numbers({d.param[0]}) : "");
+    case MapNumbers::none:
+        break;
+    }
+    return "";
+}
+
+// Whether a text begins with a word of a projection's row; null: no word.
+bool fits_word(const char* text, const char* word) {
+    if (word == nullptr) {
+        return false;
+    }
+    return *word == '=' ? stricmp(text, word + 1) == 0 : begins(text, word);
+}
+
 } // namespace
 
 // --- The record -------------------------------------------------------------------------
@@ -665,9 +619,13 @@ int DOM_proj_str(const char* proj) {
     if (proj == nullptr) {
         return -1;
     }
-    for (const Keyword& row : keywords) {
-        if (strnicmp(proj, row.text, row.length) == 0) {
-            return row.proj;
+    if (stricmp(proj, "miss") == 0) {
+        return missing;
+    }
+    for (const Projection& row : map_projections()) {
+        if (std::any_of(row.words.begin(), row.words.end(),
+                        [proj](const char* word) { return fits_word(proj, word); })) {
+            return row.code;
         }
     }
     return -1;
@@ -703,12 +661,6 @@ int DOM_print(unsigned level, const Domain* domain) {
     if (MESS_check(level) == 0) {
         return 0;
     }
-    const char* word = "";
-    for (const ProjName& row : proj_names) {
-        if (row.proj == domain->proj) {
-            word = row.text;
-        }
-    }
     char fields[300] = "";
     int length = 0;
     for (const float value :
@@ -718,7 +670,7 @@ int DOM_print(unsigned level, const Domain* domain) {
         length +=
             is_set(value) ? std::snprintf(at, room, ":%3.3f", value) : std::snprintf(at, room, ":");
     }
-    MESS_print(level, "%s%s%s,%3.3f,%3.3f,%d,%d,%4.4f,%4.4f\n", word,
+    MESS_print(level, "%s%s%s,%3.3f,%3.3f,%d,%d,%4.4f,%4.4f\n", map_projection(domain->proj).name,
                domain->ellipse != 0 ? ":e" : "", fields, domain->clat, domain->clon, domain->nx,
                domain->ny, domain->dx, domain->dy);
     return 1;
@@ -946,22 +898,6 @@ int DOM_get_loc_prior() {
 
 std::string DOM_proj_word(const Domain* domain) {
     const Domain& d = *domain;
-    switch (d.proj) {
-    case proj_latlon:
-        return "LL ";
-    case proj_merc:
-        return "ME ";
-    case proj_pstereo:
-        return is_set(d.plon) && d.plon != d.clon ? "PS" + colon_numbers({d.plon}) + " " : "PS ";
-    case proj_lambert:
-        if (is_set(d.param[0])) {
-            return "LC" + colon_numbers({d.plat, d.plon, d.param[0], d.param[1], d.param[2]}) + " ";
-        }
-        return is_set(d.plon) ? "LC" + colon_numbers({d.plon}) + " " : "LC ";
-    case proj_satellite:
-        return "SAT" + colon_numbers({d.plat, d.plon}) +
-               (is_set(d.param[0]) ? colon_numbers({d.param[0]}) : "") + " ";
-    default:
-        return "";
-    }
+    const Projection& row = map_projection(d.proj);
+    return *row.file_word == '\0' ? "" : row.file_word + file_numbers(row.numbers, d) + " ";
 }

@@ -262,6 +262,28 @@ TEST(Maptran, DomainAndLimits) {
     }
 }
 
+// Two maps side by side answer as each does alone, and leave the current one be.
+TEST(Maptran, MapsAreValues) {
+    use(make(3, 0, 0));
+    const Map own = map_make(make(4, 40, -96, 33, 45));
+    const Map plot = map_make(make(9, 0, -75, 421.64F, 1));
+    for (const float lat : {20.0F, 35.0F}) {
+        Point a, b;
+        a.result = own.tran(lat, -80, &a.a, &a.b);
+        b.result = plot.tran(lat, -80, &b.a, &b.b);
+        const float turned = own.dir_adj(30, a.a, a.b), scale = own.factor(lat);
+        EXPECT_EQ(MAP_get_proj(), 3);
+        use(own.domain);
+        EXPECT_EQ(tran(lat, -80), a);
+        EXPECT_EQ(MAP_dir_adj(30, a.a, a.b), turned);
+        EXPECT_EQ(MAP_factor(lat, 0), scale);
+        use(plot.domain);
+        EXPECT_EQ(tran(lat, -80), b);
+        EXPECT_EQ(limits().x_max, plot.limits.x_max);
+        use(make(3, 0, 0));
+    }
+}
+
 // Swapping the code keeps the limits; null means no projection.
 TEST(Maptran, OtherCode) {
     use(make(2, 40, -100));

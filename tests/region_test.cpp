@@ -85,6 +85,20 @@ TEST_F(Region, Shapes) {
     EXPECT_EQ(DOM_decode(nullptr, &d_), missing);
 }
 
+// No word of the table of projections hides another one's.
+TEST_F(Region, ProjectionWords) {
+    for (const Projection& row : map_projections()) {
+        for (const char* word : row.words) {
+            if (word != nullptr) {
+                EXPECT_EQ(DOM_proj_str(*word == '=' ? word + 1 : word), row.code) << word;
+            }
+        }
+    }
+    EXPECT_EQ(DOM_proj_str("lambaz"), 4);
+    EXPECT_EQ(DOM_proj_str("xpx"), -1);
+    EXPECT_EQ(DOM_proj_str(nullptr), -1);
+}
+
 TEST_F(Region, Refused) {
     dir_.write("zyr.reg", "loop Circle 0 loop\nbad Bad 0 1,2,3,4,5,6,7,8,9\n");
     dir_.write("mine.reg", "a A_name 1 10,20\n");
