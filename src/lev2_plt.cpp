@@ -57,13 +57,14 @@ struct Moment {
     const char* word; // how `variable` begins, the number of the scan behind it
     const char* label;
     const char* colors;
-    bool range; // smallest and largest value are told, not the largest alone
+    const char* levels; // the level file of "auto"
+    bool range;         // smallest and largest value are told, not the largest alone
 };
 constexpr std::array<Moment, lev2_moments> moments = {
     {
-     {"ref", "Reflectivity (Dbz)", reflectivity, false},
-     {"vel", "Velocity (m/s)", velocity, true},
-     {"spect", "Spectrum width (m/s)", velocity, true},
+     {"ref", "Reflectivity (Dbz)", reflectivity, "reflectivity", false},
+     {"vel", "Velocity (m/s)", velocity, "velocity_ms", true},
+     {"spect", "Spectrum width (m/s)", velocity, "width_ms", true},
      }
 };
 
@@ -266,6 +267,7 @@ void set_colors() {
     CONT_init();
     CONT_param_decode();
     CONT_reset_fill_set();
+    CONT_set_quantity(moment().levels);
     CONT_set_fill_colors(moment().colors, 0);
     CONT_set_type(cont_fill);
 }

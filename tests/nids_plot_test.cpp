@@ -203,6 +203,42 @@ TEST(NidsColors, FollowTheCodeAndForgetTheFrameBefore) {
     }
 }
 
+// "auto" goes by what the label says the product is.
+TEST(NidsColors, AutoTakesTheQuantitysLevels) {
+    RES_put("file_path", ZYR_SOURCE_DIR "/etc");
+    RES_put("color_fill", "auto");
+    CLR_read_table(nullptr);
+    const std::vector<std::pair<const char*, float>> rows = {
+        {"Base velocity (knt)",                 -300.0F}, // label, first level
+        {"Stm rel mn rad velocity (knt)",       -300.0F},
+        {"Base spectrum width (knt)",           0.0F   },
+        {"Digital hyb reflectivity (Dbz)",      5.0F   },
+        {"Layer 1 comp refl (max Dbz)",         5.0F   },
+        {"Digital diff refl (dBZ)",             -8.0F  },
+        {"Digital correl coeff",                0.2F   },
+        {"Digital spec diff phase (Deg/km)",    -10.0F },
+        {"Hybrid hydro class",                  10.0F  },
+        {"Enh Echo tops (1000 ft)",             1.0F   },
+        {"Vert int liquid (kg/m^3)",            1.0F   },
+        {"Digital storm total diff accum (in)", -50.0F },
+        {"1 hr accum",                          0.01F  },
+        {"Sfc 24 hr precipitation (in)",        0.01F  },
+        {"Mesocyclone detection",               7.0F   }, // of no quantity: its thresholds
+    };
+    for (const auto& [label, first] : rows) {
+        NIDS_info info;
+        copy_text(info.info, sizeof info.info, label);
+        for (int i = 0; i < 16; i++) {
+            info.thres[i] = static_cast<float>(7 + i);
+        }
+        NIDS_set_colors(info);
+        std::array<float, 256> levels{};
+        ASSERT_GT(CONT_get_values(levels.data()), 0) << label;
+        EXPECT_EQ(levels[0], first) << label;
+    }
+    RES_put("color_fill", "");
+}
+
 TEST(NidsReadout, DistanceAndBeamHeight) {
     Domain domain;
     RES_conv_data("print", nullptr, CV_mess);
