@@ -1,719 +1,710 @@
-// var_tool.cpp: time and level of a variable as integer codes (var_tool.h).
-// Owns the stack of enclosing items, which gives a variable what its own text
-// leaves out, and the model name. Nothing has to be called first.
+// var_tool.cpp: a variable text as a table of records (var_tool.h). State: the
+// table of the last VAR_setup. The variable file and the lookup file are
+// var_file's, times and levels and the stack of enclosing items var_code's.
 #include "var_tool.h"
 
+#include "plt_tool.h"
 #include "text_num.h"
+#include "tools.h"
 #include "zyr.h"
+#include "zyrgrid.h"
+#include "zyrresrc.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace {
 
 constexpr unsigned var_debug = 0x40000000;
-constexpr int max_bases = 10;
-constexpr std::size_t word_size = 40;
+constexpr int default_type = var_type_value;
+constexpr int plot_type_all = 99;  // flag 11: no type of its own
+constexpr int most_lookups = 1000; // definitions that a text may use
 
 struct State {
-    std::array<VAR_base, max_bases> base = {};
-    int base_ind = -1; // top of the stack; -1: no item encloses
-    char model_str[20] = {};
+    std::array<VAR_data, var_max> var = {};
+    int num = 0;
+    int plevel = 0; // function depth
+    int vlevel = 0; // group depth
+    int lookups = 0;
+    // What has been warned of in this text.
+    bool told_full = false;
+    bool told_deep = false;
+    bool told_lookups = false;
 };
-State var_state;
+State state;
 
-// --- Times ------------------------------------------------------------------
+// --- Data types -----------------------------------------------------------------
 
-constexpr int kind_factor = 1000000;
-constexpr int start_factor = 1000;
-constexpr int range_kind = 2; // also what an unknown word means
-
-struct Kind {
-    int kind;
-    const char* word;
+struct TypeRow {
+    int code;
     const char* label;
+    const char* word;  // of VAR_dec_type; null: not to be asked for by a word
+    const char* other; // a second word
 };
-constexpr Kind kinds[] = {
-    {2,  "rng",  "rng " },
-    {3,  "avg",  "avg " },
-    {4,  "acc",  "acc " },
-    {5,  "dif",  "dif " },
-    {6,  "max",  "max " },
-    {7,  "min",  "min " },
-    {13, "iavg", "iavg "},
-    {23, "uavg", "uavg "},
-    {18, "var",  "var " },
+constexpr TypeRow types[] = {
+    {1,  "data",   "data",   nullptr},
+    {2,  "value",  "value",  nullptr},
+    {3,  "text",   "text",   nullptr},
+    {4,  "mark",   "mark",   "mk"   },
+    {5,  "int",    nullptr,  nullptr},
+    {6,  "map",    nullptr,  nullptr},
+    {7,  "frame",  nullptr,  nullptr},
+    {8,  "panel",  nullptr,  nullptr},
+    {10, "grid",   nullptr,  nullptr},
+    {11, "cont",   "cont",   nullptr},
+    {12, "lcont",  "ln",     nullptr},
+    {13, "dln",    "dln",    nullptr},
+    {14, "ndln",   "ndln",   nullptr},
+    {15, "fcont",  "cf",     nullptr},
+    {16, "bcont",  "lcf",    nullptr},
+    {17, "gvalue", "gvalue", nullptr},
+    {20, "wind",   "wind",   nullptr},
+    {21, "vect",   "vect",   nullptr},
+    {22, "barb",   "barb",   nullptr},
+    {23, "strm",   "strm",   "track"},
+    {30, "plot",   "plot",   nullptr},
+    {31, "cloud",  "cloud",  nullptr},
+    {32, "wbarb",  "wbarb",  nullptr},
+    {33, "cbarb",  "cbarb",  nullptr},
+    {34, "dbarb",  "dbarb",  nullptr},
+    {35, "vbarb",  "vbarb",  nullptr},
+    {36, "symb",   "symb",   "wx"   },
+    {37, "line",   "line",   nullptr},
+    {40, "const",  nullptr,  nullptr},
 };
 
-// A time text: word, then "-" and a number, then a word for the kind.
-struct TimeText {
-    char word[word_size] = {};
-    int number = 0;
-    char kind[word_size] = {};
-    int fields = 0; // how many of the three were read
+struct LayoutRow {
+    const char* name;
+    int type;
+};
+constexpr LayoutRow layouts[] = {
+    {"map",   var_type_map  },
+    {"plot",  var_type_plot },
+    {"frame", var_type_frame},
+    {"panel", var_type_panel},
 };
 
-// A number at the start of `text`, held within six digits so that it can be
-// packed. False if there is none.
-bool read_int(const char** text, int* value) {
-    constexpr int most = 999999;
-    const bool found = take_int(text, value);
-    *value = std::clamp(*value, -most, most);
-    return found;
+bool in_grid_types(int type) {
+    return type >= var_type_grid && type <= var_type_track;
 }
 
-bool is_digit(char c) {
-    return std::isdigit(static_cast<unsigned char>(c)) != 0;
+// Contour kinds and vectors: types that `plot_type` lays over others.
+bool is_overriding(int type) {
+    return (type >= var_type_lcont && type <= var_type_gvalue) ||
+           (type >= var_type_vect && type <= var_type_track);
 }
 
-TimeText split_time(const char* text) {
-    TimeText result;
-    const std::size_t length = std::strcspn(text, "-");
-    if (length == 0) {
-        return result;
+int decide_type(const VAR_data& var, const char* name) {
+    const int plot_type = FLAG_get(flag_plot_type);
+    const int role = var.flag % 10;
+    int type = var.type;
+    if (role == var_role_vector) {
+        type = in_grid_types(plot_type) ? plot_type : var_type_grid;
+    } else if (role == var_role_function && GRD_is_math_func(name) != 0) {
+        type = in_grid_types(plot_type) ? plot_type : GRD_is_math_func(name);
+    } else if (is_overriding(plot_type)) {
+        type = plot_type;
+    } else if (in_grid_types(VAR_base_type())) {
+        type = var_type_grid;
     }
-    std::snprintf(result.word, sizeof result.word, "%.*s", static_cast<int>(length), text);
-    result.fields = 1;
-    text += length;
-    if (*text != '-' || !read_int(&(++text), &result.number)) {
-        return result;
-    }
-    result.number = std::clamp(result.number, -999, 999);
-    result.fields = 2;
-    if (*text != '\0') {
-        copy_text(result.kind, sizeof result.kind, text);
-        result.fields = 3;
-    }
-    return result;
+    return is_set(type) ? type : default_type;
 }
 
-int kind_of(const char* word) {
-    for (const Kind& row : kinds) {
-        if (std::strcmp(word, row.word) == 0) {
-            return row.kind;
-        }
-    }
-    return range_kind;
-}
+// --- Numbers of variables --------------------------------------------------------
 
-int pack_time(const TimeText& text, int start, int end) {
-    return kind_of(text.kind) * kind_factor + start * start_factor + end;
-}
-
-// Hours of a word such as "h12", "d2", "e1", "2day", "1.5day". False if it is
-// no such word.
-bool read_hours(const char* word, int* hours) {
-    const char prefix = *word;
-    const bool prefixed = prefix == 'h' || prefix == 'd' || prefix == 'e';
-    const char* rest = word + (prefixed ? 1 : 0);
-    int number = 0;
-    if (!is_digit(*rest) || !read_int(&rest, &number)) {
-        return false;
-    }
-    const bool day = prefixed ? prefix == 'd' && *rest == '\0'
-                              : std::strcmp(rest, "day") == 0 || std::strcmp(rest, "d") == 0;
-    const bool half = prefixed ? prefix == 'e' && *rest == '\0'
-                               : std::strcmp(rest, ".5day") == 0 || std::strcmp(rest, "e") == 0;
-    number = std::min(number, 9999);
-    *hours = day ? 24 * number : half ? 24 * number + 12 : number;
-    return day || half || (prefix == 'h' && *rest == '\0');
-}
-
-// The time of the enclosing item, else the default. False without either.
-bool inherited_time(int* time) {
-    const int top = var_state.base_ind;
-    const int value =
-        top >= 0 ? var_state.base[static_cast<std::size_t>(top)].time : FLAG_get(flag_def_time);
-    if (top < 0 && !is_set(value)) {
-        return false;
-    }
-    *time = value;
-    return true;
-}
-
-int inherit_less(const TimeText& text, int* time) {
-    int base = 0;
-    inherited_time(&base);
-    if (text.fields > 1 && is_set(base)) {
-        const int end = base % start_factor;
-        base = text.fields == 3 ? pack_time(text, end - text.number, end) : end - text.number;
-    }
-    *time = base;
-    return var_stat_inherited;
-}
-
-// --- Levels -----------------------------------------------------------------
-
-struct LevelWord {
-    const char* word;
-    int ltype, level;
-};
-constexpr LevelWord level_words[] = {
-    {"none",      0,       0      },
-    {"snd",       0,       0      },
-    {"miss",      missing, missing},
-    {"sfc",       1,       0      },
-    {"sf",        1,       0      },
-    {"sea",       1,       0      },
-    {"se",        1,       0      },
-    {"frz",       4,       0      },
-    {"lcl",       5,       0      },
-    {"mwnd",      6,       0      },
-    {"trop",      7,       0      },
-    {"-",         9,       0      },
-    {"sl",        102,     0      },
-    {"whole",     200,     0      },
-    {"top_frz",   204,     0      },
-    {"gcld_bot",  206,     0      },
-    {"gcld_top",  207,     0      },
-    {"blcld_bot", 209,     0      },
-    {"blcld_top", 210,     0      },
-    {"blcld_lyr", 211,     0      },
-    {"lcld_bot",  212,     0      },
-    {"lcld_top",  213,     0      },
-    {"lcld_lyr",  214,     0      },
-    {"cld_ceil",  215,     0      },
-    {"mcld_bot",  222,     0      },
-    {"mcld_top",  223,     0      },
-    {"mcld_lyr",  224,     0      },
-    {"hcld_bot",  232,     0      },
-    {"hcld_top",  233,     0      },
-    {"hcld_lyr",  234,     0      },
-    {"conv_bot",  242,     0      },
-    {"conv_top",  243,     0      },
-    {"conv_lyr",  244,     0      },
-    {"wbzero",    245,     0      },
-    {"maxepot",   246,     0      },
-    {"equilib",   247,     0      },
-    {"sconv_bot", 248,     0      },
-    {"sconv_top", 249,     0      },
-    {"dconv_bot", 251,     0      },
-    {"dconv_top", 252,     0      },
-    {"sclw_bot",  253,     0      },
-    {"sclw_top",  254,     0      },
-};
-
-// How the two ends of a layer go into one number.
-enum class Packing {
-    pressure,   // smaller / 10, then larger / 10
-    height,     // second / 100, then first / 100
-    thousandth, // thousandths of second, then of first
-    whole,      // second, then first
-    none        // no layer of this unit
-};
-
-constexpr double feet = 0.3048;
-constexpr double coded = 10000.0; // sigma and eta levels
-
-struct Unit {
-    const char* word;
-    int ltype;     // of a single level
-    double factor; // for a single level
-    int layer;     // type of a layer
-    Packing packing;
-};
-constexpr Unit units[] = {
-    {"",      100, 1.0,   101, Packing::pressure  },
-    {"mb",    100, 1.0,   101, Packing::pressure  },
-    {"ft",    103, feet,  104, Packing::height    },
-    {"m",     103, 1.0,   104, Packing::height    },
-    {"ft_ag", 105, feet,  106, Packing::height    },
-    {"m_ag",  105, 1.0,   106, Packing::height    },
-    {"k",     113, 1.0,   114, Packing::whole     },
-    {"mb_ag", 115, 1.0,   116, Packing::whole     },
-    {"sig",   107, coded, 108, Packing::thousandth},
-    {"lev",   109, 1.0,   0,   Packing::none      },
-    {"pv",    117, 1.0,   0,   Packing::none      },
-    {"eta",   119, coded, 120, Packing::thousandth},
-};
-
-// The same by a letter before the number.
-struct LetterUnit {
-    char letter;
-    const char* word; // in `units`
-};
-constexpr LetterUnit letters[] = {
-    {'p', "mb"  },
-    {'h', "m"   },
-    {'a', "m_ag"},
-    {'s', "sig" },
-    {'k', "k"   }
-};
-
-const Unit* find_unit(const char* word) {
-    for (const Unit& unit : units) {
-        if (std::strcmp(word, unit.word) == 0) {
-            return &unit;
-        }
-    }
-    return nullptr;
-}
-
-// Codes of the ends of a layer that are no number.
-constexpr int layer_sfc = 1900;
-constexpr int layer_sfc_above = 2000; // plus the number in "sfc[n"
-constexpr int layer_maxt = 1910;
-constexpr int layer_trop = 1950;
-constexpr int trop_plus = 99500; // with heights: above and below the tropopause
-constexpr int trop_minus = 99600;
-
-// One end of a layer, or a single level.
-struct Term {
-    double value = 0.0;
-    bool is_sfc = false;        // "sfc[n"
-    bool is_trop = false;       // "trop"
-    bool named = false;         // a word: no unit changes it
-    const Unit* unit = nullptr; // null: none given
+// "ensmean[]name" and its like: how a variable's number becomes that of a form
+// of an ensemble.
+struct Ensemble {
+    const char* variable;    // what is behind the "]"
+    std::int64_t factor = 1; // number * factor + offset
+    std::int64_t offset = 0;
 };
 
 bool skip_word(const char** text, const char* word) {
     const std::size_t length = std::strlen(word);
-    if (std::strncmp(*text, word, length) != 0) {
+    if (strnicmp(*text, word, static_cast<int>(length)) != 0) {
         return false;
     }
     *text += length;
     return true;
 }
 
-bool read_named(const char** text, Term* term) {
+bool read_member(const char* at, Ensemble* form) {
+    const bool minus = take_char(&at, '-');
+    const bool plus = !minus && take_char(&at, '+');
+    int member = 0;
+    if (!take_int(&at, &member) || !take_char(&at, ']')) {
+        return false;
+    }
+    form->offset = (minus  ? 19320000
+                    : plus ? 19340000
+                           : 19300000) +
+                   1000LL * std::clamp(member, 0, 19);
+    form->variable = at;
+    return true;
+}
+
+bool read_probability(const char* at, Ensemble* form) {
+    constexpr std::string_view signs = "<>^";
+    const std::size_t sign = *at == '\0' ? std::string_view::npos : signs.find(*at);
+    float limit = 0.0F;
+    if (sign == std::string_view::npos || !take_float(&(++at), &limit) || !take_char(&at, ']')) {
+        return false;
+    }
+    const int code = float2int(limit);
+    const auto place = static_cast<std::int64_t>(sign) * 1000;
+    form->factor = 10000;
+    form->offset = (code < 0 ? 1910006000 : 1910001000) + place + code;
+    form->variable = at;
+    return true;
+}
+
+bool read_ensemble(const char* name, Ensemble* form) {
+    if (skip_word(&name, "ensmean[]")) {
+        *form = {name, 1, 19000000};
+        return true;
+    }
+    if (skip_word(&name, "ensdev[]")) {
+        *form = {name, 1, 19001000};
+        return true;
+    }
+    return skip_word(&name, "ensprob[") ? read_probability(name, form)
+                                        : skip_word(&name, "ens[") && read_member(name, form);
+}
+
+// The variable of a name such as "max-top": what is behind the function word.
+const char* variable_of(const char* name) {
+    const char* minus = std::strchr(name, '-');
+    return minus == nullptr || minus == name || minus[1] == '\0' ? name : minus + 1;
+}
+
+void find_numbers(const char* variable, VAR_data* var) {
+    const char* at = variable;
     int number = 0;
-    if (skip_word(text, "sfc[")) {
-        term->is_sfc = true;
-        if (!read_int(text, &number)) {
-            return false;
+    if (string_is_num(variable) != 0 && take_int(&at, &number)) {
+        var->var[0] = number;
+        if (const VAR_desc* row = VAR_find_number(number)) {
+            copy_text(var->name, sizeof var->name, row->name);
         }
-        skip_word(text, "]");
-        term->value = layer_sfc_above + number;
-    } else if (skip_word(text, "sfc")) {
-        term->value = layer_sfc;
-    } else if (skip_word(text, "maxt")) {
-        term->value = layer_maxt;
-    } else if (skip_word(text, "trop")) {
-        term->value = layer_trop;
-        term->is_trop = true;
-    } else {
-        return false;
+    } else if (const VAR_desc* row = VAR_find_abbr(variable + (*variable == '+' ? 1 : 0))) {
+        std::copy(std::begin(row->ind), std::end(row->ind), var->var);
     }
-    term->named = true;
-    return true;
 }
 
-// A plain decimal number; no exponent and no sign, since "e" begins a unit
-// and "-" a layer.
-bool read_decimal(const char** text, double* value) {
-    const std::size_t length = std::strspn(*text, "0123456789.");
-    char digits[24] = "";
-    char* end = nullptr;
-    if (length == 0 || length >= sizeof digits) {
+// Fills name, type and numbers. Returns whether there is a name.
+bool VAR_dec_var(const char* name, VAR_data* var) {
+    copy_text(var->name, sizeof var->name, name);
+    if (*name == '#') {
+        var->type = var_type_const;
+        return true;
+    }
+    var->type = decide_type(*var, name);
+    if (*name == '\0') {
         return false;
     }
-    std::memcpy(digits, *text, length);
-    *value = std::min(std::strtod(digits, &end), 999999.0);
-    *text += length;
-    return *end == '\0';
-}
-
-bool read_term(const char** text, Term* term) {
-    if (!read_named(text, term) && (term->is_sfc || !read_decimal(text, &term->value))) {
-        return false;
+    Ensemble form;
+    if (!read_ensemble(name, &form)) {
+        find_numbers(variable_of(name), var);
+        return true;
     }
-    char word[word_size] = "";
-    std::size_t length = 0;
-    while ((std::isalpha(static_cast<unsigned char>((*text)[length])) != 0 ||
-            (*text)[length] == '_') &&
-           length < sizeof word - 1) {
-        word[length] = (*text)[length];
-        length++;
-    }
-    *text += length;
-    if (length > 0) {
-        term->unit = find_unit(word);
-        return term->unit != nullptr;
+    find_numbers(form.variable, var);
+    copy_text(var->name, sizeof var->name, name);
+    if (is_set(var->var[0])) {
+        const std::int64_t number = form.factor * var->var[0] + form.offset;
+        const bool fits = number <= std::numeric_limits<int>::max() && number >= 0;
+        var->var[0] = fits ? static_cast<int>(number) : missing;
     }
     return true;
 }
 
-// Truncated, with room for what a decimal fraction lacks in binary.
-int trunc_level(double value) {
-    return static_cast<int>(value + 1e-6);
+// --- Records -------------------------------------------------------------------
+
+int plain_flag() {
+    return 10 * state.plevel + state.vlevel;
 }
 
-int pack_layer(const Unit& unit, double first, double second) {
-    const auto join = [](int high, int low) { return high * 1000 + low; };
-    switch (unit.packing) {
-    case Packing::pressure:
-        return join(trunc_level(std::min(first, second)) / 10,
-                    trunc_level(std::max(first, second)) / 10);
-    case Packing::height:
-        return join(trunc_level(second) / 100, trunc_level(first) / 100);
-    case Packing::thousandth:
-        return join(trunc_level(1000.0 * second), trunc_level(1000.0 * first));
-    default:
-        return join(trunc_level(second), trunc_level(first));
-    }
+bool is_layout(const VAR_data& var) {
+    return var.flag >= 0 && var.flag % 10 == var_role_layout &&
+           (var.type == var_type_map || var.type == var_type_plot || var.type == var_type_frame ||
+            var.type == var_type_panel);
 }
 
-// End of a layer in the layer's unit.
-double end_value(const Term& term, const Unit& unit, char joint) {
-    if (unit.packing == Packing::height && term.is_trop) {
-        return joint == '+' ? trop_plus : trop_minus;
+// Adds a record. Null, with one warning, when the table is full.
+VAR_data* add_record(const VAR_data& var) {
+    if (state.num >= var_max) {
+        if (!state.told_full) {
+            MESS_print(mess_warn, "VAR_setup: More than %d variables, from %s on left out\n",
+                       var_max, var.name);
+        }
+        state.told_full = true;
+        return nullptr;
     }
-    const bool scaled = !term.named && unit.packing == Packing::height;
-    return scaled ? term.value * unit.factor : term.value;
+    state.var[static_cast<std::size_t>(state.num)] = var;
+    return &state.var[static_cast<std::size_t>(state.num++)];
 }
 
-struct Level {
-    int ltype, level;
-};
-
-bool decode_layer(const Term& first, const Term& second, char joint, Level* level) {
-    const Unit* unit = first.unit != nullptr    ? first.unit
-                       : second.unit != nullptr ? second.unit
-                                                : find_unit("");
-    if (unit->packing == Packing::none) {
-        return false;
+bool push_base(const VAR_data& var) {
+    const VAR_base base = {var.type, var.tstat, var.time, var.lstat, var.ltype, var.level};
+    if (VAR_base_push(base) == 0) {
+        return true;
     }
-    *level = {unit->layer,
-              pack_layer(*unit, end_value(first, *unit, joint), end_value(second, *unit, joint))};
-    return true;
+    if (!state.told_deep) {
+        MESS_print(mess_warn, "VAR_setup: Variables nested too deep, left out: %s\n", var.name);
+    }
+    state.told_deep = true;
+    return false;
 }
 
-// Numbers with units, and layers of them.
-bool decode_terms(const char* text, const Unit* given, Level* level) {
-    Term first;
-    if (!read_term(&text, &first)) {
-        return false;
-    }
-    first.unit = first.unit == nullptr ? given : first.unit;
-    if (*text == '-' || *text == '+') {
-        const char joint = *text++;
-        Term second;
-        return read_term(&text, &second) && *text == '\0' &&
-               decode_layer(first, second, joint, level);
-    }
-    if (*text != '\0') {
-        return false;
-    }
-    if (first.named) {
-        *level = {1, static_cast<int>(first.value) - layer_sfc_above};
-        return first.is_sfc;
-    }
-    const Unit& unit = first.unit != nullptr ? *first.unit : *find_unit("");
-    *level = {unit.ltype, trunc_level(first.value * unit.factor)};
-    return true;
-}
+using Fields = std::vector<std::string>;
 
-bool decode_level(const char* text, Level* level) {
-    for (const LevelWord& row : level_words) {
-        if (std::strcmp(text, row.word) == 0) {
-            *level = {row.ltype, row.level};
-            return true;
+// At least one field, which may be empty.
+Fields split_fields(std::string_view text) {
+    Fields fields(1);
+    for (const char c : text) {
+        if (c == ':') {
+            fields.emplace_back();
+        } else {
+            fields.back() += c;
         }
     }
-    for (const LetterUnit& row : letters) {
-        if (*text == row.letter && is_digit(text[1])) {
-            return decode_terms(text + 1, find_unit(row.word), level);
+    return fields;
+}
+
+std::string without_escapes(std::string_view text) {
+    std::string plain;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\\' && i + 1 < text.size()) {
+            ++i;
+        }
+        if (text[i] != '\\' || (i > 0 && text[i - 1] == '\\')) {
+            plain += text[i];
         }
     }
-    return decode_terms(text, nullptr, level);
+    return plain;
 }
 
-// --- Labels -----------------------------------------------------------------
-
-struct LevelLabel {
-    int ltype;
-    const char* text;
-};
-// Types whose label is a fixed text.
-constexpr LevelLabel level_labels[] = {
-    {4,   "Freezing level"           },
-    {5,   "Adiabatic condensation"   },
-    {6,   "Maximum wind"             },
-    {7,   "Tropopause"               },
-    {9,   "Sea bottom"               },
-    {102, "Sea level"                },
-    {200, "Entire atmosphere"        },
-    {204, "Top freezing level"       },
-    {206, "Grid cloud bottom"        },
-    {207, "Grid cloud top"           },
-    {209, "Boundary cloud bottom"    },
-    {210, "Boundary cloud top"       },
-    {211, "Boundary cloud layer"     },
-    {212, "Low cloud bottom"         },
-    {213, "Low cloud top"            },
-    {214, "Low cloud layer"          },
-    {215, "Cloud ceiling"            },
-    {222, "Middle cloud bottom"      },
-    {223, "Middle cloud top"         },
-    {224, "Middle cloud layer"       },
-    {232, "High cloud bottom"        },
-    {233, "High cloud top"           },
-    {234, "High cloud layer"         },
-    {242, "Convective cloud bottom"  },
-    {243, "Convective cloud top"     },
-    {244, "Convective cloud layer"   },
-    {245, "Wet bulb zero"            },
-    {246, "Maximum theta-e"          },
-    {247, "Equilibrium level"        },
-    {248, "Shallow convection bottom"},
-    {249, "Shallow convection top"   },
-    {251, "Deep convection bottom"   },
-    {252, "Deep convection top"      },
-    {253, "Supercooled water bottom" },
-    {254, "Supercooled water top"    },
-};
-
-// Text under construction in the caller's buffer.
-struct Label {
-    char* text;
-    std::size_t used = 0;
-
-    template <class... Args> void add(const char* format, Args... args) {
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral" // literals of this file alone
-#pragma GCC diagnostic ignored "-Wformat-security"
-        const int n = std::snprintf(text + used, var_label_size - used, format, args...);
-#pragma GCC diagnostic pop
-        used = std::min(used + static_cast<std::size_t>(std::max(n, 0)), var_label_size - 1);
+std::string join_from(const Fields& fields, std::size_t first) {
+    std::string text;
+    for (std::size_t i = first; i < fields.size(); ++i) {
+        text += (i > first ? ":" : "") + fields[i];
     }
-};
-
-// An hour field as a number of its unit: 0 hours, 1 days, 2 months.
-struct Span {
-    int number, unit;
-};
-
-Span span_of(int field) {
-    return field >= 900   ? Span{field - 900, 2}
-           : field >= 800 ? Span{field - 800, 1}
-                          : Span{field, 0};
+    return text;
 }
 
-void label_time(int time, Label* label) {
-    constexpr const char* forms[] = {"%d hour ", "%d day ", "%d month "};
-    const int kind = time / kind_factor;
-    if (kind <= 1) {
-        return;
+// Units, type and format from field `at` on. `with_type`: whether a type
+// keyword counts; it is passed over in any case.
+void take_settings(const Fields& fields, std::size_t at, bool with_type, VAR_data* var) {
+    const bool layout = is_layout(*var);
+    if (at < fields.size() && !layout) {
+        copy_text(var->units, sizeof var->units, fields[at++].c_str());
     }
-    const Span start = span_of(time % kind_factor / start_factor);
-    const Span end = span_of(time % start_factor);
-    const int value = kind <= 9 ? std::abs(end.number - start.number) : end.number;
-    label->add(forms[end.unit], value);
-    for (const Kind& row : kinds) {
-        if (row.kind == kind) {
-            label->add("%s", row.label);
+    const int type = at < fields.size() ? VAR_dec_type(fields[at].c_str()) : -1;
+    if (type >= 0) {
+        ++at;
+        var->type = with_type && !layout ? type : var->type;
+    }
+    if (at < fields.size()) {
+        copy_text(var->format, sizeof var->format, join_from(fields, at).c_str());
+    }
+}
+
+// --- The text ---------------------------------------------------------------------
+
+void process(std::string_view text, const VAR_data* seed);
+
+// Time and level: from the first two fields if the first is a time, else from
+// the item that encloses it. Returns the place of the name.
+std::size_t take_time(const Fields& fields, VAR_data* var) {
+    if (fields.size() >= 3) {
+        int time = 0;
+        const int status = VAR_dec_time(fields[0].c_str(), &time);
+        if (status != var_stat_none) {
+            var->tstat = status;
+            var->time = time;
+            var->lstat = VAR_dec_level(fields[1].c_str(), &var->ltype, &var->level);
+            return 2;
         }
     }
-}
-
-void label_pressure_layer(int level, Label* label) {
-    const int top = level / 1000 * 10;
-    const int bottom = level % 1000 * 10;
-    if (level == 510 || level == 508 || level == 599) {
-        label->add("Layer %d", level);
-    } else if (bottom == layer_sfc) {
-        label->add("sfc-%d mb", top);
-    } else if (bottom == layer_maxt) {
-        label->add("maxt-%d mb", top);
-    } else if (bottom == layer_trop) {
-        label->add("trop-%d mb", top);
-    } else if (bottom >= layer_sfc_above) {
-        label->add("sfc[%d]-%d mb", bottom - layer_sfc_above, top);
-    } else {
-        label->add("%d-%d mb", bottom, top);
+    if (var->tstat == var_stat_none) {
+        var->tstat = VAR_dec_time("", &var->time);
+        var->lstat = VAR_dec_level("", &var->ltype, &var->level);
     }
+    return 0;
 }
 
-void label_height_layer(int level, Label* label) {
-    const int first = level % 1000 * 100;
-    const int second = level / 1000 * 100;
-    if (first == trop_plus) {
-        label->add("trop+%d m", second);
-    } else if (first == trop_minus) {
-        label->add("trop-%d m", second);
-    } else {
-        label->add("%d-%d mb", first, second);
-    }
-}
-
-void label_surface(int level, Label* label) {
-    if (level == 0) {
-        label->add("Surface");
-    } else {
-        label->add("Surface[%d]", level > layer_sfc_above ? level - layer_sfc_above : level);
-    }
-}
-
-// Label of a fixed type. False if there is none.
-bool label_word(int ltype, Label* label) {
-    for (const LevelLabel& row : level_labels) {
-        if (row.ltype == ltype) {
-            label->add("%s", row.text);
+bool take_layout(const Fields& fields, VAR_data* var) {
+    for (const LayoutRow& row : layouts) {
+        if (stricmp(fields[0].c_str(), row.name) == 0) {
+            copy_text(var->name, sizeof var->name, fields[0].c_str());
+            var->type = row.type;
+            var->flag = 10 * state.plevel + var_role_layout;
             return true;
         }
     }
     return false;
 }
 
-bool label_level(int ltype, int level, Label* label) {
-    const int first = level % 1000; // bottom of a layer
-    const int second = level / 1000;
-    const double part = level / 10000.0;
-    const double first_part = first / 1000.0;
-    const double second_part = second / 1000.0;
-    switch (ltype) {
-    case 0:
-        break;
-    case 1:
-        label_surface(level, label);
-        break;
-    case 100:
-        label->add("%d mb", level);
-        break;
-    case 101:
-        label_pressure_layer(level, label);
-        break;
-    case 103:
-        label->add("%d m", level);
-        break;
-    case 104:
-        label_height_layer(level, label);
-        break;
-    case 105:
-        label->add("%d m AG", level);
-        break;
-    case 106:
-        label->add("%d-%d m AG", first * 100, second * 100);
-        break;
-    case 107:
-        label->add("%3.2f sigma", part);
-        break;
-    case 108:
-        label->add("%3.2f-%3.2f sigma", first_part, second_part);
-        break;
-    case 109:
-        label->add("%d lev", level);
-        break;
-    case 113:
-        label->add("%d K", level);
-        break;
-    case 114:
-        label->add("%3.0f-%3.0f K", static_cast<double>(first), static_cast<double>(second));
-        break;
-    case 115:
-        label->add("%d mb AG", level);
-        break;
-    case 116:
-        label->add("%d-%d mb AG", first, second);
-        break;
-    case 117:
-        label->add("%d*10^-6 Km2/kgs", level);
-        break;
-    case 119:
-        label->add("%3.2f Eta", part);
-        break;
-    case 120:
-        label->add("%3.2f-%3.2f Eta", first_part, second_part);
-        break;
-    default:
-        return label_word(ltype, label);
+// The definition of a name, for a bounded number of names: definitions that
+// call each other multiply.
+const char* find_definition(const char* name) {
+    const char* definition = VAR_lookup(name);
+    if (definition == nullptr || ++state.lookups <= most_lookups) {
+        return definition;
     }
-    return true;
+    if (!state.told_lookups) {
+        MESS_print(mess_warn, "VAR_setup: More than %d definitions in a text, left out: %s\n",
+                   most_lookups, name);
+    }
+    state.told_lookups = true;
+    return "";
+}
+
+struct Spec {
+    bool named = false;   // the record has a name and is to be kept
+    bool defined = false; // its definition has been processed instead
+};
+
+// A name, with a look at the variable file if `look` is true.
+Spec take_name(const std::string& name, bool look, VAR_data* var) {
+    if (name[0] == '+') {
+        var->flag = plain_flag();
+        return {VAR_dec_var(name.c_str() + 1, var), false};
+    }
+    if (!look || name.substr(0, sizeof var->name - 1) == var->name) {
+        if (look) {
+            var->flag = plain_flag();
+        }
+        return {VAR_dec_var(name.c_str(), var), false};
+    }
+    copy_text(var->name, sizeof var->name, name.c_str());
+    const int type = VAR_dec_type(name.c_str());
+    var->type = type >= 0 ? type : var->type;
+    if (const char* definition = find_definition(name.c_str())) {
+        if (push_base(*var)) {
+            process(definition, var);
+            VAR_base_pop();
+        }
+        return {false, true};
+    }
+    var->flag = plain_flag();
+    return {VAR_dec_var(name.c_str(), var), false};
+}
+
+// One spec. `var` starts as the record that a definition's first item fills.
+Spec VAR_process_var(std::string_view text, bool look, VAR_data* var) {
+    const Fields fields = split_fields(without_escapes(text));
+    if (take_layout(fields, var)) {
+        take_settings(fields, 1, false, var);
+        return {true, false};
+    }
+    const std::size_t at = take_time(fields, var);
+    const int before = state.num;
+    const Spec spec = take_name(fields[at], look, var);
+    if (!spec.defined) {
+        take_settings(fields, at + 1, true, var);
+    } else if (state.num > before) {
+        take_settings(fields, at + 1, true, &state.var[static_cast<std::size_t>(state.num - 1)]);
+    }
+    return spec;
+}
+
+struct Mark {
+    char open, close;
+    int role;
+    const char* word;
+};
+constexpr Mark marks[] = {
+    {'(', ')', var_role_function, "Function"},
+    {'{', '}', var_role_group,    "Group"   },
+    {'<', '>', var_role_vector,   "Vector"  },
+};
+
+const Mark* find_mark(char c) {
+    const auto* mark = std::find_if(std::begin(marks), std::end(marks),
+                                    [c](const Mark& m) { return m.open == c; });
+    return mark == std::end(marks) ? nullptr : mark;
+}
+
+// Place of the mark that closes the one in front of `from`; npos if none does.
+std::size_t find_close(std::string_view text, std::size_t from, char open, char close) {
+    int depth = 1;
+    for (std::size_t i = from; i < text.size(); ++i) {
+        if (text[i] == '\\') {
+            ++i;
+        } else if (text[i] == close && --depth == 0) {
+            return i;
+        } else if (text[i] == open) {
+            ++depth;
+        }
+    }
+    return std::string_view::npos;
+}
+
+// One level of a text while it is read.
+struct Reader {
+    std::string_view text;
+    const VAR_data* seed;     // of the first item; null: none
+    std::size_t item = 0;     // where the current item began
+    VAR_data* head = nullptr; // what settings without a spec apply to
+
+    VAR_data fresh() {
+        const VAR_data var = seed != nullptr ? *seed : VAR_data{};
+        seed = nullptr;
+        return var;
+    }
+
+    // The item up to `end` as a plain variable.
+    void plain(std::size_t end) {
+        if (end <= item) {
+            return;
+        }
+        VAR_data var = fresh();
+        const int before = state.num;
+        const Spec spec = VAR_process_var(text.substr(item, end - item), true, &var);
+        head = spec.named ? add_record(var) : nullptr;
+        if (spec.defined && state.num > before) {
+            head = &state.var[static_cast<std::size_t>(state.num - 1)];
+        }
+    }
+
+    VAR_data* add_head(std::size_t end, const Mark& mark) {
+        VAR_data var = fresh();
+        VAR_process_var(text.substr(item, end - item), false, &var);
+        var.flag = 10 * state.plevel + mark.role;
+        VAR_data* record = add_record(var);
+        if (mark.role == var_role_function && GRD_is_vect_func(var.name) != 0) {
+            var.flag = 10 * state.plevel + var_role_second;
+            add_record(var);
+        }
+        return record;
+    }
+
+    // A function, group or vector whose mark is at `at`. Returns its end.
+    std::size_t nested(std::size_t at, const Mark& mark) {
+        head = add_head(at, mark);
+        const std::size_t end = find_close(text, at + 1, mark.open, mark.close);
+        if (end == std::string_view::npos) {
+            MESS_print(var_debug,
+                       mark.role == var_role_vector ? "Unmatched <>\n" : "Unmatched ()\n");
+            return end;
+        }
+        if (head != nullptr && push_base(*head)) {
+            const std::string inside(text.substr(at + 1, end - at - 1));
+            MESS_print(var_debug, "%s %s %c %s %c\n", mark.word, head->name, mark.open,
+                       inside.c_str(), mark.close);
+            int& depth = mark.role == var_role_function ? state.plevel : state.vlevel;
+            ++depth;
+            process(inside, nullptr);
+            --depth;
+            VAR_base_pop();
+        }
+        return end;
+    }
+
+    // Settings whose "[" is at `at`. Returns their end.
+    std::size_t settings(std::size_t at) {
+        plain(at);
+        const std::size_t end = find_close(text, at + 1, '[', ']');
+        if (end == std::string_view::npos) {
+            MESS_print(var_debug, "Unmatched []\n");
+        } else if (head != nullptr && state.plevel == 0) {
+            const int plot_type = FLAG_get(flag_plot_type);
+            take_settings(split_fields(without_escapes(text.substr(at + 1, end - at - 1))), 0,
+                          !is_set(plot_type) || plot_type == plot_type_all, head);
+        }
+        return end;
+    }
+};
+
+void process(std::string_view text, const VAR_data* seed) {
+    Reader reader{text, seed};
+    std::size_t i = 0;
+    for (; i < text.size() && !state.told_full; ++i) {
+        const char c = text[i];
+        const Mark* mark = find_mark(c);
+        if (c == '\\') {
+            ++i;
+        } else if (mark != nullptr || c == '[') {
+            i = mark != nullptr ? reader.nested(i, *mark) : reader.settings(i);
+            if (i == std::string_view::npos) {
+                return;
+            }
+            reader.item = i + 1;
+        } else if (c == ',') {
+            reader.plain(i);
+            reader.item = i + 1;
+            reader.head = nullptr;
+        }
+    }
+    reader.plain(std::min(i, text.size()));
+}
+
+std::string without_blanks(std::string_view text) {
+    std::string out;
+    for (const char c : text) {
+        const bool escaped = !out.empty() && out.back() == '\\';
+        if (escaped || std::isspace(static_cast<unsigned char>(c)) == 0) {
+            out += c;
+        }
+    }
+    return out;
+}
+
+// --- Labels ------------------------------------------------------------------------
+
+struct LabelWord {
+    const char* prefix; // of a word of `plot_param`
+    int type;
+};
+constexpr LabelWord label_words[] = {
+    {"labm", -2},
+    {"labs", -1},
+    {"labn", 0 },
+    {"labc", 1 },
+};
+
+void VAR_param_decode() {
+    int count = 0;
+    char** items = nullptr;
+    RES_getvals("plot_param", &count, &items);
+    for (int i = 0; i < count; ++i) {
+        for (const LabelWord& row : label_words) {
+            if (strnicmp(items[i], row.prefix, 4) == 0) {
+                PLT_set_label_type(row.type);
+            }
+        }
+    }
+    free_parsed_array(count, items);
+}
+
+bool in_table(int index) {
+    return index >= 0 && index < state.num;
 }
 
 } // namespace
 
-int VAR_base_push(const VAR_base& base) {
-    if (var_state.base_ind >= max_bases - 1) {
-        return -1;
+int VAR_setup(const char* file, const char* text) {
+    VAR_param_decode();
+    state = {};
+    std::string rest = without_blanks(text != nullptr ? text : "");
+    std::string name = file != nullptr ? file : "";
+    if (strnicmp(rest.c_str(), "fi:", 3) == 0) {
+        const std::size_t end = std::min(rest.find(':', 3), rest.size());
+        name = rest.substr(3, end - 3);
+        rest.erase(0, std::min(end + 1, rest.size()));
     }
-    var_state.base[static_cast<std::size_t>(++var_state.base_ind)] = base;
-    return 0;
+    if (!name.empty()) {
+        VAR_open_file(name.c_str());
+    }
+    while (VAR_base_pop() == 0) {
+    }
+    VAR_base base = {FLAG_get(flag_plot_type), missing, missing, missing, missing, missing};
+    base.tstat = VAR_dec_time("", &base.time);
+    base.lstat = VAR_dec_level("", &base.ltype, &base.level);
+    VAR_base_push(base);
+    process(rest, nullptr);
+    VAR_base_pop();
+    bool found = false;
+    for (int i = 0; i < state.num; ++i) {
+        MESS_print(var_debug, "Var: %d -- ", i);
+        VAR_print(&state.var[static_cast<std::size_t>(i)]);
+        found = found || state.var[static_cast<std::size_t>(i)].flag >= 0;
+    }
+    if (!found) {
+        MESS_print(var_debug, "Unable to determine variables\n");
+    }
+    return found ? 1 : 0;
 }
 
-int VAR_base_pop() {
-    if (var_state.base_ind < 0) {
-        return -1;
-    }
-    var_state.base_ind--;
-    return 0;
+VAR_data* VAR_get_vars() {
+    return state.var.data();
 }
 
-int VAR_dec_time(const char* text, int* time) {
-    if (text == nullptr || *text == '\0') {
-        if (inherited_time(time)) {
-            return var_stat_inherited;
+int VAR_get_num() {
+    return state.num;
+}
+
+const char* VAR_get_name(int index) {
+    return in_table(index) ? state.var[static_cast<std::size_t>(index)].name : "";
+}
+
+int VAR_is_LABEL(int index) {
+    constexpr int labelled[] = {0, var_role_function, var_role_group, var_role_vector};
+    return in_table(index) &&
+                   std::find(std::begin(labelled), std::end(labelled),
+                             state.var[static_cast<std::size_t>(index)].flag) != std::end(labelled)
+               ? 1
+               : 0;
+}
+
+int VAR_is_type_PLOT(int index) {
+    const int type = in_table(index) ? state.var[static_cast<std::size_t>(index)].type : missing;
+    return (type >= var_type_map && type <= var_type_panel) || in_grid_types(type) ? 0 : 1;
+}
+
+int VAR_dec_type(const char* text) {
+    for (const TypeRow& row : types) {
+        if ((row.word != nullptr && stricmp(text, row.word) == 0) ||
+            (row.other != nullptr && stricmp(text, row.other) == 0)) {
+            return row.code;
         }
-        *time = 0;
-        return var_stat_given;
     }
-    const TimeText parts = split_time(text);
-    const bool packed = parts.fields == 3;
-    int hours = 0;
-    if (std::strcmp(parts.word, "time") == 0) {
-        return inherit_less(parts, time);
-    }
-    if (std::strcmp(parts.word, "anal") == 0) {
-        *time = packed ? pack_time(parts, parts.number, 0) : 0;
-    } else if (std::strcmp(parts.word, "miss") == 0) {
-        *time = missing;
-    } else if (std::strcmp(parts.word, "init") == 0 || std::strcmp(parts.word, "in") == 0) {
-        *time = 0;
-    } else if (read_hours(parts.word, &hours)) {
-        *time = packed ? pack_time(parts, hours - parts.number, hours) : hours;
-    } else {
-        return var_stat_none;
-    }
-    return var_stat_given;
-}
-
-int VAR_dec_level(const char* text, int* ltype, int* level) {
-    if (text == nullptr || *text == '\0') {
-        const int top = var_state.base_ind;
-        if (top >= 0) {
-            *ltype = var_state.base[static_cast<std::size_t>(top)].ltype;
-            *level = var_state.base[static_cast<std::size_t>(top)].level;
-            return var_stat_inherited;
-        }
-        if (!is_set(FLAG_get(flag_def_ltype)) || !is_set(FLAG_get(flag_def_level))) {
-            return var_stat_given;
-        }
-        text = "level";
-    }
-    if (std::strcmp(text, "level") == 0) {
-        *ltype = FLAG_get(flag_def_ltype);
-        *level = FLAG_get(flag_def_level);
-        return var_stat_inherited;
-    }
-    Level decoded = {*ltype, *level};
-    if (decode_level(text, &decoded)) {
-        *ltype = decoded.ltype;
-        *level = decoded.level;
-    }
-    MESS_print(var_debug, "Level: %s = %d %ld\n", text, *ltype, static_cast<long>(*level));
-    return var_stat_given;
-}
-
-int VAR_make_datalevel(int time, int ltype, int level, char* text) {
-    Label label = {text};
-    text[0] = '\0';
-    label_time(time, &label);
-    if (label_level(ltype, level, &label)) {
-        return 0;
-    }
-    MESS_print(mess_debug, "VAR_make_datatype: no ltype: %d\n", ltype);
     return -1;
 }
 
-int VAR_set_model_str(const char* text) {
-    copy_text(var_state.model_str, sizeof var_state.model_str, text != nullptr ? text : "");
-    return 0;
+const char* VAR_print_type(int code) {
+    for (const TypeRow& row : types) {
+        if (row.code == code) {
+            return row.label;
+        }
+    }
+    return "----";
 }
 
-const char* VAR_get_model_str() {
-    return var_state.model_str;
+void VAR_print(const VAR_data* var) {
+    MESS_print(var_debug, "%3d %-20s %-6s %d %d %d:%d [%s] %s\n", var->flag, var->name,
+               VAR_print_type(var->type), var->var[0], var->time, var->ltype, var->level,
+               var->units, var->format);
+}
+
+char* VAR_str(char* buffer, int number, const char* units) {
+    number %= 1000;
+    const VAR_desc* row = VAR_find_number(number);
+    char unknown[16] = "";
+    std::snprintf(unknown, sizeof unknown, "v%d", number);
+    const char* name = row == nullptr ? unknown : PLT_get_label_type() < 0 ? row->abbr : row->name;
+    const bool with_units = units != nullptr && *units != '\0';
+    std::snprintf(buffer, var_label_size, with_units ? "%s (%s)" : "%s", name, units);
+    return buffer;
+}
+
+int VAR_make_var_form_datatype(int index, char* text) {
+    text[0] = '\0';
+    if (!in_table(index)) {
+        return -1;
+    }
+    const VAR_data& var = state.var[static_cast<std::size_t>(index)];
+    char level[var_label_size] = "";
+    char name[var_label_size] = "";
+    VAR_make_datalevel(var.time, var.ltype, var.level, level);
+    if (is_set(var.var[0])) {
+        VAR_str(name, var.var[0], var.units);
+    } else {
+        // A variable that has no number goes by the name that the user gave.
+        std::snprintf(name, sizeof name, var.units[0] != '\0' ? "%s (%s)" : "%s", var.name,
+                      var.units);
+    }
+    const bool with_format = PLT_get_label_type() >= 1 && var.format[0] != '\0';
+    const std::string label = std::string(level) + (level[0] != '\0' ? " " : "") + name +
+                              (with_format ? " - " : "") + (with_format ? var.format : "");
+    copy_text(text, plt_label_size, label.c_str());
+    return 0;
 }

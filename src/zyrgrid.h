@@ -34,3 +34,9 @@ int GRD_maxmin(const GRD_report* grid, float* max, float* min);
 // The current map domain is the same afterwards. Returns 0; -1 with both null
 // and "GRD_proj_XY: Unable to allocate grid arrays\n" when there is no memory.
 int GRD_proj_XY(const GRD_report* grid, const Domain* domain, float** x, float** y);
+
+// Whether a function of a variable text yields a vector, and the data type of a
+// known function. Radar values are plotted as they are read, by no function of
+// a grid calculator: both answer 0 for every name.
+int GRD_is_vect_func(const char* name);
+int GRD_is_math_func(const char* name);
