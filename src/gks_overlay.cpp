@@ -52,13 +52,17 @@ bool same(const Masks& a, const Masks& b) {
 
 // What a pixel's value means.
 enum class Meaning {
-    index, // an entry of the table
-    gray,  // a level
-    masked // components under masks
+    index,  // an entry of the table
+    direct, // an entry for each component, under masks
+    gray,   // a level
+    masked  // components under masks
 };
 
 Meaning meaning_of(const IMG_report& image) {
-    if (image.num_colors > 0 && image.colors != nullptr && image.depth <= 16)
+    if (IMG_is_direct(image))
+        return Meaning::direct;
+    if (image.color_type == 1 && image.num_colors > 0 && image.colors != nullptr &&
+        image.depth <= 16)
         return Meaning::index;
     const bool has_masks = (image.red | image.grn | image.blu) != 0;
     return has_masks || image.depth > 16 ? Meaning::masked : Meaning::gray;
@@ -84,12 +88,21 @@ float masked_component(Pixel value, Pixel mask) {
     return static_cast<float>((value & mask) >> shift) / static_cast<float>(mask >> shift);
 }
 
+// The entry of a component under its mask; beyond the table it is entry 0.
+const IMG_color& entry(const IMG_report& image, Pixel value, Pixel mask) {
+    const Pixel at = mask == 0 ? 0 : (value & mask) >> std::countr_zero(mask);
+    return image.colors[at < static_cast<Pixel>(image.num_colors) ? at : 0];
+}
+
 // A value beyond the table is entry 0.
 IMG_color color_of(const IMG_report& image, Pixel value) {
     const Masks masks = masks_of(image);
     switch (meaning_of(image)) {
     case Meaning::index:
         return image.colors[value < static_cast<Pixel>(image.num_colors) ? value : 0];
+    case Meaning::direct:
+        return {entry(image, value, masks.red).red, entry(image, value, masks.grn).grn,
+                entry(image, value, masks.blu).blu};
     case Meaning::masked:
         return {masked_component(value, masks.red), masked_component(value, masks.grn),
                 masked_component(value, masks.blu)};
@@ -147,11 +160,9 @@ public:
     }
 
 private:
+    // A grey level goes to all components on a display of 16 bits too: the level in
+    // both bytes would show green and blue.
     [[nodiscard]] Pixel convert(Pixel value) const {
-        // Levels of eight bits fill both bytes of a pixel of two.
-        const bool two_bytes = gget_win_depth() == 16 || gget_win_depth() == 15;
-        if (two_bytes && image_.depth == 8 && meaning_of(image_) == Meaning::gray)
-            return value << 8 | value;
         return pixel_of_color(color_of(image_, value), masks_);
     }
 

@@ -22,6 +22,9 @@
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <zlib.h>
 
 namespace {
@@ -311,13 +314,25 @@ std::size_t read_packed(std::FILE* file, std::uint8_t* out, std::size_t size) {
     }
 }
 
-// The file that the next word names; never a command or standard input.
-FILE_ptr open_pixels(std::FILE* file) {
+// The file that the next word names: a plain file in the directory of the image.
+// A name that came in a file opens nothing else: no command, device or FIFO.
+FILE_ptr open_pixels(std::FILE* file, const std::string& filename) {
     char name[file_name_size] = "";
     // NOLINTNEXTLINE(cert-err34-c): a word, no number
     const bool named = std::fscanf(file, "%159s", name) == 1;
-    FILE_ptr pixels(named && name[0] != '|' && FILE_is_stdio(name) == 0 ? FILE_open(name, "rb")
-                                                                        : nullptr);
+    const std::string path = filename.substr(0, filename.rfind('/') + 1) + name;
+    FILE_ptr pixels;
+    if (named && std::strchr(name, '/') == nullptr && path.size() < file_name_size) {
+        char full[file_name_size];
+        // Without waiting for the writer of a FIFO.
+        const int fd = open(FILE_add_user_path(path.c_str(), full), O_RDONLY | O_NONBLOCK);
+        struct stat info {};
+        const bool plain = fd >= 0 && fstat(fd, &info) == 0 && S_ISREG(info.st_mode);
+        pixels.reset(plain ? fdopen(fd, "rb") : nullptr);
+        if (!pixels && fd >= 0) {
+            close(fd);
+        }
+    }
     if (!pixels) {
         MESS_print(mess_warn, "Unable to open: %s\n", name);
     }
@@ -330,7 +345,7 @@ bool read_pixels(std::FILE* file, const char* filename, const std::string& flags
         static_cast<std::size_t>(image->bytes_line) * static_cast<std::size_t>(image->height);
     FILE_ptr other;
     if (flags.find('*') != std::string::npos) {
-        other = open_pixels(file);
+        other = open_pixels(file, filename);
         if (!other) {
             return false;
         }

@@ -147,8 +147,7 @@ std::uint8_t IMG_coloring::component(std::uint32_t value, const Mask& mask) {
 
 IMG_rgb IMG_coloring::operator()(std::uint32_t value) const {
     if (image->color_type == 1 && image->colors != nullptr) {
-        // A deep pixel with masks has a place in the table for each component.
-        const bool direct = image->depth > 8 && red.mask != 0;
+        const bool direct = IMG_is_direct(*image);
         const auto part = [&](const Mask& mask, float IMG_color::*component) {
             const std::uint32_t at = direct ? (value & mask.mask) >> mask.shift : value;
             const bool held = at < static_cast<std::uint32_t>(image->num_colors);
@@ -164,6 +163,13 @@ IMG_rgb IMG_coloring::operator()(std::uint32_t value) const {
         return {grey, grey, grey};
     }
     return {component(value, red), component(value, grn), component(value, blu)};
+}
+
+bool IMG_is_direct(const IMG_report& image) {
+    const int bits =
+        std::max({std::popcount(image.red), std::popcount(image.grn), std::popcount(image.blu)});
+    return image.color_type == 1 && image.colors != nullptr && bits > 0 &&
+           std::int64_t{image.num_colors} <= std::int64_t{1} << bits;
 }
 
 bool IMG_is_sound(const IMG_report& image, const char* caller) {

@@ -26,6 +26,10 @@ bool IMG_is_sound(const IMG_report& image, const char* caller);
 // The first `count` pixels of a row as numbers; those beyond the line are 0.
 void IMG_row_values(const IMG_report& image, int row, int count, std::uint32_t* values);
 
+// Whether each component of a pixel has a place of its own in the colour table
+// (direct colour): the table is no longer than a mask counts.
+bool IMG_is_direct(const IMG_report& image);
+
 // Colour components of a pixel value, 0 to 255.
 struct IMG_rgb {
     std::uint8_t red, grn, blu;

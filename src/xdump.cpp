@@ -7,6 +7,9 @@
 //   n       window name with its closing zero: header_size - 100 bytes
 //   16 n    colour records: pixel (4), 0 (4), red, green, blue (2 each), flags 7, 0
 //   ...     height * bytes_line bytes of pixels
+// Other programs write records of 12 bytes, without the zero after the pixel,
+// single bits in any order, and pixels as planes: a bitmap for each bit, the
+// highest first.
 #include "img_kind.h"
 
 #include "byte_reader.h"
@@ -15,6 +18,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -24,9 +28,12 @@ namespace {
 
 constexpr std::uint32_t header_bytes = 100;
 constexpr std::uint32_t color_bytes = 16;
+constexpr std::uint32_t short_color_bytes = 12; // of other programs
 constexpr std::uint32_t most_side = 65535;
-constexpr std::uint32_t true_color = 4;
 constexpr std::uint32_t pseudo_color = 3;
+constexpr std::uint32_t true_color = 4;
+constexpr std::uint32_t direct_color = 5;
+constexpr std::uint32_t z_pixmap = 2; // 0 and 1: planes
 
 // Fields in the order of the file, 4 bytes each.
 struct XWDFileHeader {
@@ -162,38 +169,74 @@ bool read_name(std::FILE* file, std::uint32_t length, IMG_report* image) {
     return true;
 }
 
+bool by_planes(const XWDFileHeader& h) {
+    return h.pixmap_format != z_pixmap;
+}
+
+std::uint64_t pixel_bytes(const XWDFileHeader& h) {
+    return std::uint64_t{h.pixmap_height} * h.bytes_per_line * (by_planes(h) ? h.pixmap_depth : 1);
+}
+
+// Bytes of a colour record: the file's length tells.
+std::uint32_t record_size(std::FILE* file, const XWDFileHeader& h) {
+    const long here = std::ftell(file);
+    if (here < 0 || std::fseek(file, 0, SEEK_END) != 0) {
+        return color_bytes; // a pipe
+    }
+    const auto rest = static_cast<std::uint64_t>(std::ftell(file) - here);
+    std::fseek(file, here, SEEK_SET);
+    const bool is_short = rest == std::uint64_t{short_color_bytes} * h.ncolors + pixel_bytes(h);
+    return is_short ? short_color_bytes : color_bytes;
+}
+
+// The place of a record in the table for one component: direct colour has a
+// table for each.
+std::uint32_t place_of(std::uint32_t pixel, std::uint32_t mask) {
+    return mask == 0 ? pixel : (pixel & mask) >> std::countr_zero(mask);
+}
+
 // A record whose pixel lies outside the table is passed over.
-bool read_colors(std::FILE* file, std::uint32_t count, IMG_report* image) {
+bool read_colors(std::FILE* file, const XWDFileHeader& h, IMG_report* image) {
+    const std::uint32_t count = h.ncolors;
     if (count > static_cast<std::uint32_t>(img_most_colors) ||
         (count > 0 && IMG_alloc_colors(image, static_cast<int>(count)) == 0)) {
         return false;
     }
+    const bool direct = h.visual_class == direct_color;
+    const std::uint32_t size = record_size(file, h);
     for (std::uint32_t i = 0; i < count; i++) {
         std::array<unsigned char, color_bytes> record{};
-        if (std::fread(record.data(), 1, record.size(), file) != record.size()) {
+        if (std::fread(record.data(), 1, size, file) != size) {
             return false;
         }
         ByteReader reader(record);
         const std::uint32_t pixel = reader.u32be();
-        reader.skip(4);
-        const auto part = [&] { return static_cast<float>(reader.u16be()) / 65535.0F; };
-        const float red = part();
-        const float grn = part();
-        const float blu = part();
-        if (pixel < count) {
-            image->colors[pixel] = {red, grn, blu};
-        }
+        reader.skip(size - short_color_bytes);
+        const auto take = [&](std::uint32_t mask, float IMG_color::*component) {
+            const std::uint32_t at = place_of(pixel, direct ? mask : 0);
+            const float level = static_cast<float>(reader.u16be()) / 65535.0F;
+            if (at < count) {
+                image->colors[at].*component = level;
+            }
+        };
+        take(h.red_mask, &IMG_color::red);
+        take(h.green_mask, &IMG_color::grn);
+        take(h.blue_mask, &IMG_color::blu);
     }
     return true;
 }
 
 // Whether a row of the file holds `width` pixels, and all is of a size at all.
 bool sound(const XWDFileHeader& h) {
+    constexpr std::uint32_t low_24_bits = 0xFFFFFF; // where the masks of a record lie
+    const std::uint32_t bits = by_planes(h) ? 1 : h.bits_per_pixel;
+    const bool unit = h.bitmap_unit == 8 || h.bitmap_unit == 16 || h.bitmap_unit == 32;
     return h.pixmap_width >= 1 && h.pixmap_width <= most_side && h.pixmap_height >= 1 &&
-           h.pixmap_height <= most_side && h.bits_per_pixel >= 1 && h.bits_per_pixel <= 32 &&
-           h.pixmap_depth >= 1 && h.pixmap_depth <= h.bits_per_pixel && h.byte_order <= 1 &&
-           h.bytes_per_line <= img_most_bytes &&
-           std::uint64_t{h.bytes_per_line} * 8 >= std::uint64_t{h.pixmap_width} * h.bits_per_pixel;
+           h.pixmap_height <= most_side && h.pixmap_format <= z_pixmap && bits >= 1 && bits <= 32 &&
+           h.pixmap_depth >= 1 && h.pixmap_depth <= (by_planes(h) ? 24 : bits) &&
+           h.byte_order <= 1 && h.bytes_per_line <= img_most_bytes &&
+           (h.red_mask | h.green_mask | h.blue_mask) <= low_24_bits && (bits > 1 || unit) &&
+           std::uint64_t{h.bytes_per_line} * 8 >= std::uint64_t{h.pixmap_width} * bits;
 }
 
 void take_header(const XWDFileHeader& h, IMG_report* image) {
@@ -203,12 +246,61 @@ void take_header(const XWDFileHeader& h, IMG_report* image) {
     image->depth = static_cast<int>(h.pixmap_depth);
     image->bytes_line = static_cast<int>(h.bytes_per_line);
     image->bits_pixel = static_cast<int>(h.bits_per_pixel);
-    image->color_type = h.visual_class == true_color ? 0 : 1;
-    if (image->color_type == 0) {
-        image->red = h.red_mask;
-        image->grn = h.green_mask;
-        image->blu = h.blue_mask;
+    if (h.bits_per_pixel == 8) { // a byte a pixel, however few of its bits count
+        image->depth = 8;
     }
+    // Direct colour without a table says by its masks alone what is meant. A capture
+    // of direct colour is written as class 3 with masks, which tell it from a table.
+    const bool masked =
+        h.visual_class == true_color || (h.visual_class == direct_color && h.ncolors == 0);
+    image->color_type = masked ? 0 : 1;
+    image->red = h.red_mask;
+    image->grn = h.green_mask;
+    image->blu = h.blue_mask;
+}
+
+// Bit `x` of a row of single bits, in the order of the server that wrote it.
+unsigned bit_of(const unsigned char* row, std::uint32_t x, const XWDFileHeader& h) {
+    const bool swapped = (h.byte_order != 0) != (h.bitmap_bit_order != 0);
+    const std::uint32_t byte = x / 8 ^ (swapped ? h.bitmap_unit / 8 - 1 : 0);
+    const std::uint32_t at = byte < h.bytes_per_line ? byte : x / 8;
+    return row[at] >> (h.bitmap_bit_order == 0 ? x % 8 : 7 - x % 8) & 1U;
+}
+
+// Planes of single bits become pixels of one bit, of a byte, or of four.
+bool read_planes(std::FILE* file, const XWDFileHeader& h, IMG_report* image) {
+    const bool single = h.pixmap_depth == 1;
+    const int bytes = h.pixmap_depth <= 8 ? 1 : 4;
+    image->bits_pixel = single ? 1 : 8 * bytes;
+    image->depth = single ? 1 : bytes == 1 ? 8 : 24;
+    image->byte_order = 0;
+    image->bytes_line = single ? (image->width + 7) / 8 : image->width * bytes;
+    if (IMG_alloc(image) == 0) {
+        return false;
+    }
+    std::vector<unsigned char> row(h.bytes_per_line);
+    for (std::uint32_t plane = h.pixmap_depth; plane-- > 0;) {
+        for (std::uint32_t y = 0; y < h.pixmap_height; y++) {
+            if (std::fread(row.data(), 1, row.size(), file) != row.size()) {
+                return false;
+            }
+            unsigned char* out = image->data.get() + std::size_t(image->bytes_line) * y;
+            for (std::uint32_t x = 0; x < h.pixmap_width; x++) {
+                const unsigned bit = bit_of(row.data(), x, h);
+                const std::size_t at = single ? x / 8 : std::size_t{x} * bytes + plane / 8;
+                out[at] = static_cast<unsigned char>(out[at] | bit << (single ? x % 8 : plane % 8));
+            }
+        }
+    }
+    return true;
+}
+
+// Four bits a pixel: the high nibble comes first in a record.
+void swap_nibbles(IMG_report* image) {
+    const std::size_t size = std::size_t(image->bytes_line) * image->height;
+    std::for_each_n(image->data.get(), size, [](unsigned char& byte) {
+        byte = static_cast<unsigned char>(byte << 4 | byte >> 4);
+    });
 }
 
 } // namespace
@@ -263,19 +355,28 @@ int XWD_read(const char* filename, IMG_report* image, int /*type*/) {
     if (!read_name(file.get(), h.header_size - header_bytes, image)) {
         return fail("Unable to read window name from dump file.\n");
     }
-    if (!read_colors(file.get(), h.ncolors, image)) {
+    if (!read_colors(file.get(), h, image)) {
         return fail("Unable to read color map from dump file.\n");
     }
     if (!sound(h)) {
         return fail("Unable to read pixmap from dump file.\n");
     }
     take_header(h, image);
+    if (by_planes(h) || h.bits_per_pixel == 1) {
+        return read_planes(file.get(), h, image)
+                   ? 1
+                   : fail(image->data == nullptr ? "Unable to allocate data buffer.\n"
+                                                 : "Unable to read pixmap from dump file.\n");
+    }
     if (IMG_alloc(image) == 0) {
         return fail("Unable to allocate data buffer.\n");
     }
     const std::size_t size = std::size_t(image->bytes_line) * image->height;
     if (std::fread(image->data.get(), 1, size, file.get()) != size) {
         return fail("Unable to read pixmap from dump file.\n");
+    }
+    if (h.bits_per_pixel == 4 && h.byte_order == 0) {
+        swap_nibbles(image);
     }
     return 1;
 }

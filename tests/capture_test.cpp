@@ -55,6 +55,24 @@ std::uint8_t pattern(int x, int y, int bits) {
     return static_cast<std::uint8_t>((x / 3 + y / 2) % count);
 }
 
+std::uint32_t gray(int x, int y) {
+    return 40U * pattern(x, y, 8) + 15U;
+}
+
+// Greys of 16 bits, of which the upper eight count.
+void write_gray_png(const std::string& name, int width, int height) {
+    std::vector<png_uint_16> data;
+    for (int i = 0; i < width * height; i++)
+        data.push_back(static_cast<png_uint_16>(gray(i % width, i / width) << 8U | 0x37U));
+    png_image png{};
+    png.version = PNG_IMAGE_VERSION;
+    png.width = static_cast<png_uint_32>(width);
+    png.height = static_cast<png_uint_32>(height);
+    png.format = PNG_FORMAT_LINEAR_Y;
+    ASSERT_NE(png_image_write_to_file(&png, name.c_str(), 0, data.data(), 0, nullptr), 0);
+    EXPECT_EQ(read_text(name).substr(24, 2), std::string("\x10\0", 2)) << "bits, and grey";
+}
+
 // A picture of 24 bits, or of a palette with 8, 4 or 1 bits a pixel: as few as its
 // colours need.
 void write_png(const std::string& name, int bits, int width, int height) {
@@ -123,8 +141,14 @@ TEST_F(CaptureTest, FilesAgreeWithTheWindow) {
         {"png", "-pp full -of png=shot.png", 24},
         {"gif", "-pp full -of gif=shot.gif", 24},
     };
-    for (const int depth : depths) {
-        use_server(depth);
+    constexpr std::pair<int, int> servers[] = {
+        {24, -1         },
+        {16, -1         },
+        {8,  -1         },
+        {8,  DirectColor}
+    };
+    for (const auto& [depth, visual_class] : servers) {
+        use_server(depth, visual_class);
         const Picture seen = as_captured(picture_of("disc -ge 403x301 -pp full"), depth);
         ASSERT_GT(seen.colors(), 8);
         for (const Row& row : rows) {
@@ -155,7 +179,7 @@ TEST_F(CaptureTest, EachFrameHasItsFile) {
 
 TEST_F(CaptureTest, ImagesLieOverThePlot) {
     struct Row {
-        int bits; // 0: an XWD file whose pixels are beyond its table
+        int bits; // 0: an XWD file whose pixels are beyond its table; 16: greys
         int width, height, x, y;
         const char* kind;
         const char* rest;    // of the entry, behind the file
@@ -175,12 +199,15 @@ TEST_F(CaptureTest, ImagesLieOverThePlot) {
         {1,  19,  15,  9,   199, "im", ":white:9:199",        0xFFFFFF},
         {8,  20,  14,  -99, -99, "im", "::99999999:99999999", 0       },
         {0,  20,  14,  5,   66,  "im", "::5:66",              0       },
+        {16, 25,  14,  60,  66,  "im", "::60:66",             0       },
     };
     std::string list = "s+9999:none";
     for (const Row& row : rows) {
         std::string name = std::to_string(&row - rows);
         if (row.bits == 0)
             write_xwd_beyond(file(name), row.width, row.height);
+        else if (row.bits == 16)
+            write_gray_png(file(name), row.width, row.height);
         else
             write_png(file(name), row.bits, row.width, row.height);
         list.append(",").append(row.kind).append(":").append(name).append(row.rest);
@@ -194,10 +221,13 @@ TEST_F(CaptureTest, ImagesLieOverThePlot) {
         Picture expected = picture_of(plot + "s+9999:none");
         ASSERT_GT(expected.colors(), 1);
         for (const Row& row : rows) {
+            if (row.bits == 16 && depth == 8)
+                continue; // without a table they are pixels of the display
             for (int y = std::max(0, -row.y); y < std::min(row.height, 301 - row.y); y++) {
                 for (int x = std::max(0, -row.x); x < std::min(row.width, 401 - row.x); x++) {
-                    const std::uint32_t pixel =
-                        row.bits == 0 ? 0xFF0000 : colors[pattern(x, y, row.bits)];
+                    const std::uint32_t pixel = row.bits == 0    ? 0xFF0000
+                                                : row.bits == 16 ? gray(x, y) * 0x10101
+                                                                 : colors[pattern(x, y, row.bits)];
                     if (pixel != row.clear)
                         expected.rgb[(row.y + y) * 401 + row.x + x] = pixel;
                 }
@@ -205,6 +235,8 @@ TEST_F(CaptureTest, ImagesLieOverThePlot) {
         }
         for (std::uint32_t& pixel : expected.rgb)
             pixel &= depth == 16 ? 0xF8FCF8 : 0xFFFFFF;
+        if (depth == 8) // its last entry is the greys
+            dir.write("images.lst", list.substr(0, list.rfind(' ')));
         const Picture seen = picture_of(plot + "fi:" + file("images.lst"));
         EXPECT_EQ(pixels_that_differ(seen, expected), 0) << depth;
     }

@@ -15,12 +15,14 @@
 #include <chrono>
 #include <cstring>
 #include <ctime>
+#include <filesystem>
 #include <fstream>
 #include <random>
 #include <thread>
 
 #include <png.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <zlib.h>
 #ifdef ZYR_HAVE_GIFLIB
 #include <gif_lib.h>
@@ -61,7 +63,7 @@ constexpr ImageSample samples[] = {
     {37,  3,   16, 16, 40,   1},
     {37,  29,  8,  8,  256,  0},
     {400, 300, 8,  8,  256,  0},
-    {37,  29,  4,  4,  16,   0},
+    {37,  29,  4,  4,  16,   1}, // the high bits first
     {37,  29,  1,  1,  2,    0},
     {9,   2,   1,  1,  1,    0},
 };
@@ -290,6 +292,55 @@ TEST_F(Image, WindowDumpsKeepPixelsAndColors) {
     }
 }
 
+// Files that xwd, ImageMagick and Netpbm made of one picture, whose diagonals have
+// seven colours.
+TEST_F(Image, WindowDumpsOfOtherProgramsAreRead) {
+    constexpr std::uint32_t colors[] = {0xFF0000, 0xFF00, 0xFF, 0xFFFFFF, 0, 0xFF8010, 0x204060};
+    struct Row {
+        const char* file;
+        std::uint32_t bits; // of a colour that it keeps
+        const char* note;
+    };
+    for (const Row& row : std::initializer_list<Row>{
+             {"xwd8",     0xFFFFFF, "a table of short records"               },
+             {"xwd8d",    0xFFFFFF, "a table for each component"             },
+             {"xwd8d_xy", 0xFFFFFF, "the same by planes"                     },
+             {"xwd8s_xy", 0,        "one table, for all that it has masks"   },
+             {"xwd16",    0xF8FCF8, "masks, with a table that goes without"  },
+             {"xwd16_xy", 0xF8FCF8, "the same by planes"                     },
+             {"xwd24",    0xFFFFFF, "masks"                                  },
+             {"im_true",  0xFFFFFF, "masks without a table, in direct colour"},
+             {"im_pal",   0xFFFFFF, "lines of seven bytes"                   },
+             {"np",       0xFFFFFF, "a table that is shorter than promised"  },
+    }) {
+        IMG_report image;
+        image.depth = 32;
+        const std::string name = ZYR_SOURCE_DIR "/tests/fuzz/seeds/xwd_fuzz/"s + row.file;
+        ASSERT_EQ(XWD_read(name.c_str(), &image, 0), 1) << row.file;
+        Picture expected{7, 5, {}};
+        for (int i = 0; i < 35; i++) {
+            expected.rgb.push_back(colors[(i % 7 + i / 7) % 7] & row.bits);
+        }
+        Picture seen = picture_of_record(image);
+        for (std::uint32_t& pixel : seen.rgb) {
+            pixel &= row.bits;
+        }
+        EXPECT_EQ(seen, expected) << row.file << ": " << row.note;
+    }
+    IMG_report bits;
+    bits.depth = 1;
+    ASSERT_EQ(XWD_read(ZYR_SOURCE_DIR "/tests/fuzz/seeds/xwd_fuzz/np_bit", &bits, 0), 1);
+    std::string shown;
+    for (const std::uint32_t pixel : picture_of_record(bits).rgb) {
+        shown += pixel != 0 ? '#' : '.';
+    }
+    EXPECT_EQ(shown, ".#.#.#."
+                     "#.#.#.."
+                     ".#.#..#"
+                     "#.#..#."
+                     "....#.#");
+}
+
 TEST_F(Image, NativeFilesKeepGreyLevels) {
     const MemoryFile file({});
     for (const ImageSample& sample : samples) {
@@ -356,15 +407,12 @@ TEST_F(Image, NativeFilesKeepTheProjection) {
 }
 
 TEST_F(Image, NativeHeadersOfOtherProgramsAreRead) {
-    const TempDir dir;
     const std::string pixels = "abcdef";
-    const std::string other = dir.write("pixels", pixels);
     const std::string volume(1024, 'v');
     for (const std::string& text : {
              "** sent by a friend\nZYRIMG\n\n\n3 2\n" + pixels,
              "ZYRIMG3\r\n\r\n\r\n3 2\r\n" + pixels,
              "ZYRIMG4\n\n\nps,35,-97,3,2,0.5,0.5\n" + pixels,
-             "ZYRIMG*\n\n\n3 2\n" + other + "\n",
              "ZYRIMGV\n\n\n3 2\n" + volume + pixels,
              "ZYRIMGCV\n\n\n3 2\n" + volume + "..\x09\x02...." + pixels,
              "ZYRIMG\n\n\n35.0 -97.0 0.5 0.5 3 2\n" + pixels,
@@ -377,6 +425,31 @@ TEST_F(Image, NativeHeadersOfOtherProgramsAreRead) {
             << text;
         EXPECT_EQ(image.width, 3);
     }
+}
+
+// Pixels in a file of their own come from a plain file beside the image, and from
+// nothing else that a name may mean.
+TEST_F(Image, NativeFilesReadPixelsFromAPlainFileBesideThem) {
+    const TempDir dir;
+    const TempDir elsewhere;
+    const std::string secret = elsewhere.write("secret", "abcdef");
+    dir.write("pixels", "abcdef");
+    ASSERT_EQ(mkfifo((dir.path() + "/fifo").c_str(), 0600), 0);
+    std::filesystem::create_symlink("/dev/zero", dir.path() + "/device");
+    std::filesystem::create_directory(dir.path() + "/directory");
+    MESS_set(0, mess_warn);
+    for (const std::string& name :
+         {"pixels"s, "fifo"s, "device"s, "directory"s, "none"s, "."s, secret,
+          "../" + secret.substr(secret.find_last_of('/', secret.rfind('/') - 1) + 1),
+          "|touch${IFS}mark"s, "-"s, std::string(158, 'x')}) {
+        const std::string file = dir.write("i.img", "ZYRIMG*\n\n\n3 2\n" + name + "\n");
+        IMG_report image;
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(IMG_read(file.c_str(), &image, 0), name == "pixels" ? 1 : 0) << name;
+        EXPECT_EQ(testing::internal::GetCapturedStderr(),
+                  name == "pixels" ? "" : "Unable to open: " + name + "\n");
+    }
+    EXPECT_FALSE(std::ifstream("mark").good());
 }
 
 TEST_F(Image, NativeFileMayStillGrow) {

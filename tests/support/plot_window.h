@@ -33,10 +33,10 @@ protected:
         }
     }
     // Everything from here on happens on a server of this depth.
-    void use_server(int depth) {
+    void use_server(int depth, int visual_class = -1) {
         program.reset();
         user.reset();
-        server = std::make_unique<XServer>(depth);
+        server = std::make_unique<XServer>(depth, 1024, 800, visual_class);
         if (!server->works()) {
             ASSERT_EQ(std::getenv("ZYR_NEED_DISPLAY"), nullptr) << "Xvfb does not start";
             GTEST_SKIP() << "no Xvfb";

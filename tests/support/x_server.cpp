@@ -118,7 +118,8 @@ bool wait_until(const std::function<bool()>& done, double seconds) {
 
 // --- Server -------------------------------------------------------------------
 
-XServer::XServer(int depth, int width, int height) {
+XServer::XServer(int depth, int width, int height, int visual_class) {
+    const std::string kind = std::to_string(visual_class);
     const std::string size =
         std::to_string(width) + "x" + std::to_string(height) + "x" + std::to_string(depth);
     std::array<int, 2> ends{};
@@ -133,7 +134,7 @@ XServer::XServer(int depth, int width, int height) {
         close(ends[0]);
         const std::string fd = std::to_string(ends[1]);
         execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-noreset", "-nolisten", "tcp", "-screen",
-               "0", size.c_str(), nullptr);
+               "0", size.c_str(), visual_class < 0 ? nullptr : "-cc", kind.c_str(), nullptr);
         _exit(127);
     }
     close(ends[1]);

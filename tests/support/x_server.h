@@ -22,7 +22,8 @@ bool wait_until(const std::function<bool()>& done, double seconds = 30);
 // Xvfb the tests say SKIPPED, but fail where ZYR_NEED_DISPLAY is set.
 class XServer {
 public:
-    explicit XServer(int depth = 24, int width = 1024, int height = 800);
+    // `visual_class` of its screen, such as DirectColor; negative: the usual one.
+    explicit XServer(int depth = 24, int width = 1024, int height = 800, int visual_class = -1);
     ~XServer();
     XServer(const XServer&) = delete;
     XServer& operator=(const XServer&) = delete;
