@@ -340,7 +340,7 @@ TEST_F(CaptureTest, ZyrshotMakesPicturesWithoutADisplay) {
     const std::string script = file("zyrshot");
     std::filesystem::copy(ZYR_SOURCE_DIR "/scripts/zyrshot", script);
     std::filesystem::create_symlink(ZYR_PROGRAM, file("zyrrad"));
-    const Picture seen = picture_of("disc -ge 403x301 -pp full");
+    const Picture seen = picture_of("disc -ge 403x301 -cof auto -pp full");
     struct Row {
         const char* args;
         int code;
