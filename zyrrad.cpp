@@ -7,6 +7,7 @@
 #include "lev2_plt.h"
 #include "nids.h"
 #include "nids_plt.h"
+#include "rad_check.h"
 #include "rad_input.h"
 #include "region.h"
 #include "res_table.h"
@@ -70,6 +71,7 @@ int main(int argc, char** argv) {
         RES_help_print(name.data(), res_key.data(), res_pos.data());
         ZYR_exit(0);
     }
+    RAD_check_settings();
     RAD_cvt_in_file();
     MESS_print_prog("RADAR DATA PLOTTING");
 

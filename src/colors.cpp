@@ -6,6 +6,8 @@
 #include "zyrresrc.h"
 
 #include "files.h"
+#include "near_word.h"
+#include "res_table.h"
 
 #include <algorithm>
 #include <array>
@@ -13,6 +15,8 @@
 #include <cmath>
 #include <cstring>
 #include <span>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -24,12 +28,14 @@ struct Rgb {
 };
 
 constexpr int max_colors = 256;
+constexpr const char* default_table = "zyr.clr";
 constexpr int kept_names = 16; // slots whose names survive a new table
 
 struct ColorTable {
     std::array<Rgb, max_colors> colors{};
     int num_colors = 0;
-    int num_fill = 0; // colours meant for fills
+    int num_fill = 0;                 // colours meant for fills
+    std::vector<std::string> unknown; // names that were warned of
 };
 ColorTable table;
 
@@ -136,11 +142,14 @@ void skip_blanks(const char** text) {
         ++*text;
 }
 
-// Three components of `width` digits; how many there were.
+// Three components of `width` digits; how many there were. A decimal one may
+// have blanks for its zeros.
 int take_components(const char** text, int width, int base, Rgb* color) {
     int count = 0;
     for (float* part : {&color->red, &color->grn, &color->blu}) {
         int value = 0;
+        if (base == 10)
+            skip_blanks(text);
         if (!take_digits(text, width, base, &value))
             break;
         *part = component(value);
@@ -194,6 +203,8 @@ void read_line(char* text, bool first_file, Slots* at) {
     }
     int slot = at->slot;
     take_int(&line, &slot);
+    slot = std::clamp(slot, -max_colors, max_colors);
+    at->slot = slot; // also of a line that is left out
     if (slot < 0 || slot >= max_colors - at->base)
         return;
     parse_entry(line, &table.colors[at->base + slot]);
@@ -240,6 +251,24 @@ int add_numeric(const char* name) {
     if (take_components(&text, hex ? 2 : 3, hex ? 16 : 10, &color) != 3)
         return -1;
     return CLR_add(name, color.red, color.grn, color.blu);
+}
+
+// A name that is none is warned of once, while there is a table to look it up in.
+void warn_name(const char* name) {
+    constexpr std::size_t most = 50;
+    std::vector<std::string>& unknown = table.unknown;
+    if (table.num_colors == 0 || unknown.size() == most ||
+        std::find(unknown.begin(), unknown.end(), name) != unknown.end())
+        return;
+    unknown.emplace_back(name);
+    KnownWords names;
+    for (int i = 0; i < table.num_colors; ++i) {
+        if (table.colors[i].name[0] != '\0' && table.colors[i].name[0] != '#')
+            names.push_back({table.colors[i].name.data()});
+    }
+    names.push_back({"none"});
+    MESS_print(mess_warn, "CLR_get_ind: Unknown color: %s, the nearest is %s\n", name,
+               std::string(nearest_word(names, name)).c_str());
 }
 
 const Rgb& color_at(int ind) {
@@ -307,19 +336,8 @@ void parse_field(const char* field, bool first, Gattribs* attrib) {
         parse_short_form(field, attrib);
 }
 
-} // namespace
-
-// --- Colour table -------------------------------------------------------------
-
-int CLR_read_table(const char* filename) {
-    const char* resource = RES_get("color_table");
-    const char* names = "zyr.clr";
-    if (filename != nullptr && *filename != '\0')
-        names = filename;
-    else if (resource != nullptr && *resource != '\0')
-        names = resource;
-    for (int i = kept_names; i < max_colors; ++i)
-        table.colors[i].name = {};
+// Reads the files of a list one after another. Returns whether one of them opened.
+bool read_tables(const char* names, bool count_fills) {
     int count = 0;
     char** files = nullptr;
     parse_string(names, ',', &count, &files);
@@ -328,14 +346,39 @@ int CLR_read_table(const char* filename) {
         if (*files[i] == '\0')
             continue; // would be standard input
         std::array<char, file_name_size> path{};
-        const FILE_ptr file(
-            FILE_open(FILE_add_path(RES_get("file_path"), files[i], path.data()), "r"));
-        if (!file)
+        FILE_add_path(RES_get("file_path"), files[i], path.data());
+        const FILE_ptr file(FILE_open(path.data(), "r"));
+        if (!file) {
+            MESS_print(mess_warn, "CLR_read_table: Unable to open color table: %s\n", path.data());
             continue;
-        read_table_file(file.get(), first_file, filename == nullptr && resource != nullptr);
+        }
+        read_table_file(file.get(), first_file, count_fills);
         first_file = false;
     }
     free_parsed_array(count, files);
+    return !first_file;
+}
+
+} // namespace
+
+// --- Colour table -------------------------------------------------------------
+
+int CLR_read_table(const char* filename) {
+    const char* resource = RES_get("color_table");
+    const char* names = default_table;
+    if (filename != nullptr && *filename != '\0')
+        names = filename;
+    else if (resource != nullptr && *resource != '\0')
+        names = resource;
+    for (int i = kept_names; i < max_colors; ++i)
+        table.colors[i].name = {};
+    const bool count_fills = filename == nullptr && resource != nullptr;
+    if (!read_tables(names, count_fills) && std::strcmp(names, default_table) != 0) {
+        // Without any color no echo would be drawn.
+        MESS_print(mess_warn, "CLR_read_table: The default color table is taken: %s\n",
+                   default_table);
+        read_tables(default_table, false);
+    }
     return 0;
 }
 
@@ -365,7 +408,7 @@ int CLR_get_num() {
     return table.num_colors;
 }
 
-int CLR_get_ind(const char* name) {
+int CLR_look_up(const char* name) {
     if (name == nullptr || *name == '\0')
         return -1;
     if (const Word* word = find_word(special_colors, name))
@@ -376,6 +419,32 @@ int CLR_get_ind(const char* name) {
     if (*name == '#')
         return add_numeric(name);
     return std::isdigit(static_cast<unsigned char>(*name)) != 0 ? text_int(name) : -1;
+}
+
+int CLR_get_ind(const char* name) {
+    const int ind = CLR_look_up(name);
+    if (ind == -1 && name != nullptr && *name != '\0' && find_word(special_colors, name) == nullptr)
+        warn_name(name);
+    return ind;
+}
+
+int CLR_check_settings() {
+    for (const ResRow& row : res_rows) {
+        if (std::strncmp(row.def, "color_", 6) != 0 || !res_is_listed(row, true) ||
+            row.type == RES_color_table || row.type == RES_color_fill)
+            continue;
+        int count = 0;
+        char** items = nullptr;
+        RES_getvals(row.def, &count, &items);
+        for (int i = 0; i < count; ++i) {
+            const std::string name(items[i], std::strcspn(items[i], ":"));
+            // A number of its own is not put into the table before it is used.
+            if (name.find('=') == std::string::npos && !name.starts_with('#'))
+                CLR_get_ind(name.c_str());
+        }
+        free_parsed_array(count, items);
+    }
+    return 0;
 }
 
 const char* CLR_get_name(int ind) {

@@ -254,7 +254,7 @@ int read_level_file(const char* name) {
     if (!file) {
         MESS_print(mess_warn, "CONT_set_fill_colors: Unable to read contour level file: %s\n",
                    name);
-        return 0;
+        return -1;
     }
     begin_steps();
     char line[max_line_chars + 2] = "";
@@ -391,40 +391,86 @@ void decode_number(const char* value, float* out) {
     leading_number(value, out, &end);
 }
 
-void decode_param(const char* word) {
-    // The value stands behind the prefix and one separator character.
-    const auto begins = [word](const char* prefix, const char** value) {
-        const std::size_t length = std::strlen(prefix);
-        if (strnicmp(word, prefix, static_cast<int>(length)) != 0) {
-            return false;
-        }
-        *value = word + length + (word[length] != '\0' ? 1 : 0);
-        return true;
-    };
-    const char* value = "";
-    if (begins("fill", &value)) {
+enum class Param {
+    fill,
+    label,
+    rotated,
+    level,
+    lines,
+    lowest,
+    highest,
+    grid,
+    map_lines,
+    flat_lines
+};
+
+struct ParamRow {
+    KnownWord known;
+    Param param;
+};
+
+// The first row that fits counts.
+constexpr ParamRow params[] = {
+    {{"fill", true},   Param::fill      },
+    {{"lab", true},    Param::label     },
+    {{"rlab", true},   Param::rotated   },
+    {{"hlab", true},   Param::level     },
+    {{"maxl", true},   Param::lines     },
+    {{"conmin", true}, Param::lowest    },
+    {{"conmax", true}, Param::highest   },
+    {{"grid"},         Param::grid      },
+    {{"mapcon"},       Param::map_lines },
+    {{"conmap"},       Param::flat_lines},
+};
+
+void set_param(Param param, const char* value) {
+    switch (param) {
+    case Param::fill:
         CONT_set_fill_pat(ATTR_parse_fill_pat(value));
-    } else if (begins("lab", &value)) {
+        break;
+    case Param::label:
         decode_label_word(value);
-    } else if (begins("rlab", &value)) {
+        break;
+    case Param::rotated:
         contours.rot_label = 1;
-    } else if (begins("hlab", &value)) {
+        break;
+    case Param::level:
         contours.rot_label = 0;
-    } else if (begins("maxl", &value)) {
+        break;
+    case Param::lines: {
         int n[4] = {};
         if (read_numbers(value, ':', n) > 0) {
             contours.max_line_fact = n[0];
         }
-    } else if (begins("conmin", &value)) {
+        break;
+    }
+    case Param::lowest:
         decode_number(value, &contours.min_cut);
-    } else if (begins("conmax", &value)) {
+        break;
+    case Param::highest:
         decode_number(value, &contours.max_cut);
-    } else if (stricmp(word, "grid") == 0) {
+        break;
+    case Param::grid:
         CONT_draw_grid(1);
-    } else if (stricmp(word, "mapcon") == 0) {
+        break;
+    case Param::map_lines:
         contours.mapcon = 1;
-    } else if (stricmp(word, "conmap") == 0) {
+        break;
+    case Param::flat_lines:
         contours.mapcon = 0;
+        break;
+    }
+}
+
+void decode_param(const char* word) {
+    for (const ParamRow& row : params) {
+        const std::size_t length = std::strlen(row.known.text);
+        if (row.known.prefix ? strnicmp(word, row.known.text, static_cast<int>(length)) == 0
+                             : stricmp(word, row.known.text) == 0) {
+            // The value stands after the word and one separator character.
+            set_param(row.param, word + length + (word[length] != '\0' ? 1 : 0));
+            return;
+        }
     }
 }
 
@@ -743,12 +789,17 @@ int CONT_set_fill_colors(const char* string, int flag) {
         set_list(static_cast<int>(std::size(fill_name)), fill_name);
         return 0;
     }
-    if (count == 1 && std::strchr(entries[0], '-') == nullptr) {
-        read_level_file(entries[0]);
-    } else {
+    const bool is_file = count == 1 && std::strchr(entries[0], '-') == nullptr;
+    const bool missing_file = is_file && read_level_file(entries[0]) != 0;
+    if (!is_file) {
         set_list(count, entries);
     }
     free_parsed_array(count, entries);
+    if (missing_file && user != nullptr) { // without any level no echo would be drawn
+        MESS_print(mess_warn, "CONT_set_fill_colors: The product's own colors are taken\n");
+        contours.color_fill_set = 0;
+        return CONT_set_fill_colors(string, 1);
+    }
     return 0;
 }
 
@@ -853,6 +904,12 @@ int CONT_set_cont_ext(const GRD_report* grid) {
     s.num_cont = extent.num;
     s.cbase = is_set(s.base) ? s.base : s.conlo;
     return 0;
+}
+
+void CONT_add_param_words(KnownWords* known) {
+    for (const ParamRow& row : params) {
+        known->push_back(row.known);
+    }
 }
 
 int CONT_param_decode() {

@@ -8,6 +8,8 @@
 // the colours repeating cyclically.
 #pragma once
 
+#include "near_word.h"
+
 #include <cstddef>
 
 struct Gattribs;
@@ -106,6 +108,8 @@ int CONT_set_cont_ext(const GRD_report* grid);
 
 // Takes the contour words of the resource `plot_param`.
 int CONT_param_decode();
+// Adds the words of `plot_param` that it takes.
+void CONT_add_param_words(KnownWords* known);
 
 // --- Drawing (cont_draw.cpp) ------------------------------------------------
 

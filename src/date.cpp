@@ -25,6 +25,7 @@ constexpr long minute_sec = 60;
 constexpr long hour_sec = 3600;
 constexpr long day_sec = 86400;
 constexpr int repair_year = 1980;
+constexpr std::size_t zone_letters = 4; // of a name that are kept
 constexpr float max_zone_hours = 10000.0F;
 
 struct Zone {
@@ -145,6 +146,18 @@ bool read_form(const char* text, const LabelForm& form, Date* date, char (&month
     return true;
 }
 
+// The offset after the ":" of a zone's text; false without one that a clock can have.
+bool zone_hours(const char* text, float* hours) {
+    const std::size_t name = std::min(std::strcspn(text, ":"), zone_letters);
+    if (name == 0 || text[name] != ':') {
+        return false;
+    }
+    const char* number = text + name + 1;
+    char* end = nullptr;
+    *hours = std::strtof(number, &end);
+    return end != number && std::abs(*hours) <= max_zone_hours;
+}
+
 } // namespace
 
 void DATE_init(Date* date) {
@@ -245,22 +258,26 @@ int DATE_set_TZ(const char* text) {
         zone.tz_pm = *text == '-' ? -1 : 1;
         ++text;
     }
-    const std::size_t name = std::min<std::size_t>(std::strcspn(text, ":"), 4);
+    const std::size_t name = std::min(std::strcspn(text, ":"), zone_letters);
     if (name == 0) {
         return 0;
     }
     std::memcpy(zone.tz_str + 1, text, name);
     zone.tz_str[1 + name] = '\0';
-    if (text[name] != ':') {
-        return 0;
-    }
-    const char* number = text + name + 1;
-    char* end = nullptr;
-    const float hours = std::strtof(number, &end);
-    if (end != number && std::abs(hours) <= max_zone_hours) {
+    float hours = 0.0F;
+    if (zone_hours(text, &hours)) {
         zone.tz_off = static_cast<int>(3600.0F * hours);
     }
     return 0;
+}
+
+int DATE_is_TZ(const char* text) {
+    text += *text == '-' || *text == '+' ? 1 : 0;
+    float hours = 0.0F;
+    const std::string_view name(text, std::strcspn(text, ":"));
+    return zone_hours(text, &hours) || name == "UTC" || name == "UT" || name == "GMT" || name == "Z"
+               ? 1
+               : 0;
 }
 
 int DATE_get_tz_off() {

@@ -49,6 +49,8 @@ Date* DATE_to_struct(int year, int month, int day, int hour, int min);
 // for the UTC time in brackets behind it. A text without hours leaves the
 // offset as it was. Returns 0; -1 for a null text.
 int DATE_set_TZ(const char* text);
+// 1 if the text names a zone whose offset is known: it has hours, or is UTC.
+int DATE_is_TZ(const char* text);
 int DATE_get_tz_off();         // seconds to add to UTC
 const char* DATE_get_tz_str(); // suffix of a time, "Z" at the start
 

@@ -8,6 +8,7 @@
 #include "zyr.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 namespace {
@@ -44,10 +45,14 @@ int gopen_display(const char* conn_id) {
     parse_string(conn_id, ',', &count, &fields);
     ginstall_error_handlers();
     disp = {};
-    disp.display = XOpenDisplay(count > 0 && *fields[0] != '\0' ? fields[0] : nullptr);
+    const std::string name = XDisplayName(count > 0 && *fields[0] != '\0' ? fields[0] : nullptr);
     free_parsed_array(count, fields);
+    disp.display = XOpenDisplay(name.c_str());
     if (disp.display == nullptr) {
         MESS_print(mess_warn, "gopen_ws: unable to connect to display\n");
+        MESS_print(mess_warn,
+                   "gopen_ws: display: %s; a page needs none: -de p,FILE; nor do images: zyrshot\n",
+                   name.empty() ? "DISPLAY is not set" : name.c_str());
         return gfail_display();
     }
     disp.screen = DefaultScreen(disp.display);

@@ -55,7 +55,7 @@ std::array<Gpt, circle_points> circle(float x, float y, float r) {
 
 // A colour name of the table, for the kernel.
 int find_color(const char* name, Gcolr_rep* rep) {
-    const int ind = CLR_get_ind(name);
+    const int ind = CLR_look_up(name);
     if (ind >= 0 && rep != nullptr)
         CLR_get_rgb(ind, &rep->red, &rep->green, &rep->blue);
     return ind;
@@ -92,6 +92,7 @@ int GPH_setup(int* ws_id, Gws_type* ws_type, float asp_ratio, Glim* offset) {
         *ws_type = FLAG_batch() > 0 ? ws_window : ws_none;
     GPH_set_win_title();
     CLR_read_table(nullptr);
+    CLR_check_settings();
     gset_color_finder(find_color);
     GPH_begin(ws_id, conn_id, ws_type);
     return GPH_reset(ws_id, ws_type, asp_ratio, offset);

@@ -200,7 +200,9 @@ void apply_elsewhere(const WordRow& row, const char* rest, const char* value) {
         CTY_set_id_type(row.number);
         break;
     case Word::zone:
-        DATE_set_TZ(value);
+        if (DATE_is_TZ(value) != 0) { // or times in UTC would bear another zone's name
+            DATE_set_TZ(value);
+        }
         break;
     case Word::latlon:
         set_latlon(value);
@@ -360,6 +362,12 @@ int PLT_param_decode() {
     decode_list("plot_param", decode_word);
     decode_list("out_file", decode_output);
     return 0;
+}
+
+void PLT_add_param_words(KnownWords* known) {
+    for (const WordRow& row : words) {
+        known->push_back({row.text, row.prefix});
+    }
 }
 
 int PLT_panel_decode(const char* text) {

@@ -6,6 +6,7 @@
 // for each frame the drawing, PLT_labels and PLT_dump; at last PLT_close.
 #pragma once
 
+#include "near_word.h"
 #include "zyr.h"
 
 #include <cstddef>
@@ -60,6 +61,8 @@ int PLT_get_zoom();
 // Decodes the words of `plot_param` that belong to every plot, and the image
 // kinds in `out_file`. PLT_open calls it.
 int PLT_param_decode();
+// Adds the words of `plot_param` that it takes.
+void PLT_add_param_words(KnownWords* known);
 // Panel "WxH+X+Y". Returns 0; -1 when the four numbers are not all there.
 int PLT_panel_decode(const char* text);
 

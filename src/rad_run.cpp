@@ -192,6 +192,20 @@ bool rad_take_word(RadWords& words, const char* word) {
     return true;
 }
 
+void rad_add_words(KnownWords* known) {
+    for (const Switch& row : switches) {
+        known->push_back({row.word});
+    }
+    for (const KnownWord& word : {
+             KnownWord{"dist",   true},
+             {"nodist"},
+             {"clutter",    true    },
+             {"range",    true}
+    }) {
+        known->push_back(word);
+    }
+}
+
 double rad_word_number(const char* word, std::size_t length) {
     return std::strlen(word) > length ? std::strtod(word + length + 1, nullptr) : 0.0;
 }

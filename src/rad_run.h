@@ -8,6 +8,7 @@
 #pragma once
 
 #include "files.h"
+#include "near_word.h"
 #include "plt_tool.h"
 #include "zyr.h"
 
@@ -29,6 +30,8 @@ struct RadWords {
 int rad_decode_words(void (*decode_word)(const char* word));
 // Takes a word that these plotters share. Returns whether it was one.
 bool rad_take_word(RadWords& words, const char* word);
+// Adds the words that these plotters know.
+void rad_add_words(KnownWords* known);
 // The number behind `length` letters of a word and one character; 0 for none.
 double rad_word_number(const char* word, std::size_t length);
 int rad_word_int(const char* word, std::size_t length); // cut, and to 1e9 in size

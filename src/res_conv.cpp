@@ -399,6 +399,29 @@ Date RES_dec_hour(const char* text) {
     return date;
 }
 
+void RES_add_words(DEF_convert cvt, KnownWords* known) {
+    const auto add = [known](const auto& table) {
+        for (const Keyword& row : table) {
+            known->push_back({row.word});
+        }
+    };
+    switch (cvt) {
+    case CV_draw:
+        add(draw_switches);
+        known->push_back({"none"});
+        known->push_back({"all"});
+        break;
+    case CV_plot_type:
+        add(plot_types);
+        break;
+    case CV_file_param:
+        add(file_params);
+        break;
+    default:
+        break;
+    }
+}
+
 int RES_set_device(const char* text) {
     switch (text != nullptr ? std::toupper(static_cast<unsigned char>(*text)) : '\0') {
     case 'P':

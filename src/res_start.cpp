@@ -12,6 +12,8 @@
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -21,6 +23,7 @@ constexpr unsigned trace_level = 0x80000000;
 
 struct State {
     std::array<RES_defobj, std::size(res_rows) + 1> res_table{};
+    std::vector<std::string> unknown; // options that no row fits
 };
 State state;
 
@@ -196,6 +199,7 @@ int take_option(Option option, const RES_defobj* def_table) {
     }
     const int index = find_option(name, def_table);
     if (!is_set(index)) {
+        state.unknown.emplace_back(name);
         RES_new(missing, name, option.value, CV_string);
         return option.from_next ? 1 : 0;
     }
@@ -270,9 +274,15 @@ int RES_init(int argc, char** argv, const res_type* res_key, const res_type* res
         RES_put("file_path", DEF_cfg_dir());
     }
     if (const char* zone = std::getenv("zyrtz")) {
-        DATE_set_TZ(zone);
+        if (DATE_is_TZ(zone) != 0) { // or times in UTC would bear another zone's name
+            DATE_set_TZ(zone);
+        }
     }
     return 1;
+}
+
+const std::vector<std::string>& RES_unknown_options() {
+    return state.unknown;
 }
 
 int RES_decode(const char* /*progname*/, const char* /*res_class*/, int argc, char** argv,

@@ -29,6 +29,10 @@ int CLR_get_num();
 // Index of a colour name, "#RRGGBB", "#rrrgggbbb" (decimal) or number. -1 no
 // colour ("none", "off", "back", unknown), -2 for "end", print colours 500 up.
 int CLR_get_ind(const char* name);
+// The same without the warning of a name that is none.
+int CLR_look_up(const char* name);
+// Warns of colours in the settings that are none. Call it after CLR_read_table.
+int CLR_check_settings();
 // An index outside the table reads the last entry.
 const char* CLR_get_name(int ind);
 int CLR_get_rgb(int ind, float* red, float* grn, float* blu);

@@ -4,7 +4,11 @@
 // command line, and answers RES_get and its relatives from then on.
 #pragma once
 
+#include "near_word.h"
 #include "zyr.h"
+
+#include <string>
+#include <vector>
 
 // --- Vocabulary -------------------------------------------------------------
 
@@ -203,6 +207,9 @@ int RES_init(int argc, char** argv, const res_type* res_key, const res_type* res
 int RES_decode(const char* progname, const char* res_class, int argc, char** argv,
                const RES_defobj* def_table);
 
+// Options of the command line that no row fits, as they were typed.
+const std::vector<std::string>& RES_unknown_options();
+
 int RES_fill_obj(RES_defobj* row, const char* def, const char* env, RES_cmd cmd, DEF_convert cvt,
                  void* out, int* num);
 // Fills a row from the fixed vocabulary. A type without a row gives an empty
@@ -242,6 +249,8 @@ int RES_list();
 int RES_conv_data(const char* value, void* out, DEF_convert cvt);
 // Date fields that the text of `hour` names; a negative hour or minute is a step.
 Date RES_dec_hour(const char* text);
+// Adds the words that a conversion with a list of words takes.
+void RES_add_words(DEF_convert cvt, KnownWords* known);
 // Device type (flag 2) from the first letter of a `device` value.
 int RES_set_device(const char* text);
 

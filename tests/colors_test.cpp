@@ -42,15 +42,18 @@ TEST(ColorTable, LineForms) {
         std::array<float, 3> color;
     };
     for (const Case& c : {
-             Case{"Red 1 0 0\nblue 0 0 1\n",                  2,  "RED",  0,  red      },
-             Case{"  red #ff0000  \r\n",                      1,  "red",  0,  red      },
-             Case{"20 red 1 0 0\nnavy #0000FF\n",             22, "navy", 21, {0, 0, 1}},
-             Case{"  # comment\nred 1 0 0\n\nsea 0 0 1\n",    3,  "sea",  2,  {0, 0, 1}},
-             Case{"red 1 0 0\n# one slot more\n",             2,  "red",  0,  red      },
-             Case{long_line + "red 1 0 0\n",                  1,  "red",  0,  red      },
-             Case{"red 2 -1 nan\n",                           1,  "red",  0,  {1, 0, 0}}, // held in range, as far as it scans
-             Case{"300 far 1 0 0\n-4 low 1 0 0\nred 1 0 0\n", 1,  "red",  0,  red      },
-             Case{"99999999999999999999 x 1 1 1\n",           1,  "x",    -1, {0, 0, 0}},
+             Case{"Red 1 0 0\nblue 0 0 1\n",                   2,   "RED",  0,  red      },
+             Case{"  red #ff0000  \r\n",                       1,   "red",  0,  red      },
+             Case{"20 red 1 0 0\nnavy #0000FF\n",              22,  "navy", 21, {0, 0, 1}},
+             Case{"  # comment\nred 1 0 0\n\nsea 0 0 1\n",     3,   "sea",  2,  {0, 0, 1}},
+             Case{"red 1 0 0\n# one slot more\n",              2,   "red",  0,  red      },
+             Case{long_line + "red 1 0 0\n",                   1,   "red",  0,  red      },
+             Case{"red 2 -1 nan\n",                            1,   "red",  0,  {1, 0, 0}}, // held in range, as far as it scans
+  // A number outside the table counts for the lines after it, and for the size.
+             Case{"300 far 1 0 0\nout 0 1 0\n12 deep 1 0 0\n", 256, "deep", 12, red      },
+             Case{"300 far 1 0 0\nout 0 1 0\n",                256, "out",  -1, {}       },
+             Case{"-4 low 1 0 0\n",                            1,   "low",  -1, {}       },
+             Case{"99999999999999999999 x 1 1 1\n",            1,   "x",    -1, {0, 0, 0}},
     }) {
         CLR_clear_table();
         EXPECT_EQ(read_table(c.text), c.count) << c.text;
@@ -83,11 +86,12 @@ TEST(ColorNames, LookUp) {
     // A numeric name takes a slot at the first look-up, the same one at the second.
     std::string found;
     for (const char* name : {"END", "None", "PBlk", "Lime", "#12345", "#GG0000", "99999999999",
-                             "#ff0000", "#FF0000", "#255000000"})
+                             "#ff0000", "#FF0000", "#255000000", "#255  0  0"})
         found += std::to_string(CLR_get_ind(name)) + " ";
-    EXPECT_EQ(found, "-2 -1 500 3 -1 -1 2147483647 4 4 5 ");
+    EXPECT_EQ(found, "-2 -1 500 3 -1 -1 2147483647 4 4 5 6 ");
     EXPECT_EQ(rgb(4), red);
     EXPECT_EQ(rgb(5), red);
+    EXPECT_EQ(rgb(6), red) << "blanks count as zeros";
     EXPECT_STREQ(CLR_get_name(5), "#255000000");
     while (CLR_get_num() < 256)
         CLR_add("filler", 0.5F, 0.5F, 0.5F);

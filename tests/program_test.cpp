@@ -68,7 +68,9 @@ std::string wait_for_page(const std::string& name) {
 }
 
 constexpr const char* no_window =
-    "gopen_ws: unable to connect to display\nGPH_begin: Error opening workstation\n";
+    "gopen_ws: unable to connect to display\n"
+    "gopen_ws: display: DISPLAY is not set; a page needs none: -de p,FILE; nor do images: "
+    "zyrshot\nGPH_begin: Error opening workstation\n";
 
 // With the data tree but none of its settings, the device among them.
 constexpr const char* no_defaults = "radial -default=/none -fp " ZYR_SOURCE_DIR "/etc";
@@ -104,19 +106,22 @@ TEST_F(ProgramTest, PlotGoesOnAfterAFault) {
         const char* err;   // all of it
     };
     constexpr const char* domain = "DOM_decode: Invalid plot domain\n"; // the product's is taken
+    constexpr const char* colour = "CLR_get_ind: Unknown color: nocolour, the nearest is none\n";
     for (const Row& row : std::initializer_list<Row>{
              {"",                                      "71 11 1", ""                                                   },
-             {"-unknown 7 --other",                    "71 11 1", ""                                                   },
              {"-pd nonsense,x",                        "71 11 1", domain                                               },
              {"-pd nonsense",                          "71 11 1", domain                                               },
-             {"-cof 5:nocolour,20:red",                "42 5 1",  ""                                                   },
-             {"-cof 5:nocolour,30:red",                "18 5 1",  ""                                                   },
-             {"-cot nocolour",                         "71 3 1",  ""                                                   },
-             {"-cof nofile",                           "0 3 1",
-              "CONT_set_fill_colors: Unable to read contour level file: nofile\n"                                      },
+             {"-cof 5:nocolour,20:red",                "42 5 1",  colour                                               },
+             {"-cof 5:nocolour,30:red",                "18 5 1",  colour                                               },
+             {"-cot nocolour",                         "71 3 1",  colour                                               },
+             {"-cof nofile",                           "71 11 1",
+              "CONT_set_fill_colors: Unable to read contour level file: nofile\n"
+              "CONT_set_fill_colors: The product's own colors are taken\n"                                             },
              {"-fl fi:gone",                           "71 11 1", "gsetup_fonts: unable to load font list file: gone\n"},
              {"-fl gone.fnt",                          "71 11 0", "read_font: unable to load font file: gone.fnt\n"    },
-             {"-ct gone.clr",                          "0 3 1",   ""                                                   },
+             {"-ct gone.clr",                          "71 11 1",
+              "CLR_read_table: Unable to open color table: " ZYR_SOURCE_DIR "/etc/gone.clr\n"
+              "CLR_read_table: The default color table is taken: zyr.clr\n"                                            },
              {"-dr map,sum,text -mf gone.map,fi:gone", "71 11 1",
               "MAP_process: Map file not found: gone.map\n"
               "MAP_draw: Unable to open map list file: gone\n"                                                         },
@@ -163,7 +168,8 @@ TEST_F(ProgramTest, FaultsThatEndTheRun) {
              {"radial -inp=",            10, other + "radar summary\n" + hint                       },
              {"radial_cut -de p,x",      0,
               "NIDS_plot_summary: The product is damaged or not whole:radial_cut\n"                 },
-             {"radial -dr any -de p,x",  0,  "PLT_open: Nothing to draw: any\n"                     },
+             {"radial -dr any -de p,x",  0,
+              "draw: Unknown word: any, the nearest is all\nPLT_open: Nothing to draw: any\n"       },
              {"-if rcmsite -inp what",   10, other + "what\n" + hint                                },
     }) {
         const ProgramRun result = run(row.args);

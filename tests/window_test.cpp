@@ -178,12 +178,15 @@ TEST_F(WindowTest, FaultsOfTheServer) {
         const char* display;
         std::string err;
     };
-    const std::string refused =
-        "gopen_ws: unable to connect to display\nGPH_begin: Error opening workstation\n";
+    const auto refused = [](const std::string& display) {
+        return "gopen_ws: unable to connect to display\ngopen_ws: display: " + display +
+               "; a page needs none: -de p,FILE; nor do images: zyrshot\n"
+               "GPH_begin: Error opening workstation\n";
+    };
     for (const Row& row : std::initializer_list<Row>{
-             {"disc",              ":64321", refused},
-             {"disc -de d,:64321", "",       refused},
-             {"disc -de d",        "unset",  refused}
+             {"disc",              ":64321", refused(":64321")            },
+             {"disc -de d,:64321", "",       refused(":64321")            },
+             {"disc -de d",        "unset",  refused("DISPLAY is not set")}
     }) {
         std::map<std::string, std::string> env;
         if (*row.display != '\0')

@@ -1,0 +1,307 @@
+// rad_check.cpp: looks for what a user mistyped in the settings, before
+// anything is drawn. A word counts as mistyped only where no plotter, layer or
+// device knows it: the lists are theirs. It keeps nothing; RES_init comes first.
+#include "rad_check.h"
+
+#include "cont.h"
+#include "date.h"
+#include "near_word.h"
+#include "plt_tool.h"
+#include "rad_run.h"
+#include "res_table.h"
+#include "zyrresrc.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+namespace {
+
+// Words of `plot_param` that the plotters of single formats and the layers of
+// raw data take.
+constexpr KnownWord layer_words[] = {
+    {"strong"  },
+    {"numplt",   true},
+    {"run",          true},
+    {"nostatus"},
+    {"noclar"},
+    {"slabel"  },
+    {"skip",   true},
+    {"text",     true},
+    {"mark",          true},
+    {"line" },
+    {"yba",     true},
+    {"xy=",          true},
+    {"ul"        },
+    {"uc" },
+    {"ur"     },
+    {"tl"         },
+    {"tc" },
+    {"tr"        },
+    {"bl"    },
+    {"bc"},
+    {"br"        },
+    {"ll" },
+    {"lc"     },
+    {"lr"         },
+    {"cc" },
+    {"cl"        },
+    {"cr"    },
+};
+
+// Devices by their words; the first letter is what counts.
+constexpr const char* devices[] = {"display", "postscript", "ps",    "q",
+                                   "hpgl",    "metafile",   "window"};
+
+// What is no device, and how it is made.
+struct OtherWay {
+    const char* word;
+    const char* way;
+};
+constexpr OtherWay other_ways[] = {
+    {"png",  "an image is written with -of png=FILE"    },
+    {"gif",  "an image is written with -of gif=FILE"    },
+    {"jpg",  "an image is written with -of png=FILE"    },
+    {"jpeg", "an image is written with -of png=FILE"    },
+    {"xwd",  "an image is written with -pp xwd=FILE"    },
+    {"img",  "an image is written with -pp img=FILE"    },
+    {"pdf",  "a PDF is made with -de 'p,|ps2pdf - FILE'"},
+    {"eps",  "a page is written with -de p,FILE"        },
+    {"cgm",  "a metafile is written with -de m,FILE,cgm"},
+};
+
+const char* device_name(int type) {
+    switch (type) {
+    case 3:
+        return "a metafile";
+    case 4:
+        return "PostScript";
+    case 5:
+        return "HPGL";
+    case 6:
+        return "another window";
+    default:
+        return "the display";
+    }
+}
+
+// Each item of a list that is split at commas.
+template <typename Take> void each_item(const char* resource, Take take) {
+    int count = 0;
+    char** items = nullptr;
+    RES_getvals(resource, &count, &items);
+    for (int i = 0; i < count; ++i) {
+        if (*items[i] != '\0') {
+            take(items[i]);
+        }
+    }
+    free_parsed_array(count, items);
+}
+
+char lower(char c) {
+    return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+}
+
+bool is_digit(char c) {
+    return std::isdigit(static_cast<unsigned char>(c)) != 0;
+}
+
+// --- Options ------------------------------------------------------------------
+
+bool has_row(const std::string& option) {
+    return std::any_of(std::begin(res_rows), std::end(res_rows), [&](const ResRow& row) {
+        return stricmp(row.def, option.c_str()) == 0 ||
+               (row.cmd.text != nullptr && stricmp(row.cmd.text, option.c_str()) == 0);
+    });
+}
+
+void check_options() {
+    KnownWords options;
+    for (const ResRow& row : res_rows) {
+        if (res_is_listed(row, true)) {
+            options.push_back({row.cmd.text});
+            options.push_back({row.def});
+        }
+    }
+    for (const std::string& option : RES_unknown_options()) {
+        if (!has_row(option)) {
+            MESS_print(mess_warn, "RES_decode: Unknown option: -%s, the nearest is -%s\n",
+                       option.c_str(), std::string(nearest_word(options, option)).c_str());
+        }
+    }
+    const char* output = RES_get("output");
+    if (output != nullptr) {
+        MESS_print(mess_warn,
+                   "output: %s draws nothing: a page is written with -de p,FILE, an image "
+                   "with -of png=FILE\n",
+                   output);
+    }
+}
+
+// --- Words --------------------------------------------------------------------
+
+void check_list(const char* resource, const KnownWords& words, bool signs) {
+    each_item(resource, [&](const char* item) {
+        item += signs && (*item == '+' || *item == '-') ? 1 : 0;
+        if (!is_known_word(words, item)) {
+            MESS_print(mess_warn, "%s: Unknown word: %s, the nearest is %s\n", resource, item,
+                       std::string(nearest_word(words, item)).c_str());
+        }
+    });
+}
+
+void check_plot_param() {
+    KnownWords words(std::begin(layer_words), std::end(layer_words));
+    PLT_add_param_words(&words);
+    CONT_add_param_words(&words);
+    rad_add_words(&words);
+    check_list("plot_param", words, false);
+}
+
+void check_conversion(const char* resource, DEF_convert cvt) {
+    KnownWords words;
+    RES_add_words(cvt, &words);
+    check_list(resource, words, cvt == CV_draw);
+}
+
+// Two letters of a place, a digit if need be, and a colon.
+bool is_label(std::string_view item) {
+    if (item.size() < 3) {
+        return false;
+    }
+    const bool placed = std::strchr("ul", lower(item[0])) != nullptr &&
+                        std::strchr("lcr", lower(item[1])) != nullptr;
+    return placed && item.substr(is_digit(item[2]) ? 3 : 2).starts_with(':');
+}
+
+void check_label() {
+    each_item("label", [](const char* item) {
+        if (!is_label(item)) {
+            MESS_print(mess_warn,
+                       "label: No place: %s, a label begins with ul:, uc:, ur:, ll:, lc: or lr:\n",
+                       item);
+        }
+    });
+}
+
+// --- Device and page ----------------------------------------------------------
+
+void check_device() {
+    const char* value = RES_get("device");
+    if (value == nullptr || *value == '\0') {
+        return;
+    }
+    const std::string word(value, std::strcspn(value, ","));
+    const char* taken = device_name(RES_set_device(value));
+    for (const OtherWay& row : other_ways) {
+        if (stricmp(word.c_str(), row.word) == 0) {
+            MESS_print(mess_warn, "device: %s is no device, %s is taken; %s\n", word.c_str(), taken,
+                       row.way);
+            return;
+        }
+    }
+    const bool known = std::any_of(std::begin(devices), std::end(devices), [&](const char* device) {
+        return strnicmp(word.c_str(), device, static_cast<int>(word.size())) == 0;
+    });
+    if (!known) {
+        MESS_print(mess_warn,
+                   "device: Unknown word: %s, %s is taken; the devices are d display, "
+                   "p PostScript, q or h HPGL, m metafile, w window\n",
+                   word.c_str(), taken);
+    }
+}
+
+bool take_number(const char** text) {
+    const std::size_t digits = std::strspn(*text, ".0123456789");
+    *text += digits;
+    return digits > 0;
+}
+
+// "+x": an offset may have a sign of its own, as in "+-5".
+bool take_offset(const char** text) {
+    if (**text != '+' && **text != '-') {
+        return false;
+    }
+    *text += (*text)[1] == '-' ? 2 : 1;
+    return take_number(text);
+}
+
+// "wxh", "+x+y" or both, with "=" in front for a window, "p" for a panel.
+bool is_geometry(const char* text) {
+    const char* at = text + (*text == '=' || lower(*text) == 'p' ? 1 : 0);
+    bool given = false;
+    if (take_number(&at)) {
+        if (lower(*at++) != 'x' || !take_number(&at)) {
+            return false;
+        }
+        given = true;
+    }
+    if (take_offset(&at)) {
+        given = take_offset(&at);
+    }
+    return given && *at == '\0';
+}
+
+void check_geometry() {
+    const char* value = RES_get("geometry");
+    if (value != nullptr && *value != '\0' && !is_geometry(value)) {
+        MESS_print(mess_warn,
+                   "geometry: No size: %s, the device's own is taken; a size is WIDTHxHEIGHT or "
+                   "WIDTHxHEIGHT+X+Y\n",
+                   value);
+    }
+}
+
+// --- Times --------------------------------------------------------------------
+
+// "hours", "hours:minutes" or ":minutes", with a sign.
+bool is_span(std::string_view text) {
+    text.remove_prefix(text.starts_with('-') || text.starts_with('+') ? 1 : 0);
+    const auto digits = std::count_if(text.begin(), text.end(), is_digit);
+    const auto colons = std::count(text.begin(), text.end(), ':');
+    return digits > 0 && colons <= 1 && digits + colons == std::ssize(text);
+}
+
+void check_zone(const char* zone) {
+    if (DATE_is_TZ(zone) == 0) {
+        MESS_print(mess_warn,
+                   "tz: No hours from UTC: %s, times stay in UTC; a zone is NAME:HOURS, as "
+                   "CST:-6\n",
+                   zone);
+    }
+}
+
+void check_times() {
+    each_item("num_hour", [](const char* item) {
+        if (!is_span(item)) {
+            MESS_print(mess_warn,
+                       "num_hour: No hours: %s, 0 is taken; a time is HOURS or HOURS:MINUTES\n",
+                       item);
+        }
+    });
+    each_item("plot_param", [](const char* item) {
+        if (strnicmp(item, "tz", 2) == 0) {
+            check_zone(item[2] == '\0' ? "" : item + 3);
+        }
+    });
+    if (const char* zone = std::getenv("zyrtz")) {
+        check_zone(zone);
+    }
+}
+
+} // namespace
+
+void RAD_check_settings() {
+    check_options();
+    check_plot_param();
+    check_conversion("draw", CV_draw);
+    check_conversion("plot_type", CV_plot_type);
+    check_conversion("file_param", CV_file_param);
+    check_label();
+    check_device();
+    check_geometry();
+    check_times();
+}

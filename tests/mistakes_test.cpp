@@ -1,0 +1,125 @@
+// What a user mistypes: one row a mistake, with the program's exit code, what it
+// says and what it leaves on the disk. Rows stand under the module that answers.
+#include "nids_writer.h"
+#include "run_program.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <unistd.h>
+
+namespace {
+
+struct Mistake {
+    const char* args; // split at blanks, "~" is a blank in a word; "radial" is a product
+    int code;
+    const char* said; // whole lines of the standard error stream, "*" is any text; "" nothing
+    const char* left; // a file that is there afterwards, "!" in front: that is not; "" none asked
+};
+
+constexpr Mistake mistakes[] = {
+  // Options.
+    {"radial -pdd us",                                                 0, "RES_decode: Unknown option: -pdd, the nearest is -pd\n",       "page.ps" },
+    {"radial -Colour_text red",                                        0,
+     "RES_decode: Unknown option: -Colour_text, the nearest is -color_text\n",                                                            "page.ps" },
+    {"radial --output o.png",                                          0,
+     "output: o.png draws nothing: a page is written with -de p,FILE, an image with -of "
+     "png=FILE\n",                                                                                                                        "!o.png"  },
+    {"radial -ingestor x",                                             0, "",                                                             "page.ps" }, // of the wider suite: has a row
+    {"radial -di=x -na t -ba=off",                                     0, "",                                                             "page.ps" },
+ // Words.
+    {"radial -pp pscolour",                                            0, "plot_param: Unknown word: pscolour, the nearest is pscolor\n",
+     "page.ps"                                                                                                                                      },
+    {"radial -pp fulllab,BAR=1:2,strong,lab=2:3,site,xy=1:2",          0,
+     "plot_param: Unknown word: fulllab, the nearest is fullab\n",                                                                        "page.ps" },
+    {"radial -dr sum,+txt,-map,All",                                   0, "draw: Unknown word: txt, the nearest is text\n",
+     "page.ps"                                                                                                                                      },
+    {"radial -pl vaule",                                               0, "plot_type: Unknown word: vaule, the nearest is value\n",       "page.ps" },
+    {"radial -pf ovr",                                                 0, "file_param: Unknown word: ovr, the nearest is over\n",         "page.ps" },
+    {"radial -la xx:hello,UL1:x,lc:~y",                                0,
+     "label: No place: xx:hello, a label begins with ul:, uc:, ur:, ll:, lc: or lr:\n",                                                   "page.ps" },
+    {"radial -la ul:Norman,~OK",                                       0, "label: No place:  OK, a label begins with ul:*\n",             "page.ps" },
+ // Colours and levels.
+    {"radial -com reddish",                                            0, "CLR_get_ind: Unknown color: reddish, the nearest is red\n",
+     "page.ps"                                                                                                                                      },
+    {"radial -cof 20:gren,30:red,40:gren",                             0,
+     "CLR_get_ind: Unknown color: gren, the nearest is green\n",                                                                          "page.ps" },
+    {"radial -cot none -cod off:wi=2 -coln 3 -com #ff0000 -cogr=wi=2", 0, "",                                                             "page.ps" },
+    {"radial -ct nofile.clr",                                          0,
+     "CLR_read_table: Unable to open color table: */nofile.clr\n"
+     "CLR_read_table: The default color table is taken: zyr.clr\n",                                                                       "page.ps" },
+    {"radial -cof nofile",                                             0,
+     "CONT_set_fill_colors: Unable to read contour level file: nofile\n"
+     "CONT_set_fill_colors: The product's own colors are taken\n",                                                                        "page.ps" },
+ // Device and page.
+    {"radial -de png,o.png",                                           0,
+     "device: png is no device, PostScript is taken; an image is written with -of png=FILE\n",                                            "o.png"   },
+    {"radial -de pdf,o.pdf",                                           0,
+     "device: pdf is no device, PostScript is taken; a PDF is made with -de 'p,|ps2pdf - FILE'\n",                                        "o.pdf"   },
+    {"radial -de display,:nowhere",                                    4,
+     "gopen_ws: unable to connect to display\n"
+     "gopen_ws: display: :nowhere; a page needs none: -de p,FILE; nor do images: zyrshot\n"
+     "GPH_begin: Error opening workstation\n",                                                                                            "!page.ps"},
+    {"radial -de x",                                                   4,
+     "device: Unknown word: x, the display is taken; the devices are d display, p PostScript, "
+     "q or h HPGL, m metafile, w window\n*DISPLAY is not set;*",                                                                          "!page.ps"},
+    {"radial -ge big",                                                 0, "geometry: No size: big, the device's own is taken; *",         "page.ps" },
+    {"radial -ge 5x4+1",                                               0, "geometry: No size: 5x4+1, *",                                  "page.ps" },
+ // Times.
+    {"radial -nh abc",                                                 0, "num_hour: No hours: abc, 0 is taken; a time is HOURS or *",    "page.ps" },
+    {"radial -pp tz=CST",                                              0, "tz: No hours from UTC: CST, times stay in UTC; a zone is *",
+     "page.ps"                                                                                                                                      },
+    {"radial -pp tz:UTC,tz=-CST:-6",                                   0, "",                                                             "page.ps" },
+ // Help comes before all of it.
+    {"radial -h -pdd us -pp pscolour -de png,o.png",                   0, "",                                                             "!o.png"  },
+};
+
+// Does the text fit the pattern, in which "*" is any text?
+bool fits(const std::string& text, const std::string& pattern) {
+    std::size_t at = 0;
+    std::istringstream parts(pattern);
+    bool first = true;
+    for (std::string part; std::getline(parts, part, '*'); first = false) {
+        const std::size_t found = text.find(part, at);
+        if (found == std::string::npos || (first && found != 0)) {
+            return false;
+        }
+        at = found + part.size();
+    }
+    return pattern.ends_with('*') || at == text.size();
+}
+
+} // namespace
+
+TEST(Mistakes, AreEachSaidOnce) {
+    if (access(ZYR_PROGRAM, X_OK) != 0) {
+        GTEST_SKIP() << "no program was built";
+    }
+    std::string radial;
+    for (const auto& [name, bytes] : nids_samples()) {
+        if (name == "radial") {
+            radial.assign(bytes.begin(), bytes.end());
+        }
+    }
+    for (const Mistake& row : mistakes) {
+        const TempDir dir;
+        dir.write("radial", radial);
+        ProgramCall call;
+        call.env = {
+            {"zyrdefault", ZYR_SOURCE_DIR "/etc"},
+            {"zyrcurtime", "201905202230"       }
+        };
+        call.directory = dir.path();
+        std::istringstream words(std::string("-inp nids -me warn -de p,page.ps ") + row.args);
+        for (std::string word; words >> word;) {
+            std::replace(word.begin(), word.end(), '~', ' ');
+            call.args.push_back(word);
+        }
+        const ProgramRun run = run_program(ZYR_PROGRAM, call);
+        EXPECT_EQ(run.code, row.code) << row.args << "\n" << run.err;
+        EXPECT_TRUE(fits(run.err, row.said)) << row.args << "\nsays: " << run.err;
+        const bool absent = *row.left == '!';
+        const std::string left = dir.path() + "/" + (row.left + (absent ? 1 : 0));
+        EXPECT_EQ(access(left.c_str(), F_OK) == 0, !absent) << row.args << ": " << row.left;
+    }
+}
