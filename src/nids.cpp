@@ -49,6 +49,7 @@ constexpr std::array<std::uint8_t, 4> trailer = {0x0D, 0x0D, 0x0A, 0x03};
 enum FileType { type_plain = 0, type_zlib = 1, type_refused = 2, type_bzip2 = 3 };
 
 constexpr int packet_divider = 0xFFFF;
+constexpr int graphic_id = 2;
 
 struct SkippedPacket {
     int code;
@@ -84,6 +85,8 @@ struct Stream {
     int zstat = 0;          // status of the last decompressor call
     InflateStream zs;
     BunzipStream bz;
+    long place = 0;   // bytes delivered since the start of the file
+    long message = 0; // of these, before the message header
     int bytes = 0;    // delivered since the last reset
     int nbytes = 0;   // length of the page, 0: no limit
     long total = 0;   // bytes that came into `out` so far
@@ -138,6 +141,7 @@ struct Walk {
     RecordHeader text_hdr;
     BlockHeader pr_symb;
     BlockHeader gr_alpha;
+    int cur_page = 0;                 // pages opened so far
     std::array<NIDS_data, 256> bin{}; // one bin of each level of a packet 16 or 17
 };
 Walk walk;
@@ -335,6 +339,7 @@ int read_bytes(Stream& s, unsigned char* data, int dsize, FILE* ifile) {
         done += n;
     }
     s.bytes += dsize;
+    s.place += dsize;
     return 1;
 }
 
@@ -357,16 +362,32 @@ bool next_byte(FILE* ifile, std::uint8_t& b) {
     return NIDS_read(&b, 1, ifile) == 1;
 }
 
-int skip_bytes(FILE* ifile, int n) {
+int skip_bytes(FILE* ifile, long n) {
     std::array<unsigned char, 512> area{};
     while (n > 0) {
-        const int part = std::min(n, static_cast<int>(area.size()));
+        const int part = static_cast<int>(std::min(n, static_cast<long>(area.size())));
         const int result = NIDS_read(area.data(), part, ifile);
         if (result < 1) {
             return result;
         }
         n -= part;
     }
+    return 1;
+}
+
+// Goes to a place of the stream: forward, or back over what is still in the
+// output buffer. Result as NIDS_read.
+int go_to(FILE* ifile, long place) {
+    const long back = stream.place - place;
+    if (back <= 0) {
+        return skip_bytes(ifile, -back);
+    }
+    if (stream.failed != 1 || back > stream.optr) {
+        return -1;
+    }
+    stream.optr -= static_cast<int>(back);
+    stream.oavail += static_cast<int>(back);
+    stream.place = place;
     return 1;
 }
 
@@ -568,6 +589,7 @@ int next_bins(FILE* ifile, NIDS_data* data) {
     stream.optr += n;
     stream.oavail -= n;
     stream.bytes += n;
+    stream.place += n;
     return 1;
 }
 
@@ -635,6 +657,10 @@ int row_data(FILE* ifile, NIDS_data* data) {
 void nids_restart() {
     stream = {};
     walk = {};
+}
+
+void nids_begin_message() {
+    stream.message = stream.place - 2;
 }
 
 void nids_expect_compression() {
@@ -833,23 +859,37 @@ int NIDS_get_text(FILE* ifile, NIDS_text_data* text) {
 }
 
 int NIDS_graphic(FILE* ifile) {
-    if (ifile == nullptr || nids_header().pr_desc.off_symb == 0) {
+    const NidsProdDesc& desc = nids_header().pr_desc;
+    walk.cur_page = 0;
+    stream.nbytes = stream.bytes = 0;
+    if (ifile == nullptr) {
         return 0;
     }
-    std::array<int, 1> divider = {packet_divider};
-    // A walk that ended at a divider has consumed it.
-    if (walk.packet_code != packet_divider && !read_shorts(ifile, divider)) {
+    // A walk that ended at the divider has consumed it.
+    if (walk.packet_code == packet_divider && desc.off_symb != 0 &&
+        read_block(ifile, walk.gr_alpha, packet_divider, graphic_id) == 1) {
+        return 1;
+    }
+    // Others end wherever they met what is not walked.
+    std::array<int, 1> divider{};
+    if (desc.off_graph <= 0 || go_to(ifile, stream.message + 2L * desc.off_graph) < 1 ||
+        !read_shorts(ifile, divider) || divider[0] != -1) {
         return 0;
     }
-    return read_block(ifile, walk.gr_alpha, divider[0], 2);
+    return read_block(ifile, walk.gr_alpha, packet_divider, graphic_id);
 }
 
 int NIDS_graphic_layer(FILE* ifile) {
+    if (ifile == nullptr || nids_header().pr_desc.off_graph == 0 ||
+        walk.cur_page >= walk.gr_alpha.count ||
+        skip_bytes(ifile, stream.nbytes - stream.bytes) < 1) { // the rest of a page
+        return 0;
+    }
     std::array<int, 2> v{}; // number, length
-    if (ifile == nullptr || nids_header().pr_desc.off_graph == 0 || !read_shorts(ifile, v) ||
-        v[0] < 1 || v[0] > walk.gr_alpha.count) {
+    if (!read_shorts(ifile, v) || v[0] < 1 || v[0] > walk.gr_alpha.count) {
         return 0; // what follows the last page is the next block
     }
+    ++walk.cur_page;
     stream.nbytes = v[1];
     stream.bytes = 0;
     return v[0];

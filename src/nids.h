@@ -166,8 +166,9 @@ int NIDS_get_wind(FILE* ifile, NIDS_wind_data* wind);
 // -1 at the end of the stream (`text` then holds what there was).
 int NIDS_get_text(FILE* ifile, NIDS_text_data* text);
 
-// Header of the graphic alphanumeric block. Returns 1; 0 when the product has
-// no symbology block, for a wrong identifier and at the end of the stream.
+// Header of the graphic alphanumeric block, which follows the walk or lies where
+// the product description says. Returns 1; 0 when there is none, for a wrong
+// divider or identifier and at the end of the stream.
 int NIDS_graphic(FILE* ifile);
 // Header of the next page. Returns its number; 0 when there are no more.
 int NIDS_graphic_layer(FILE* ifile);

@@ -547,8 +547,11 @@ int NIDS_mess_header(FILE* ifile) {
     NidsMessHeader& mess = state.header.mess;
     mess = {};
     std::array<unsigned char, mess_header_rest> area{};
-    if (ifile == nullptr || read_product_code(ifile, &mess.code) < 1 ||
-        NIDS_read(area.data(), mess_header_rest, ifile) < 1) {
+    if (ifile == nullptr || read_product_code(ifile, &mess.code) < 1) {
+        return 0;
+    }
+    nids_begin_message();
+    if (NIDS_read(area.data(), mess_header_rest, ifile) < 1) {
         return 0;
     }
     ByteReader r(area);

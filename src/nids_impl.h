@@ -34,7 +34,7 @@ struct NidsProdDesc {
     int elev = 0;            // elevation number
     std::array<std::uint16_t, nids_num_thres> thres{};
     int nmaps = 0;
-    int off_symb = 0, off_graph = 0, off_tab = 0; // halfwords; only tested for 0
+    int off_symb = 0, off_graph = 0, off_tab = 0; // halfwords from the message header, 0: none
 };
 
 struct NidsHeader {
@@ -48,6 +48,8 @@ const NidsHeader& nids_header();
 
 // Starts a new product: the next read takes the file from where it stands.
 void nids_restart();
+// The product code, two bytes, was read: offsets count from it.
+void nids_begin_message();
 // The next bytes may open a compressed stream.
 void nids_expect_compression();
 // Whether the product is inside a zlib stream.
