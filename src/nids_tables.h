@@ -44,6 +44,15 @@ enum class NidsMap {
     precip_grid // the national grid of precipitation processing
 };
 
+// How the storms are laid out on the pages of the graphic block.
+enum class NidsTable {
+    list,   // a line each
+    tracks, // a column each, of tracking, hail, vortex and mesocyclone products
+    hail,
+    vortices,
+    mesocyclones
+};
+
 struct NidsProduct {
     int code = 0;
     int last = 0; // of a range of codes; 0: `code` alone
@@ -61,6 +70,7 @@ struct NidsProduct {
     float divisor = 1; // of the values of a digital radial
     NidsExtra extra = NidsExtra::none;
     NidsMap map = NidsMap::site;
+    NidsTable table = NidsTable::list;
     bool decibel = false;     // cells are decibels of 0.01 inch
     bool barb_levels = false; // levels 0, 4 ... 16 for the colours
     bool show_range = true;   // in the parameter line

@@ -170,6 +170,14 @@ constexpr Fact map[] = {
     {"0-300", "site"                   },
 };
 
+constexpr Fact tables[] = {
+    {"58",    "tracks"      },
+    {"59",    "hail"        },
+    {"61",    "vortices"    },
+    {"141",   "mesocyclones"},
+    {"0-300", "list"        },
+};
+
 constexpr Fact colors[] = {
     {"32 94 153 180 186",
      "-100:off,5:blue,10:lblue,15:cyan,20:lcyan,25:green,30:lgreen,35:brown,40:yellow,45:red,"
@@ -259,6 +267,8 @@ std::string map_text(const NidsProduct& p) {
 
 TEST(NidsFacts, EveryCodeHasThoseOfTheSheet) {
     const std::array<const char*, 5> extras = {"", "B=p5", "B=p1", "Stm", "Lyr"};
+    const std::array<const char*, 5> layouts = {"list", "tracks", "hail", "vortices",
+                                                "mesocyclones"};
     for (int code = 0; code <= 300; ++code) {
         SCOPED_TRACE(code);
         const NidsProduct& p = nids_product(code);
@@ -276,6 +286,7 @@ TEST(NidsFacts, EveryCodeHasThoseOfTheSheet) {
         EXPECT_EQ(extremes_text(p.params), fact(line_extremes, code));
         EXPECT_EQ(p.compressed ? "bz" : "", fact(compressed, code));
         EXPECT_EQ(map_text(p), fact(map, code));
+        EXPECT_EQ(layouts.at(static_cast<std::size_t>(p.table)), fact(tables, code));
         EXPECT_EQ(text(p.colors), fact(colors, code));
     }
 }
