@@ -30,6 +30,7 @@ struct Session {
     int fit_lab = 0;                            // label and bar keep clear of each other
     int dump = 0;                               // kind of image dump
     char dump_file[60] = "";                    // its name convention
+    Date data_date;                             // of the data in the picture
 };
 Session session;
 
@@ -83,13 +84,25 @@ bool write_image(const IMG_kind& kind, const char* path) {
     return gdump_image(kind, path, kind.placed ? describe : nullptr) != 0;
 }
 
+// The date of the file as its name says it, the rest from the data.
+Date image_date() {
+    Date date;
+    FILE_get_date(&date);
+    for (int Date::*const field :
+         {&Date::year, &Date::month, &Date::day, &Date::hour, &Date::min, &Date::sec}) {
+        if (!is_set(date.*field)) {
+            date.*field = session.data_date.*field;
+        }
+    }
+    return date;
+}
+
 // Writes the picture of the selected frame under the name that the dump's
 // convention gives with the key `i`.
 void dump_image(const char* key) {
-    Date date;
+    const Date date = image_date();
     char name[file_name_size] = "";
     char path[file_name_size] = "";
-    FILE_get_date(&date);
     FILE_set_name(session.dump_file);
     FILE_set_key('i', key);
     FILE_set_key('p', gget_win_title());
@@ -258,6 +271,10 @@ int PLT_set_dump(int type, const char* filename) {
         MESS_print(mess_warn, "PLT_set_dump: Name is too long, cut to: %s\n", session.dump_file);
     }
     return status;
+}
+
+void PLT_set_data_date(const Date* date) {
+    session.data_date = date == nullptr ? Date{} : *date;
 }
 
 int PLT_dump(int frame) {

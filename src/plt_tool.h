@@ -86,6 +86,9 @@ void PLT_tell_overlaid(int pictures);
 // Image dump after each frame: kind 0 none, 1 XWD, 2 GIF, 3 native image,
 // 4 PNG, and the convention that names it (null or empty: the kind's own).
 int PLT_set_dump(int type, const char* filename);
+// Date of the data in the picture: date keys in the name of a dump take from it
+// what the name of the file does not say. Null: not known.
+void PLT_set_data_date(const Date* date);
 // Writes the dump of a frame (-4: of all frames). Returns 0; -1 without one.
 int PLT_dump(int frame);
 

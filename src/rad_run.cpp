@@ -224,6 +224,7 @@ void rad_set_date(RadRun& run, const Date* date) {
 }
 
 void rad_fill_date(RadRun& run, const Date& date) {
+    PLT_set_data_date(&date);
     fill_unset(run.file_date.year, date.year);
     fill_unset(run.file_date.month, date.month);
     fill_unset(run.file_date.day, date.day);

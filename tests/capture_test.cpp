@@ -177,6 +177,19 @@ TEST_F(CaptureTest, EachFrameHasItsFile) {
     EXPECT_EQ(read_png(file("zyr_win.png")), first) << "without a name or frames";
 }
 
+// A name's date keys take the file's date as its name says it, and the rest from
+// the product.
+TEST_F(CaptureTest, NamesTakeTheDateOfTheProduct) {
+    write("20180102.nids", disc_product(9));
+    for (const char* args : {"disc other -pp png=%Y%m%d_%h%n.png",
+                             "20180102.nids -if @%Y%m%d.nids -pp png=%y%m%d_%h%n.png"}) {
+        EXPECT_EQ(dump(args).err, "") << args;
+    }
+    for (const char* name : {"20190520_2231.png", "20190520_2232.png", "180102_2231.png"}) {
+        EXPECT_TRUE(std::filesystem::exists(file(name))) << name;
+    }
+}
+
 TEST_F(CaptureTest, ImagesLieOverThePlot) {
     struct Row {
         int bits; // 0: an XWD file whose pixels are beyond its table; 16: greys
