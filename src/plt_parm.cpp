@@ -368,6 +368,9 @@ void PLT_add_param_words(KnownWords* known) {
     for (const WordRow& row : words) {
         known->push_back({row.text, row.prefix});
     }
+    for (const IMG_kind& kind : IMG_kinds()) {
+        known->push_back({kind.word, true});
+    }
 }
 
 int PLT_panel_decode(const char* text) {
