@@ -71,19 +71,24 @@ template <typename Func> void run_redraw(Func func) {
     gset_cursor(cursor);
 }
 
-int redraw(PLT_domain_func* func, Domain domain) {
-    run_redraw([&] {
-        if (func != nullptr) {
-            func(&domain);
-        }
-    });
-    return 0;
+// Returns whether the plotter has drawn anew: it keeps the picture when its file
+// is gone.
+bool redraw(PLT_domain_func* func, Domain domain) {
+    bool drawn = false;
+    run_redraw([&] { drawn = func != nullptr && func(&domain) >= 0; });
+    return drawn;
 }
 
 Domain current_domain() {
     Domain domain;
     MAP_get_domain(&domain);
     return domain;
+}
+
+void set_base_prior(const Domain& domain) {
+    if (is_map_proj(domain.proj)) {
+        DOM_set_base_prior(static_cast<float>(domain.ny - 1) * domain.dy);
+    }
 }
 
 // A click with an unsteady hand draws a rectangle, too.
@@ -109,19 +114,24 @@ int zoom_in(Gpt release) {
     events.zoom++;
     MESS_print(mess_mess, "New domain: ");
     DOM_print(mess_mess, &domain);
-    redraw(events.zoom_func, domain);
+    if (!redraw(events.zoom_func, domain)) {
+        events.zoom--;
+        set_base_prior(before);
+    }
     return 0;
 }
 
 int zoom_out() {
     MESS_print(mess_mess, "Original domain: ");
     DOM_print(mess_mess, &events.orig_dom);
-    if (is_map_proj(events.orig_dom.proj)) {
-        DOM_set_base_prior(static_cast<float>(events.orig_dom.ny - 1) * events.orig_dom.dy);
-    }
-    redraw(events.zoom_func, events.orig_dom);
+    const Domain before = current_domain();
+    set_base_prior(events.orig_dom);
     events.code = 0;
-    events.zoom = 0;
+    if (redraw(events.zoom_func, events.orig_dom)) {
+        events.zoom = 0;
+    } else {
+        set_base_prior(before);
+    }
     return 0;
 }
 
@@ -169,14 +179,19 @@ int PLT_plot_zoom(const char* event, float x, float y) {
         return zoom_out();
     }
     if (std::strcmp(event, "r-Alt") == 0) {
-        return redraw(events.zoom_func, current_domain());
+        redraw(events.zoom_func, current_domain());
+        return 0;
     }
     events.code = 0;
     return -1;
 }
 
 int PLT_plot_resize(const char* event, float, float) {
-    return std::strcmp(event, "size") == 0 ? redraw(events.resize_func, current_domain()) : -1;
+    if (std::strcmp(event, "size") != 0) {
+        return -1;
+    }
+    redraw(events.resize_func, current_domain());
+    return 0;
 }
 
 void PLT_plot_refresh() {

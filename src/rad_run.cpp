@@ -138,6 +138,22 @@ bool plot_file(const RadPlotter& plotter, RadRun& run, const char* name, int fra
     return true;
 }
 
+// Looks for a file to redraw before anything on show is cleared. The one found
+// stays open for its turn.
+bool find_readable(const RadPlotter& plotter, RadRun& run) {
+    char name[file_name_size] = "";
+    FILE_first(&run.base_date);
+    while (FILE_get_next(name) != 0) {
+        plotter.close();
+        if (plotter.open(name) != 0) {
+            copy_text(run.probed, sizeof run.probed, name);
+            return true;
+        }
+    }
+    MESS_print(mess_warn, "No file can be read any more: the picture is kept\n");
+    return false;
+}
+
 // Makes room for a new picture: the oldest frame goes and the last one becomes
 // empty. Returns the number of frames.
 int shift_frames() {
@@ -237,7 +253,10 @@ void rad_fill_date(RadRun& run, const Date& date) {
 bool rad_open_session(const RadPlotter& plotter, RadRun& run, const RadWords& words,
                       Domain* domain) {
     if (gchk_graphics() != 0) {
-        PLT_reset(DOM_aspect(domain));
+        run.kept = !find_readable(plotter, run);
+        if (!run.kept) {
+            PLT_reset(DOM_aspect(domain));
+        }
         return true;
     }
     plotter.decode();
@@ -258,6 +277,9 @@ bool rad_open_session(const RadPlotter& plotter, RadRun& run, const RadWords& wo
 }
 
 int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool redraw) {
+    if (redraw && run.kept) {
+        return -1;
+    }
     MAP_setup(domain);
     MAP_fill_cont(0);
     FILE_first(&run.base_date);
@@ -269,7 +291,7 @@ int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool 
             left_out++;
         } else if (plot_file(plotter, run, name, frame, domain)) {
             frame++;
-        } else if (FILE_get_num_file() == 0) {
+        } else if (FILE_get_num_file() == 0 && !redraw) {
             PLT_exit(exit_no_file);
         }
     }

@@ -55,6 +55,7 @@ struct RadRun {
     Date base_date;                   // reference date of the file selection
     Date file_date;                   // date of the file, filled from the data where unset
     char probed[file_name_size] = ""; // name of the first file while it is open, else empty
+    bool kept = false;                // a redraw found no file: the picture stays on show
     std::int64_t fsecs = 0;           // time of the file shown last, on a multiple of the file step
 };
 
@@ -69,7 +70,8 @@ void rad_fill_date(RadRun& run, const Date& date);
 bool rad_open_session(const RadPlotter& plotter, RadRun& run, const RadWords& words,
                       Domain* domain);
 // Draws the selected files, and closes the session unless this is a redraw.
-// Returns 0; ends the program with 10 when no file opens.
+// Returns 0; -1 for a redraw that keeps the picture, as no file can be read any
+// more; ends the program with 10 when no file opens at first.
 int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool redraw);
 // Shows the newest file, as the last frame, when there is a newer one than on
 // show. Returns 0.

@@ -6,6 +6,7 @@
 #include <array>
 #include <chrono>
 #include <cstdio>
+#include <filesystem>
 #include <map>
 
 #include <unistd.h>
@@ -264,6 +265,55 @@ TEST_F(FramesTest, RectangleZoomsIntoTheMap) {
     drag(300, 200, 400, 203); // a slip of the hand, whose band goes
     EXPECT_TRUE(shows(part));
     EXPECT_EQ(count_text(program->out(), "New domain:"), 3);
+    leave();
+}
+
+// A feed that cleans up takes the file away while its picture is looked at.
+TEST_F(FramesTest, PictureOutlivesItsFile) {
+    constexpr const char* note = "No file can be read any more: the picture is kept\n";
+    start("d2 -me print,warn" + std::string(plain));
+    const Picture whole = picture();
+    const Place middle = place_at(320, 256);
+    std::filesystem::rename(dir.path() + "/d2", dir.path() + "/gone");
+    int said_times = 0;
+    const auto kept = [&](const char* how) {
+        settle();
+        EXPECT_TRUE(shows(whole)) << how;
+        EXPECT_EQ(count_text(program->err(), note), ++said_times) << how << program->err();
+    };
+    user->key(XK_r, alt);
+    kept("drawn again");
+    user->point(window, 220, 160);
+    user->press(1, shift);
+    settle();
+    user->point(window, 420, 300);
+    user->release(1);
+    kept("zoomed");
+    EXPECT_NEAR(place_at(320, 256).lat, middle.lat, 0.01) << "its map, too";
+    user->key(XK_u, alt); // there is no zoom to leave
+    user->resize(window, 700, 600);
+    settle();
+    EXPECT_EQ(count_text(program->err(), note), ++said_times);
+    const Picture larger = picture();
+    int differ = 0;
+    for (int y = 0; y < whole.height; y++)
+        for (int x = 0; x < whole.width; x++)
+            differ += larger.at(x, y) != whole.at(x, y) ? 1 : 0;
+    EXPECT_EQ(differ, 0) << "in the corner of a larger window";
+    std::filesystem::rename(dir.path() + "/gone", dir.path() + "/d2");
+    user->resize(window, 640, 512);
+    EXPECT_TRUE(shows(whole)) << "the file is back";
+    leave();
+
+    start_stopped();
+    const Picture first = picture();
+    for (const char* name : files)
+        std::filesystem::remove(dir.path() + "/" + name);
+    user->key(XK_r, alt);
+    settle();
+    expect_frame(0, first, "a loop");
+    user->key(XK_bracketright, alt);
+    EXPECT_TRUE(has_title("T [1]"));
     leave();
 }
 
