@@ -77,10 +77,52 @@ unsigned long nearest_pixel(float red, float grn, float blu) {
     return pixel;
 }
 
+bool has_masks() {
+    return gget_visual() != nullptr && gget_visual()->c_class == TrueColor;
+}
+
+// A component of 16 bits in its place in a pixel.
+unsigned long masked(unsigned value, unsigned long mask) {
+    if (mask == 0)
+        return 0;
+    const int bits = std::min(std::popcount(mask), 16);
+    return static_cast<unsigned long>(value >> (16 - bits)) << std::countr_zero(mask);
+}
+
+unsigned long masked_pixel(const XColor& color) {
+    return gget_color_rgb_Xval(color.red, color.green, color.blue);
+}
+
+// What a server says of a pixel's component.
+unsigned short shown_component(unsigned long pixel, unsigned long mask) {
+    if (mask == 0)
+        return 0;
+    const unsigned long most = mask >> std::countr_zero(mask);
+    return static_cast<unsigned short>(((pixel & mask) >> std::countr_zero(mask)) * 0xFFFF / most);
+}
+
+// The server's part of an allocation: the pixel, and the colour that it shows. A
+// request is spent on it only where the pixels do not tell.
+void take_shared(XColor* color) {
+    if (has_masks()) {
+        color->pixel = masked_pixel(*color);
+        color->red = shown_component(color->pixel, gget_red_mask());
+        color->green = shown_component(color->pixel, gget_grn_mask());
+        color->blue = shown_component(color->pixel, gget_blu_mask());
+    } else {
+        XAllocColor(gget_display(), gget_colormap(), color);
+        XQueryColor(gget_display(), gget_colormap(), color);
+    }
+}
+
 // A shared cell. If there is none left the request keeps the pixel it came
 // with, the nearest one.
 void alloc_shared(int ind) {
     XColor color = x_color(colr.red[ind], colr.grn[ind], colr.blu[ind]);
+    if (has_masks()) {
+        colr.color_ind[ind] = static_cast<int>(masked_pixel(color));
+        return;
+    }
     colr.color_ind[ind] = no_pixel; // not near itself
     color.pixel = nearest_pixel(colr.red[ind], colr.grn[ind], colr.blu[ind]);
     XAllocColor(gget_display(), gget_colormap(), &color);
@@ -102,6 +144,8 @@ void store_cell(int ind) {
 // A writable cell; the first refusal is for good.
 bool alloc_cell(int ind) {
     unsigned long pixel = 0;
+    if (has_masks())
+        colr.rw_colors = 0;
     if (colr.rw_colors != 0 &&
         XAllocColorCells(gget_display(), gget_colormap(), False, nullptr, 0, &pixel, 1) == 0)
         colr.rw_colors = 0;
@@ -160,6 +204,8 @@ XColor named_background(const char* text) {
 
 XColor plain_background() {
     XColor color{};
+    if (has_masks()) // black and white are what they are on any such screen
+        return colr.inverse != 0 ? x_color(1.0F, 1.0F, 1.0F) : color;
     color.pixel = colr.inverse != 0 ? WhitePixel(gget_display(), gget_screen())
                                     : BlackPixel(gget_display(), gget_screen());
     XQueryColor(gget_display(), gget_colormap(), &color);
@@ -169,21 +215,12 @@ XColor plain_background() {
 void set_display_background(const char* text) {
     XColor color = text != nullptr ? named_background(text) : plain_background();
     gflush_fill();
-    XAllocColor(gget_display(), gget_colormap(), &color);
-    XQueryColor(gget_display(), gget_colormap(), &color);
+    take_shared(&color);
     colr.color_ind[background_colr] = static_cast<int>(color.pixel);
     colr.red[background_colr] = static_cast<float>(color.red) / full;
     colr.grn[background_colr] = static_cast<float>(color.green) / full;
     colr.blu[background_colr] = static_cast<float>(color.blue) / full;
     renew_contexts(background_colr);
-}
-
-// A component of 16 bits in its place in a pixel.
-unsigned long masked(unsigned value, unsigned long mask) {
-    if (mask == 0)
-        return 0;
-    const int bits = std::min(std::popcount(mask), 16);
-    return static_cast<unsigned long>(value >> (16 - bits)) << std::countr_zero(mask);
 }
 
 } // namespace

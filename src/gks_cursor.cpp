@@ -18,8 +18,11 @@ constexpr std::array<unsigned, num_cursors> shapes = {XC_X_cursor, XC_left_ptr, 
 } // namespace
 
 void gmake_cursors() {
+    Display* display = gget_display();
+    const Font font = XLoadFont(display, "cursor");
     for (std::size_t i = 0; i < shapes.size(); ++i)
-        gdisp().cursors[i] = XCreateFontCursor(gget_display(), shapes[i]);
+        gdisp().cursors[i] = gmake_font_cursor(font, shapes[i]);
+    XUnloadFont(display, font);
 }
 
 void gfree_cursors() {
@@ -34,7 +37,7 @@ int gset_cursor(int n) {
     if (!gtype_is_WIN_PIX() || gget_display() == nullptr)
         return 0;
     const int before = gset_cursor_type(n);
-    XSync(gget_display(), False);
+    XFlush(gget_display());
     return before;
 }
 
@@ -56,6 +59,6 @@ int gbell(int percent) {
     if (gget_display() == nullptr)
         return 0;
     XBell(gget_display(), percent == 0 ? usual : std::clamp(percent, -100, 100));
-    XSync(gget_display(), False);
+    XFlush(gget_display());
     return 0;
 }

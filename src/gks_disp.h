@@ -80,6 +80,8 @@ void gset_root_size(int width, int height);
 XWindowAttributes gwindow_attributes();
 // A pixmap in the background's pixel; 0 if the server has no room for it.
 Pixmap gmake_base(int width, int height);
+// The same without the wait for an answer: errors are the caller's.
+Pixmap gsend_base(int width, int height);
 // Paints a drawable in a pixel from corner to corner.
 void gfill_drawable(Drawable drawable, unsigned long pixel, unsigned width, unsigned height);
 // Plain lines in all four contexts: width 0, solid, bevel joins.
@@ -94,6 +96,12 @@ std::string gfetch_name(Window window);
 // Drops a character of UTF-8 at the end that a buffer has cut in two.
 void gcut_title(char* text);
 
+// A bitmap in the form of X bitmap files: rows of bytes, the lowest bit leftmost.
+Pixmap gmake_bitmap(Drawable drawable, const unsigned char* bits, unsigned width, unsigned height);
+
+// A cursor of the server's cursor font, black with a white rim.
+Cursor gmake_font_cursor(Font font, unsigned glyph);
+
 void gmake_cursors();
 void gfree_cursors();
 // Gives the window the title in force; -1 without a window.
@@ -101,3 +109,4 @@ int gshow_win_title();
 
 void ginstall_error_handlers();
 void gclear_errors();
+int gget_noted_error(); // 1: an error has come while they are kept from the user

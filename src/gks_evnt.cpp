@@ -134,9 +134,15 @@ void expose(XExposeEvent* event) {
 void configure(const XConfigureEvent& event) {
     if (event.window != gget_root_window())
         return;
+    XConfigureEvent last = event;
     XEvent later;
-    while (XCheckTypedWindowEvent(gget_display(), event.window, ConfigureNotify, &later) != 0) {
-    } // the size is asked from the server
+    while (XCheckTypedWindowEvent(gget_display(), event.window, ConfigureNotify, &later) != 0)
+        last = later.xconfigure;
+    int width = 0;
+    int height = 0;
+    gget_root_size(&width, &height);
+    if (last.width == width && last.height == height && !evnt.size_due)
+        return; // it was moved
     evnt.size_due = true;
     if (!plot_under_way())
         take_size();
@@ -167,7 +173,7 @@ void new_frame() {
         gcopy_frame(n, n - 1);
         gswitch_frame(n, n - 1);
         gclear_frame(n);
-        gsync();
+        gflush();
     }
 }
 
@@ -416,7 +422,7 @@ int ghold(int /*ws_id*/) {
     if (!has_events())
         return 0;
     gcheck_event();
-    gsync();
+    gflush();
     if (gget_looping() != 0)
         ZYR_init_time();
     evnt.input_mode = ghas_window() ? input_hold : input_leave;
@@ -430,7 +436,7 @@ int ghold(int /*ws_id*/) {
     gset_input_mode(input_idle);
     gbell(50);
     gset_cursor(cursor_number_x);
-    return gsync();
+    return gflush();
 }
 
 int gset_input_mode(int value) {

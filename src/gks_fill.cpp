@@ -6,6 +6,7 @@
 // the same corners in pixels hides it, and fine radials fall on the same pixels
 // again and again.
 
+#include "gks_disp.h"
 #include "gks_pix.h"
 #include "gks_tran.h"
 #include "gks_x11.h"
@@ -228,9 +229,8 @@ int ginit_fill(int type) {
     if (type == 0) {
         context.gc = XCreateGC(display, gget_root_window(), 0, nullptr);
         for (int i = 0; i < num_patterns; ++i)
-            context.fill_pat[i] = XCreateBitmapFromData(
-                display, gget_root_window(), reinterpret_cast<const char*>(bitmap[i].data()),
-                pattern_size, pattern_size);
+            context.fill_pat[i] =
+                gmake_bitmap(gget_root_window(), bitmap[i].data(), pattern_size, pattern_size);
     }
     gflush_fill();
     context.color = missing_index;

@@ -144,7 +144,7 @@ int gcreate_frame(int ind) {
         loop.images[ind - 1].delay = loop.loop_delay;
     if (loop.num_images < max_frames)
         loop.images[loop.num_images].delay = loop.loop_pause;
-    gsync();
+    gflush();
     MESS_print(mess_frames, "Created frame: %d-%ld\n", ind, static_cast<long>(frame.pixmap));
     if (ind == loop.num_images)
         ++loop.num_images;
@@ -300,7 +300,7 @@ int gtoggle_loop(int value) {
     if (value != 0 && value != 1)
         value = loop.looping == 0 ? 1 : 0;
     gset_looping(value);
-    return gsync();
+    return gflush();
 }
 
 int gset_loop_direct(int value) {

@@ -119,7 +119,7 @@ int gopen_ws(int /*ws_id*/, const char* conn_id, Gws_type ws_type) {
     if (gtype_is_PIX() && gget_pix_mode() == mode_clear)
         gclear_frame(frame_base);
     if (gtype_is_WIN_PIX()) {
-        gsync();
+        gflush();
         gcheck_event();
     }
     gset_cursor(cursor_number_wait);

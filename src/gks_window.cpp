@@ -111,7 +111,8 @@ XSizeHints size_hints() {
     return hints;
 }
 
-bool make_window(const XSizeHints& hints) {
+// Whether the server has room for it is known with the answer to its mapping.
+void make_window(const XSizeHints& hints) {
     constexpr unsigned border = 5;
     const bool inverse = gget_inverse() != 0;
     const unsigned long black = BlackPixel(gdisp().display, gdisp().screen);
@@ -122,16 +123,12 @@ bool make_window(const XSizeHints& hints) {
     values.backing_store = Always;
     values.event_mask = window_events;
     values.colormap = gget_colormap();
-    gtrap_errors(0);
     gdisp().root_window = XCreateWindow(
         gdisp().display, RootWindow(gdisp().display, gdisp().screen), hints.x, hints.y,
         static_cast<unsigned>(hints.width), static_cast<unsigned>(hints.height), border,
         gdisp().depth, InputOutput, gdisp().visual,
         CWBackPixel | CWBorderPixel | CWBackingStore | CWEventMask | CWColormap, &values);
-    if (gtrap_errors(1) != 0)
-        gdisp().root_window = 0;
-    gdisp().has_window = gdisp().root_window != 0;
-    return gdisp().has_window;
+    gdisp().has_window = true;
 }
 
 bool starts_iconic() {
@@ -155,11 +152,10 @@ void tell_window_manager(XSizeHints* hints) {
 
     const auto* bits =
         gdisp_settings().own_icon ? gdisp_settings().icon_bits.data() : zyr_bits.data();
-    std::array<char, icon_bytes> image{};
-    std::memcpy(image.data(), bits, image.size());
-    gdisp().icon_pixmap =
-        XCreatePixmapFromBitmapData(display, gdisp().root_window, image.data(), icon_size,
-                                    icon_size, 1, 0, 1); // set bits are ink
+    std::array<unsigned char, icon_bytes> image{};
+    std::transform(bits, bits + icon_bytes, image.begin(),
+                   [](unsigned char byte) { return static_cast<unsigned char>(~byte); }); // ink
+    gdisp().icon_pixmap = gmake_bitmap(gdisp().root_window, image.data(), icon_size, icon_size);
     XWMHints wm{};
     wm.flags = InputHint | StateHint | IconPixmapHint;
     wm.input = True;
@@ -178,26 +174,37 @@ void tell_window_manager(XSizeHints* hints) {
     XSetWMProtocols(display, gdisp().root_window, &close, 1);
 }
 
-// The window is up when its first event comes, which stays for the event loop.
-// An iconic window may never get one: the wait is bounded.
-void wait_until_up() {
+// The window is up when it is mapped or exposed, an icon with its first event,
+// which stays for the event loop. On the way its events tell the size, on which
+// the window manager has the last word, so that nobody need ask. A window that
+// nobody maps gets none: the wait is bounded, and a refusal ends it.
+void wait_until_up(bool iconic, int* width, int* height) {
     constexpr int most_waits = 60;
     constexpr int wait_ms = 50;
-    XSync(gdisp().display, False);
-    for (int i = 0; i < most_waits; ++i) {
+    for (int i = 0; i < most_waits && gget_noted_error() == 0;) {
         XEvent event{};
         if (XCheckWindowEvent(gdisp().display, gdisp().root_window,
-                              ExposureMask | StructureNotifyMask, &event) != 0) {
+                              ExposureMask | StructureNotifyMask, &event) == 0) {
+            pollfd connection = {ConnectionNumber(gdisp().display), POLLIN, 0};
+            poll(&connection, 1, wait_ms);
+            ++i;
+            continue;
+        }
+        if (event.type == ConfigureNotify) {
+            *width = event.xconfigure.width;
+            *height = event.xconfigure.height;
+        }
+        if (iconic || event.type == MapNotify || event.type == Expose ||
+            event.type == DestroyNotify) {
             XPutBackEvent(gdisp().display, &event);
             return;
         }
-        pollfd connection = {ConnectionNumber(gdisp().display), POLLIN, 0};
-        poll(&connection, 1, wait_ms);
     }
 }
 
 int unable() {
     MESS_print(mess_warn, "gopen_ws: unable to open window\n");
+    gtrap_errors(0); // nor will what was refused be freed
     return gfail_display();
 }
 
@@ -237,20 +244,18 @@ int gopen_window(const char* conn_id) {
     if (is_environment("zyrinverse"))
         gset_inverse(1);
     XSizeHints hints = size_hints();
-    if (!make_window(hints))
-        return unable();
+    // One answer of the server is waited for, after window and pixmap.
+    gtrap_errors(0);
+    make_window(hints);
     tell_window_manager(&hints);
     gsetup_display(gdisp().root_window);
     XMapWindow(gdisp().display, gdisp().root_window);
-    wait_until_up();
+    wait_until_up(starts_iconic(), &hints.width, &hints.height);
     ginit_xcolr();
-
-    // The window manager has the last word on the size.
-    const XWindowAttributes given = gwindow_attributes();
-    gset_root_size(given.width, given.height);
-    gset_xsize(given.width, given.height);
-    gdisp().base_window = gmake_base(given.width, given.height);
-    if (gdisp().base_window == 0)
+    gset_root_size(hints.width, hints.height);
+    gset_xsize(hints.width, hints.height);
+    gdisp().base_window = gsend_base(hints.width, hints.height);
+    if (gtrap_errors(1) != 0)
         return unable();
     gdisp().draw_window = gdisp().base_window;
     XClearWindow(gdisp().display, gdisp().root_window);

@@ -129,9 +129,8 @@ int gclose_display() {
         XFreePixmap(display, disp.icon_pixmap);
     if (disp.root_gc != nullptr)
         XFreeGC(display, disp.root_gc);
-    XSync(display, False);
     gend_pixmap();
-    XCloseDisplay(display);
+    XCloseDisplay(display); // waits for the last answer
     disp = {};
     return 0;
 }
@@ -236,13 +235,18 @@ XWindowAttributes gwindow_attributes() {
     return attributes;
 }
 
-Pixmap gmake_base(int width, int height) {
+Pixmap gsend_base(int width, int height) {
     const auto w = static_cast<unsigned>(width);
     const auto h = static_cast<unsigned>(height);
-    gtrap_errors(0);
     const Pixmap pixmap =
         XCreatePixmap(disp.display, disp.root_window, w, h, static_cast<unsigned>(disp.depth));
     gfill_drawable(pixmap, disp.back_colr, w, h);
+    return pixmap;
+}
+
+Pixmap gmake_base(int width, int height) {
+    gtrap_errors(0);
+    const Pixmap pixmap = gsend_base(width, height);
     return gtrap_errors(1) == 0 ? pixmap : 0;
 }
 
@@ -264,7 +268,6 @@ void greset_gcs() {
         if (gc != nullptr)
             XChangeGC(disp.display, gc, GCLineWidth | GCLineStyle | GCJoinStyle, &values);
     }
-    XSync(disp.display, False);
 }
 
 int gresize_window(int width, int height) {
@@ -304,7 +307,7 @@ int gupdate_window() {
         XCopyArea(disp.display, disp.base_window, disp.root_window, disp.root_gc, 0, 0,
                   static_cast<unsigned>(disp.root_width), static_cast<unsigned>(disp.root_height),
                   0, 0);
-    return gsync();
+    return gflush();
 }
 
 int gclear_window_region(const Glim* lim) {
@@ -321,6 +324,14 @@ int gclear_window_region(const Glim* lim) {
     XFillRectangle(disp.display, disp.draw_window, disp.root_gc, x, y, static_cast<unsigned>(width),
                    static_cast<unsigned>(height));
     XSetForeground(disp.display, disp.root_gc, disp.fore_colr);
+    return 0;
+}
+
+int gflush() {
+    if (disp.display == nullptr)
+        return 0;
+    gflush_fill();
+    XFlush(disp.display);
     return 0;
 }
 

@@ -35,6 +35,9 @@ Atom gget_close_atom(); // of the window manager's wish that the window closes
 // which syncs and returns whether one came.
 int gtrap_errors(int print);
 
+// Sends what is drawn so far on its way; nothing is waited for, as by gsync.
+int gflush();
+
 // --- Colour maps (gks_colr.cpp) -------------------------------------------------
 
 Colormap gget_colormap(); // the private one, else the screen's

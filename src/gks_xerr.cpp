@@ -63,6 +63,10 @@ void gclear_errors() {
     errors.Xerror_print = 1;
 }
 
+int gget_noted_error() {
+    return errors.Xerror;
+}
+
 int gget_num_error() {
     return errors.num_error;
 }
@@ -70,7 +74,9 @@ int gget_num_error() {
 int gtrap_errors(int print) {
     if (gget_display() == nullptr)
         return 0;
-    XSync(gget_display(), False); // errors of requests before this call count as before
+    // Errors of requests before this call count as before.
+    if (XLastKnownRequestProcessed(gget_display()) + 1 != XNextRequest(gget_display()))
+        XSync(gget_display(), False);
     errors.Xerror_print = print;
     const int came = errors.Xerror;
     if (print == 0)

@@ -156,7 +156,6 @@ bool put_magnified(const Source& source, int cx, int cy, int zoom) {
     const int oy = gzoom_origin(height, cy, f);
     gmagnify(*image, ox, oy, f);
     XPutImage(display, gget_base_window(), gget_root_gc(), image.get(), 0, 0, 0, 0, w, h);
-    gsync();
     const auto scale = static_cast<float>(before);
     zoomed.zoom = zoom;
     zoomed.left = (source.drawn ? 0.0F : zoomed.left) + static_cast<float>(ox) / scale;

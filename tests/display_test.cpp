@@ -61,6 +61,7 @@ protected:
     // The window, after all that was drawn has reached it.
     Picture shown() const {
         gupdate_window();
+        gsync();
         return user->look(user->find_window());
     }
     void TearDown() override {
@@ -190,6 +191,26 @@ TEST_F(AtDisplay, TitleIsAChannel) {
     EXPECT_EQ(gset_win_title("new"), 0);
     gget_win_title_extra(extra);
     EXPECT_STREQ(extra, "");
+}
+
+TEST_F(AtDisplay, IconIsABitmap) {
+    ASSERT_EQ(open(), 0);
+    gsync();
+    Display* display = user->display();
+    const std::unique_ptr<XWMHints, int (*)(void*)> hints(XGetWMHints(display, user->find_window()),
+                                                          XFree);
+    ASSERT_NE(hints, nullptr);
+    XImage* icon = XGetImage(display, hints->icon_pixmap, 0, 0, 48, 48, 1, XYPixmap);
+    ASSERT_NE(icon, nullptr);
+    std::string rows; // every third pixel: ink is 0
+    for (const int y : {0, 4, 23, 24})
+        for (int x = 0; x < 48; x += 3)
+            rows += XGetPixel(icon, x, y) == 0 ? '#' : '.';
+    XDestroyImage(icon);
+    EXPECT_EQ(rows, "................"
+                    "....#.#.#.###..."
+                    "...#.........#.."
+                    ".##############.");
 }
 
 TEST_F(AtDisplay, ResizingKeepsThePicture) {

@@ -1,6 +1,7 @@
 // The window as a user has it on the screen: what it shows, how it lives through
 // what happens to it, and how it ends.
 #include "plot_window.h"
+#include "x_proxy.h"
 
 #include <algorithm>
 #include <cmath>
@@ -224,6 +225,22 @@ TEST_F(WindowTest, DepthsAgree) {
                 << depth << words << " at " << differ.first - full.rgb.begin() << std::hex << " "
                 << *differ.first << " " << *differ.second;
         }
+    }
+}
+
+// Over a far connection every answer that is waited for is time without a picture.
+TEST_F(WindowTest, WaitsForFewAnswers) {
+    for (const char* args : {"disc", "digital -pp site", "disc -pp inv -cof 5:pa=3,20:pa=2"}) {
+        const Picture near_by = picture_of(args);
+        const XProxy proxy(*server);
+        start(args, {
+                        {"DISPLAY", proxy.name()}
+        });
+        EXPECT_EQ(picture(), near_by) << args;
+        EXPECT_GT(proxy.replies(), 4) << "those that opening a display takes";
+        user->close(window);
+        EXPECT_EQ(program->wait().code, 0);
+        EXPECT_LE(proxy.replies(), 12) << args;
     }
 }
 
