@@ -100,11 +100,11 @@ bool is_too_small(Gpt a, Gpt b) {
 }
 
 int zoom_in(Gpt release) {
-    events.code = 0;
     if (is_too_small(events.press, release)) {
         gupdate_window(); // the rubber band goes
         return -1;
     }
+    events.code = 0;
     const Domain before = current_domain();
     const Domain domain = is_map_proj(before.proj) ? zoom_map(before, events.press, release)
                                                    : zoom_diagram(before, events.press, release);
