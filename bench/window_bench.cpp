@@ -100,22 +100,23 @@ Polygons recorded() {
     gobj_print_meta();
     Polygons all;
     std::ifstream in(name);
-    unsigned long pixel = 0;
+    unsigned long color = 0;
     for (std::string word; in >> word;) {
         int n = 0;
         if (word == "TR" && in >> n) {
             gsel_norm_tran(n);
         } else if (word == "FA_CLR" && in >> n) {
-            pixel = static_cast<unsigned long>(gget_color_ind(n));
+            color = static_cast<unsigned long>(gget_color_ind(n));
             all.records++;
         } else if (word == "FA" && in >> n) {
             Gpt at{};
             char comma = 0;
             for (int i = 0; i < n && in >> at.x >> comma >> at.y; i++) {
-                all.points.push_back(pixel_of(at));
+                const Gpixel pixel = pixel_of(at);
+                all.points.push_back({pixel.x, pixel.y});
             }
             all.counts.push_back(n);
-            all.pixels.push_back(pixel);
+            all.pixels.push_back(color);
             all.records++;
         }
     }

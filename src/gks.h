@@ -31,6 +31,16 @@ constexpr Gws_type ws_postscript = 4;
 constexpr Gws_type ws_hpgl = 5;
 constexpr Gws_type ws_pixmap = 6;
 
+// The workstation types as the primitives and setters branch on them: a switch
+// over all, one line a device, so that the compiler names a forgotten one.
+enum class Gdevice : Gint {
+    none = ws_none,
+    window = ws_window,
+    metafile = ws_metafile,
+    postscript = ws_postscript,
+    pixmap = ws_pixmap
+};
+
 struct Gpt {
     Gfloat x, y;
 };
@@ -62,6 +72,11 @@ struct Gclip_rect {
 };
 struct Gcolr_rep {
     Gfloat red, green, blue; // 0.0 to 1.0
+};
+// A step of the pen along a glyph, world coordinates.
+struct Gpen_step {
+    Gpt at;
+    bool down; // draw, not move
 };
 struct Gdsp_size {
     Gcoord_unit coord_units;
@@ -133,6 +148,8 @@ int gchk_graphics();
 // 0 if the kernel is open for drawing; otherwise reports under `func`, -1.
 int gchk_open(const char* func);
 int gget_ws_id();
+// A line width as the device in force keeps it.
+float gkept_width(float width);
 // Reports a kernel error under the name of the call. Silent while closed.
 [[gnu::format(printf, 2, 3)]] void gerr_printf(const char* func, const char* format, ...);
 // Resets attributes and transformations; 0 and 1 display, 2 PostScript,
@@ -141,6 +158,7 @@ int ginit_plot(int type);
 
 Gws_type gget_win_type();
 int gset_win_type(Gws_type type);
+Gdevice gget_device(); // the same type, for a switch
 bool gtype_is_WIN();
 bool gtype_is_PIX();
 bool gtype_is_WIN_PIX();
@@ -188,16 +206,19 @@ int gset_icon_bitmap(const unsigned char* bits); // 48 by 48, 288 bytes
 // window at closing.
 int gset_pix_mode(int mode);
 int gget_pix_mode();
+void gclear_errors(); // of the window system, as counted
 // Size of the whole window, or of the foreign drawable on type 6.
 int gget_root_size(int* width, int* height);
 // `width` above 0: the program resizes; -1: the window manager has resized.
 // Returns 1, with frames and zoom gone; 0 when the size is as before.
 int gresize_window(int width, int height);
 int gupdate_window(); // copies the base pixmap to the window; -1 without one
-// The window's part of gclear_region.
-int gclear_window_region(const Glim* lim);
+int gclear_window();  // paints the base pixmap in the background; -1 without one
 int gsync();
-int gbell(int percent);                     // 0: 50
+int gflush();                // sends what is drawn so far; nothing is waited for, as by gsync
+int gbell(int percent);      // 0: 50
+int gshow_win_title();       // gives the window the title in force; -1 without one
+void gcut_title(char* text); // drops a UTF-8 character at the end that a buffer has cut in two
 int gset_win_title_extra(const char* text); // behind the title; empty removes it
 int gget_win_title_extra(char* buf);        // buf: 60 bytes
 // Cursors 0 to 8. Return the number before.
@@ -362,6 +383,12 @@ int gmeta_get_type();
 // "PL 5 x,y x,y ...": a keyword, the count and the points, broken after every
 // fourth. `end` 1: always ends the line; 0: not behind a multiple of four.
 int gmeta_points(const char* keyword, int n, const Gpt* pts, int end);
+// The records of the primitives. A binary metafile takes polylines and clips.
+int gmeta_polyline(int n, const Gpt* pts);  // 1
+int gmeta_fill_area(int n, const Gpt* pts); // 1
+int gmeta_polymarker(int n, const Gpt* pts);
+int gmeta_text(const Gpt& pos, const char* str);
+int gmeta_clear_region(const Glim& lim);
 // Plays a text metafile on the open workstation, in the state in force, and
 // leaves the state that it set. -1 after a report if it cannot be opened.
 int gread_metafile(const char* filename);
@@ -538,6 +565,7 @@ int gfind_color(const char* name, Gcolr_rep* rep);
 int gset_rw_colors(int value);      // 1: try writable colour cells
 int gset_local_colormap(int value); // 1: make a private colour map
 int ginit_xcolr();
+void gforget_pixels(bool display); // of all indexes, as a display or a file device has none
 int ginit_background();
 
 // --- PostScript (gks_ps.cpp) --------------------------------------------------
@@ -563,9 +591,19 @@ int gps_move_abs(float x, float y);
 int gps_line_abs(float x, float y);
 // "mv" to the first point and "ln" to the others, in world coordinates.
 int gps_path(int n, const Gpt* pts);
-// A whole polyline and a whole solid area, in the attributes given.
+// A whole polyline and a whole area, in the attributes given; of the fill styles
+// the solid one alone draws.
 int gps_polyline(int n, const Gpt* pts, int color, float width, int type);
-int gps_fill_area(int n, const Gpt* pts, int color);
+int gps_fill_area(int n, const Gpt* pts, int color, int style);
+// Begin markers and a text: a comment and the attributes. The first returns the
+// points of a marker of size 1.
+float gps_begin_markers(int n, int color, float width);
+int gps_begin_text(const Gpt& pos, const char* str, int color, float width);
+int gps_marker_path(int n, const Gpt* pts); // in points
+int gps_glyph(int n, const Gpen_step* steps);
+int gps_clear_region(const Glim& lim);
+// A width as the attributes keep it: 0 is the width of 1.
+float gps_kept_width(float width);
 // The clip path round device limits.
 int gps_set_clip(float x0, float y0, float x1, float y1);
 

@@ -5,6 +5,7 @@
 #include "gks_evnt.h"
 
 #include "gks_pix.h"
+#include "gks_x11.h"
 
 #include <algorithm>
 #include <array>
@@ -27,6 +28,11 @@ struct Band {
     bool anchored = false;          // a button has been pressed
 };
 Band band;
+
+XPoint x_point(const Gpt& pt) {
+    const Gpixel at = pixel_of(pt);
+    return {at.x, at.y};
+}
 
 // The line ends in a third point when it stands between two neighbours.
 void draw_band() {
@@ -82,14 +88,14 @@ int gset_rubber_band(int value) {
 int gset_rubber_band_points(const Gpt* pts, int n, int constraint) {
     band.num = std::clamp(n, 0, static_cast<int>(band.pts.size()));
     for (int i = 0; i < band.num; ++i)
-        band.pts[i] = pixel_of(pts[i]);
+        band.pts[i] = x_point(pts[i]);
     band.constraint = constraint;
     return 0;
 }
 
 int gset_rubber_band_limits(const Gpt* pts) {
-    const XPoint a = pixel_of(pts[0]);
-    const XPoint b = pixel_of(pts[1]);
+    const XPoint a = x_point(pts[0]);
+    const XPoint b = x_point(pts[1]);
     band.limits = {
         {{std::min(a.x, b.x), std::min(a.y, b.y)}, {std::max(a.x, b.x), std::max(a.y, b.y)}}
     };

@@ -1,16 +1,15 @@
-// gks_colr.cpp: the workstation's colour table. Owns the components of the 257
-// entries, of which the last is the background, and on a display their pixels
-// and the colour maps. ginit_xcolr starts the pixels over when a display opens.
+// gks_colr: the workstation's colour table. Owns the components of the 257
+// entries, of which the last is the background, and on a display their pixels.
 
-#include "gks_x11.h"
+#include "gks_attr.h"
+#include "gks_draw.h"
+#include "gks_tran.h"
 #include "zyr.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
-#include <cstdlib>
 
 namespace {
 
@@ -24,10 +23,7 @@ struct ColorState {
     std::array<float, num_colrs> red{};
     std::array<float, num_colrs> grn{};
     std::array<float, num_colrs> blu{};
-    int max_color_ind = 0;     // highest index used
-    Colormap def_colormap = 0; // of the screen
-    Colormap user_colormap = 0;
-    int local_cmap = 0;           // 1: make a private colour map
+    int max_color_ind = 0;        // highest index used
     int rw_colors = 1;            // 1: try writable cells
     int inverse = 0;              // 1: black on white
     Gcolor_finder find = nullptr; // of the program's colour names
@@ -49,109 +45,58 @@ int suitable_index(float red, float grn, float blu) {
     return found >= 0 ? found : colr.max_color_ind + 1;
 }
 
-unsigned short component(float value) {
-    return static_cast<unsigned short>(std::clamp(value, 0.0F, 1.0F) * full);
+std::uint16_t component(float value) {
+    return static_cast<std::uint16_t>(std::clamp(value, 0.0F, 1.0F) * full);
 }
 
-XColor x_color(float red, float grn, float blu) {
-    XColor color{};
-    color.red = component(red);
-    color.green = component(grn);
-    color.blue = component(blu);
-    color.flags = DoRed | DoGreen | DoBlue;
-    return color;
+Gcolr_levels levels(float red, float grn, float blu) {
+    return {component(red), component(grn), component(blu)};
+}
+
+Gcolr_levels levels_of(int ind) {
+    return levels(colr.red[ind], colr.grn[ind], colr.blu[ind]);
 }
 
 // The pixel that comes closest to a colour of which the server has no more.
-unsigned long nearest_pixel(float red, float grn, float blu) {
-    unsigned long pixel = 0;
+int nearest_pixel(float red, float grn, float blu) {
+    int pixel = 0;
     float least = 4.0F;
     for (int i = 0; i < num_colrs; ++i) {
         const float distance = std::fabs(red - colr.red[i]) + std::fabs(grn - colr.grn[i]) +
                                std::fabs(blu - colr.blu[i]);
         if (colr.color_ind[i] != no_pixel && distance < least) {
             least = distance;
-            pixel = static_cast<unsigned long>(colr.color_ind[i]);
+            pixel = colr.color_ind[i];
         }
     }
     return pixel;
 }
 
-bool has_masks() {
-    return gget_visual() != nullptr && gget_visual()->c_class == TrueColor;
-}
-
-// A component of 16 bits in its place in a pixel.
-unsigned long masked(unsigned value, unsigned long mask) {
-    if (mask == 0)
-        return 0;
-    const int bits = std::min(std::popcount(mask), 16);
-    return static_cast<unsigned long>(value >> (16 - bits)) << std::countr_zero(mask);
-}
-
-unsigned long masked_pixel(const XColor& color) {
-    return gget_color_rgb_Xval(color.red, color.green, color.blue);
-}
-
-// What a server says of a pixel's component.
-unsigned short shown_component(unsigned long pixel, unsigned long mask) {
-    if (mask == 0)
-        return 0;
-    const unsigned long most = mask >> std::countr_zero(mask);
-    return static_cast<unsigned short>(((pixel & mask) >> std::countr_zero(mask)) * 0xFFFF / most);
-}
-
-// The server's part of an allocation: the pixel, and the colour that it shows. A
-// request is spent on it only where the pixels do not tell.
-void take_shared(XColor* color) {
-    if (has_masks()) {
-        color->pixel = masked_pixel(*color);
-        color->red = shown_component(color->pixel, gget_red_mask());
-        color->green = shown_component(color->pixel, gget_grn_mask());
-        color->blue = shown_component(color->pixel, gget_blu_mask());
-    } else {
-        XAllocColor(gget_display(), gget_colormap(), color);
-        XQueryColor(gget_display(), gget_colormap(), color);
-    }
-}
-
 // A shared cell. If there is none left the request keeps the pixel it came
 // with, the nearest one.
 void alloc_shared(int ind) {
-    XColor color = x_color(colr.red[ind], colr.grn[ind], colr.blu[ind]);
-    if (has_masks()) {
-        colr.color_ind[ind] = static_cast<int>(masked_pixel(color));
-        return;
-    }
     colr.color_ind[ind] = no_pixel; // not near itself
-    color.pixel = nearest_pixel(colr.red[ind], colr.grn[ind], colr.blu[ind]);
-    XAllocColor(gget_display(), gget_colormap(), &color);
-    colr.color_ind[ind] = static_cast<int>(color.pixel);
+    const int nearest = nearest_pixel(colr.red[ind], colr.grn[ind], colr.blu[ind]);
+    colr.color_ind[ind] = gdraw_share_pixel(levels_of(ind), nearest);
 }
 
 // Writes the colour into the index's own cell: what stands in that colour
 // changes at once.
 void store_cell(int ind) {
-    XColor color = x_color(colr.red[ind], colr.grn[ind], colr.blu[ind]);
-    color.pixel = static_cast<unsigned long>(colr.color_ind[ind]);
-    XStoreColor(gget_display(), gget_colormap(), &color);
+    const Gcolr_levels stored = levels_of(ind);
+    gdraw_store_cell(colr.color_ind[ind], stored);
     MESS_print(trace, "Stored new RW Cells: %d %d (%.2f %.2f %.2f) (%5d %5d %5d)\n", ind,
                colr.color_ind[ind], static_cast<double>(colr.red[ind]),
-               static_cast<double>(colr.grn[ind]), static_cast<double>(colr.blu[ind]), color.red,
-               color.green, color.blue);
+               static_cast<double>(colr.grn[ind]), static_cast<double>(colr.blu[ind]), stored.red,
+               stored.grn, stored.blu);
 }
 
 // A writable cell; the first refusal is for good.
 bool alloc_cell(int ind) {
-    unsigned long pixel = 0;
-    if (has_masks())
-        colr.rw_colors = 0;
-    if (colr.rw_colors != 0 &&
-        XAllocColorCells(gget_display(), gget_colormap(), False, nullptr, 0, &pixel, 1) == 0)
+    if (colr.rw_colors != 0 && !gdraw_take_cell(&colr.color_ind[ind]))
         colr.rw_colors = 0;
     if (colr.rw_colors == 0)
         return false;
-    colr.color_ind[ind] = static_cast<int>(pixel);
     MESS_print(trace, "Allocated RW Cells: %d\n", colr.color_ind[ind]);
     return true;
 }
@@ -166,14 +111,14 @@ void alloc_pixel(int ind) {
 }
 
 // What is drawn from now on in the index takes its new pixel.
-void renew_contexts(int ind) {
+void renew_pens(int ind) {
     if (ind == gget_line_colr())
-        grenew_line_color();
+        gdraw_set_color(Gpen::line, ind);
     if (ind == gget_text_colr())
-        grenew_text_color();
+        gdraw_set_color(Gpen::text, ind);
     if (ind == gget_marker_colr())
-        grenew_marker_color();
-    grenew_fill_color(); // its context may still hold any index
+        gdraw_set_color(Gpen::marker, ind);
+    gdraw_set_color(Gpen::fill, ind); // it may still hold any index
 }
 
 // --- Background ---------------------------------------------------------------
@@ -182,9 +127,7 @@ const char* background_text() {
     const char* text = colr.background.data();
     if (*text == '\0')
         text = RES_get("background");
-    if (text == nullptr && gget_display() != nullptr)
-        text = XGetDefault(gget_display(), gget_prog_name(), "background");
-    return text;
+    return text != nullptr ? text : gdraw_default("background");
 }
 
 // The plot goes over what is there.
@@ -192,35 +135,37 @@ bool is_over(const char* text) {
     return stricmp(text, "none") == 0 || stricmp(text, "def") == 0 || stricmp(text, "over") == 0;
 }
 
-XColor named_background(const char* text) {
-    XColor color{};
+Gcolr_levels named_background(const char* text) {
     Gcolr_rep rep{};
     if (gfind_color(text, &rep) >= 0)
-        return x_color(rep.red, rep.green, rep.blue);
-    if (XParseColor(gget_display(), gget_colormap(), text, &color) == 0)
+        return levels(rep.red, rep.green, rep.blue);
+    Gcolr_levels named{};
+    if (!gdraw_parse_color(text, &named))
         MESS_print(mess_warn, "ginit_background: invalid color: %s\n", text);
-    return color;
+    return named;
 }
 
-XColor plain_background() {
-    XColor color{};
-    if (has_masks()) // black and white are what they are on any such screen
-        return colr.inverse != 0 ? x_color(1.0F, 1.0F, 1.0F) : color;
-    color.pixel = colr.inverse != 0 ? WhitePixel(gget_display(), gget_screen())
-                                    : BlackPixel(gget_display(), gget_screen());
-    XQueryColor(gget_display(), gget_colormap(), &color);
-    return color;
+void store_background(float red, float grn, float blu) {
+    colr.red[background_colr] = red;
+    colr.grn[background_colr] = grn;
+    colr.blu[background_colr] = blu;
 }
 
-void set_display_background(const char* text) {
-    XColor color = text != nullptr ? named_background(text) : plain_background();
+int set_display_background(const char* text) {
+    Gcolr_levels shown =
+        text != nullptr ? named_background(text) : gdraw_screen_levels(colr.inverse != 0);
     gflush_fill();
-    take_shared(&color);
-    colr.color_ind[background_colr] = static_cast<int>(color.pixel);
-    colr.red[background_colr] = static_cast<float>(color.red) / full;
-    colr.grn[background_colr] = static_cast<float>(color.green) / full;
-    colr.blu[background_colr] = static_cast<float>(color.blue) / full;
-    renew_contexts(background_colr);
+    colr.color_ind[background_colr] = gdraw_share_levels(&shown);
+    store_background(static_cast<float>(shown.red) / full, static_cast<float>(shown.grn) / full,
+                     static_cast<float>(shown.blu) / full);
+    renew_pens(background_colr);
+    return 0;
+}
+
+// Paper is white.
+int set_paper_background() {
+    store_background(1.0F, 1.0F, 1.0F);
+    return gps_set_color_rep(1.0F, 1.0F, 1.0F, background_colr);
 }
 
 } // namespace
@@ -234,15 +179,9 @@ int gset_colr_rep(int ws_id, int ind, const Gcolr_rep* rep) {
         gerr_printf("gset_colr_rep", "invalid color index: %d\n", ind);
         return -1;
     }
-    if (gtype_is_META()) {
-        gmeta_printf("CLR %d %d %f %f %f\n", ws_id, ind, static_cast<double>(rep->red),
-                     static_cast<double>(rep->green), static_cast<double>(rep->blue));
-        if (gget_display() == nullptr) // else a window's list is written out
-            galloc_colr(ind, rep->red, rep->green, rep->blue);
-        return 0;
-    }
-    gnew_obj(obj_colr_rep, ind, sizeof *rep, rep);
-    galloc_colr(ind, rep->red, rep->green, rep->blue);
+    grecord(obj_colr_rep, ws_id, ind, *rep);
+    if (!gtype_is_META() || !gdraw_ready()) // else a window's list is written out
+        galloc_colr(ind, rep->red, rep->green, rep->blue);
     return 0;
 }
 
@@ -253,9 +192,9 @@ long galloc_colr(int ind, float red, float grn, float blu) {
                    ind > colr.max_color_ind ? "Allocated new" : "Used existing", ind,
                    static_cast<double>(red), static_cast<double>(grn), static_cast<double>(blu));
     }
-    const bool display = gtype_is_WIN_PIX() && gget_display() != nullptr;
+    const bool display = gtype_is_WIN_PIX() && gdraw_ready();
     if (ind >= num_colrs) // the table is full
-        return display ? static_cast<long>(nearest_pixel(red, grn, blu)) : file_pixel;
+        return display ? nearest_pixel(red, grn, blu) : file_pixel;
     colr.max_color_ind = std::max(colr.max_color_ind, ind);
     const bool same = red == colr.red[ind] && grn == colr.grn[ind] && blu == colr.blu[ind];
     if (display && !(same && colr.color_ind[ind] != no_pixel))
@@ -268,7 +207,7 @@ long galloc_colr(int ind, float red, float grn, float blu) {
         return file_pixel;
     if (!same || colr.color_ind[ind] == no_pixel) {
         alloc_pixel(ind);
-        renew_contexts(ind);
+        renew_pens(ind);
     }
     return colr.color_ind[ind];
 }
@@ -345,13 +284,17 @@ int ginit_background() {
     if (text != nullptr && *text == '\0')
         text = nullptr;
     const bool over = text != nullptr && is_over(text);
-    if (gtype_is_WIN_PIX())
+    switch (gget_device()) {
+    case Gdevice::window:
+    case Gdevice::pixmap:
         set_display_background(over ? nullptr : text);
-    if (gtype_is_PS()) {
-        colr.red[background_colr] = 1.0F;
-        colr.grn[background_colr] = 1.0F;
-        colr.blu[background_colr] = 1.0F;
-        gps_set_color_rep(1.0F, 1.0F, 1.0F, background_colr);
+        break;
+    case Gdevice::postscript:
+        set_paper_background();
+        break;
+    case Gdevice::metafile:
+    case Gdevice::none:
+        break;
     }
     if (gtype_is_WIN() && !over)
         gclear_frame(frame_base);
@@ -368,11 +311,6 @@ int gget_color_rgb256(int ind, int* red, int* grn, int* blu) {
     return 0;
 }
 
-unsigned long gget_color_rgb_Xval(unsigned red, unsigned grn, unsigned blu) {
-    return masked(red, gget_red_mask()) | masked(grn, gget_grn_mask()) |
-           masked(blu, gget_blu_mask());
-}
-
 int gset_background(const char* text) {
     return copy_text(colr.background.data(), colr.background.size(), text);
 }
@@ -386,45 +324,6 @@ int gset_rw_colors(int value) {
     return 0;
 }
 
-int gset_local_colormap(int value) {
-    colr.local_cmap = value;
-    return 0;
-}
-
-int ginit_xcolr() {
-    const bool local = colr.local_cmap != 0 || std::getenv("LOCAL_CMAP") != nullptr ||
-                       std::getenv("zyrlocal_cmap") != nullptr;
-    if (gtype_is_WIN() && local)
-        colr.user_colormap =
-            XCreateColormap(gget_display(), gget_root_window(), gget_visual(), AllocNone);
-    if (gtype_is_WIN() && colr.user_colormap != 0)
-        XSetWindowColormap(gget_display(), gget_root_window(), colr.user_colormap);
-    colr.color_ind.fill(no_pixel);
-    return 0;
-}
-
-void gfree_xcolr() {
-    if (gtype_is_WIN() && colr.user_colormap != 0)
-        XFreeColormap(gget_display(), colr.user_colormap);
-    colr.user_colormap = 0;
-    colr.def_colormap = 0;
-    colr.color_ind.fill(0); // as on a file device
-}
-
-Colormap gget_colormap() {
-    return colr.user_colormap != 0 ? colr.user_colormap : colr.def_colormap;
-}
-
-int gset_def_cmap(Colormap map) {
-    colr.def_colormap = map;
-    return 0;
-}
-
-int gset_user_cmap(Colormap map) {
-    colr.user_colormap = map;
-    return 0;
-}
-
-Colormap gget_user_cmap() {
-    return colr.user_colormap;
+void gforget_pixels(bool display) {
+    colr.color_ind.fill(display ? no_pixel : 0);
 }

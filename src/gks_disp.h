@@ -84,8 +84,6 @@ Pixmap gmake_base(int width, int height);
 Pixmap gsend_base(int width, int height);
 // Paints a drawable in a pixel from corner to corner.
 void gfill_drawable(Drawable drawable, unsigned long pixel, unsigned width, unsigned height);
-// Plain lines in all four contexts: width 0, solid, bevel joins.
-void greset_gcs();
 
 // Leaves the window of type 6; with pix_mode 9 its owner's hold ends.
 void gend_pixmap();
@@ -93,8 +91,6 @@ void gend_pixmap();
 const Watoms& gwindow_atoms();
 // The name of any window, as UTF-8; empty without one.
 std::string gfetch_name(Window window);
-// Drops a character of UTF-8 at the end that a buffer has cut in two.
-void gcut_title(char* text);
 
 // A bitmap in the form of X bitmap files: rows of bytes, the lowest bit leftmost.
 Pixmap gmake_bitmap(Drawable drawable, const unsigned char* bits, unsigned width, unsigned height);
@@ -104,9 +100,6 @@ Cursor gmake_font_cursor(Font font, unsigned glyph);
 
 void gmake_cursors();
 void gfree_cursors();
-// Gives the window the title in force; -1 without a window.
-int gshow_win_title();
 
 void ginstall_error_handlers();
-void gclear_errors();
 int gget_noted_error(); // 1: an error has come while they are kept from the user

@@ -1,11 +1,10 @@
-// gks_mark.cpp: markers, figures in device units that do not scale with the
-// window. Owns the marker state, which ginit_plot resets through
-// greset_marker, and the graphics context that draws it on a display, which
-// ginit_marker makes.
+// gks_mark: markers, figures in device units that do not scale with the window.
+// Owns the marker state, which ginit_plot resets through greset_marker; a display
+// has a pen that follows it.
 
-#include "gks_pix.h"
+#include "gks_attr.h"
+#include "gks_draw.h"
 #include "gks_tran.h"
-#include "gks_x11.h"
 #include "text_num.h"
 
 #include <array>
@@ -22,7 +21,6 @@ struct MarkerState {
 };
 MarkerState marker;
 MarkerState marker_aside; // while a replay runs
-GC mark_gc = nullptr;
 
 // A path in half sizes about the position.
 struct Vertex {
@@ -113,89 +111,71 @@ constexpr Path paths[] = {
     {9,        inverted},
 };
 
-void print_path(std::span<const Gpt> points) {
-    gps_printf("np\n");
-    gps_move_abs(points[0].x, points[0].y);
-    for (const Gpt& p : points.subspan(1))
-        gps_line_abs(p.x, p.y);
-    gps_printf("stroke\n");
-}
-
-void show_path(std::span<const Gpt> points) {
+int show_path(int n, const Gpt* points) {
     constexpr float short_limit = 32767.0F; // a marker may be of any size
-    std::array<XPoint, std::size(circle)> pixels{};
-    for (std::size_t i = 0; i < points.size(); ++i)
-        pixels[i] = {static_cast<short>(hold_within(points[i].x, short_limit)),
-                     static_cast<short>(hold_within(points[i].y, short_limit))};
-    if (points.size() == 1)
-        XDrawPoint(gget_display(), gget_draw_window(), mark_gc, pixels[0].x, pixels[0].y);
+    std::array<Gpixel, std::size(circle)> pixels{};
+    for (int i = 0; i < n; ++i)
+        pixels[i] = {static_cast<std::int16_t>(hold_within(points[i].x, short_limit)),
+                     static_cast<std::int16_t>(hold_within(points[i].y, short_limit))};
+    if (n == 1)
+        gdraw_point(Gpen::marker, pixels[0]);
     else
-        XDrawLines(gget_display(), gget_draw_window(), mark_gc, pixels.data(),
-                   static_cast<int>(points.size()), CoordModeOrigin);
+        gdraw_lines(Gpen::marker, n, pixels.data());
+    return 0;
 }
 
-// One path in device coordinates.
-void mark_draw(std::span<const Vertex> vertices, Gpt at, double h) {
-    std::array<Gpt, std::size(circle)> points{};
-    for (std::size_t i = 0; i < vertices.size(); ++i) {
-        points[i] = {static_cast<float>(static_cast<double>(at.x) + vertices[i].x * h),
-                     static_cast<float>(static_cast<double>(at.y) + vertices[i].y * h)};
+// Points in device units.
+int mark_draw(int n, const Gpt* points) {
+    switch (gget_device()) {
+    case Gdevice::window:
+    case Gdevice::pixmap:
+        return show_path(n, points);
+    case Gdevice::postscript:
+        return gps_marker_path(n, points);
+    case Gdevice::metafile: // holds the positions
+    case Gdevice::none:
+        return 0;
     }
-    const std::span<const Gpt> used(points.data(), vertices.size());
-    if (gtype_is_WIN_PIX())
-        show_path(used);
-    else if (gtype_is_PS())
-        print_path(used);
+    return 0;
 }
 
 void draw_marker(Gpt at, float size) {
-    const int h = marker.marker_type == type_dot ? 1 : trunc_int(size / 2.0F);
+    const double h = marker.marker_type == type_dot ? 1 : trunc_int(size / 2.0F);
     for (const Path& path : paths) {
-        if (path.type == marker.marker_type)
-            mark_draw(path.vertices, at, h);
+        if (path.type != marker.marker_type)
+            continue;
+        std::array<Gpt, std::size(circle)> points{};
+        int n = 0;
+        for (const Vertex& v : path.vertices)
+            points[n++] = {static_cast<float>(static_cast<double>(at.x) + v.x * h),
+                           static_cast<float>(static_cast<double>(at.y) + v.y * h)};
+        mark_draw(n, points.data());
     }
 }
 
-void apply_color() {
-    if (mark_gc != nullptr)
-        XSetForeground(gget_display(), mark_gc,
-                       static_cast<unsigned long>(gget_color_ind(marker.marker_color)));
-}
-
-void apply_width() {
-    if (mark_gc == nullptr)
-        return;
-    XGCValues values{};
-    values.line_width = pixel_width(marker.marker_width);
-    XChangeGC(gget_display(), mark_gc, GCLineWidth, &values);
-}
-
-void show_markers(int n, const Gpt* pts) {
+int show_markers(int n, const Gpt* pts) {
     constexpr float pixels_per_size = 10.0F;
     const float size = marker.marker_height * pixels_per_size;
-    gflush_fill();
     gnew_obj(obj_polymarker, n, n * static_cast<int>(sizeof(Gpt)), pts);
     const int shadow = gget_font_drop();
     for (int i = 0; i < n; ++i) {
         const Gpt at = {xW_p(pts[i].x) + 0.5F, yW_p(pts[i].y) + 0.5F};
         if (shadow > 0) {
-            XSetForeground(gget_display(), mark_gc, BlackPixel(gget_display(), gget_screen()));
+            gdraw_set_black(Gpen::marker);
             for (int k = 0; k < shadow; ++k)
                 draw_marker({at.x + static_cast<float>(k), at.y + static_cast<float>(k)}, size);
-            apply_color();
+            gdraw_set_color(Gpen::marker, marker.marker_color);
         }
         draw_marker(at, size);
     }
+    return 0;
 }
 
-void print_markers(int n, const Gpt* pts) {
-    constexpr float points_per_size = 10.0F * 0.72F;
-    gps_printf("%%%%PM:%d\n", n);
-    gps_set_width(marker.marker_color, marker.marker_width);
-    gps_set_color(marker.marker_color);
-    gps_set_type(1);
+// `unit`: device units of a marker of size 1.
+int print_markers(int n, const Gpt* pts, float unit) {
     for (int i = 0; i < n; ++i)
-        draw_marker({xW_ps(pts[i].x), yW_ps(pts[i].y)}, marker.marker_height * points_per_size);
+        draw_marker({xW_ps(pts[i].x), yW_ps(pts[i].y)}, marker.marker_height * unit);
+    return 0;
 }
 
 } // namespace
@@ -203,13 +183,18 @@ void print_markers(int n, const Gpt* pts) {
 int gpolymarker(int n, const Gpt* pts) {
     if (gchk_open("gpolyline") != 0)
         return -1;
-    if (gtype_is_META()) {
-        constexpr int open_end = 0;
-        gmeta_points("PM", n, pts, open_end);
-    } else if (gtype_is_WIN_PIX()) {
-        show_markers(n, pts);
-    } else if (gtype_is_PS()) {
-        print_markers(n, pts);
+    const int color = marker.marker_color;
+    const float width = marker.marker_width;
+    switch (gget_device()) {
+    case Gdevice::window:
+    case Gdevice::pixmap:
+        return show_markers(n, pts);
+    case Gdevice::metafile:
+        return gmeta_polymarker(n, pts);
+    case Gdevice::postscript:
+        return print_markers(n, pts, gps_begin_markers(n, color, width));
+    case Gdevice::none:
+        return 0;
     }
     return 0;
 }
@@ -220,10 +205,8 @@ int gset_marker_colr_ind(int ind) {
     if (ind == marker.marker_color)
         return 0;
     marker.marker_color = ind;
-    if (gtype_is_META())
-        return gmeta_printf("PM_CLR %d\n", ind);
-    gnew_obj(obj_marker_colr, ind, 0, nullptr);
-    apply_color();
+    if (grecord(obj_marker_colr, ind))
+        gdraw_set_color(Gpen::marker, ind);
     return 0;
 }
 
@@ -237,9 +220,7 @@ int gset_marker_size(float height) {
     if (height == marker.marker_height)
         return 0;
     marker.marker_height = height;
-    if (gtype_is_META())
-        return gmeta_printf("PM_SIZE %f\n", static_cast<double>(height));
-    gnew_obj(obj_marker_size, 1, sizeof height, &height);
+    grecord(obj_marker_size, height);
     return 0;
 }
 
@@ -249,9 +230,7 @@ int gset_marker_type(int type) {
     if (type == marker.marker_type)
         return 0;
     marker.marker_type = type;
-    if (gtype_is_META())
-        return gmeta_printf("PM_TYPE %d\n", type);
-    gnew_obj(obj_marker_type, type, 0, nullptr);
+    grecord(obj_marker_type, type);
     return 0;
 }
 
@@ -264,11 +243,9 @@ int gset_marker_width(float width) {
     }
     if (width == marker.marker_width)
         return 0;
-    marker.marker_width = gtype_is_PS() && width == 0.0F ? 1.0F : width;
-    if (gtype_is_META())
-        return gmeta_printf("PM_WDTH %f\n", static_cast<double>(marker.marker_width));
-    gnew_obj(obj_marker_width, 1, sizeof width, &width);
-    apply_width();
+    marker.marker_width = gkept_width(width);
+    if (grecord(obj_marker_width, width))
+        gdraw_set_width(Gpen::marker, width);
     return 0;
 }
 
@@ -282,14 +259,7 @@ int greset_marker() {
 }
 
 int ginit_marker(int type) {
-    Display* display = gget_display();
-    if (display == nullptr || type < 0 || type > 1)
-        return 0;
-    if (type == 0)
-        mark_gc = XCreateGC(display, gget_draw_window(), 0, nullptr);
-    XSetForeground(display, mark_gc, WhitePixel(display, gget_screen()));
-    XSetBackground(display, mark_gc, BlackPixel(display, gget_screen()));
-    gset_gc_clip();
+    gdraw_init_pen(Gpen::marker, type);
     return 0;
 }
 
@@ -314,18 +284,4 @@ void ghold_marker_state(Ghold what) {
     marker_aside = marker;
     if (what == Ghold::begin)
         marker = {missing_index, missing_index, -1.0F, -1.0F};
-}
-
-GC gget_marker_gc() {
-    return mark_gc;
-}
-
-void grenew_marker_color() {
-    apply_color();
-}
-
-void gfree_marker_gc() {
-    if (mark_gc != nullptr)
-        XFreeGC(gget_display(), mark_gc);
-    mark_gc = nullptr;
 }

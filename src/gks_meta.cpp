@@ -26,6 +26,8 @@
 
 namespace {
 
+constexpr int open_end = 0; // of gmeta_points
+
 struct Metafile {
     std::FILE* out_file = nullptr;
     bool append = false;
@@ -157,6 +159,47 @@ int gmeta_points(const char* keyword, int n, const Gpt* pts, int end) {
     if (end != 0 || n % points_per_line != 0)
         gmeta_printf("\n");
     return 0;
+}
+
+int gmeta_polyline(int n, const Gpt* pts) {
+    constexpr int end_line = 1;
+    if (meta.meta_type == meta_text)
+        gmeta_points("PL", n, pts, end_line);
+    else
+        gcgm_polyline(n, pts);
+    return 1;
+}
+
+int gmeta_fill_area(int n, const Gpt* pts) {
+    gmeta_points("FA", n, pts, open_end);
+    return 1;
+}
+
+int gmeta_polymarker(int n, const Gpt* pts) {
+    return gmeta_points("PM", n, pts, open_end);
+}
+
+int gmeta_text(const Gpt& pos, const char* str) {
+    return gmeta_line("TE %f,%f %s", static_cast<double>(pos.x), static_cast<double>(pos.y), str);
+}
+
+int gmeta_clear_region(const Glim& lim) {
+    return gmeta_printf("CLR_REG %f %f %f %f\n", static_cast<double>(lim.x_min),
+                        static_cast<double>(lim.y_min), static_cast<double>(lim.x_max),
+                        static_cast<double>(lim.y_max));
+}
+
+void gmeta_attribute(const Gattribute& attribute, const Gvalues& values) {
+    if (!is_text_open())
+        return;
+    const Gcounts counts = gcount_values(attribute);
+    const bool is_point = std::holds_alternative<Gset_point*>(attribute.set);
+    gmeta_printf("%.*s", static_cast<int>(attribute.word.size()), attribute.word.data());
+    for (int i = 0; i < counts.integers; ++i)
+        gmeta_printf(" %d", values.n[i]);
+    for (int i = 0; i < counts.reals; ++i)
+        gmeta_printf(is_point && i > 0 ? ",%f" : " %f", static_cast<double>(values.f[i]));
+    gmeta_printf("\n");
 }
 
 void gmeta_put_bytes(const unsigned char* bytes, std::size_t n) {

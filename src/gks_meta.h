@@ -1,6 +1,8 @@
 // gks_meta.h: what the two forms of a metafile and its reader share.
 #pragma once
 
+#include "gks_attr.h"
+
 #include <cstddef>
 #include <cstdio>
 
@@ -9,6 +11,8 @@ constexpr int meta_cgm = 1;
 
 // Writes bytes to a binary metafile alone.
 void gmeta_put_bytes(const unsigned char* bytes, std::size_t n);
+// A setting as a line: its word and its values.
+void gmeta_attribute(const Gattribute& attribute, const Gvalues& values);
 // 1 if `file` is the metafile that is being written.
 int gmeta_is_output(std::FILE* file);
 

@@ -97,178 +97,36 @@ private:
     std::array<char, 64> digits{};
 };
 
-enum class Rec {
-    dropped,
-    vp,
-    win,
-    tran,
-    polyline,
-    fill_area,
-    polymarker,
-    text,
-    color,
-    line_color,
-    line_width,
-    line_type,
-    marker_color,
-    marker_size,
-    marker_width,
-    marker_type,
-    fill_color,
-    fill_style,
-    fill_pattern,
-    text_color,
-    text_height,
-    text_expan,
-    text_width,
-    text_space,
-    text_char_space,
-    text_up,
-    text_align,
-    text_font
-};
+// The figures, whose records are no settings: a count and points, or a position
+// and a text.
+enum class Figure { none, polyline, fill_area, polymarker, text };
 
-// A record: whole numbers, then others. A count and points, and a position and
-// a text, are read on behind them.
 struct Keyword {
     std::string_view word;
-    Rec rec;
-    int integers, reals;
+    Figure figure;
+    Gcounts counts; // of the numbers at its beginning
 };
-constexpr std::array keywords = {
-    Keyword{"WS_WIN",  Rec::dropped,         1, 4},
-    Keyword{"VP",      Rec::vp,              1, 4},
-    Keyword{"WIN",     Rec::win,             1, 4},
-    Keyword{"TR",      Rec::tran,            1, 0},
-    Keyword{"PL",      Rec::polyline,        1, 0},
-    Keyword{"FA",      Rec::fill_area,       1, 0},
-    Keyword{"PM",      Rec::polymarker,      1, 0},
-    Keyword{"TE",      Rec::text,            0, 2},
-    Keyword{"CLR",     Rec::color,           2, 3},
-    Keyword{"PL_CLR",  Rec::line_color,      1, 0},
-    Keyword{"PL_LW",   Rec::line_width,      0, 1},
-    Keyword{"PL_TYPE", Rec::line_type,       1, 0},
-    Keyword{"PM_CLR",  Rec::marker_color,    1, 0},
-    Keyword{"PM_SIZE", Rec::marker_size,     0, 1},
-    Keyword{"PM_WDTH", Rec::marker_width,    0, 1},
-    Keyword{"PM_TYPE", Rec::marker_type,     1, 0},
-    Keyword{"FA_CLR",  Rec::fill_color,      1, 0},
-    Keyword{"FA_INT",  Rec::fill_style,      1, 0},
-    Keyword{"FA_ST",   Rec::fill_pattern,    1, 0},
-    Keyword{"TE_CLR",  Rec::text_color,      1, 0},
-    Keyword{"TE_HGHT", Rec::text_height,     0, 1},
-    Keyword{"TE_EXP",  Rec::text_expan,      0, 1},
-    Keyword{"TE_WDTH", Rec::text_width,      0, 1},
-    Keyword{"TE_SPC",  Rec::text_space,      0, 1},
-    Keyword{"TE_CSPC", Rec::text_char_space, 0, 1},
-    Keyword{"TE_UP",   Rec::text_up,         0, 2},
-    Keyword{"TE_ALGN", Rec::text_align,      2, 0},
-    Keyword{"TE_FNT",  Rec::text_font,       2, 0},
+constexpr std::array figures = {
+    Keyword{"PL", Figure::polyline,   {1, 0}},
+    Keyword{"FA", Figure::fill_area,  {1, 0}},
+    Keyword{"PM", Figure::polymarker, {1, 0}},
+    Keyword{"TE", Figure::text,       {0, 2}},
 };
 
-struct Numbers {
-    std::array<int, 2> n{};
-    std::array<float, 4> f{};
-};
-
-bool read_numbers(Source* source, const Keyword& keyword, Numbers* numbers) {
-    for (int i = 0; i < keyword.integers; ++i) {
-        if (!source->integer(&numbers->n[i]))
+bool read_values(Source* source, const Gcounts& counts, Gvalues* values) {
+    for (int i = 0; i < counts.integers; ++i) {
+        if (!source->integer(&values->n[i]))
             return false;
     }
-    for (int i = 0; i < keyword.reals; ++i) {
-        if (!source->real(&numbers->f[i]))
+    for (int i = 0; i < counts.reals; ++i) {
+        if (!source->real(&values->f[i]))
             return false;
     }
     return true;
 }
 
-// Attributes and transformations.
-void play_setter(Rec rec, const Numbers& v) {
-    const int n = v.n[0];
-    const float f = v.f[0];
-    const Glim lim = {v.f[0], v.f[2], v.f[1], v.f[3]};
-    const Gpt up = {v.f[0], v.f[1]};
-    const Gcolr_rep rep = {v.f[0], v.f[1], v.f[2]};
-    const Gtext_align align = {static_cast<Gtext_hor>(n), static_cast<Gtext_ver>(v.n[1])};
-    const Gfontprec font = {n, static_cast<Gtext_prec>(v.n[1])};
-    switch (rec) {
-    case Rec::vp:
-        gset_vp(n, &lim);
-        break;
-    case Rec::win:
-        gset_win(n, &lim);
-        break;
-    case Rec::tran:
-        gsel_norm_tran(n);
-        break;
-    case Rec::color:
-        gset_colr_rep(1, v.n[1], &rep);
-        break;
-    case Rec::line_color:
-        gset_line_colr_ind(n);
-        break;
-    case Rec::line_width:
-        gset_linewidth(f);
-        break;
-    case Rec::line_type:
-        gset_linetype(n);
-        break;
-    case Rec::marker_color:
-        gset_marker_colr_ind(n);
-        break;
-    case Rec::marker_size:
-        gset_marker_size(f);
-        break;
-    case Rec::marker_width:
-        gset_marker_width(f);
-        break;
-    case Rec::marker_type:
-        gset_marker_type(n);
-        break;
-    case Rec::fill_color:
-        gset_fill_colr_ind(n);
-        break;
-    case Rec::fill_style:
-        gset_fill_int_style(n);
-        break;
-    case Rec::fill_pattern:
-        gset_fill_style_ind(n);
-        break;
-    case Rec::text_color:
-        gset_text_colr_ind(n);
-        break;
-    case Rec::text_height:
-        gset_char_ht(f);
-        break;
-    case Rec::text_expan:
-        gset_expan(f);
-        break;
-    case Rec::text_width:
-        gset_text_width(f);
-        break;
-    case Rec::text_space:
-        gset_space(f);
-        break;
-    case Rec::text_char_space:
-        gset_char_space(f);
-        break;
-    case Rec::text_up:
-        gset_char_up_vec(&up);
-        break;
-    case Rec::text_align:
-        gset_text_align(&align);
-        break;
-    case Rec::text_font:
-        gset_fontprec(&font);
-        break;
-    default:
-        break; // read and dropped
-    }
-}
-
 // The points as far as they are there.
-void play_points(Source* source, Rec rec, int count, std::vector<Gpt>* points) {
+void play_points(Source* source, Figure figure, int count, std::vector<Gpt>* points) {
     points->clear();
     Gpt pt{};
     for (int i = 0; i < count && source->point(&pt); ++i)
@@ -276,9 +134,9 @@ void play_points(Source* source, Rec rec, int count, std::vector<Gpt>* points) {
     const int n = static_cast<int>(points->size());
     if (n == 0)
         return;
-    if (rec == Rec::polyline)
+    if (figure == Figure::polyline)
         gpolyline(n, points->data());
-    else if (rec == Rec::fill_area)
+    else if (figure == Figure::fill_area)
         gfill_area(n, points->data());
     else
         gpolymarker(n, points->data());
@@ -302,19 +160,23 @@ void play(std::FILE* file) {
         const std::string_view word = source.take_until(" \t\r\n\v\f", &buf);
         if (word.empty())
             return;
-        const auto* keyword = std::find_if(keywords.begin(), keywords.end(),
+        const auto* keyword = std::find_if(figures.begin(), figures.end(),
                                            [&](const Keyword& row) { return row.word == word; });
-        Numbers numbers;
-        if (keyword == keywords.end())
+        const Figure figure = keyword != figures.end() ? keyword->figure : Figure::none;
+        const Gattribute* attribute = gfind_attribute(word);
+        Gvalues values;
+        if (figure == Figure::none && attribute == nullptr)
             source.skip_line();
-        else if (!read_numbers(&source, *keyword, &numbers))
+        else if (!read_values(&source,
+                              attribute != nullptr ? gcount_values(*attribute) : keyword->counts,
+                              &values))
             continue; // what follows may be the next record
-        else if (keyword->rec == Rec::text)
-            play_text(&source, {numbers.f[0], numbers.f[1]});
-        else if (keyword->rec >= Rec::polyline && keyword->rec <= Rec::polymarker)
-            play_points(&source, keyword->rec, numbers.n[0], &points);
-        else
-            play_setter(keyword->rec, numbers);
+        else if (figure == Figure::text)
+            play_text(&source, {values.f[0], values.f[1]});
+        else if (figure != Figure::none)
+            play_points(&source, figure, values.n[0], &points);
+        else if (attribute->read == Gread::play)
+            gplay_attribute(*attribute, values);
     }
 }
 

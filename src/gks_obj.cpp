@@ -9,8 +9,9 @@
 // hand out the 512 small ones of each than the list takes to fill them.
 
 #include "gks.h"
+#include "gks_attr.h"
+#include "gks_draw.h"
 #include "gks_tran.h"
-#include "gks_x11.h"
 #include "zyr.h"
 
 #include <algorithm>
@@ -96,97 +97,12 @@ struct RedrawList {
 };
 RedrawList list;
 
-// The data of a record, which was copied byte by byte.
-template <typename T> T data_as(const drawobj* obj) {
-    T value{};
-    if (obj->data != nullptr)
-        std::memcpy(&value, obj->data, sizeof value);
-    return value;
-}
-
 const Gpt* points_of(const drawobj* obj) {
     return reinterpret_cast<const Gpt*>(obj->data);
 }
 
-// Records whose `values` says all.
-bool has_no_data(int type) {
-    constexpr std::array types = {obj_norm_tran, obj_linetype,       obj_line_colr,
-                                  obj_line_bold, obj_marker_type,    obj_marker_colr,
-                                  obj_text_colr, obj_fill_int_style, obj_fill_style_ind,
-                                  obj_fill_colr, obj_fill_solid};
-    return std::find(types.begin(), types.end(), type) != types.end();
-}
-
-int play_number(int type, int n) {
-    switch (type) {
-    case obj_norm_tran:
-        return gsel_norm_tran(n);
-    case obj_linetype:
-        return gset_linetype(n);
-    case obj_line_colr:
-        return gset_line_colr_ind(n);
-    case obj_line_bold:
-        return gset_line_print_bold(n);
-    case obj_marker_type:
-        return gset_marker_type(n);
-    case obj_marker_colr:
-        return gset_marker_colr_ind(n);
-    case obj_text_colr:
-        return gset_text_colr_ind(n);
-    case obj_fill_int_style:
-        return gset_fill_int_style(n);
-    case obj_fill_style_ind:
-        return gset_fill_style_ind(n);
-    case obj_fill_colr:
-        return gset_fill_colr_ind(n);
-    case obj_fill_solid:
-        return gset_fill_print_solid(n);
-    default:
-        return -1;
-    }
-}
-
-int play_float(int type, float value) {
-    switch (type) {
-    case obj_linewidth:
-        return gset_linewidth(value);
-    case obj_marker_size:
-        return gset_marker_size(value);
-    case obj_marker_width:
-        return gset_marker_width(value);
-    case obj_space:
-        return gset_space(value);
-    case obj_char_space:
-        return gset_char_space(value);
-    case obj_expan:
-        return gset_expan(value);
-    case obj_char_ht:
-        return gset_char_ht(value);
-    case obj_text_width:
-        return gset_text_width(value);
-    default:
-        return -1;
-    }
-}
-
-int play_limits(int type, int n, const Glim& lim) {
-    switch (type) {
-    case obj_ws_vp:
-        return gset_ws_vp(1, &lim);
-    case obj_ws_win:
-        return gset_ws_win(1, &lim);
-    case obj_vp:
-        return gset_vp(n, &lim);
-    case obj_win:
-        return gset_win(n, &lim);
-    case obj_clear_region:
-        return gclear_region(&lim);
-    default:
-        return -1;
-    }
-}
-
-int play_record(const drawobj* obj) {
+// What is no setting: a figure, a message, a cleared region.
+int play_figure(const drawobj* obj) {
     const int n = obj->values;
     switch (obj->type) {
     case obj_message:
@@ -199,28 +115,13 @@ int play_record(const drawobj* obj) {
         return gfill_area(n, points_of(obj));
     case obj_text:
         return gtext(points_of(obj), obj->data + sizeof(Gpt));
-    case obj_char_up:
-        return gset_char_up_vec(points_of(obj));
-    case obj_colr_rep: {
-        const auto rep = data_as<Gcolr_rep>(obj);
-        return gset_colr_rep(1, n, &rep);
+    case obj_clear_region: {
+        Glim lim{};
+        std::memcpy(&lim, obj->data, sizeof lim);
+        return gclear_region(&lim);
     }
-    case obj_fontprec: {
-        const auto font = data_as<Gfontprec>(obj);
-        return gset_fontprec(&font);
-    }
-    case obj_text_align: {
-        const auto align = data_as<Gtext_align>(obj);
-        return gset_text_align(&align);
-    }
-    case obj_ws_vp:
-    case obj_ws_win:
-    case obj_vp:
-    case obj_win:
-    case obj_clear_region:
-        return play_limits(obj->type, n, data_as<Glim>(obj));
     default:
-        return play_float(obj->type, data_as<float>(obj));
+        return -1;
     }
 }
 
@@ -279,8 +180,8 @@ int ginit_objs() {
     gclear_objs();
     list.num_objects = 0;
     const char* setting = std::getenv("zyrredraw");
-    if (setting == nullptr && gget_display() != nullptr)
-        setting = XGetDefault(gget_display(), gget_prog_name(), "redraw");
+    if (setting == nullptr)
+        setting = gdraw_default("redraw");
     if (says_no(setting))
         list.redraw = 0;
     return 0;
@@ -343,9 +244,9 @@ int gget_redraw() {
 }
 
 int gobj_redraw_funcs(const drawobj* obj) {
-    if (has_no_data(obj->type))
-        return play_number(obj->type, obj->values);
-    return obj->data == nullptr ? -1 : play_record(obj);
+    if (const Gattribute* attribute = gfind_attribute(obj->type))
+        return gplay_record(*attribute, *obj);
+    return obj->data == nullptr ? -1 : play_figure(obj);
 }
 
 int gobj_print_meta() {

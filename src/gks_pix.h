@@ -2,31 +2,26 @@
 // primitives. Up to ten points, the common case, need no allocation.
 #pragma once
 
+#include "gks_draw.h"
 #include "gks_tran.h"
-#include "gks_x11.h"
 
 #include <array>
 #include <memory>
 #include <new>
 
 // The pixel that a place falls on: half a pixel on, and cut.
-inline short to_pixel(float place) {
+inline std::int16_t to_pixel(float place) {
     constexpr float half = 0.5F;
-    return static_cast<short>(static_cast<int>(place + half));
+    return static_cast<std::int16_t>(static_cast<int>(place + half));
 }
 
-inline XPoint to_pixel(const Gpipe& p, const Gpt& pt) {
+inline Gpixel to_pixel(const Gpipe& p, const Gpt& pt) {
     return {to_pixel(pipe_px(p, pt.x)), to_pixel(pipe_py(p, pt.y))};
 }
 
 // Pixel of a point of the current transformation.
-inline XPoint pixel_of(const Gpt& pt) {
+inline Gpixel pixel_of(const Gpt& pt) {
     return to_pixel(gget_pipe(), pt);
-}
-
-// Line width in pixels, within what a request holds.
-inline int pixel_width(float width) {
-    return static_cast<int>(hold_within(width, pixel_limit));
 }
 
 class PixelFigure {
@@ -34,18 +29,18 @@ public:
     // Null points when there is no memory for them.
     PixelFigure(int n, const Gpt* pts) {
         if (n > few) {
-            more.reset(new (std::nothrow) XPoint[n]);
+            more.reset(new (std::nothrow) Gpixel[n]);
             at = more.get();
         }
         const Gpipe& p = gget_pipe();
         for (int i = 0; at != nullptr && i < n; ++i)
             at[i] = to_pixel(p, pts[i]);
     }
-    XPoint* points() { return at; }
+    const Gpixel* points() const { return at; }
 
 private:
     static constexpr int few = 10;
-    std::array<XPoint, few> here; // left unset: the loop fills it
-    std::unique_ptr<XPoint[]> more;
-    XPoint* at = here.data();
+    std::array<Gpixel, few> here; // left unset: the loop fills it
+    std::unique_ptr<Gpixel[]> more;
+    Gpixel* at = here.data();
 };

@@ -20,6 +20,7 @@
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -474,7 +475,9 @@ int gps_polyline(int n, const Gpt* pts, int color, float width, int type) {
     return 0;
 }
 
-int gps_fill_area(int n, const Gpt* pts, int color) {
+int gps_fill_area(int n, const Gpt* pts, int color, int style) {
+    if (style != GSOLID)
+        return 0;
     Text out;
     out.put("%%FA:");
     out.number(n);
@@ -484,6 +487,83 @@ int gps_fill_area(int n, const Gpt* pts, int color) {
     put_fill_color(out, color);
     out.put("fill\n");
     return 0;
+}
+
+float gps_begin_markers(int n, int color, float width) {
+    Text out;
+    out.put("%%PM:");
+    out.number(n);
+    out.put("\n");
+    put_width(out, color, width);
+    put_color(out, color);
+    put_type(out, 1);
+    return 10.0F * points_per_pixel;
+}
+
+int gps_marker_path(int n, const Gpt* pts) {
+    Text out;
+    out.put("np\n");
+    for (int i = 0; i < n; ++i)
+        out.point(hold(pts[i].x), hold(pts[i].y), i == 0 ? Text::move : Text::line);
+    out.put("stroke\n");
+    return 0;
+}
+
+int gps_begin_text(const Gpt& pos, const char* str, int color, float width) {
+    gps_comment("%%%%TE:%f %f %s", static_cast<double>(pos.x), static_cast<double>(pos.y), str);
+    Text out;
+    put_width(out, color, width);
+    put_color(out, color);
+    put_type(out, 1);
+    return 0;
+}
+
+int gps_glyph(int n, const Gpen_step* steps) {
+    constexpr int longest_stroke = 30;
+    constexpr std::string_view next_stroke = "stroke\nnp\n";
+    const Gpipe& pipe = gget_pipe();
+    int points = 0; // of the stroke under way
+    Text out;
+    out.put("np\n");
+    for (const Gpen_step& step : std::span(steps, static_cast<std::size_t>(n))) {
+        const float x = pipe_x(pipe, step.at.x);
+        const float y = pipe_y(pipe, step.at.y);
+        if (!step.down) {
+            if (points > 1)
+                out.put(next_stroke);
+            out.point(x, y, Text::move);
+            points = 1;
+            continue;
+        }
+        out.point(x, y, Text::line);
+        if (++points == longest_stroke) {
+            out.put(next_stroke);
+            out.point(x, y, Text::move);
+            points = 1;
+        }
+    }
+    out.put("stroke\n");
+    return 0;
+}
+
+int gps_clear_region(const Glim& lim) {
+    const Gpt pts[] = {
+        {lim.x_min, lim.y_min},
+        {lim.x_max, lim.y_min},
+        {lim.x_max, lim.y_max},
+        {lim.x_min, lim.y_max}
+    };
+    Text out;
+    out.put("%%CLR\nnp\n");
+    out.path(4, pts);
+    out.put("cp\n");
+    put_fill_color(out, -1);
+    out.put("fill\n");
+    return 0;
+}
+
+float gps_kept_width(float width) {
+    return width == 0.0F ? 1.0F : width;
 }
 
 int gps_set_clip(float x0, float y0, float x1, float y1) {

@@ -1,14 +1,13 @@
-// gks_text.cpp: text as strokes of a font of the program's own. Owns the text
+// gks_text: text as strokes of a font of the program's own. Owns the text
 // attributes, the list of fonts and the one font in memory. gsetup_fonts (from
 // gopen_ws) makes the list and reads the first font; ginit_plot resets the
-// attributes, but neither font nor shadow. On a display it owns the graphics
-// context of the strokes, which ginit_text makes, and a font of the server if
-// one was asked for.
+// attributes, but neither font nor shadow. A display has a pen that follows the
+// attributes, and may take a font of its server.
 
+#include "gks_attr.h"
 #include "gks_font.h"
 #include "gks_pix.h"
 #include "gks_tran.h"
-#include "gks_x11.h"
 #include "text_num.h"
 #include "zyr.h"
 
@@ -22,6 +21,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -43,7 +43,6 @@ struct TextState {
 };
 TextState state;
 TextState state_aside; // while a replay runs
-GC text_gc = nullptr;
 
 struct FontEntry {
     std::array<char, 10> abbr{};
@@ -58,15 +57,9 @@ struct FontState {
     Gfont font{};
     int in_memory = 1; // place in the list that `font` was read for
     int aside_in_memory = 1;
-    XFontStruct* font_info = nullptr; // a font of the server, in place of `font`
+    std::vector<Gpen_step> steps; // of the glyph that is drawn
 };
 FontState font_state;
-
-void free_server_font() {
-    if (font_state.font_info != nullptr && gget_display() != nullptr)
-        XFreeFont(gget_display(), font_state.font_info);
-    font_state.font_info = nullptr;
-}
 
 // Opens a file along `file_path`; an empty name would be standard input.
 FILE_ptr open_along_path(const char* name) {
@@ -125,8 +118,8 @@ int setup_list() {
     if (*text == '\0')
         text = RES_get("font_list");
     font_state.num_fonts = 0;
-    if ((text == nullptr || *text == '\0') && gget_display() != nullptr)
-        text = XGetDefault(gget_display(), gget_prog_name(), "font_list");
+    if (text == nullptr || *text == '\0')
+        text = gdraw_default("font_list");
     if (text == nullptr || *text == '\0') {
         if (const FILE_ptr file = open_along_path("zyr.fnl"))
             read_default_list(file.get());
@@ -162,22 +155,17 @@ bool read_file(std::FILE* file, std::string* text) {
 
 // A font of the window server; a file device has none.
 int read_server_font(const char* name) {
-    Display* display = gget_display();
-    if (display != nullptr)
-        font_state.font_info = XLoadQueryFont(display, name);
-    if (font_state.font_info == nullptr) {
-        MESS_print(mess_warn, "read_font: unable to load font: %s\n", name);
-        return -1;
-    }
-    XSetFont(display, text_gc, font_state.font_info->fid);
-    return 0;
+    if (gdraw_load_font(name) == 0)
+        return 0;
+    MESS_print(mess_warn, "read_font: unable to load font: %s\n", name);
+    return -1;
 }
 
 int read_font(const char* name) {
     if (gchk_graphics() == 0)
         return -1;
     gclear_font(&font_state.font);
-    free_server_font();
+    gdraw_free_font();
     if (*name == '#')
         return read_server_font(name + 1);
     const FILE_ptr file = open_along_path(name);
@@ -269,37 +257,9 @@ Gpt glyph_point(const Layout& layout, const Gstroke& s) {
             layout.at.y - state.upx * fx + state.upy * fy};
 }
 
-// One glyph as PostScript paths.
-void print_glyph(const Layout& layout, int place) {
-    constexpr int longest_stroke = 30;
-    int points = 0; // of the stroke under way
-    Gstroke s{};
-    gps_printf("np\n");
-    while (gnext_stroke(font_state.font, &place, &s)) {
-        const Gpt p = glyph_point(layout, s);
-        // A damaged glyph may begin with the pen down: it has no point to
-        // draw from.
-        if (!s.down || points == 0) {
-            if (points > 1)
-                gps_printf("stroke\nnp\n");
-            gps_move(p.x, p.y);
-            points = 1;
-            continue;
-        }
-        gps_line(p.x, p.y);
-        if (++points == longest_stroke) {
-            gps_printf("stroke\nnp\n");
-            gps_move(p.x, p.y);
-            points = 1;
-        }
-    }
-    gps_printf("stroke\n");
-}
-
-// One XDrawLines a stroke.
+// Draws the strokes of a glyph on a display.
 class ShownStroke {
 public:
-    explicit ShownStroke() = default;
     void move(const Gpt& p) {
         flush();
         add(p);
@@ -314,41 +274,51 @@ public:
     }
     void flush() {
         if (n > 1)
-            XDrawLines(gget_display(), gget_draw_window(), text_gc, points.data(), n,
-                       CoordModeOrigin);
+            gdraw_lines(Gpen::text, n, points.data());
         n = 0;
     }
 
 private:
     static constexpr int longest = 30;
     void add(const Gpt& p) { points[n++] = pixel_of(p); }
-    std::array<XPoint, longest> points{};
+    std::array<Gpixel, longest> points{};
     int n = 0;
 };
 
-void show_glyph(const Layout& layout, int place) {
+int show_glyph(int n, const Gpen_step* steps) {
     ShownStroke stroke;
-    Gstroke s{};
-    bool begun = false; // a damaged glyph may begin with the pen down
-    while (gnext_stroke(font_state.font, &place, &s)) {
-        const Gpt p = glyph_point(layout, s);
-        if (s.down && begun)
-            stroke.line(p);
+    for (int i = 0; i < n; ++i) {
+        if (steps[i].down)
+            stroke.line(steps[i].at);
         else
-            stroke.move(p);
-        begun = true;
+            stroke.move(steps[i].at);
     }
     stroke.flush();
+    return 0;
 }
 
-void draw_glyph(const Layout& layout, int place) {
-    if (gtype_is_WIN_PIX())
-        show_glyph(layout, place);
-    else if (gtype_is_PS())
-        print_glyph(layout, place);
+int draw_glyph(const Layout& layout, int place) {
+    std::vector<Gpen_step>& steps = font_state.steps;
+    steps.clear();
+    Gstroke s{};
+    // A damaged glyph may begin with the pen down: it has no point to draw from.
+    while (gnext_stroke(font_state.font, &place, &s))
+        steps.push_back({glyph_point(layout, s), s.down && !steps.empty()});
+    const int n = static_cast<int>(steps.size());
+    switch (gget_device()) {
+    case Gdevice::window:
+    case Gdevice::pixmap:
+        return show_glyph(n, steps.data());
+    case Gdevice::postscript:
+        return gps_glyph(n, steps.data());
+    case Gdevice::metafile: // holds the string
+    case Gdevice::none:
+        return 0;
+    }
+    return 0;
 }
 
-void draw_text(const Gpt& pos, std::string_view text) {
+int draw_text(const Gpt& pos, std::string_view text) {
     Layout layout = {pos, unit_of(state.text_height), start_x(total_width(text)), start_y()};
     for (const char c : text) {
         const auto code = static_cast<unsigned char>(c);
@@ -359,61 +329,50 @@ void draw_text(const Gpt& pos, std::string_view text) {
             draw_glyph(layout, place);
         layout.xo = sum(layout.xo, letter_step(code) * state.text_expan);
     }
-}
-
-void apply_color() {
-    if (text_gc != nullptr)
-        XSetForeground(gget_display(), text_gc,
-                       static_cast<unsigned long>(gget_color_ind(state.text_color)));
+    return 0;
 }
 
 // Draws by `draw(k)`: the shadow in black, moved by k pixels, and then the text.
 template <typename Draw> void with_shadow(Draw draw) {
     if (font_state.drop_shadow > 0) {
-        XSetForeground(gget_display(), text_gc, BlackPixel(gget_display(), gget_screen()));
+        gdraw_set_black(Gpen::text);
         for (int k = 0; k < font_state.drop_shadow; ++k)
             draw(k);
-        apply_color();
+        gdraw_set_color(Gpen::text, state.text_color);
     }
     draw(0);
 }
 
 // A string in a font of the server, which neither scales nor turns.
-void show_server_text(const Gpt& pos, std::string_view text) {
-    const XFontStruct& font = *font_state.font_info;
-    const int length = static_cast<int>(text.size());
-    const int width = XTextWidth(font_state.font_info, text.data(), length);
+void show_server_text(const Gpt& pos, std::string_view text, const Gstring_size& size) {
     int dx = 0;
     if (state.horiz_align == GCENTER_HOR)
-        dx = -width / 2;
+        dx = -size.width / 2;
     else if (state.horiz_align == GRIGHT_HOR)
-        dx = -width;
+        dx = -size.width;
     int dy = 0;
     if (state.vert_align == GTOP_VERT || state.vert_align == GCAP_VERT)
-        dy = font.ascent;
+        dy = size.ascent;
     else if (state.vert_align == GHALF_VERT)
-        dy = font.ascent / 2;
+        dy = size.ascent / 2;
     else if (state.vert_align == GBOTTOM_VERT)
-        dy = -font.descent;
-    const XPoint at = pixel_of(pos);
-    with_shadow([&](int k) {
-        XDrawString(gget_display(), gget_draw_window(), text_gc, at.x + dx + k, at.y + dy + k,
-                    text.data(), length);
-    });
+        dy = -size.descent;
+    const Gpixel at = pixel_of(pos);
+    with_shadow([&](int k) { gdraw_string(at.x + dx + k, at.y + dy + k, text); });
 }
 
-void show_text(const Gpt& pos, const char* str) {
+int show_text(const Gpt& pos, const char* str) {
     const std::string_view text = str;
-    gflush_fill();
     const int length = static_cast<int>(text.size());
     char* kept = gnew_obj(obj_text, 1, static_cast<int>(sizeof pos) + length + 1, nullptr);
     if (kept != nullptr) {
         std::memcpy(kept, &pos, sizeof pos);
         std::memcpy(kept + sizeof pos, str, text.size() + 1);
     }
-    if (font_state.font_info != nullptr) {
-        show_server_text(pos, text);
-        return;
+    Gstring_size size{};
+    if (gdraw_measure(text, &size)) {
+        show_server_text(pos, text, size);
+        return 0;
     }
     // A pixel in world units.
     const float dx = 1.0F / (xW_p(pos.x + 1.0F) - xW_p(pos.x));
@@ -422,16 +381,7 @@ void show_text(const Gpt& pos, const char* str) {
         const auto step = static_cast<float>(k);
         draw_text(k == 0 ? pos : Gpt{pos.x + step * dx, pos.y + step * dy}, text);
     });
-}
-
-// Records a changed attribute: a line of a metafile, or an object of the list.
-// True on a metafile, where nothing is left to do.
-bool put_float(const char* keyword, Gobj code, float value) {
-    if (gtype_is_META())
-        gmeta_printf("%s %f\n", keyword, static_cast<double>(value));
-    else
-        gnew_obj(code, 1, sizeof value, &value);
-    return gtype_is_META();
+    return 0;
 }
 
 // Attributes that no setter is given, so that each next one counts.
@@ -468,21 +418,18 @@ int gtext(const Gpt* pos, const char* str) {
         return -1;
     if (*str == '\0')
         return 0;
-    if (gtype_is_META())
-        return gmeta_line("TE %f,%f %s", static_cast<double>(pos->x), static_cast<double>(pos->y),
-                          str);
-    if (gtype_is_WIN_PIX()) {
-        show_text(*pos, str);
+    switch (gget_device()) {
+    case Gdevice::window:
+    case Gdevice::pixmap:
+        return show_text(*pos, str);
+    case Gdevice::metafile:
+        return gmeta_text(*pos, str);
+    case Gdevice::postscript:
+        gps_begin_text(*pos, str, state.text_color, state.text_width);
+        return draw_text(*pos, str);
+    case Gdevice::none:
         return 0;
     }
-    if (gtype_is_PS()) {
-        gps_comment("%%%%TE:%f %f %s", static_cast<double>(pos->x), static_cast<double>(pos->y),
-                    str);
-        gps_set_width(state.text_color, state.text_width);
-        gps_set_color(state.text_color);
-        gps_set_type(1);
-    }
-    draw_text(*pos, str);
     return 0;
 }
 
@@ -498,10 +445,8 @@ int gset_text_colr_ind(int ind) {
     if (ind == state.text_color)
         return 0;
     state.text_color = ind;
-    if (gtype_is_META())
-        return gmeta_printf("TE_CLR %d\n", ind);
-    gnew_obj(obj_text_colr, ind, 0, nullptr);
-    apply_color();
+    if (grecord(obj_text_colr, ind))
+        gdraw_set_color(Gpen::text, ind);
     return 0;
 }
 
@@ -511,7 +456,7 @@ int gset_char_ht(float height) {
     if (!valid_size("gset_char_ht", "character height", height))
         return -1;
     state.text_height = height;
-    put_float("TE_HGHT", obj_char_ht, height);
+    grecord(obj_char_ht, height);
     return 0;
 }
 
@@ -521,7 +466,7 @@ int gset_expan(float factor) {
     if (!valid_size("gset_expan", "expansion factor", factor))
         return -1;
     state.text_expan = factor;
-    put_float("TE_EXP", obj_expan, factor);
+    grecord(obj_expan, factor);
     return 0;
 }
 
@@ -530,12 +475,9 @@ int gset_text_width(float width) {
         return 0;
     if (!valid_size("gset_text_width", "text width", width))
         return -1;
-    state.text_width = gtype_is_PS() && width == 0.0F ? 1.0F : width;
-    if (!put_float("TE_WDTH", obj_text_width, state.text_width) && text_gc != nullptr) {
-        XGCValues values{};
-        values.line_width = pixel_width(width);
-        XChangeGC(gget_display(), text_gc, GCLineWidth, &values);
-    }
+    state.text_width = gkept_width(width);
+    if (grecord(obj_text_width, width))
+        gdraw_set_width(Gpen::text, width);
     return 0;
 }
 
@@ -545,7 +487,7 @@ int gset_space(float space) {
     if (gchk_open("gset_space") != 0)
         return -1;
     state.text_space = space;
-    put_float("TE_SPC", obj_space, space);
+    grecord(obj_space, space);
     return 0;
 }
 
@@ -555,7 +497,7 @@ int gset_char_space(float space) {
     if (gchk_open("gset_char_space") != 0)
         return -1;
     state.text_char_space = space;
-    put_float("TE_CSPC", obj_char_space, space);
+    grecord(obj_char_space, space);
     return 0;
 }
 
@@ -568,12 +510,11 @@ int gset_char_up_vec(const Gpt* up) {
     const float length = std::hypot(up->x, up->y);
     if (!std::isfinite(length) || length == 0.0F)
         return -1; // it points nowhere
+    grecord(obj_char_up, *up);
     if (gtype_is_META()) {
         state.up_elsewhere = !same;
-        return gmeta_printf("TE_UP %f,%f\n", static_cast<double>(up->x),
-                            static_cast<double>(up->y));
+        return 0;
     }
-    gnew_obj(obj_char_up, 1, sizeof *up, up);
     state.upx = up->x / length;
     state.upy = up->y / length;
     return 0;
@@ -586,9 +527,7 @@ int gset_text_align(const Gtext_align* align) {
         return -1;
     state.horiz_align = align->hor;
     state.vert_align = align->ver;
-    if (gtype_is_META())
-        return gmeta_printf("TE_ALGN %d %d\n", align->hor, align->ver);
-    gnew_obj(obj_text_align, 1, sizeof *align, align);
+    grecord(obj_text_align, *align);
     return 0;
 }
 
@@ -608,10 +547,8 @@ int gset_fontprec(const Gfontprec* font) {
     if (gchk_open("gset_fontprec") != 0)
         return -1;
     state.font_ind = font->font;
-    if (gtype_is_META())
-        return gmeta_printf("TE_FNT %d %d\n", font->font, font->prec);
-    gnew_obj(obj_fontprec, 1, sizeof *font, font);
-    if (font_state.num_fonts == 0)
+    grecord(obj_fontprec, *font);
+    if (gtype_is_META() || font_state.num_fonts == 0)
         return 0;
     if (font->font < 1 || font->font > font_state.num_fonts) {
         MESS_print(mess_warn, "gset_fontprec: invalid font id: %d\n", font->font);
@@ -660,15 +597,7 @@ int greset_text() {
 }
 
 int ginit_text(int type) {
-    Display* display = gget_display();
-    if (display == nullptr || type < 0 || type > 1)
-        return 0;
-    if (type == 0)
-        text_gc = XCreateGC(display, gget_draw_window(), 0, nullptr);
-    XSetForeground(display, text_gc, WhitePixel(display, gget_screen()));
-    XSetBackground(display, text_gc, BlackPixel(display, gget_screen()));
-    XSetLineAttributes(display, text_gc, 1, LineSolid, CapProjecting, JoinBevel);
-    gset_gc_clip();
+    gdraw_init_pen(Gpen::text, type);
     return 0;
 }
 
@@ -707,19 +636,4 @@ void ghold_text_state(Ghold what) {
     font_state.aside_in_memory = font_state.in_memory;
     if (what == Ghold::begin)
         state = unknown_state();
-}
-
-GC gget_text_gc() {
-    return text_gc;
-}
-
-void grenew_text_color() {
-    apply_color();
-}
-
-void gfree_text_gc() {
-    free_server_font();
-    if (text_gc != nullptr)
-        XFreeGC(gget_display(), text_gc);
-    text_gc = nullptr;
 }

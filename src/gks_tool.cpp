@@ -2,7 +2,8 @@
 // the type and size of the device, names, and the kernel's reports. gopen_gks
 // comes first, then gopen_ws.
 
-#include "gks_disp.h"
+#include "gks.h"
+#include "gks_draw.h"
 #include "gks_tran.h"
 #include "zyr.h"
 
@@ -48,25 +49,55 @@ void hold_redraw() {
     station.redraw = gset_redraw(0);
 }
 
+bool is_file_device(Gdevice device) {
+    switch (device) {
+    case Gdevice::metafile:
+    case Gdevice::postscript:
+        return true;
+    case Gdevice::window:
+    case Gdevice::pixmap:
+    case Gdevice::none:
+        return false;
+    }
+    return false;
+}
+
 // The branch of the device, with what initialises the plot there. Negative
 // after a report.
-int open_device(const char* conn_id, Gws_type type) {
-    switch (type) {
-    case ws_window:
+int open_device(const char* conn_id, Gdevice device) {
+    switch (device) {
+    case Gdevice::window:
         return gopen_window(conn_id) == 0 ? init_display : init_none;
-    case ws_pixmap:
+    case Gdevice::pixmap:
         return gopen_pixmap(conn_id) == 0 ? init_display : init_none;
-    case ws_postscript:
+    case Gdevice::postscript:
         return gps_open_ws(conn_id) == 0 ? init_postscript : init_none;
-    case ws_metafile:
+    case Gdevice::metafile:
         return gmeta_open_ws(conn_id) == 0 ? init_metafile : init_none;
-    case ws_hpgl:
-        gerr_printf("gopen_ws", "unable to open HPGL file\n");
-        return init_none;
-    default:
-        gerr_printf("gopen_ws", "invalid workstation type: %d\n", type);
-        return init_none;
+    case Gdevice::none:
+        break;
     }
+    if (static_cast<Gws_type>(device) == ws_hpgl)
+        gerr_printf("gopen_ws", "unable to open HPGL file\n");
+    else
+        gerr_printf("gopen_ws", "invalid workstation type: %d\n", static_cast<int>(device));
+    return init_none;
+}
+
+// What is left to the device besides its display. -1 when its file is not whole.
+int close_device(Gdevice device) {
+    switch (device) {
+    case Gdevice::window:
+        return gclear_objs();
+    case Gdevice::postscript:
+        return gps_close_file();
+    case Gdevice::metafile:
+        return gmeta_close_file();
+    case Gdevice::pixmap:
+    case Gdevice::none:
+        return 0;
+    }
+    return 0;
 }
 
 } // namespace
@@ -99,10 +130,11 @@ int gopen_ws(int /*ws_id*/, const char* conn_id, Gws_type ws_type) {
     const char* print = std::getenv("zyrprint");
     if (ws_type == ws_postscript && print != nullptr && stricmp(print, "hpgl") == 0)
         ws_type = ws_hpgl;
-    const bool file_device = ws_type != ws_window && ws_type != ws_pixmap;
+    const auto device = static_cast<Gdevice>(ws_type);
+    const bool file_device = is_file_device(device);
     if (file_device)
         hold_redraw();
-    const int init = open_device(conn_id, ws_type);
+    const int init = open_device(conn_id, device);
     if (init == init_none) {
         if (file_device)
             gset_redraw(station.redraw);
@@ -132,28 +164,16 @@ int gclose_ws(int /*ws_id*/) {
     gclose_display();
     station.win_width = 0;
     station.win_height = 0;
-    if (gtype_is_WIN())
-        gclear_objs();
-    else if (!gtype_is_PIX())
+    if (is_file_device(gget_device()))
         gset_redraw(station.redraw);
-    int status = 0;
-    if (gtype_is_PS())
-        status = gps_close_file();
-    if (gtype_is_META())
-        status = gmeta_close_file();
+    const int status = close_device(gget_device());
     kernel.open_graphics = 0;
     return status;
 }
 
 int gclear_ws(int /*ws_id*/, int /*flag*/) {
-    if (!gtype_is_WIN() || gget_base_window() == 0)
+    if (!gtype_is_WIN() || gclear_window() != 0)
         return 0; // a page of a file device begins with its opening
-    int width = 0;
-    int height = 0;
-    gget_root_size(&width, &height);
-    gflush_fill();
-    gfill_drawable(gget_base_window(), static_cast<unsigned long>(gget_color_ind(-1)),
-                   static_cast<unsigned>(width), static_cast<unsigned>(height));
     greset_zoom();
     gclear_objs();
     gput_state();
@@ -174,6 +194,19 @@ int gchk_open(const char* func) {
 
 int gget_ws_id() {
     return 1;
+}
+
+float gkept_width(float width) {
+    switch (gget_device()) {
+    case Gdevice::postscript:
+        return gps_kept_width(width);
+    case Gdevice::window:
+    case Gdevice::pixmap:
+    case Gdevice::metafile:
+    case Gdevice::none:
+        return width;
+    }
+    return width;
 }
 
 void gerr_printf(const char* func, const char* format, ...) {
@@ -208,7 +241,7 @@ int ginit_plot(int type) {
     }
     if (type == init_display || type == init_again) {
         ginit_event(type);
-        greset_gcs();
+        gdraw_reset_pens();
     }
     return 0;
 }
@@ -220,6 +253,10 @@ Gws_type gget_win_type() {
 int gset_win_type(Gws_type type) {
     station.win_type = type;
     return 0;
+}
+
+Gdevice gget_device() {
+    return static_cast<Gdevice>(station.win_type);
 }
 
 bool gtype_is_WIN() {
@@ -304,10 +341,17 @@ const char* gget_win_title() {
 }
 
 int gmessage(int level, const char* text) {
-    if (gtype_is_META())
+    if (!gtype_is_META())
+        gnew_obj(obj_message, level, static_cast<int>(std::strlen(text)) + 1, text);
+    switch (gget_device()) {
+    case Gdevice::metafile:
         return gmeta_line("ME %s", text);
-    gnew_obj(obj_message, level, static_cast<int>(std::strlen(text)) + 1, text);
-    if (gtype_is_PS())
-        gps_comment("%%%%Message: %s", text);
+    case Gdevice::postscript:
+        return gps_comment("%%%%Message: %s", text);
+    case Gdevice::window:
+    case Gdevice::pixmap:
+    case Gdevice::none:
+        return 0;
+    }
     return 0;
 }

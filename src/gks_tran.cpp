@@ -1,9 +1,11 @@
-// gks_tran.cpp: normalisation and workstation transformations and the clip.
+// gks_tran: normalisation and workstation transformations and the clip.
 // Owns the six windows and viewports, the workstation window and viewport and
 // all that is derived from them; ginit_tran (from gopen_ws) sets it up.
 
 #include "gks_tran.h"
-#include "gks_x11.h"
+
+#include "gks_attr.h"
+#include "gks_draw.h"
 #include "text_num.h"
 
 #include <algorithm>
@@ -78,6 +80,14 @@ Gclip_rect pixel_rect(const Gcoords& vp) {
             static_cast<std::uint16_t>(std::clamp(height, 0, 65535))};
 }
 
+// The same on paper, Y up.
+Grectangle print_rect(const Gcoords& vp) {
+    const int x = trunc_int(xNDC_ps(vp.x_min));
+    const int y = trunc_int(yNDC_ps(vp.y_min));
+    return {x, y, trunc_int(xNDC_ps(vp.x_max) - static_cast<float>(x) + 1.5F),
+            trunc_int(yNDC_ps(vp.y_max) - static_cast<float>(y) + 1.5F)};
+}
+
 // Everything that follows from windows, viewports and `plt`.
 void derive() {
     tran.wn_vp = scales(tran.cur_vp, tran.cur_wn);
@@ -97,31 +107,26 @@ void refit() {
     derive();
 }
 
-void write_clip() {
+void set_clip() {
     const Gcoords& vp = tran.cur_vp;
-    if (gtype_is_WIN_PIX())
-        gset_gc_clip();
-    else if (gtype_is_PS())
-        gps_set_clip(xNDC_ps(vp.x_min), yNDC_ps(vp.y_min), xNDC_ps(vp.x_max), yNDC_ps(vp.y_max));
-    else if (gtype_is_META())
-        gcgm_set_clip(xNDC_ps(vp.x_min), yNDC_ps(vp.y_min), xNDC_ps(vp.x_max), yNDC_ps(vp.y_max));
-}
-
-// A record of limits: of a metafile, or else of the redraw list.
-void put_limits(const char* keyword, Gobj code, int n, const Glim* lim) {
-    if (gtype_is_META())
-        gmeta_printf("%s %d %f %f %f %f\n", keyword, n, static_cast<double>(lim->x_min),
-                     static_cast<double>(lim->y_min), static_cast<double>(lim->x_max),
-                     static_cast<double>(lim->y_max));
-    else
-        gnew_obj(code, n, sizeof *lim, lim);
-}
-
-void put_selection(int n) {
-    if (gtype_is_META())
-        gmeta_printf("TR %d\n", n);
-    else
-        gnew_obj(obj_norm_tran, n, 0, nullptr);
+    const float x0 = xNDC_ps(vp.x_min);
+    const float y0 = yNDC_ps(vp.y_min);
+    const float x1 = xNDC_ps(vp.x_max);
+    const float y1 = yNDC_ps(vp.y_max);
+    switch (gget_device()) {
+    case Gdevice::window:
+    case Gdevice::pixmap:
+        gdraw_set_clip(tran.clip_rect);
+        break;
+    case Gdevice::metafile:
+        gcgm_set_clip(x0, y0, x1, y1);
+        break;
+    case Gdevice::postscript:
+        gps_set_clip(x0, y0, x1, y1);
+        break;
+    case Gdevice::none:
+        break;
+    }
 }
 
 bool valid(const char* func, int n) {
@@ -151,37 +156,24 @@ const Gpipe& gget_pipe() {
     return tran.pipe;
 }
 
-void gset_gc_clip() {
-    Display* display = gget_display();
-    if (display == nullptr)
-        return;
-    gflush_fill();
-    XRectangle rect = {tran.clip_rect.x, tran.clip_rect.y, tran.clip_rect.width,
-                       tran.clip_rect.height};
-    for (GC gc : {gget_line_gc(), gget_marker_gc(), gget_fill_gc(), gget_text_gc()}) {
-        if (gc != nullptr)
-            XSetClipRectangles(display, gc, 0, 0, &rect, 1, Unsorted);
-    }
-}
-
 void gput_tran_state() {
     const Glim wkvp = to_lim(tran.wkvp);
     const Glim wkwn = to_lim(tran.wkwn);
-    put_limits("WS_VP", obj_ws_vp, gget_ws_id(), &wkvp);
-    put_limits("WS_WIN", obj_ws_win, gget_ws_id(), &wkwn);
+    grecord(obj_ws_vp, gget_ws_id(), wkvp);
+    grecord(obj_ws_win, gget_ws_id(), wkwn);
     for (int n = 0; n < num_trans; ++n) {
         const Glim vp = to_lim(tran.vp[n]);
         const Glim wn = to_lim(tran.wn[n]);
-        put_limits("VP", obj_vp, n, &vp);
-        put_limits("WIN", obj_win, n, &wn);
+        grecord(obj_vp, n, vp);
+        grecord(obj_win, n, wn);
     }
-    put_selection(tran.cur_trans);
+    grecord(obj_norm_tran, tran.cur_trans);
 }
 
 void ghold_tran_state(Ghold what) {
     if (what == Ghold::restore) {
         tran = tran_aside;
-        write_clip();
+        set_clip();
         return;
     }
     tran_aside = tran;
@@ -206,23 +198,23 @@ int ginit_tran(int type) {
         from_lim({0.0F, static_cast<float>(width - 1), 0.0F, static_cast<float>(height - 1)});
     refit();
     if (type != size_changed)
-        write_clip();
+        set_clip();
     return 0;
 }
 
 int gset_ws_win(int ws_id, const Glim* lim) {
-    put_limits("WS_WIN", obj_ws_win, ws_id, lim);
+    grecord(obj_ws_win, ws_id, *lim);
     tran.wkwn = from_lim(*lim);
     refit();
-    write_clip();
+    set_clip();
     return 0;
 }
 
 int gset_ws_vp(int ws_id, const Glim* lim) {
-    put_limits("WS_VP", obj_ws_vp, ws_id, lim);
+    grecord(obj_ws_vp, ws_id, *lim);
     tran.wkvp = from_lim(*lim);
     refit();
-    write_clip();
+    set_clip();
     return 0;
 }
 
@@ -231,24 +223,24 @@ int gsel_norm_tran(int n) {
         return -1;
     if (n == tran.cur_trans)
         return 0;
-    put_selection(n);
+    grecord(obj_norm_tran, n);
     tran.cur_trans = n;
     tran.cur_wn = tran.wn[n];
     tran.cur_vp = tran.vp[n];
     derive();
-    write_clip();
+    set_clip();
     return 0;
 }
 
 int gset_vp(int n, const Glim* lim) {
     if (!valid("gset_vp", n))
         return -1;
-    put_limits("VP", obj_vp, n, lim);
+    grecord(obj_vp, n, *lim);
     tran.vp[n] = from_lim(*lim);
     if (n == tran.cur_trans) {
         tran.cur_vp = tran.vp[n];
         derive();
-        write_clip();
+        set_clip();
     }
     return 0;
 }
@@ -256,7 +248,7 @@ int gset_vp(int n, const Glim* lim) {
 int gset_win(int n, const Glim* lim) {
     if (!valid("gset_win", n))
         return -1;
-    put_limits("WIN", obj_win, n, lim);
+    grecord(obj_win, n, *lim);
     tran.wn[n] = from_lim(*lim);
     if (n == tran.cur_trans) {
         tran.cur_wn = tran.wn[n];
@@ -318,16 +310,17 @@ int gget_xviewport(Gclip_rect* rect) {
 }
 
 int gget_gviewport(Grectangle* rect) {
-    if (gtype_is_WIN_PIX()) {
-        const Gclip_rect& c = tran.clip_rect;
-        *rect = {c.x, c.y, c.width, c.height};
-        return 0;
+    switch (gget_device()) {
+    case Gdevice::window:
+    case Gdevice::pixmap:
+        *rect = {tran.clip_rect.x, tran.clip_rect.y, tran.clip_rect.width, tran.clip_rect.height};
+        break;
+    case Gdevice::metafile:
+    case Gdevice::postscript:
+    case Gdevice::none:
+        *rect = print_rect(tran.cur_vp);
+        break;
     }
-    const Gcoords& vp = tran.cur_vp;
-    rect->x = trunc_int(xNDC_ps(vp.x_min));
-    rect->width = trunc_int(xNDC_ps(vp.x_max) - static_cast<float>(rect->x) + 1.5F);
-    rect->y = trunc_int(yNDC_ps(vp.y_min));
-    rect->height = trunc_int(yNDC_ps(vp.y_max) - static_cast<float>(rect->y) + 1.5F);
     return 0;
 }
 

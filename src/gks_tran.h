@@ -45,10 +45,6 @@ inline float pipe_py(const Gpipe& p, float y) {
     return hold_within((p.wkwn_y_max - ndc) * p.plt_fy + p.plt_y, pixel_limit);
 }
 
-// Sets the clip of the current viewport on a new graphics context's behalf: all
-// four contexts get it.
-void gset_gc_clip();
-
 // --- Attribute state as a whole -------------------------------------------------
 // A metafile and the redraw list hold only changes: both begin with the state
 // in force. gput_... sends every attribute of the module as its setter does.

@@ -118,11 +118,7 @@ int gclose_display() {
         if (disp.has_window)
             XDestroyWindow(display, disp.root_window); // unmaps it first
     }
-    gfree_line_gc();
-    gfree_fill_gc();
-    gfree_marker_gc();
-    gfree_text_gc();
-    gdel_fill_pat();
+    gfree_pens();
     gfree_xcolr();
     gfree_cursors();
     if (disp.icon_pixmap != 0)
@@ -256,20 +252,6 @@ void gfill_drawable(Drawable drawable, unsigned long pixel, unsigned width, unsi
     XSetForeground(disp.display, disp.root_gc, disp.fore_colr);
 }
 
-void greset_gcs() {
-    if (disp.display == nullptr)
-        return;
-    gflush_fill();
-    XGCValues values{};
-    values.line_width = 0;
-    values.line_style = LineSolid;
-    values.join_style = JoinBevel;
-    for (GC gc : {gget_line_gc(), gget_marker_gc(), gget_text_gc(), gget_fill_gc()}) {
-        if (gc != nullptr)
-            XChangeGC(disp.display, gc, GCLineWidth | GCLineStyle | GCJoinStyle, &values);
-    }
-}
-
 int gresize_window(int width, int height) {
     if (!gtype_is_WIN() || !disp.has_window)
         return 0;
@@ -310,20 +292,12 @@ int gupdate_window() {
     return gflush();
 }
 
-int gclear_window_region(const Glim* lim) {
-    if (disp.display == nullptr)
+int gclear_window() {
+    if (disp.base_window == 0)
         return -1;
     gflush_fill();
-    const int x = trunc_int(xW_p(lim->x_min) + 0.5F);
-    const int y = trunc_int(yW_p(lim->y_max) + 0.5F);
-    const int width = trunc_int(xW_p(lim->x_max) - static_cast<float>(x) + 0.5F);
-    const int height = trunc_int(yW_p(lim->y_min) - static_cast<float>(y) + 0.5F);
-    if (width <= 0 || height <= 0)
-        return 0;
-    XSetForeground(disp.display, disp.root_gc, static_cast<unsigned long>(gget_color_ind(-1)));
-    XFillRectangle(disp.display, disp.draw_window, disp.root_gc, x, y, static_cast<unsigned>(width),
-                   static_cast<unsigned>(height));
-    XSetForeground(disp.display, disp.root_gc, disp.fore_colr);
+    gfill_drawable(disp.base_window, static_cast<unsigned long>(gget_color_ind(-1)),
+                   static_cast<unsigned>(disp.root_width), static_cast<unsigned>(disp.root_height));
     return 0;
 }
 

@@ -35,10 +35,7 @@ Atom gget_close_atom(); // of the window manager's wish that the window closes
 // which syncs and returns whether one came.
 int gtrap_errors(int print);
 
-// Sends what is drawn so far on its way; nothing is waited for, as by gsync.
-int gflush();
-
-// --- Colour maps (gks_colr.cpp) -------------------------------------------------
+// --- Colour maps (gks_xcolr.cpp) ------------------------------------------------
 
 Colormap gget_colormap(); // the private one, else the screen's
 int gset_def_cmap(Colormap map);
@@ -47,7 +44,7 @@ Colormap gget_user_cmap();
 // Gives back the private map and forgets all pixels.
 void gfree_xcolr();
 
-// --- Graphics contexts ----------------------------------------------------------
+// --- Pens (gks_xdraw.cpp, which draws for the primitives by gks_draw.h) -----------
 
 GC gget_line_gc();
 int gget_line_gc_func();
@@ -58,16 +55,8 @@ int gxrect(Drawable drawable, const XPoint* a, const XPoint* b);
 GC gget_fill_gc();
 GC gget_marker_gc();
 GC gget_text_gc();
-// Set the foreground anew when the colour of the index in force has changed.
-void grenew_line_color();
-void grenew_fill_color();
-void grenew_marker_color();
-void grenew_text_color();
-// Free the context; called at the closing of the workstation.
-void gfree_line_gc();
-void gfree_fill_gc();
-void gfree_marker_gc();
-void gfree_text_gc();
+// Frees the contexts, the patterns and the server's font.
+void gfree_pens();
 
 // --- Frames and events ----------------------------------------------------------
 
