@@ -153,6 +153,7 @@ void configure(const XConfigureEvent& event) {
 void destroyed(const XDestroyWindowEvent& event) {
     if (event.window != gget_root_window())
         return;
+    ghide_keys();
     glose_window();
     evnt.mapped = 0;
     evnt.size_due = false;
@@ -224,6 +225,11 @@ void key_press(XKeyEvent* event) {
     event->state &= ~static_cast<unsigned>(LockMask); // a key means the same with Caps Lock on
     const int length = XLookupString(event, name.data(), text_size, &key, nullptr);
     name[static_cast<std::size_t>(std::clamp(length, 0, text_size))] = '\0';
+    const bool modifier = IsModifierKey(key);
+    if (!modifier && ghide_keys())
+        return; // that is all it does, so that Return may serve
+    if (key == XK_F1)
+        return gshow_keys();
     if (key == XK_KP_Enter)
         key = XK_Return;
     if (key == XK_Return)
@@ -240,6 +246,8 @@ void key_press(XKeyEvent* event) {
 void button(const XButtonEvent& event) {
     evnt.user_event = true;
     const bool press = event.type == ButtonPress;
+    if (press && ghide_keys())
+        return;
     XPoint at = point(event.x, event.y);
     if (press) {
         gserve_button(event.button, event.state);

@@ -1,9 +1,10 @@
 // gks_evnt.h: what the modules of the events share: gks_evnt.cpp takes them from
-// the server, gks_keys.cpp knows keys and buttons, gks_band.cpp the rubber band.
-// Included by these alone.
+// the server, gks_keys.cpp knows keys and buttons, gks_help.cpp shows them, gks_band.cpp the rubber
+// band. Included by these alone.
 #pragma once
 
 #include <cstddef>
+#include <vector>
 
 #include <X11/Xlib.h>
 
@@ -21,6 +22,20 @@ enum class Key_end { none, leave_hold, no_callback };
 // Does what the key does on its own; (x, y) is the pointer.
 Key_end gserve_key(KeySym key, unsigned state, int x, int y);
 void gserve_button(unsigned button, unsigned state);
+
+// A key or button and what it does, in the order of a list for the user.
+struct Key_help {
+    const char* key;
+    const char* meaning;
+};
+std::vector<Key_help> gkey_help();
+
+// --- The list of keys (gks_help.cpp) --------------------------------------------
+
+// Shows it over the picture, or prints it where the window has no room.
+void gshow_keys();
+// Takes it away. Returns whether it was there.
+bool ghide_keys();
 
 // --- Rubber band (gks_band.cpp) -------------------------------------------------
 

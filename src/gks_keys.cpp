@@ -35,18 +35,30 @@ enum class Key { leave, remove, zoom, unzoom, meta, gif, xwd, loop, forward, bac
 struct KeyRow {
     KeySym sym;
     Key key;
+    Key_help help;
 };
 constexpr std::array key_map = {
-    KeyRow{XK_q,            Key::leave  },
-    KeyRow{XK_d,            Key::remove },
-    KeyRow{XK_z,            Key::zoom   },
-    KeyRow{XK_u,            Key::unzoom },
-    KeyRow{XK_m,            Key::meta   },
-    KeyRow{XK_g,            Key::gif    },
-    KeyRow{XK_x,            Key::xwd    },
-    KeyRow{XK_l,            Key::loop   },
-    KeyRow{XK_bracketright, Key::forward},
-    KeyRow{XK_bracketleft,  Key::back   },
+    KeyRow{XK_q,            Key::leave,   {"Alt-q", "the same"}                                  },
+    KeyRow{XK_l,            Key::loop,    {"Alt-l", "start or stop the loop"}                    },
+    KeyRow{XK_bracketright, Key::forward, {"Alt-]", "next frame; loop running: faster"}          },
+    KeyRow{XK_bracketleft,  Key::back,    {"Alt-[", "earlier frame; loop running: slower"}       },
+    KeyRow{XK_d,            Key::remove,  {"Alt-d", "delete the frame on show"}                  },
+    KeyRow{XK_z,            Key::zoom,    {"Alt-z", "magnify by two about the pointer"}          },
+    KeyRow{XK_u,            Key::unzoom,  {"Alt-u", "undo the magnification, or else the zoom"}  },
+    KeyRow{XK_g,            Key::gif,     {"Alt-g", "write a GIF, of a running loop one a frame"}},
+    KeyRow{XK_x,            Key::xwd,     {"Alt-x", "the same as XWD files"}                     },
+    KeyRow{XK_m,            Key::meta,    {"Alt-m", "write a metafile (without frames)"}         },
+};
+// What has no row of its own above: Return comes first, and after the keys what
+// plotters and buttons do.
+constexpr Key_help return_help = {"Return", "end the program"};
+constexpr std::array plotter_help = {
+    Key_help{"Alt-r",              "draw the picture again"              },
+    Key_help{"Alt-v",              "print where the pointer is"          },
+    Key_help{"Shift, left button", "draw a rectangle to zoom into"       },
+    Key_help{"left, right button", "frame back, on; loop: slower, faster"},
+    Key_help{"middle button",      "start or stop the loop"              },
+    Key_help{"F1",                 "these keys; any key takes them away" },
 };
 
 // --- Dumps --------------------------------------------------------------------
@@ -173,6 +185,14 @@ Key_end gserve_key(KeySym key, unsigned state, int x, int y) {
             return act(row.key, x, y);
     }
     return Key_end::none;
+}
+
+std::vector<Key_help> gkey_help() {
+    std::vector<Key_help> rows{return_help};
+    for (const KeyRow& row : key_map)
+        rows.push_back(row.help);
+    rows.insert(rows.end(), plotter_help.begin(), plotter_help.end());
+    return rows;
 }
 
 void gserve_button(unsigned button, unsigned state) {

@@ -139,6 +139,48 @@ TEST_F(WindowTest, EndsWithItsWindow) {
     }
 }
 
+// The keys stand over the picture until the next one, and leave it as it is.
+TEST_F(WindowTest, ShowsItsKeys) {
+    write("next", disc_product(3, 40));
+    start("disc" + std::string(plain));
+    const Picture whole = picture();
+    user->key(XK_F1);
+    const Picture help = picture();
+    EXPECT_GT(pixels_that_differ(help, whole), 20000);
+    EXPECT_EQ(help.at(5, 5), whole.at(5, 5));
+    user->cover(window);
+    EXPECT_TRUE(shows(help));
+    user->key(XK_Return); // takes them away and no more
+    EXPECT_TRUE(shows(whole));
+    user->key(XK_F1);
+    settle();
+    user->click(1);
+    EXPECT_TRUE(shows(whole));
+    user->key(XK_F1);
+    user->resize(window, 200, 100);
+    settle();
+    user->key(XK_F1);
+    user->key(XK_F1);
+    EXPECT_TRUE(said("start or stop the loop")) << "no room: printed";
+    user->key(XK_F1);
+    user->resize(window, 640, 512);
+    EXPECT_TRUE(shows(whole));
+    user->point(window, 5, 5);
+    leave();
+    start("disc next" + std::string(plain)); // a loop runs on below
+    user->key(XK_F1);
+    const auto row = [](const Picture& from) {
+        const auto first = from.rgb.begin() + 256 * from.width + 200;
+        return std::vector<std::uint32_t>(first, first + 240);
+    };
+    EXPECT_TRUE(wait_until([&] { return row(user->look(window)) == row(help); }, 5));
+    const std::string title = user->title(window);
+    EXPECT_TRUE(wait_until([&] { return user->title(window) != title; }, 5));
+    EXPECT_EQ(row(user->look(window)), row(help));
+    user->close(window);
+    EXPECT_EQ(program->wait().code, 0);
+}
+
 // Titles as window managers old and new read them.
 TEST_F(WindowTest, TitlesOfAnyScript) {
     struct Row {
