@@ -3,10 +3,12 @@
 // the plotter of that kind, which does the rest of the run.
 #include "date.h"
 #include "files.h"
+#include "kavrad.h"
 #include "lev2.h"
 #include "lev2_plt.h"
 #include "nids.h"
 #include "nids_plt.h"
+#include "nowrad.h"
 #include "rad_check.h"
 #include "rad_input.h"
 #include "region.h"
@@ -43,6 +45,21 @@ void run_lev2z(Domain* domain) {
     run_lev2(domain);
 }
 
+// A mosaic has no domain of its own: it is drawn on each one that the user names.
+void run_nowrad(Domain* domain) {
+    NOWRad_set_date(nullptr);
+    while (DOM_prompt_region(domain, 1) >= 1) {
+        NOWRad_plot(domain);
+    }
+}
+
+void run_kavrad(Domain* domain) {
+    KAVRAD_set_date(nullptr);
+    while (DOM_prompt_region(domain, 1) >= 1) {
+        KAVRAD_plot(domain);
+    }
+}
+
 // One kind of radar file: how a typed name is read, what the user is asked, and
 // what plots it.
 struct Plotter {
@@ -53,9 +70,11 @@ struct Plotter {
 };
 
 constexpr Plotter plotters[] = {
-    {input_nids,  1, "Enter the NIDS filename: ",    run_nids },
-    {input_lev2,  1, "Enter the Level 2 filename: ", run_lev2 },
-    {input_lev2z, 1, "Enter the Level 2 filename: ", run_lev2z},
+    {input_nids,   1, "Enter the NIDS filename: ",    run_nids  },
+    {input_lev2,   1, "Enter the Level 2 filename: ", run_lev2  },
+    {input_lev2z,  1, "Enter the Level 2 filename: ", run_lev2z },
+    {input_nowrad, 0, "Enter the NOWRad filename: ",  run_nowrad},
+    {input_kavrad, 0, "Enter the KAVRAD filename: ",  run_kavrad},
 };
 
 } // namespace

@@ -2,6 +2,9 @@
 //   make_sample FILE             a storm as a reflectivity product (code 94)
 //   make_sample --super FILE     the same in super resolution (code 153)
 //   make_sample --lev2 FILE      the same as a Level II volume, with velocities
+//   make_sample --nowrad FILE    a national mosaic; --nowrad-us the Lambert section
+//   make_sample --kavrad FILE    the same weather on the coarse KAVRAD grid
+//   make_sample --mosaic-seeds DIR small mosaics of every kind
 //   make_sample --seeds DIR      a small product of every kind, a file each
 //   make_sample --lev2-seeds DIR a small Level II volume of every kind
 //   make_sample --image-seeds KIND DIR
@@ -9,6 +12,7 @@
 #include "image_sample.h"
 #include "lev2_storm.h"
 #include "lev2_writer.h"
+#include "mosaic_writer.h"
 #include "nids_storm.h"
 #include "nids_writer.h"
 
@@ -52,6 +56,16 @@ int main(int argc, char** argv) {
     if (option == "--lev2") {
         return write_file(argv[2], lev2_sample_storm()) ? 0 : 1;
     }
+    if (option == "--nowrad" || option == "--nowrad-us") {
+        return write_file(argv[2], nowrad_sample(option == "--nowrad" ? 'C' : 'L')) ? 0 : 1;
+    }
+    if (option == "--kavrad") {
+        return write_file(argv[2], kavrad_sample(true)) ? 0 : 1;
+    }
+    if (option == "--mosaic-seeds") {
+        return write_files(argv[2], nowrad_samples()) && write_files(argv[2], kavrad_samples()) ? 0
+                                                                                                : 1;
+    }
     if (option == "--seeds") {
         return write_files(argv[2], nids_samples()) ? 0 : 1;
     }
@@ -61,7 +75,8 @@ int main(int argc, char** argv) {
     if (argc == 4 && std::string(argv[1]) == "--image-seeds") {
         return write_files(argv[3], image_samples(argv[2])) ? 0 : 1;
     }
-    std::fprintf(stderr, "usage: make_sample FILE | --super FILE | --lev2 FILE | --seeds DIR | "
+    std::fprintf(stderr, "usage: make_sample FILE | --super FILE | --lev2 FILE | --nowrad FILE | "
+                         "--nowrad-us FILE | --kavrad FILE | --mosaic-seeds DIR | --seeds DIR | "
                          "--lev2-seeds DIR | --image-seeds KIND DIR\n");
     return 2;
 }

@@ -1,0 +1,244 @@
+// rad_mosaic: mosaics on the plot. No state of its own; the colours of the frame
+// must be set before a RadMosaic is made.
+#include "rad_mosaic.h"
+
+#include "cont.h"
+#include "files.h"
+#include "map.h"
+#include "plt_tool.h"
+#include "region.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr char colors[] =
+    "-100:off,5:blue,10:lblue,15:cyan,20:lcyan,25:green,30:lgreen,35:brown,40:yellow,45:red,"
+    "50:lred,55:magenta,60:lmagenta,65:dgray,70:lgray,75:white";
+constexpr int item_summary = 10; // plot component
+constexpr int chunk_alike = 10;
+constexpr int samples = 48; // of the window, each way
+
+} // namespace
+
+void rad_mosaic_word(RadMosaicPlot& plot, const char* word) {
+    constexpr std::size_t length = 3; // of "run"
+    if (strnicmp(word, "run", static_cast<int>(length)) == 0) {
+        plot.run_len = std::max(rad_word_int(word, length), 1);
+    } else {
+        rad_take_word(plot.words, word);
+    }
+}
+
+void rad_mosaic_take(RadMosaicPlot& plot, const Date& date, const char* label,
+                     const Domain& domain) {
+    DATE_make_label(&date, plot.datim);
+    FILE_get_date(&plot.run.file_date);
+    MESS_print(mess_mess, "Product domain: ");
+    DOM_print(mess_mess, &domain);
+    MESS_print(mess_mess, "Product type: %s\n", label);
+    MESS_print(mess_mess, "Product date: %s\n", plot.datim);
+    PLT_label_up_right(plot.datim);
+    if (CONT_get_bar() != -2) {
+        CONT_set_bar(1);
+    }
+}
+
+int rad_mosaic_frame(const RadMosaicPlot& plot, const Date& date, int (*summary)()) {
+    MAP_draw(map_under);
+    summary();
+    rad_draw_bar();
+    MAP_draw(map_over | map_plain);
+    GPH_trans(tran_map);
+    rad_draw_watches(is_set(date.year) ? date : plot.run.file_date);
+    PLT_labels();
+    return 0;
+}
+
+bool rad_mosaic_begin(const RadMosaicPlot& plot, const char* label) {
+    if (FLAG_getplot(item_summary) == 0) {
+        return false;
+    }
+    GPH_trans(tran_map);
+    PLT_label_up_left(label);
+    PLT_label_low_right("");
+    PLT_label_up_right(plot.datim);
+    CONT_init();
+    CONT_param_decode();
+    CONT_reset_fill_set();
+    CONT_set_quantity("reflectivity");
+    CONT_set_fill_colors(colors, 0);
+    CONT_set_base(0.0F);
+    CONT_set_type(cont_fill);
+    CONT_set_intrvl(5.0F);
+    CONT_set_range(76.0F, 0.0F);
+    return true;
+}
+
+const Domain* rad_mosaic_domain() {
+    static constexpr Domain none;
+    return &none;
+}
+
+RadMosaic::RadMosaic(const Domain& product, const Map& plot, int run_len, Corners corners,
+                     int first_line)
+    : own_(map_make(product)), plot_(plot), corners_(corners), first_line_(first_line) {
+    // The latitude of a pole says nothing on code 2.
+    Domain first = product;
+    Domain second = plot.domain;
+    if (product.proj == proj_latlon) {
+        first.plat = second.plat = 0.0F;
+    }
+    const bool alike = DOM_comp_proj(&first, &second) != 0;
+    chunk_ = run_len != 0 ? run_len : alike ? chunk_alike : 1;
+    if (product.proj == proj_latlon) {
+        top_ = product.clat + static_cast<double>(product.dy) * (product.ny - 1) / 2;
+        left_ = product.clon - static_cast<double>(product.dx) * (product.nx - 1) / 2;
+    } else {
+        left_ = own_.limits.x_min;
+        top_ = own_.limits.y_max;
+    }
+    for (Edge& edge : edges_) {
+        edge.points.resize(static_cast<std::size_t>(product.nx) + 1);
+        edge.line.assign(edge.points.size(), missing);
+    }
+    find_window();
+}
+
+// Widens the box (left, right, bottom, top) in the product's coordinates by a
+// point of the plot. `whole` is set where the point says nothing.
+void RadMosaic::look_at(float x, float y, std::array<double, 4>* box, bool* whole) const {
+    float lat = missing_f;
+    float lon = missing_f;
+    if (plot_.untran(x, y, &lat, &lon) == 0 || !is_set(lat)) {
+        *whole = true;
+        return;
+    }
+    double a = lon;
+    double b = lat;
+    if (own_.domain.proj == proj_latlon) {
+        // The turn that lies nearest to the image.
+        a = own_.domain.clon + std::remainder(a - own_.domain.clon, 360.0);
+    } else {
+        float px = missing_f;
+        float py = missing_f;
+        if (own_.tran(lat, lon, &px, &py) == 0) {
+            *whole = true;
+            return;
+        }
+        a = px;
+        b = py;
+    }
+    (*box)[0] = std::min((*box)[0], a);
+    (*box)[1] = std::max((*box)[1], a);
+    (*box)[2] = std::min((*box)[2], b);
+    (*box)[3] = std::max((*box)[3], b);
+}
+
+// Rows and columns that may meet the window, by a net of points of the window:
+// a box about their images, and a mesh more on each side.
+void RadMosaic::find_window() {
+    const Domain& own = own_.domain;
+    rows_ = {0, own.ny};
+    columns_ = {0, own.nx};
+    const MAP_limits& lim = plot_.limits;
+    std::array<double, 4> box = {1e9, -1e9, 1e9, -1e9};
+    bool whole = false;
+    for (int j = 0; j <= samples && !whole; ++j) {
+        for (int i = 0; i <= samples && !whole; ++i) {
+            look_at(lim.x_min + (lim.x_max - lim.x_min) * static_cast<float>(i) / samples,
+                    lim.y_min + (lim.y_max - lim.y_min) * static_cast<float>(j) / samples, &box,
+                    &whole);
+        }
+    }
+    if (whole) {
+        return;
+    }
+    const bool degrees = own.proj == proj_latlon;
+    for (const float pole : {90.0F, -90.0F}) {
+        float x = missing_f;
+        float y = missing_f;
+        if (degrees && plot_.tran(pole, own.clon, &x, &y) != 0 && plot_.shows(x, y, 2.0)) {
+            return; // all longitudes meet in the window
+        }
+    }
+    const auto range = [](double low, double high, double step, int count) {
+        const double margin = (high - low) / samples + 2 * step;
+        const double first = std::floor((low - margin) / step);
+        const double last = std::ceil((high + margin) / step);
+        return Range{static_cast<int>(std::clamp(first, 0.0, static_cast<double>(count))),
+                     static_cast<int>(std::clamp(last, 0.0, static_cast<double>(count)))};
+    };
+    rows_ = range(top_ - box[3], top_ - box[2], own.dy, own.ny + first_line_);
+    rows_.first -= first_line_;
+    rows_.end -= first_line_;
+    // An image or a window that goes round the earth has no first column.
+    if (!degrees || (static_cast<double>(own.dx) * own.nx < 340.0 && box[1] - box[0] < 180.0)) {
+        columns_ = range(box[0] - left_, box[1] - left_, own.dx, own.nx);
+    }
+}
+
+const Gpt& RadMosaic::corner(int line, int column) {
+    Edge& edge = edges_[static_cast<std::size_t>(line & 1)];
+    const auto at = static_cast<std::size_t>(column);
+    if (edge.line[at] == line) {
+        return edge.points[at];
+    }
+    edge.line[at] = line;
+    Gpt& p = edge.points[at];
+    const auto x = static_cast<float>(left_ + column * static_cast<double>(own_.domain.dx));
+    const auto y =
+        static_cast<float>(top_ - (line + first_line_) * static_cast<double>(own_.domain.dy));
+    float lat = y;
+    float lon = x;
+    if (own_.domain.proj != proj_latlon && own_.untran(x, y, &lat, &lon) == 0) {
+        lat = missing_f;
+    }
+    if (!is_set(lat) || plot_.tran(lat, lon, &p.x, &p.y) == 0) {
+        p = {missing_f, missing_f};
+    }
+    return p;
+}
+
+void RadMosaic::draw(int line, int column, int run, float value) {
+    if (!rows_.holds(line) || line < 0 || line >= own_.domain.ny) {
+        return;
+    }
+    const Gattribs* look = fills_.get(value);
+    const int end =
+        static_cast<int>(std::min<long>(static_cast<long>(column) + run, own_.domain.nx));
+    if (look == nullptr || column >= end || column < 0) {
+        return;
+    }
+    // The pieces before the window are passed over as a whole.
+    int from = column;
+    if (from < columns_.first) {
+        from += (columns_.first - from) / chunk_ * chunk_;
+    }
+    for (; from < end && from < columns_.end;) {
+        const int to = std::min(from + chunk_, end);
+        const Gpt& left_top = corner(line, from);
+        const Gpt& left_low = corner(line + 1, from);
+        const Gpt& right_low = corner(line + 1, to);
+        const Gpt& right_top = corner(line, to);
+        from = to;
+        if (!rad_is_place(left_top) || !rad_is_place(left_low) || !rad_is_place(right_low) ||
+            !rad_is_place(right_top)) {
+            continue;
+        }
+        if (look_ == nullptr || look_copy_.color != look->color ||
+            look_copy_.fill_pat != look->fill_pat) {
+            look_copy_ = {};
+            look_copy_.color = look->color;
+            look_copy_.fill_pat = look->fill_pat;
+            look_ = &look_copy_;
+            GPH_fill_attr(look_);
+        }
+        const std::array<Gpt, 5> figure =
+            corners_ == Corners::from_top
+                ? std::array<Gpt, 5>{left_top, left_low, right_low, right_top, left_top}
+                : std::array<Gpt, 5>{left_low, left_top, right_top, right_low, left_low};
+        gfill_area(static_cast<int>(figure.size()), figure.data());
+    }
+}

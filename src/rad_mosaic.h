@@ -1,0 +1,75 @@
+// rad_mosaic.h: what the plotters of mosaics share: the frame, the colours, and
+// the echoes of an image given as runs of columns in lines from the top.
+#pragma once
+
+#include "date.h"
+#include "map_proj.h"
+#include "rad_fill.h"
+#include "rad_run.h"
+
+#include <array>
+#include <vector>
+
+// The state of a mosaic's plotter beside its file and header.
+struct RadMosaicPlot {
+    char datim[date_label_size] = ""; // date label of the open file
+    int run_len = 0;                  // columns of a figure; 0: by the projections
+    RadWords words;
+    RadRun run;
+};
+
+// Takes a word of `plot_param`: "run", or one that all plotters share.
+void rad_mosaic_word(RadMosaicPlot& plot, const char* word);
+// Labels of an open file, its messages and its bar.
+void rad_mosaic_take(RadMosaicPlot& plot, const Date& date, const char* label,
+                     const Domain& domain);
+// A frame about the echoes, which `summary` draws.
+int rad_mosaic_frame(const RadMosaicPlot& plot, const Date& date, int (*summary)());
+// Labels and colours before the echoes. False when they are switched off.
+bool rad_mosaic_begin(const RadMosaicPlot& plot, const char* label);
+// No domain: a mosaic is drawn on the one that the user chose.
+const Domain* rad_mosaic_domain();
+
+// The image of a mosaic on the plot. Runs come line after line; what lies
+// outside the window costs no transformation.
+class RadMosaic {
+public:
+    // In which order a figure's corners go out.
+    enum class Corners { from_top, from_bottom };
+
+    // `run_len`: columns of a figure; 0: 10 on the product's own projection,
+    // else 1. `first_line`: rows that the first line lies below the top.
+    RadMosaic(const Domain& product, const Map& plot, int run_len, Corners corners, int first_line);
+    RadMosaic(const RadMosaic&) = delete;
+    RadMosaic& operator=(const RadMosaic&) = delete;
+
+    // A run of columns of one value. Columns and lines outside the image are left out.
+    void draw(int line, int column, int run, float value);
+
+private:
+    // The corners on a line between two rows, by column, as far as they are known.
+    struct Edge {
+        std::vector<Gpt> points;
+        std::vector<int> line; // that a point was worked out for
+    };
+
+    struct Range {
+        int first, end;
+        [[nodiscard]] bool holds(int i) const { return i >= first && i < end; }
+    };
+
+    void find_window();
+    void look_at(float x, float y, std::array<double, 4>* box, bool* whole) const;
+    const Gpt& corner(int line, int column);
+
+    Map own_, plot_;
+    Corners corners_;
+    int first_line_;
+    int chunk_;
+    double left_ = 0, top_ = 0;        // in the product's own coordinates
+    Range rows_{0, 0}, columns_{0, 0}; // that may meet the window
+    std::array<Edge, 2> edges_;
+    RadFills fills_;
+    const Gattribs* look_ = nullptr; // in force
+    Gattribs look_copy_;
+};
