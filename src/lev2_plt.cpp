@@ -276,6 +276,7 @@ void draw_site() {
     Gattribs data;
     ATTRIB_init(&data);
     ATTRIB_get("color_data", rad_plain_color(), &data);
+    GPH_line_attr(nullptr); // the last line of the map may be wide
     GPH_line_attr(&data);
     GPH_mark_attr(&data, 1.0F);
     rad_draw_site(lev2.words, lev2.info.lat, lev2.info.lon);

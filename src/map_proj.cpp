@@ -231,6 +231,25 @@ MapPair step_on_earth(float lat, float lon, double dir, double km) {
             lon + km * sin_deg(dir) / (km_per_degree * cos_deg(lat))};
 }
 
+// Whether a point of the window of one map, the edges included, lies in that of
+// another.
+bool reaches(const Map& from, const Map& to) {
+    constexpr int steps = 8;
+    const MAP_limits& w = from.limits;
+    for (int i = 0; i <= steps; ++i) {
+        for (int j = 0; j <= steps; ++j) {
+            float lat = missing_f, lon = missing_f;
+            float x = missing_f, y = missing_f;
+            from.untran(w.x_min + (w.x_max - w.x_min) * static_cast<float>(i) / steps,
+                        w.y_min + (w.y_max - w.y_min) * static_cast<float>(j) / steps, &lat, &lon);
+            if (to.tran(lat, lon, &x, &y) == 1 && to.shows(x, y)) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 // --- Projections ----------------------------------------------------------------
@@ -339,6 +358,16 @@ int Map::grid_untran(float x, float y, float* gx, float* gy) const {
     const MapPair p{(static_cast<double>(x) - limits.x_min) / domain.dx,
                     (static_cast<double>(limits.y_max) - y) / domain.dy};
     return store(is_set(x) ? p : map_nowhere, gx, gy);
+}
+
+bool map_meets(const Map& a, const Map& b) {
+    if (a.row->forward == nullptr || b.row->forward == nullptr) {
+        return true;
+    }
+    if (is_map_proj(a.row->code) != is_map_proj(b.row->code)) {
+        return false; // a diagram and the earth
+    }
+    return reaches(a, b) || reaches(b, a);
 }
 
 // --- Directions and distances ---------------------------------------------------

@@ -173,5 +173,9 @@ struct Map {
 // The map of a domain.
 Map map_make(const Domain& domain);
 
+// Whether the windows of two maps show a place in common, by points spread over
+// both; true where that has no meaning.
+bool map_meets(const Map& a, const Map& b);
+
 // Map scale of polar stereographic maps, whatever map is about.
 float map_stereo_factor(double lat);

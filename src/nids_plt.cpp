@@ -120,6 +120,7 @@ int NIDS_plot_summary() {
     frame.clutter_rad = nids.words.clutter;
     frame.own = map_make(info.domain);
     frame.plot = MAP_current();
+    rad_check_view(nids.run, frame.own, frame.plot, nids.name);
     frame.own.tran(info.domain.clat, info.domain.clon, &frame.site.x, &frame.site.y);
     NIDS_set_colors(info);
     frame.data = attributes("color_data", rad_plain_color());
@@ -139,6 +140,7 @@ int NIDS_plot_data() {
     }
     const Gattribs data = attributes("color_data", rad_plain_color());
     PLT_mess("NIDS Extra");
+    GPH_line_attr(nullptr); // the last line of the map may be wide
     GPH_line_attr(&data);
     GPH_mark_attr(&data, 1.0F);
     CONT_reset_values();

@@ -75,6 +75,13 @@ std::string two_digits(int value) {
     return text;
 }
 
+// The first three letters of a word, with blanks in front of a shorter one.
+std::string three_letters(const char* word) {
+    char text[8];
+    std::snprintf(text, sizeof text, "%3.3s", word);
+    return text;
+}
+
 // Text of one label code; empty for letters that are none.
 std::string label_code(char code) {
     char text[200] = "";
@@ -95,7 +102,7 @@ std::string label_code(char code) {
     case 'm':
         return two_digits(date.month);
     case 'b':
-        return std::string(DATE_month(date.month)).substr(0, 3);
+        return three_letters(DATE_month(date.month));
     case 'h':
         return two_digits(date.hour);
     case 'd':

@@ -257,6 +257,7 @@ bool rad_open_session(const RadPlotter& plotter, RadRun& run, const RadWords& wo
         if (!run.kept) {
             PLT_reset(DOM_aspect(domain));
         }
+        run.told_away = true; // an empty corner was chosen by eye
         return true;
     }
     plotter.decode();
@@ -326,6 +327,16 @@ int rad_plot_nextfile(const RadPlotter& plotter, RadRun& run) {
         gdisplay_frame(frames - 1);
     }
     return 0;
+}
+
+void rad_check_view(RadRun& run, const Map& own, const Map& plot, const char* name) {
+    if (run.told_away || map_meets(own, plot)) {
+        return;
+    }
+    run.told_away = true;
+    MESS_print(mess_warn,
+               "The plot domain about %.2f %.2f shows nothing of the data about %.2f %.2f:%s\n",
+               plot.domain.clat, plot.domain.clon, own.domain.clat, own.domain.clon, name);
 }
 
 void rad_draw_bar() {

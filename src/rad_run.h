@@ -8,6 +8,7 @@
 #pragma once
 
 #include "files.h"
+#include "map_proj.h"
 #include "near_word.h"
 #include "plt_tool.h"
 #include "zyr.h"
@@ -56,6 +57,7 @@ struct RadRun {
     Date file_date;                   // date of the file, filled from the data where unset
     char probed[file_name_size] = ""; // name of the first file while it is open, else empty
     bool kept = false;                // a redraw found no file: the picture stays on show
+    bool told_away = false;           // that the domain shows nothing of the data
     std::int64_t fsecs = 0;           // time of the file shown last, on a multiple of the file step
 };
 
@@ -79,6 +81,9 @@ int rad_plot_nextfile(const RadPlotter& plotter, RadRun& run);
 
 // --- Parts of a frame ---------------------------------------------------------
 
+// Reports, once a run and not after a zoom, a picture that shows no place of the
+// map of its data. `name` is the data's file.
+void rad_check_view(RadRun& run, const Map& own, const Map& plot, const char* name);
 // The colour bar, unless it is refused.
 void rad_draw_bar();
 // Mark and range rings of a site at its image on the plot, in the line and

@@ -27,6 +27,7 @@ namespace {
 
 constexpr const char* default_file = "zyr.reg";
 constexpr int invalid_domain_exit = 43;
+constexpr const char* not_a_domain = "is no domain";
 constexpr int menu_rows = 23;
 constexpr int file_rows = 20; // rows 1 to 19 may come from a file
 constexpr int max_depth = 10; // regions that name regions
@@ -477,16 +478,24 @@ int decode(const char* str, Domain* domain) {
 
 // --- Domains of plots ---------------------------------------------------------------
 
-// Whether a picture can be laid out on the domain.
-bool plottable(const Domain& d) {
-    const bool has_formula = map_projection(d.proj).forward != nullptr;
-    if (!is_set(d.proj) || !has_formula || !is_set(d.clat) || !is_set(d.clon)) {
-        return false;
+// What keeps a picture from being laid out on the domain; null: nothing.
+const char* fault_of(const Domain& d) {
+    if (d.proj == -1) {
+        return "is no region";
     }
-    // Latitude and longitude in the wrong order, as a rule.
-    const bool beyond_pole = std::abs(d.clat) > 90.0F;
-    return !is_map_proj(d.proj) ||
-           (!beyond_pole && d.nx > 1 && d.ny > 1 && d.dx > 0.0F && d.dy > 0.0F);
+    if (!is_set(d.proj) || map_projection(d.proj).forward == nullptr) {
+        return "has no projection to plot on";
+    }
+    if (!is_set(d.clat) || !is_set(d.clon)) {
+        return "has no centre";
+    }
+    if (!is_map_proj(d.proj)) {
+        return nullptr;
+    }
+    if (std::abs(d.clat) > 90.0F) { // the two in the wrong order, as a rule
+        return "has a latitude beyond 90";
+    }
+    return d.nx > 1 && d.ny > 1 && d.dx > 0.0F && d.dy > 0.0F ? nullptr : "has no extent";
 }
 
 // Whether a decoded text named a menu file alone and gave no domain.
@@ -498,15 +507,19 @@ bool is_menu_only(int result, const Domain& domain) {
 // cleared unless it can be plotted.
 int decode_optional(const char* text, Domain* domain) {
     const int result = DOM_decode(text, domain);
-    if (result > 0 && plottable(*domain)) {
+    const char* fault = result == dom_invalid ? not_a_domain : fault_of(*domain);
+    if (result > 0 && fault == nullptr) {
         return result;
     }
     const bool menu_only = is_menu_only(result, *domain);
     DOM_init(domain);
-    if (result <= 0 || menu_only) {
+    if (menu_only || !is_set(result)) {
         return menu_only ? 0 : result;
     }
-    MESS_print(mess_warn, "DOM_decode: Invalid plot domain\n");
+    if (result != dom_invalid) {
+        MESS_print(mess_warn, "DOM_decode: Invalid plot domain\n");
+    }
+    MESS_print(mess_warn, "\"%s\" %s: the data's own domain is taken\n", text, fault);
     return dom_invalid;
 }
 
@@ -517,8 +530,10 @@ int decode_required(const char* text, Domain* domain) {
     if (is_menu_only(result, *domain)) {
         return 0;
     }
-    if (result == dom_invalid || (result > 0 && !plottable(*domain))) {
+    const char* fault = result == dom_invalid ? not_a_domain : fault_of(*domain);
+    if (is_set(result) && fault != nullptr) {
         MESS_print(mess_error, "Invalid domain\n");
+        MESS_print(mess_error, "\"%s\" %s\n", text, fault);
         ZYR_exit(invalid_domain_exit);
     }
     state.prompt_region = 0;
@@ -545,7 +560,7 @@ int prompt_menu(Domain* domain) {
         if (is_menu_only(result, *domain)) {
             continue; // the next turn shows the menu just read
         }
-        if (result == dom_invalid || (result > 0 && !plottable(*domain))) {
+        if (result == dom_invalid || (result > 0 && fault_of(*domain) != nullptr)) {
             MESS_print(mess_warn, "Invalid domain\n");
             continue;
         }

@@ -44,6 +44,17 @@ TEST_F(NidsPlot, GoldenPages) {
     }
 }
 
+// Site and rings look the same behind a wide map line.
+TEST_F(NidsPlot, RingsForgetTheMapLine) {
+    std::string parts[2];
+    for (const int width : {3, 6}) {
+        const NidsPage page = nids_page(dir, "./radial -pp site,dist=50 -mf zyr.map:red:s3:w" +
+                                                 std::to_string(width));
+        parts[width / 6] = page.text.substr(page.text.find("NIDS Extra"));
+    }
+    EXPECT_EQ(parts[0], parts[1]);
+}
+
 // The radial sample: 15 bins off and 9 at 20 dBZ; 15 and 9; none; 8 and 15. The
 // rows of the raster sample: 15 and 5 cells; 3; none; 9; 4.
 TEST_F(NidsPlot, FiguresFollowTheOptions) {

@@ -83,8 +83,8 @@ TEST(Label, OverlayCountsStayInTheTable) {
 
 TEST(Label, CodesExpand) {
     char text[plt_label_size];
-    PLT_label_format("%D", text);
-    EXPECT_STREQ(text, "0000Z  0 JAN 00") << "a zero date";
+    PLT_label_format("%D|%b.", text);
+    EXPECT_STREQ(text, "0000Z  0 JAN 00|   .") << "a zero date";
     Date date{2015, 1, 2, 2, 5, 3, 4, 5};
     PLT_label_date(&date);
     PLT_label_for_time(6);

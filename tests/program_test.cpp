@@ -103,14 +103,22 @@ TEST_F(ProgramTest, PlotGoesOnAfterAFault) {
     struct Row {
         const char* args;
         const char* drawn; // figures of data and bar, texts, whether these have strokes
-        const char* err;   // all of it
+        std::string err;   // all of it
     };
-    constexpr const char* domain = "DOM_decode: Invalid plot domain\n"; // the product's is taken
+    const auto domain = [](const std::string& fault) {
+        return "DOM_decode: Invalid plot domain\n" + fault + ": the data's own domain is taken\n";
+    };
     constexpr const char* colour = "CLR_get_ind: Unknown color: nocolour, the nearest is none\n";
     for (const Row& row : std::initializer_list<Row>{
              {"",                                      "71 11 1", ""                                                   },
-             {"-pd nonsense,x",                        "71 11 1", domain                                               },
-             {"-pd nonsense",                          "71 11 1", domain                                               },
+             {"-pd nonsense,x",                        "71 11 1", domain("\"nonsense,x\" is no domain")                },
+             {"-pd nonsense",                          "71 11 1", domain("\"nonsense\" is no region")                  },
+             {"-pd -97,35,.3",                         "71 11 1", domain("\"-97,35,.3\" has a latitude beyond 90")     },
+             {"-pd ps,35,-97,25,17,0,0",               "71 11 1",
+              domain("\"ps,35,-97,25,17,0,0\" has no extent")                                                          },
+             {"-pd -35,80,.3",                         "15 11 1",
+              "The plot domain about -35.00 80.00 shows nothing of the data about 35.33 "
+              "-97.28:radial\n"                                                                                        },
              {"-cof 5:nocolour,20:red",                "42 5 1",  colour                                               },
              {"-cof 5:nocolour,30:red",                "18 5 1",  colour                                               },
              {"-cot nocolour",                         "71 3 1",  colour                                               },
