@@ -83,10 +83,10 @@ enum class MapZoom { data, plot_x, plot };
 // The facts of a projection. Functions that are null: see each.
 struct Projection {
     int code = missing;
+    MapNumbers numbers = MapNumbers::none; // that follow the file word
     const char* name = "";                 // as DOM_print writes it
     std::array<const char*, 3> words = {}; // that begin a domain string; '=': the whole word
     const char* file_word = "";            // in grid and image files; empty: it has none
-    MapNumbers numbers = MapNumbers::none; // that follow the file word
     void (*take)(Map&) = nullptr;          // parameters of a new domain
     void (*derive)(Map&) = nullptr;        // constants, after a change of what they depend on
     void (*set_limits)(Map&) = nullptr;    // null: about the centre, as on maps
