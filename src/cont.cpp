@@ -924,3 +924,9 @@ int CONT_param_decode() {
     }
     return 0;
 }
+
+CONT_keeper::CONT_keeper() : kept_(std::make_unique<cont::State>(contours)) {}
+
+CONT_keeper::~CONT_keeper() {
+    contours = *kept_;
+}

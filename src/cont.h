@@ -11,7 +11,11 @@
 #include "near_word.h"
 
 #include <cstddef>
+#include <memory>
 
+namespace cont {
+struct State;
+}
 struct Gattribs;
 struct Gpt;
 struct GRD_report;
@@ -136,3 +140,18 @@ float CONT_get_bar_value(float x, float y);
 //   x, y  position in transformation 2
 // Returns 0; -1 when the event is another or lies beside the bar.
 int CONT_flash_value(const char* str, float x, float y);
+
+// --- For a plot within a plot (cont.cpp) --------------------------------------
+
+// Levels, colours and bar as they were when the object was made come back when
+// it goes: what is drawn with levels of its own in between changes none.
+class CONT_keeper {
+public:
+    CONT_keeper();
+    ~CONT_keeper();
+    CONT_keeper(const CONT_keeper&) = delete;
+    CONT_keeper& operator=(const CONT_keeper&) = delete;
+
+private:
+    std::unique_ptr<cont::State> kept_;
+};

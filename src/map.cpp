@@ -9,6 +9,7 @@
 #include "plt_tool.h"
 #include "zyr.h"
 #include "zyrgks.h"
+#include "zyrraw.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
@@ -285,11 +286,15 @@ int metafile_entry(const char* file) {
     return goverlay_metafile(file);
 }
 
-// Raw files need their reader; this program is built without it.
+// A raw file sets levels of its own, which the plot about it does not see. The
+// terminal is no file to lay over a map.
 int rawfile_entry(const char* file) {
     PLT_mess("Map-rawfile: %s", file);
-    MESS_print(mess_warn, "MAP_process: No rawfile is drawn by this program: %s\n", file);
-    return -1;
+    if (FILE_is_stdio(file) != 0) {
+        return -1;
+    }
+    RAW_plot_file(file, 0);
+    return 0;
 }
 
 int draw_entry(const char* entry) {
