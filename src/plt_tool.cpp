@@ -13,8 +13,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
+#include <string>
 
 namespace {
 
@@ -99,13 +102,31 @@ Date image_date() {
 
 // Writes the picture of the selected frame under the name that the dump's
 // convention gives with the key `i`.
+// The title as a part of a name. Of another program's window it is anybody's text:
+// it names no directory and no command, and means nothing to a shell.
+std::string title_for_name() {
+    std::string title = gget_win_title();
+    if (!gtype_is_PIX()) {
+        return title;
+    }
+    for (char& c : title) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool plain = byte >= 0x80 || std::isalnum(byte) != 0 || std::strchr("-.,+", c);
+        c = plain ? c : '_';
+    }
+    if (title.starts_with('-') || title.starts_with('.')) {
+        title[0] = '_';
+    }
+    return title;
+}
+
 void dump_image(const char* key) {
     const Date date = image_date();
     char name[file_name_size] = "";
     char path[file_name_size] = "";
     FILE_set_name(session.dump_file);
     FILE_set_key('i', key);
-    FILE_set_key('p', gget_win_title());
+    FILE_set_key('p', title_for_name().c_str());
     FILE_set_date(&date, name);
     FILE_add_path(RES_get("image_path"), name, path);
     const IMG_kind* kind = IMG_find_dump(session.dump);

@@ -113,12 +113,39 @@ TEST_F(PixmapTest, PanelsTakeAPart) {
     }) {
         constexpr std::uint32_t blue = 0x0000FF;
         loop.fill(blue);
-        expect_drawn("disc -pp clear -de w,," + id + " -ge " + row.geometry);
+        const bool sized = std::string(row.geometry).find("inf") == std::string::npos;
+        const ProgramRun run = draw("disc -pp clear -de w,," + id + " -ge " + row.geometry, {});
+        EXPECT_EQ(run.code, 0) << row.geometry;
+        EXPECT_EQ(run.err.empty(), sized) << row.geometry << run.err; // else a warning
         const Picture all = loop.look();
         EXPECT_EQ(part_of(all, row.x, row.y, row.shown.width, row.shown.height), row.shown)
             << row.geometry;
         const auto untouched = std::count(all.rgb.begin(), all.rgb.end(), blue);
         EXPECT_EQ(untouched, 640 * 512 - row.shown.width * row.shown.height) << row.geometry;
+    }
+}
+
+// The title of a window is its owner's text, whoever that is.
+TEST_F(PixmapTest, TitlesNameNoCommand) {
+    struct Row {
+        const char* title;
+        const char* word;  // of plot_param
+        const char* image; // that is written
+    };
+    constexpr Row rows[] = {
+        {"|touch pwned",        "png=%p.png",         "_touch_pwned.png"          },
+        {"../up",               "png=%p.png",         "_._up.png"                 },
+        {"a';touch pwned;'",    "png=|cat>pic_%p",    "pic_a__touch_pwned__"      },
+        {"$(touch pwned)`:`&x", "png=|cat>pic_%p.at", "pic___touch_pwned_____x.at"},
+    };
+    const LoopWindow loop(*user, 640, 512);
+    for (const Row& row : rows) {
+        XStoreName(user->display(), loop.window(), row.title);
+        XSync(user->display(), False);
+        draw("disc -de w,," + loop.id_with_window() + " -pp " + row.word, {});
+        EXPECT_TRUE(std::filesystem::exists(dir.path() + "/" + row.image))
+            << row.title << program->out() << program->err();
+        EXPECT_FALSE(std::filesystem::exists(dir.path() + "/pwned")) << row.title;
     }
 }
 
