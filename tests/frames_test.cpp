@@ -1,5 +1,11 @@
 // Several files as frames of a loop, and what zoom makes of a picture: what the
 // user does, and what the window then shows.
+#include "nids_plt.h"
+#include "plot_session.h"
+
+#include "files.h"
+#include "zyrgks.h"
+
 #include "plot_window.h"
 
 #include <algorithm>
@@ -7,8 +13,11 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <map>
+#include <tuple>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -266,6 +275,81 @@ TEST_F(FramesTest, RectangleZoomsIntoTheMap) {
     EXPECT_TRUE(shows(part));
     EXPECT_EQ(count_text(program->out(), "New domain:"), 3);
     leave();
+}
+
+// The newest file comes in as the last frame and pushes the first one out, which
+// a minute's refresh asks for in the program.
+TEST_F(FramesTest, RefreshMovesTheLoopOn) {
+    const auto file = [&](int minute, int level) {
+        write("2019052022" + std::to_string(minute), disc_product(level, minute));
+    };
+    file(10, 3);
+    file(20, 6);
+    ASSERT_TRUE(open_plot_session("d," + server->name()));
+    window = user->find_window();
+    setenv("zyrcurtime", "201905202230", 1);
+    RES_put("data_path", dir.path().c_str());
+    RES_put("num_hour", "-0:10,0:10");
+    FILE_set_name("@%D/%Y%m%d%h%10n");
+    RES_put("filename", (dir.path() + "/201905202220").c_str());
+    char name[file_name_size];
+    FILE_get_file("", name);
+    NIDS_set_date(nullptr);
+    Domain domain = mercator_domain();
+    ASSERT_EQ(NIDS_plot(&domain), 0); // as a redraw, which leaves the session open
+    ASSERT_EQ(gget_num_images(), 2);
+    const auto frame = [&](int number) {
+        gdisplay_frame(number);
+        gsync();
+        return user->look(window);
+    };
+    const Picture first = frame(0);
+    const Picture second = frame(1);
+    ASSERT_GT(pixels_that_differ(first, second), 1000);
+    NIDS_plot_nextfile();
+    EXPECT_EQ(frame(0), first) << "nothing new";
+    file(30, 9);
+    NIDS_plot_nextfile();
+    EXPECT_EQ(gget_num_images(), 2);
+    EXPECT_EQ(frame(0), second);
+    const Picture third = frame(1);
+    EXPECT_GT(pixels_that_differ(third, second), 1000);
+    EXPECT_GT(pixels_that_differ(third, first), 1000);
+    PLT_set_dump(1, ""); // no hold at the end
+    PLT_close();
+}
+
+// Files that come through pipes hold a plot of frames where the user can act.
+TEST_F(FramesTest, PlotIsServedWhileItRuns) {
+    const Picture first = picture_of("d0" + std::string(plain));
+    for (const char* pipe : {"p1", "p2"})
+        ASSERT_EQ(mkfifo((dir.path() + "/" + pipe).c_str(), 0600), 0);
+    const auto feed = [&](const char* pipe, int level) {
+        const Bytes bytes = disc_product(level, 50);
+        std::ofstream(dir.path() + "/" + pipe) << std::string(bytes.begin(), bytes.end());
+    };
+    const std::string args = "d0 p1 p2 -ti T -me mess" + std::string(plain);
+    start(args); // waits for p1
+    EXPECT_TRUE(shows(first));
+    user->key(XK_q, alt);  // keys before the hold are dropped
+    user->send(window, 2); // an attached program asks for a frame, which waits
+    feed("p1", 6);
+    EXPECT_TRUE(has_title("T [1]")) << "the plot has gone on to p2";
+    EXPECT_NE(user->look(window), first);
+    feed("p2", 9);
+    EXPECT_TRUE(has_title("T [3]")) << "three pictures and the frame asked for";
+    user->close(window);
+    EXPECT_EQ(program->wait().code, 0);
+
+    start(args);
+    user->close(window);
+    feed("p1", 6);
+    EXPECT_TRUE(has_title("T [1]"));
+    settle();
+    EXPECT_FALSE(program->ended()) << "in the middle of its plot";
+    feed("p2", 9);
+    const ProgramRun run = program->wait();
+    EXPECT_EQ(std::make_tuple(run.code, run.timed_out), std::make_tuple(0, false)) << run.err;
 }
 
 // A feed that cleans up takes the file away while its picture is looked at.
