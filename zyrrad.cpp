@@ -13,6 +13,7 @@
 #include "rad_input.h"
 #include "region.h"
 #include "res_table.h"
+#include "rrwds.h"
 #include "zyr.h"
 
 #include <algorithm>
@@ -45,6 +46,12 @@ void run_lev2z(Domain* domain) {
     run_lev2(domain);
 }
 
+void run_rrwds(Domain* domain) {
+    RRWDS_set_date(nullptr);
+    DOM_get_region(domain, 3);
+    RRWDS_plot(domain);
+}
+
 // A mosaic has no domain of its own: it is drawn on each one that the user names.
 void run_nowrad(Domain* domain) {
     NOWRad_set_date(nullptr);
@@ -73,6 +80,7 @@ constexpr Plotter plotters[] = {
     {input_nids,   1, "Enter the NIDS filename: ",    run_nids  },
     {input_lev2,   1, "Enter the Level 2 filename: ", run_lev2  },
     {input_lev2z,  1, "Enter the Level 2 filename: ", run_lev2z },
+    {input_rrwds,  0, "Enter the RRWDS filename: ",   run_rrwds },
     {input_nowrad, 0, "Enter the NOWRad filename: ",  run_nowrad},
     {input_kavrad, 0, "Enter the KAVRAD filename: ",  run_kavrad},
 };

@@ -172,7 +172,7 @@ TEST_F(ProgramTest, FaultsThatEndTheRun) {
              {"radial -de m,radial/x",   4,  "gopen_ws: unable to open metafile\n\n" + closed       },
              {"radial -de q,x",          4,  "gopen_ws: unable to open HPGL file\n\n" + closed      },
              {"radial -de p,radial/x",   4,  "gopen_ws: unable to open postscript file\n\n" + closed},
-             {"radial -inp rrwds",       10, other + "rrwds\n" + hint                               },
+             {"radial -inp rcmsite",     10, other + "rcmsite\n" + hint                             },
              {"radial -inp=",            10, other + "radar summary\n" + hint                       },
              {"radial_cut -de p,x",      0,
               "NIDS_plot_summary: The product is damaged or not whole:radial_cut\n"                 },

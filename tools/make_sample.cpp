@@ -4,6 +4,7 @@
 //   make_sample --lev2 FILE      the same as a Level II volume, with velocities
 //   make_sample --nowrad FILE    a national mosaic; --nowrad-us the Lambert section
 //   make_sample --kavrad FILE    the same weather on the coarse KAVRAD grid
+//   make_sample --rrwds FILE     the storm as an RRWDS image
 //   make_sample --mosaic-seeds DIR small mosaics of every kind
 //   make_sample --seeds DIR      a small product of every kind, a file each
 //   make_sample --lev2-seeds DIR a small Level II volume of every kind
@@ -15,6 +16,7 @@
 #include "mosaic_writer.h"
 #include "nids_storm.h"
 #include "nids_writer.h"
+#include "rrwds_writer.h"
 
 #include <cstdio>
 #include <fstream>
@@ -62,6 +64,9 @@ int main(int argc, char** argv) {
     if (option == "--kavrad") {
         return write_file(argv[2], kavrad_sample(true)) ? 0 : 1;
     }
+    if (option == "--rrwds") {
+        return write_file(argv[2], rrwds_sample()) ? 0 : 1;
+    }
     if (option == "--mosaic-seeds") {
         return write_files(argv[2], nowrad_samples()) && write_files(argv[2], kavrad_samples()) ? 0
                                                                                                 : 1;
@@ -75,8 +80,10 @@ int main(int argc, char** argv) {
     if (argc == 4 && std::string(argv[1]) == "--image-seeds") {
         return write_files(argv[3], image_samples(argv[2])) ? 0 : 1;
     }
-    std::fprintf(stderr, "usage: make_sample FILE | --super FILE | --lev2 FILE | --nowrad FILE | "
-                         "--nowrad-us FILE | --kavrad FILE | --mosaic-seeds DIR | --seeds DIR | "
-                         "--lev2-seeds DIR | --image-seeds KIND DIR\n");
+    std::fprintf(
+        stderr,
+        "usage: make_sample FILE | --super FILE | --lev2 FILE | --nowrad FILE | "
+        "--nowrad-us FILE | --kavrad FILE | --rrwds FILE | --mosaic-seeds DIR | --seeds DIR | "
+        "--lev2-seeds DIR | --image-seeds KIND DIR\n");
     return 2;
 }
