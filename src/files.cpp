@@ -20,8 +20,10 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <pwd.h>
@@ -48,13 +50,21 @@ struct Saved {
 struct Module {
     FileState state;
     Saved saved;
-    std::vector<std::FILE*> pipes; // streams that FILE_close must wait for
+    std::vector<std::FILE*> pipes;            // streams that FILE_close must wait for
+    std::set<std::pair<dev_t, ino_t>> inputs; // plain files that were opened for reading
 };
 Module module;
 
 bool stat_of(const char* name, struct stat* info) {
     char path[file_name_size];
     return stat(FILE_add_user_path(name, path), info) == 0;
+}
+
+void note_input(std::FILE* file) {
+    struct stat info {};
+    if (fstat(fileno(file), &info) == 0 && S_ISREG(info.st_mode)) {
+        module.inputs.emplace(info.st_dev, info.st_ino);
+    }
 }
 
 // Takes the keys out of ":c=text" suffixes; the kind ends at the first of them.
@@ -195,7 +205,16 @@ std::FILE* FILE_open(const char* name, const char* mode) {
     if (*mode == 'w' || *mode == 'a') {
         FILE_make_dir(path, 1);
     }
-    return std::fopen(path, mode);
+    std::FILE* const file = std::fopen(path, mode);
+    if (reads && file != nullptr) {
+        note_input(file);
+    }
+    return file;
+}
+
+int FILE_is_input(const char* name) {
+    struct stat info {};
+    return stat_of(name, &info) && module.inputs.contains({info.st_dev, info.st_ino}) ? 1 : 0;
 }
 
 int FILE_close(std::FILE* stream) {

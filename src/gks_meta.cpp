@@ -109,12 +109,12 @@ int gmeta_close_file() {
         return -1;
     if (!meta.append)
         gcgm_end();
-    if (close_output(std::exchange(meta.out_file, nullptr)) != 0) {
+    const int status = close_output(std::exchange(meta.out_file, nullptr));
+    if (status < 0)
         gerr_printf("gmeta_close_file", "unable to write metafile\n");
-        return -1;
-    }
-    MESS_print(mess_mess, "Created metafile\n");
-    return 0;
+    else if (status == 0)
+        MESS_print(mess_mess, "Created metafile\n");
+    return status;
 }
 
 int gmeta_set_type(int type) {

@@ -407,12 +407,12 @@ int gps_close_file() {
     if (!ps.append)
         gps_printf(ps.pr_eps != 0 ? "showpage\n%%%%EOF\n"
                                   : "saveobj restore\nshowpage\nend\n%%%%EOF\n");
-    if (close_output(std::exchange(ps.out_file, nullptr)) != 0) {
+    const int status = close_output(std::exchange(ps.out_file, nullptr));
+    if (status < 0)
         gerr_printf("gps_close_file", "unable to write postscript file\n");
-        return -1;
-    }
-    MESS_print(mess_mess, "Created Postscript file\n");
-    return 0;
+    else if (status == 0)
+        MESS_print(mess_mess, "Created Postscript file\n");
+    return status;
 }
 
 int gps_printf(const char* format, ...) {

@@ -5,6 +5,7 @@
 
 #include "files.h"
 #include "nids_tables.h"
+#include "plt_tool.h"
 #include "rad_fill.h"
 #include "windbarb.h"
 
@@ -75,7 +76,7 @@ void draw_row(const NIDS_frame& frame, RadFills& fills, std::FILE* grid, const R
 }
 
 void draw_raster(const NIDS_frame& frame, RadFills& fills) {
-    const FILE_ptr grid(NIDS_grd_open(*frame.info, frame.datim));
+    OutputPtr grid = NIDS_grd_open(*frame.info, frame.datim);
     RadStrip strip(frame.own, frame.plot);
     const double d = frame.info->domain.dx;
     const double left = frame.site.x - d * (frame.info->nx - 1) / 2;
@@ -87,8 +88,9 @@ void draw_raster(const NIDS_frame& frame, RadFills& fills) {
         };
         draw_row(frame, fills, grid.get(), edges, strip);
     }
-    if (grid && (std::fflush(grid.get()) != 0 || std::ferror(grid.get()) != 0)) {
+    if (grid && close_output(grid.release()) != 0) {
         MESS_print(mess_warn, "NIDS_plot: Unable to write grid file\n");
+        PLT_lost_output();
     }
 }
 

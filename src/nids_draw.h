@@ -4,6 +4,7 @@
 
 #include "map_proj.h"
 #include "nids.h"
+#include "out_file.h"
 #include "zyrgks.h"
 
 #include <cstdio>
@@ -35,6 +36,5 @@ int NIDS_draw_packets(const NIDS_frame& frame);
 // --- Text grid file (nids_grid.cpp) -------------------------------------------
 
 // The grid file if one is asked for (NIDS_grd_out_file), with its heading
-// written; null if none is asked for or it does not open. Close it with
-// FILE_close.
-std::FILE* NIDS_grd_open(const NIDS_info& info, const char* datim);
+// written; null if none is asked for or it does not open, with a warning.
+OutputPtr NIDS_grd_open(const NIDS_info& info, const char* datim);

@@ -10,6 +10,7 @@
 #include "nids_plt.h"
 
 #include "files.h"
+#include "plt_tool.h"
 #include "region.h"
 #include "zyrresrc.h"
 
@@ -37,20 +38,24 @@ int NIDS_grd_out_file() {
     return found;
 }
 
-std::FILE* NIDS_grd_open(const NIDS_info& info, const char* datim) {
-    std::FILE* grid = nullptr;
+OutputPtr NIDS_grd_open(const NIDS_info& info, const char* datim) {
+    OutputPtr grid;
     FILE_save_name_conv();
     if (NIDS_grd_out_file() != 0) {
         Date date = info.date;
         char name[file_name_size] = "";
         FILE_set_date(&date, name);
         MESS_print(mess_mess, "Opening grid file: %s\n", name);
-        grid = FILE_open(name, "w");
+        grid.reset(open_output(name, false));
+        if (grid == nullptr) {
+            MESS_print(mess_warn, "NIDS_grd_open: Unable to open grid file: %s\n", name);
+            PLT_lost_output();
+        }
     }
     FILE_restore_name_conv();
     if (grid != nullptr) {
         const Domain& d = info.domain;
-        std::fprintf(grid, "ZYRGRID\n%s\n%s\n%s%f %f %f %f %d %d\n", datim, info.info,
+        std::fprintf(grid.get(), "ZYRGRID\n%s\n%s\n%s%f %f %f %f %d %d\n", datim, info.info,
                      DOM_proj_word(&d).c_str(), static_cast<double>(d.clat),
                      static_cast<double>(d.clon), static_cast<double>(d.dx),
                      static_cast<double>(d.dy), d.nx, d.ny);

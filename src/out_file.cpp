@@ -1,5 +1,8 @@
-// out_file.cpp: the output of a file device. Owns its buffer, which has to
-// outlive the file: an early exit leaves the last of it to the library to flush.
+// out_file.cpp: the outputs of the program. Owns the open ones: their buffers,
+// which have to outlive the files (an early exit leaves the last of them to the
+// library to flush), and the names of files that are not whole yet. From the
+// first one on it owns the signals that stop a program, too: they take the
+// unfinished files away.
 
 #include "out_file.h"
 
@@ -7,10 +10,13 @@
 
 #include "date.h"
 #include "files.h"
+#include "zyrresrc.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -19,11 +25,195 @@
 #include <string_view>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
-std::array<char, 1 << 16> out_buffer;
+struct Output {
+    std::FILE* file = nullptr;
+    bool given_up = false;
+    std::array<char, PATH_MAX> target{};     // the name to take
+    std::array<char, PATH_MAX> unfinished{}; // the file beside it
+    volatile std::sig_atomic_t pending = 0;  // `unfinished` lies there
+    std::array<char, std::size_t{1} << 16> buffer{};
+};
+
+struct Module {
+    std::array<Output, 4> outputs;
+    bool guarded = false; // by the signals and at exit
+    pid_t owner = 0;      // a process that was split off removes nothing
+};
+Module module;
+
+// --- Unfinished files ---------------------------------------------------------
+
+// These two are safe inside a signal handler.
+void remove_unfinished_of(Output& output) {
+    if (output.pending != 0) {
+        unlink(output.unfinished.data());
+        output.pending = 0;
+    }
+}
+
+void remove_unfinished() {
+    if (module.owner != getpid()) {
+        return;
+    }
+    for (Output& output : module.outputs) {
+        remove_unfinished_of(output);
+    }
+}
+
+// Ends the program as the signal does by default, once the handler returns.
+extern "C" void stop_handler(int signal) {
+    remove_unfinished();
+    std::raise(signal);
+}
+
+extern "C" void no_handler(int) {}
+
+constexpr std::array stopping = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGXCPU};
+// A command that ends early, or a limit on the size of files, is an error of
+// writing and must not take the program with it. Unlike SIG_IGN a handler is
+// not handed on to commands.
+constexpr std::array harmless = {SIGPIPE, SIGXFSZ};
+
+void handle(int signal, void (*handler)(int), int flags) {
+    struct sigaction now {};
+    if (sigaction(signal, nullptr, &now) != 0 || now.sa_handler != SIG_DFL) {
+        return; // as the user wants it
+    }
+    struct sigaction action {};
+    action.sa_handler = handler;
+    action.sa_flags = flags;
+    sigemptyset(&action.sa_mask);
+    sigaction(signal, &action, nullptr);
+}
+
+void guard() {
+    module.owner = getpid();
+    for (const int signal : harmless) {
+        handle(signal, no_handler, SA_RESTART);
+    }
+    for (const int signal : stopping) {
+        handle(signal, stop_handler, static_cast<int>(SA_RESETHAND));
+    }
+    if (!module.guarded) {
+        module.guarded = true;
+        static_cast<void>(std::atexit(remove_unfinished)); // else they stay at an early exit
+    }
+}
+
+// Keeps the signals that stop a program waiting while a file and the note of it
+// do not agree.
+class HeldSignals {
+public:
+    HeldSignals() {
+        sigset_t held;
+        sigemptyset(&held);
+        for (const int signal : stopping) {
+            sigaddset(&held, signal);
+        }
+        sigprocmask(SIG_BLOCK, &held, &before_);
+    }
+    ~HeldSignals() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+    HeldSignals(const HeldSignals&) = delete;
+    HeldSignals& operator=(const HeldSignals&) = delete;
+
+private:
+    sigset_t before_{};
+};
+
+// Of the file that is replaced, else as any new file.
+mode_t mode_of(const struct stat* old) {
+    if (old != nullptr) {
+        return old->st_mode & 07777;
+    }
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
+}
+
+// Opens the file beside `output.target`; null, with the cause in errno.
+std::FILE* open_beside(Output& output, const struct stat* old) {
+    const std::string target = output.target.data();
+    const std::size_t slash = target.rfind('/');
+    const std::string path =
+        (slash == std::string::npos ? "" : target.substr(0, slash + 1)) + ".zyr-XXXXXX";
+    if (copy_text(output.unfinished.data(), output.unfinished.size(), path.c_str()) != 0) {
+        errno = ENAMETOOLONG;
+        return nullptr;
+    }
+    const HeldSignals held;
+    const int fd = mkostemp(output.unfinished.data(), O_CLOEXEC);
+    if (fd < 0) {
+        return nullptr;
+    }
+    output.pending = 1;
+    fchmod(fd, mode_of(old)); // some file systems know no modes
+    return fdopen(fd, "w");
+}
+
+// Lets the whole file take its name.
+bool take_name(Output& output) {
+    if (FILE_is_input(output.target.data()) != 0) {
+        MESS_print(mess_error, "close_output: The output is an input of the run: %s\n",
+                   output.target.data());
+        return false;
+    }
+    const HeldSignals held;
+    if (std::rename(output.unfinished.data(), output.target.data()) != 0) {
+        return false;
+    }
+    output.pending = 0;
+    return true;
+}
+
+// --- Opening ------------------------------------------------------------------
+
+// Is a file one that the run reads, or is going to by a typed name?
+bool is_input(const char* path) {
+    struct stat file {};
+    struct stat typed {};
+    if (stat(path, &file) != 0 || !S_ISREG(file.st_mode)) {
+        return false;
+    }
+    bool found = FILE_is_input(path) != 0;
+    int count = 0;
+    char** names = nullptr;
+    RES_getvals("filename", &count, &names);
+    for (int i = 0; i < count && !found; ++i) {
+        std::array<char, file_name_size> name{};
+        found = stat(FILE_add_user_path(names[i], name.data()), &typed) == 0 &&
+                typed.st_dev == file.st_dev && typed.st_ino == file.st_ino;
+    }
+    free_parsed_array(count, names);
+    if (found) {
+        MESS_print(mess_error, "open_output: The output is an input of the run: %s\n", path);
+    }
+    return found;
+}
+
+// Opens a plain file; anything else is left to FILE_open.
+std::FILE* open_plain(Output& output, const char* name) {
+    struct stat info {};
+    const bool exists = stat(name, &info) == 0;
+    if (exists && !S_ISREG(info.st_mode)) {
+        return FILE_open(name, "w");
+    }
+    if (exists && access(name, W_OK) != 0) {
+        return nullptr;
+    }
+    // A link stays one: the file that it leads to is replaced.
+    if (!exists || realpath(name, output.target.data()) == nullptr) {
+        copy_text(output.target.data(), output.target.size(), name);
+        FILE_make_dir(name, 1);
+    }
+    std::FILE* const file = open_beside(output, exists ? &info : nullptr);
+    const bool locked = file == nullptr && exists && (errno == EACCES || errno == EPERM);
+    return locked ? FILE_open(name, "w") : file; // a file may be ours where its directory is not
+}
 
 // Standard output under a descriptor of its own: a run that goes on in the
 // background closes the program's.
@@ -31,6 +221,27 @@ std::FILE* own_stdout() {
     std::fflush(stdout);
     const int fd = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
     return fd < 0 ? nullptr : fdopen(fd, "w");
+}
+
+std::FILE* open_any(Output& output, const char* name, bool append) {
+    if (FILE_is_stdio(name) != 0) {
+        return own_stdout();
+    }
+    if (*name == '|') {
+        return FILE_open(name, "w");
+    }
+    std::array<char, file_name_size> path{};
+    FILE_add_user_path(name, path.data());
+    if (is_input(path.data())) {
+        return nullptr;
+    }
+    return append ? FILE_open(path.data(), "a") : open_plain(output, path.data());
+}
+
+Output* slot_of(const std::FILE* file) {
+    auto* const found = std::find_if(module.outputs.begin(), module.outputs.end(),
+                                     [file](const Output& output) { return output.file == file; });
+    return found != module.outputs.end() ? found : nullptr;
 }
 
 void store(char* name, std::size_t size, const char* text) {
@@ -60,20 +271,50 @@ void output_name(const char* conn_id, std::initializer_list<const char*> environ
 }
 
 std::FILE* open_output(const char* name, bool append) {
-    // A command that ends early must not take the program with it.
-    if (*name == '|')
-        std::signal(SIGPIPE, SIG_IGN);
-    std::FILE* file = FILE_open(name, append ? "a" : "w");
-    if (file == stdout)
-        file = own_stdout();
-    if (file != nullptr)
-        std::setvbuf(file, out_buffer.data(), _IOFBF, out_buffer.size());
-    return file;
+    Output* const output = slot_of(nullptr);
+    if (output == nullptr) {
+        return nullptr;
+    }
+    guard();
+    output->given_up = false;
+    output->file = open_any(*output, name, append);
+    if (output->file == nullptr) {
+        remove_unfinished_of(*output);
+        return nullptr;
+    }
+    std::setvbuf(output->file, output->buffer.data(), _IOFBF, output->buffer.size());
+    return output->file;
 }
 
 int close_output(std::FILE* file) {
+    Output* const output = slot_of(file);
+    if (file == nullptr || output == nullptr) {
+        return -1;
+    }
+    output->file = nullptr;
     const bool failed = std::fflush(file) != 0 || std::ferror(file) != 0;
-    return FILE_close(file) != 0 || failed ? -1 : 0;
+    int status = FILE_close(file) != 0 || failed ? -1 : 0;
+    if (output->given_up) {
+        status = 1;
+    }
+    if (output->pending != 0 && status == 0 && !take_name(*output)) {
+        status = -1;
+    }
+    remove_unfinished_of(*output);
+    return status;
+}
+
+void discard_output(std::FILE* file) {
+    if (Output* const output = slot_of(file); file != nullptr && output != nullptr) {
+        output->given_up = true;
+        static_cast<void>(close_output(file));
+    }
+}
+
+void give_up_outputs() {
+    for (Output& output : module.outputs) {
+        output.given_up = output.file != nullptr;
+    }
 }
 
 void take_options(const char* text, int first, bool (*take)(const char* option)) {

@@ -1,22 +1,40 @@
-// out_file.h: the output of a file device: a file, the end of a file, or a
-// command; and what the texts of such devices share.
+// out_file.h: the output of a file device, a text grid or an image: a file, the
+// end of a file, or a command; and what the texts of file devices share.
+//
+// A plain file is written beside its name, and takes the name when it is whole:
+// until close_output the old file stays, and it stays for good when the run
+// fails, is stopped by a signal or ends without closing. Devices, FIFOs,
+// standard output, commands and the ends of files are written straight.
 #pragma once
 
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
 #include <initializer_list>
+#include <memory>
 #include <string>
 
 // The first field of the connection text, else the first of the environment
 // variables that is set, else `otherwise`.
 void output_name(const char* conn_id, std::initializer_list<const char*> environment,
                  const char* otherwise, char* name, std::size_t size);
-// Opens a file, "|command", or standard output; `append` writes behind what a
-// file holds. Null on failure. One such output is open at a time.
-std::FILE* open_output(const char* name, bool append);
-// Returns 0; -1 if something could not be written.
-int close_output(std::FILE* file);
+// Opens a file, "|command", or standard output; `append` writes after what a
+// file holds. Missing directories are made. Null on failure, with a message
+// only where the file is an input of the run. At most four are open at a time.
+[[nodiscard]] std::FILE* open_output(const char* name, bool append);
+// Completes an output. Returns 0; -1 if something could not be written or the
+// command failed; 1 if the output was given up. The old file stays but for 0.
+[[nodiscard]] int close_output(std::FILE* file);
+// Closes an output that is not whole: the old file stays.
+void discard_output(std::FILE* file);
+// A run that fails keeps nothing of what is open: close_output then gives 1.
+void give_up_outputs();
+
+// An output that is discarded unless it is released to close_output.
+struct DiscardOutput {
+    void operator()(std::FILE* file) const { discard_output(file); }
+};
+using OutputPtr = std::unique_ptr<std::FILE, DiscardOutput>;
 
 // Gives the fields of a text split at commas to `take`, from `first` on; warns of
 // each that it refuses. Empty fields, and a null text, say nothing.

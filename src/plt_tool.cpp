@@ -8,6 +8,7 @@
 #include "gks.h"
 #include "img_kind.h"
 #include "maptran.h"
+#include "out_file.h"
 #include "zyrgks.h"
 #include "zyrresrc.h"
 
@@ -34,11 +35,18 @@ struct Session {
     int dump = 0;                               // kind of image dump
     char dump_file[60] = "";                    // its name convention
     Date data_date;                             // of the data in the picture
+    bool lost = false;                          // an output could not be written
 };
 Session session;
 
 constexpr int type_none = 99;  // plot type that draws nothing
 constexpr int exit_device = 4; // a file device lost a part of its page
+
+void go_to_background() {
+    if (ZYR_back_proc() == 0) {
+        ZYR_exit(1);
+    }
+}
 
 bool nothing_to_draw() {
     return FLAG_getplot(12) == 0 || FLAG_get(flag_plot_type) == type_none;
@@ -138,6 +146,7 @@ void dump_image(const char* key) {
         MESS_print(mess_mess, "Wrote %s file: %s\n", label, path);
     } else {
         MESS_print(mess_warn, "PLT_dump: Unable to write %s file: %s\n", label, path);
+        PLT_lost_output();
     }
 }
 
@@ -184,8 +193,11 @@ int PLT_panel(float aspect) {
 }
 
 int PLT_close() {
-    if (FLAG_batch() != 0 && ZYR_back_proc() == 0) {
-        ZYR_exit(1);
+    // What is written has to be whole when the program comes back to the user;
+    // a window is handed over as it is.
+    const bool writes = session.dump != 0 || (gchk_graphics() != 0 && !gtype_is_WIN_PIX());
+    if (FLAG_batch() != 0 && !writes) {
+        go_to_background();
     }
     if (FLAG_get(flag_plot_type) == type_none) {
         return -1;
@@ -197,15 +209,23 @@ int PLT_close() {
     gclear_ws(session.work_id, 1);
     const int status = GPH_end(session.work_id);
     PLT_init_labels();
-    if (status != 0) { // a script must not go on with half a page
+    if (status != 0 || session.lost) { // a script must not go on with half a page
         ZYR_exit(exit_device);
+    }
+    if (FLAG_batch() != 0 && writes) {
+        go_to_background();
     }
     return 0;
 }
 
 void PLT_exit(int code) {
+    give_up_outputs();
     GPH_end(session.work_id);
     ZYR_exit(code);
+}
+
+void PLT_lost_output() {
+    session.lost = true;
 }
 
 int PLT_mess(const char* format, ...) {
@@ -278,6 +298,9 @@ void PLT_tell_left_out(int files) {
     if (files > 0) {
         MESS_print(mess_warn, "A loop holds %d frames: %d more files are left out\n", max_frames,
                    files);
+        if (session.dump != 0) { // each was to have a picture
+            PLT_lost_output();
+        }
     }
 }
 

@@ -31,10 +31,13 @@ int PLT_reset(float aspect);
 int PLT_panel(float aspect);
 // Moves to the background in batch mode, lets the user look at a window and
 // ends the session. Returns 0; -1 with plot type 99. Ends the program with 4
-// when not all of the device's file could be written.
+// when not all of what was asked for could be written. In batch mode the program
+// goes to the background: with a window before it waits, else at the very end.
 int PLT_close();
-// Closes the graphics and ends the program.
+// Closes the graphics, keeps no output that is not whole, and ends the program.
 [[noreturn]] void PLT_exit(int code);
+// Notes that an output could not be written: PLT_close ends the program with 4.
+void PLT_lost_output();
 // Announces a stage of the drawing on the workstation's status line.
 [[gnu::format(printf, 1, 2)]] int PLT_mess(const char* format, ...);
 

@@ -176,7 +176,7 @@ TEST(Metafile, ReaderTakesWhatIsThere) {
 }
 
 TEST(Metafile, FilesThatCannotBePlayed) {
-    MetaPage page;
+    const FilePage page(ws_metafile, "zyr", "+");
     const std::string closed = "gread_metafile: Unable to open image file: ";
     for (const auto& [name, report] : std::map<std::string, std::string>{
              {"/none",   closed + "/none\n"                                          },
