@@ -46,6 +46,8 @@
 
 #include "byte_reader.h"
 #include "cont.h"
+#include "data_file.h"
+#include "file_kind.h"
 #include "files.h"
 #include "lev2_cuts.h"
 #include "lev2_stream.h"
@@ -589,8 +591,10 @@ int LEV2_set_compress(int val) {
 }
 
 int LEV2_open_file(const char* filename) {
-    FILE_ptr file(FILE_open(filename, "r"));
+    FILE_ptr file(FILE_open_data(filename));
     const bool opened = file != nullptr;
+    std::array<std::uint8_t, 512> area{};
+    const auto head = opened ? FILE_head(file.get(), area) : std::span<const std::uint8_t>();
     lev2_stream_open(std::move(file));
     State fresh;
     fresh.compress = lev2.compress;
@@ -604,6 +608,13 @@ int LEV2_open_file(const char* filename) {
     copy_text(lev2.name, sizeof lev2.name, filename);
     if (!opened) {
         MESS_print(mess_error, "LEV2_open_file: Unable to open file:%s\n", filename);
+        return 0;
+    }
+    const char* input = file_kind(head).input;
+    if (input == nullptr || std::strncmp(input, "lev2", 4) != 0) {
+        lev2_stream_open(nullptr);
+        MESS_print(mess_error, "LEV2_open_file: Unable to read file:%s\n", filename);
+        tell_file_kind("LEV2_open_file", head);
         return 0;
     }
     if (CONT_get_bar() != -2) {

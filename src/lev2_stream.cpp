@@ -1,7 +1,7 @@
 // lev2_stream: the bytes of a Level II volume. Three layers, each of a fixed
 // size, so that any volume is read in the same memory:
 //
-//   source    the file in pieces of 64 KiB, unpacked if it is a gzip file
+//   source    the file in pieces of 64 KiB
 //   units     of a packed volume: 4 bytes length, whose sign means nothing,
 //             and that many bytes with a bzip2 stream
 //   buffer    decoded records; all before the current one may be dropped
@@ -32,7 +32,6 @@ constexpr std::size_t max_volume_bytes = 256UL * 1024 * 1024;
 constexpr std::array<std::uint8_t, 4> trailer = {0x0D, 0x0D, 0x0A, 0x03};
 constexpr std::size_t trailer_read = 1000; // it ends a shorter read
 
-constexpr std::array<std::uint8_t, 2> gzip_mark = {0x1F, 0x8B};
 constexpr std::array<std::uint8_t, 3> bzip2_mark = {'B', 'Z', 'h'};
 constexpr std::size_t length_size = 4; // of a unit
 
@@ -40,20 +39,17 @@ constexpr std::size_t length_size = 4; // of a unit
 
 // The memory of the layers; what it holds is told by `stream`.
 struct Areas {
-    std::array<std::uint8_t, piece_size> piece{}, unzipped{};
+    std::array<std::uint8_t, piece_size> piece{};
     std::array<std::uint8_t, lev2_buffer_size> out{};
 };
 Areas areas;
 
-// The file's bytes. `at` and `left` are those not yet consumed, in `piece` or,
-// of a gzip file, in `unzipped`.
+// The file's bytes. `at` and `left` are those of `piece` not yet consumed.
 struct Source {
     const std::uint8_t* at = nullptr;
     std::size_t left = 0;
-    InflateStream zs;
     std::size_t total = 0; // bytes delivered to `at`
-    bool broken = false;   // the gzip stream is damaged or not whole
-    bool ended = false;    // or it is done
+    bool broken = false;   // the file can't be read further
 };
 
 struct Stream {
@@ -74,49 +70,6 @@ Stream stream;
 
 // --- Source -------------------------------------------------------------------
 
-std::size_t read_file(std::FILE* file) {
-    return std::fread(areas.piece.data(), 1, areas.piece.size(), file);
-}
-
-// More input for the gzip stream. False at the end of the file.
-bool feed_inflate(Source& s, std::FILE* file) {
-    if (s.zs->avail_in == 0) {
-        s.zs->next_in = areas.piece.data();
-        s.zs->avail_in = static_cast<uInt>(read_file(file));
-    }
-    return s.zs->avail_in > 0;
-}
-
-// At the end of a gzip stream: whether another one follows.
-bool next_member(Source& s, std::FILE* file) {
-    return feed_inflate(s, file) && *s.zs->next_in == gzip_mark[0] &&
-           inflateReset(s.zs.get()) == Z_OK;
-}
-
-// Fills `unzipped`; the number of bytes, 0 at the end.
-std::size_t inflate_piece(Source& s, std::FILE* file) {
-    z_stream& zs = *s.zs;
-    zs.next_out = areas.unzipped.data();
-    zs.avail_out = static_cast<uInt>(areas.unzipped.size());
-    while (zs.avail_out > 0 && !s.broken && !s.ended) {
-        const int status = feed_inflate(s, file) ? inflate(&zs, Z_NO_FLUSH) : Z_BUF_ERROR;
-        if (status == Z_STREAM_END) {
-            s.ended = !next_member(s, file);
-        } else {
-            s.broken = status != Z_OK;
-        }
-    }
-    return areas.unzipped.size() - zs.avail_out;
-}
-
-void start_inflate(Source& s, std::size_t got) {
-    s.zs.reset(new z_stream{});
-    constexpr int gzip_window = 16 + MAX_WBITS;
-    s.broken = inflateInit2(s.zs.get(), gzip_window) != Z_OK;
-    s.zs->next_in = areas.piece.data();
-    s.zs->avail_in = static_cast<uInt>(got);
-}
-
 // Has bytes at hand unless the file ends; false then.
 bool source_has(Source& s, std::FILE* file) {
     if (s.left > 0) {
@@ -125,19 +78,9 @@ bool source_has(Source& s, std::FILE* file) {
     if (s.total > max_volume_bytes) {
         return false;
     }
-    if (s.zs == nullptr) {
-        s.left = read_file(file);
-        s.at = areas.piece.data();
-        if (s.total == 0 && s.left > gzip_mark.size() &&
-            std::equal(gzip_mark.begin(), gzip_mark.end(), s.at)) {
-            start_inflate(s, s.left);
-            s.left = 0;
-        }
-    }
-    if (s.zs != nullptr) {
-        s.left = inflate_piece(s, file);
-        s.at = areas.unzipped.data();
-    }
+    s.left = std::fread(areas.piece.data(), 1, areas.piece.size(), file);
+    s.at = areas.piece.data();
+    s.broken = std::ferror(file) != 0; // a damaged gzip file
     s.total += s.left;
     return s.left > 0;
 }

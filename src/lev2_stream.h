@@ -1,4 +1,4 @@
-// lev2_stream.h: the bytes of a Level II volume: file, gzip, bzip2 units and
+// lev2_stream.h: the bytes of a Level II volume: file, bzip2 units and
 // the sliding buffer of decoded records. Used by lev2_read.cpp alone.
 #pragma once
 

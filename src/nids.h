@@ -21,6 +21,9 @@
 
 #include "zyr.h"
 
+#include <cstdint>
+#include <span>
+
 #include <cstdio>
 
 // --- The product ------------------------------------------------------------
@@ -72,6 +75,11 @@ int NIDS_set_ext_info(const char* str);
 // behind the message header leave the fields behind them unset. Returns 1; 0
 // when the file can't be read as a product (`info` is then unspecified).
 int NIDS_get_header(FILE* ifile, NIDS_info* info);
+// Whether what NIDS_get_header took for a product can be one: its radar is
+// somewhere on the earth. Bytes of another kind give 0.
+int NIDS_is_plausible();
+// Whether a file that begins with these bytes is a product. Changes nothing.
+int NIDS_is_product(std::span<const std::uint8_t> head);
 
 // The two fixed blocks, read at the stream's position. Return 1; 0 on failure.
 int NIDS_mess_header(FILE* ifile);

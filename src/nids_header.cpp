@@ -250,6 +250,15 @@ int read_code(FILE* ifile, int* code) {
     return result;
 }
 
+// Is the radar somewhere on the earth, and the description what it is said to be?
+bool is_plausible(int code, const NidsProdDesc& desc) {
+    constexpr int most_lat = 90000;
+    constexpr int most_lon = 180000;
+    const bool on_earth = desc.lat >= -most_lat && desc.lat <= most_lat && desc.lon >= -most_lon &&
+                          desc.lon <= most_lon;
+    return code > 0 && on_earth && (desc.divider == -1 || desc.lat != 0 || desc.lon != 0);
+}
+
 // The product code, with what comes before it. Result as NIDS_read.
 int read_product_code(FILE* ifile, int* code) {
     int result = read_code(ifile, code);
@@ -330,7 +339,8 @@ bool is_length(float v) {
     return std::isfinite(v) && v > 0;
 }
 
-void finish_domain(NIDS_info& info) {
+// `level` is that of the warnings.
+void finish_domain(NIDS_info& info, unsigned level) {
     Domain& domain = info.domain;
     const NidsMap map = nids_product(info.code).map;
     if (map == NidsMap::display) {
@@ -350,7 +360,7 @@ void finish_domain(NIDS_info& info) {
         domain.ny += 1;
         domain.dx = plot_length(domain, info.res);
         if (!is_length(domain.dx)) {
-            MESS_print(mess_warn, "NIDS_get_header: Unknown bin length, product:%d\n", info.code);
+            MESS_print(level, "NIDS_get_header: Unknown bin length, product:%d\n", info.code);
             domain.dx = plot_length(domain, default_bin_nmi);
         }
         if (!is_length(domain.dx)) { // a centre without map factor
@@ -365,7 +375,7 @@ void finish_domain(NIDS_info& info) {
         domain.param[1] = 45;
         domain.param[2] = 1;
         if (!is_length(domain.dx)) {
-            MESS_print(mess_warn, "NIDS_get_header: Unknown cell size, product:%d\n", info.code);
+            MESS_print(level, "NIDS_get_header: Unknown cell size, product:%d\n", info.code);
             domain.dx = default_cell_km;
         }
         domain.dx /= 100.0F;
@@ -492,7 +502,8 @@ NIDS_info make_info(const NidsHeader& header) {
     info.alt = static_cast<float>(desc.height * feet_to_m);
     set_resolution(info);
     set_sizes(info, desc);
-    finish_domain(info);
+    // Bytes of another kind are refused as a whole.
+    finish_domain(info, is_plausible(info.code, desc) ? mess_warn : mess_debug);
     set_params(info, desc);
     std::copy(header.thres.begin(), header.thres.end(), info.thres);
     set_label(info);
@@ -537,6 +548,34 @@ float nids_level_value(const NidsHeader& header, int packet, int level) {
 }
 
 // --- Public -----------------------------------------------------------------
+
+int NIDS_is_product(std::span<const std::uint8_t> head) {
+    ByteReader r(head);
+    int code = r.i16be();
+    const auto* wrapper = std::find_if(std::begin(wrappers), std::end(wrappers),
+                                       [code](const Wrapper& row) { return row.mark == code; });
+    if (wrapper != std::end(wrappers)) {
+        for (int line = 0; line < wrapper->lines; line++) {
+            while (r.ok() && r.u8() != '\n') {
+            }
+        }
+        code = r.i16be();
+        constexpr int zlib_method = 0x78;
+        if (code >> 8 == zlib_method && code % 31 == 0) {
+            return 1;
+        }
+    }
+    r.skip(mess_header_rest);
+    const auto desc = r.bytes(prod_desc_size);
+    return r.ok() && parse_prod_desc(desc).divider == -1 &&
+                   is_plausible(code, parse_prod_desc(desc))
+               ? 1
+               : 0;
+}
+
+int NIDS_is_plausible() {
+    return is_plausible(state.header.mess.code, state.header.pr_desc) ? 1 : 0;
+}
 
 int NIDS_set_ext_info(const char* str) {
     copy_text(state.ext_info, sizeof state.ext_info, str != nullptr ? str : "");

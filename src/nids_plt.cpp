@@ -5,7 +5,9 @@
 #include "nids_plt.h"
 
 #include "cont.h"
+#include "data_file.h"
 #include "date.h"
+#include "file_kind.h"
 #include "files.h"
 #include "map.h"
 #include "maptran.h"
@@ -14,6 +16,7 @@
 #include "rad_run.h"
 #include "region.h"
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <numbers>
@@ -69,15 +72,6 @@ Gattribs attributes(const char* resource, const char* otherwise) {
     return attrib;
 }
 
-// Bytes of another format give a radar that stands nowhere on the earth.
-void check_place(const char* filename) {
-    const Domain& domain = nids.info.domain;
-    if (std::abs(domain.clat) > 90.0F || std::abs(domain.clon) > 180.0F) {
-        MESS_print(mess_warn, "NIDS_open_file: No radar product? Its radar is at %.2f %.2f:%s\n",
-                   domain.clat, domain.clon, filename);
-    }
-}
-
 } // namespace
 
 int NIDS_set_date(const Date* datim) {
@@ -87,7 +81,7 @@ int NIDS_set_date(const Date* datim) {
 
 int NIDS_plot(Domain* domain) {
     const bool redraw = rad_open_session(plotter, nids.run, nids.words, domain);
-    return rad_plot_files(plotter, nids.run, domain, redraw);
+    return rad_plot_files(plotter, nids.run, nids.words, domain, redraw);
 }
 
 int NIDS_plot_frame() {
@@ -188,17 +182,19 @@ int NIDS_print_loc_elev(const char* str, float x, float y, float slat, float slo
 
 int NIDS_open_file(const char* filename) {
     copy_text(nids.name, sizeof nids.name, filename);
-    nids.ifile = FILE_open(filename, "r");
+    nids.ifile = FILE_open_data(filename);
     if (nids.ifile == nullptr) {
         MESS_print(mess_error, "NIDS_open_file: Unable to open file:%s\n", filename);
         return 0;
     }
-    if (NIDS_get_header(nids.ifile, &nids.info) == 0) {
+    std::array<std::uint8_t, 512> area{};
+    const auto head = FILE_head(nids.ifile, area);
+    if (NIDS_get_header(nids.ifile, &nids.info) == 0 || NIDS_is_plausible() == 0) {
         nids.info = {};
         MESS_print(mess_error, "NIDS_open_file: Unable to read file:%s\n", filename);
+        tell_file_kind("NIDS_open_file", head);
         return 0;
     }
-    check_place(filename);
     take_product();
     return 1;
 }

@@ -93,13 +93,21 @@ bool take_own_domain(const Domain& own, Domain* domain) {
     return true;
 }
 
-// Opens a file of the walk. The first one is open already, behind its header:
-// a standard stream can be read but once, and half of its unpacking would be
-// done twice.
+// Takes a name out of `kept` if it is that of a file; whether it was.
+bool take_name(char* kept, const char* name) {
+    const bool same = *kept != '\0' && std::strcmp(kept, name) == 0;
+    *kept = '\0';
+    return same;
+}
+
+// Opens a file of the walk. The first one was tried already, and is open behind
+// its header or reported: a standard stream can be read but once, and half of
+// its unpacking would be done twice.
 bool open_next(const RadPlotter& plotter, RadRun& run, const char* name) {
-    const bool probed = *run.probed != '\0' && std::strcmp(run.probed, name) == 0;
-    run.probed[0] = '\0';
-    if (!probed) {
+    if (take_name(run.failed, name)) {
+        return false;
+    }
+    if (!take_name(run.probed, name)) {
         plotter.close();
         if (plotter.open(name) == 0) {
             plotter.close();
@@ -112,11 +120,33 @@ bool open_next(const RadPlotter& plotter, RadRun& run, const char* name) {
     return true;
 }
 
+// Opens the session for the open file.
+void begin_session(const RadPlotter& plotter, RadRun& run, const RadWords& words, Domain* domain) {
+    take_own_domain(*plotter.begin(), domain);
+    run.in_session = true;
+    PLT_open(DOM_aspect(domain));
+    PLT_set_callback(plotter.callback);
+    PLT_set_zoom_func(plotter.plot);
+    PLT_set_resize_func(plotter.plot);
+    if (words.refresh != 0) {
+        PLT_set_refresh_func(refresh_seconds, plotter.refresh);
+    }
+}
+
+void set_up_map(Domain* domain) {
+    MAP_setup(domain);
+    MAP_fill_cont(0);
+}
+
 // Draws the file `name` as frame number `frame`; false if it does not open.
-bool plot_file(const RadPlotter& plotter, RadRun& run, const char* name, int frame,
-               Domain* domain) {
+bool plot_file(const RadPlotter& plotter, RadRun& run, const RadWords& words, const char* name,
+               int frame, Domain* domain) {
     if (!open_next(plotter, run, name)) {
         return false;
+    }
+    if (!run.in_session) {
+        begin_session(plotter, run, words, domain);
+        set_up_map(domain);
     }
     Date date;
     FILE_get_date(&date);
@@ -248,11 +278,10 @@ void rad_fill_date(RadRun& run, const Date& date) {
     fill_unset(run.file_date.min, date.min);
 }
 
-// A first file that does not open is met again in the walk over the files,
-// which decides about it.
 bool rad_open_session(const RadPlotter& plotter, RadRun& run, const RadWords& words,
                       Domain* domain) {
     if (gchk_graphics() != 0) {
+        run.in_session = true;
         run.kept = !find_readable(plotter, run);
         if (!run.kept) {
             PLT_reset(DOM_aspect(domain));
@@ -263,26 +292,25 @@ bool rad_open_session(const RadPlotter& plotter, RadRun& run, const RadWords& wo
     plotter.decode();
     char name[file_name_size] = "";
     FILE_set_date(&run.base_date, name);
-    if (plotter.open(name) != 0) {
-        copy_text(run.probed, sizeof run.probed, name);
-        take_own_domain(*plotter.begin(), domain);
-    }
-    PLT_open(DOM_aspect(domain));
-    PLT_set_callback(plotter.callback);
-    PLT_set_zoom_func(plotter.plot);
-    PLT_set_resize_func(plotter.plot);
-    if (words.refresh != 0) {
-        PLT_set_refresh_func(refresh_seconds, plotter.refresh);
+    const bool opened = plotter.open(name) != 0;
+    char* const kept = opened ? run.probed : run.failed;
+    copy_text(kept, file_name_size, name);
+    if (opened) {
+        begin_session(plotter, run, words, domain);
+    } else {
+        plotter.close();
     }
     return false;
 }
 
-int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool redraw) {
+int rad_plot_files(const RadPlotter& plotter, RadRun& run, const RadWords& words, Domain* domain,
+                   bool redraw) {
     if (redraw && run.kept) {
         return -1;
     }
-    MAP_setup(domain);
-    MAP_fill_cont(0);
+    if (run.in_session) {
+        set_up_map(domain);
+    }
     FILE_first(&run.base_date);
     char name[file_name_size] = "";
     int left_out = 0;
@@ -290,7 +318,7 @@ int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool 
     while (FILE_get_next(name) != 0) {
         if (!PLT_has_room(frame)) {
             left_out++;
-        } else if (plot_file(plotter, run, name, frame, domain)) {
+        } else if (plot_file(plotter, run, words, name, frame, domain)) {
             frame++;
         } else if (FILE_get_num_file() == 0 && !redraw) {
             PLT_exit(exit_no_file);

@@ -58,6 +58,8 @@ struct RadRun {
     char probed[file_name_size] = ""; // name of the first file while it is open, else empty
     bool kept = false;                // a redraw found no file: the picture stays on show
     bool told_away = false;           // that the domain shows nothing of the data
+    char failed[file_name_size] = ""; // name of the first file if it can't be read
+    bool in_session = false;          // the session was opened
     std::int64_t fsecs = 0;           // time of the file shown last, on a multiple of the file step
 };
 
@@ -67,14 +69,17 @@ void rad_set_date(RadRun& run, const Date* date);
 void rad_fill_date(RadRun& run, const Date& date);
 
 // Opens the session for the first file, or prepares the open one for a redraw. A
-// domain whose `proj` is not set takes the first file's own. Returns whether
-// this is a redraw.
+// domain whose `proj` is not set takes the first file's own. A first file that
+// can't be read leaves the session closed: a run without any that can writes no
+// page. Returns whether this is a redraw.
 bool rad_open_session(const RadPlotter& plotter, RadRun& run, const RadWords& words,
                       Domain* domain);
-// Draws the selected files, and closes the session unless this is a redraw.
+// Draws the selected files, in a session that is opened for the first that can be
+// read, and closes the session unless this is a redraw.
 // Returns 0; -1 for a redraw that keeps the picture, as no file can be read any
 // more; ends the program with 10 when no file opens at first.
-int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool redraw);
+int rad_plot_files(const RadPlotter& plotter, RadRun& run, const RadWords& words, Domain* domain,
+                   bool redraw);
 // Shows the newest file, as the last frame, when there is a newer one than on
 // show. Returns 0.
 int rad_plot_nextfile(const RadPlotter& plotter, RadRun& run);

@@ -261,8 +261,6 @@ TEST_F(Lev2, Header) {
     dump(lev2_unit(sample.units[2]), &info);
     EXPECT_STREQ(info.id, "TLX");
     EXPECT_TRUE(info.date.day == 20 && info.date.hour == 22);
-    dump(Bytes(10), &info);
-    EXPECT_TRUE(info.id[0] == '\0' && !is_set(info.date.year) && info.lat == 38.98F);
 }
 
 TEST_F(Lev2, Warnings) {

@@ -48,7 +48,7 @@ struct Count : NidsSink {
 // -1 for a file that is no product.
 long count_figures(const std::string& name, NIDS_info& info) {
     const NidsFile file(std::fopen(name.c_str(), "rb"), std::fclose);
-    if (file == nullptr || NIDS_get_header(file.get(), &info) == 0) {
+    if (file == nullptr || NIDS_get_header(file.get(), &info) == 0 || NIDS_is_plausible() == 0) {
         return -1;
     }
     NIDS_set_colors(info);
@@ -71,7 +71,7 @@ void check_product(const std::string& name, const TempDir& dir) {
     EXPECT_EQ(count_text(page.text, std::string(" ") + info.info + "\n"), labels) << name;
     EXPECT_EQ(count_text(page.text, std::string(" ") + info.misc + "\n"), labels) << name;
     EXPECT_EQ(count_text(page.text, "nan") + count_text(page.text, "inf "), 0) << name;
-    EXPECT_TRUE(page.text.ends_with("showpage\nend\n%%EOF\n")) << name;
+    EXPECT_EQ(page.text.ends_with("showpage\nend\n%%EOF\n"), expected >= 0) << name;
 }
 
 } // namespace
