@@ -1,6 +1,7 @@
 // res_start.cpp: the start of the settings: defaults files, a loop window, the
 // environment and the command line are merged into the database, each over the
 // one before it. It owns the program's definition table, which RES_init fills.
+#include "data_tree.h"
 #include "date.h"
 #include "def_read.h"
 #include "res_list.h"
@@ -18,7 +19,6 @@
 namespace {
 
 constexpr int all_positions = 10; // the row that takes every positional argument
-constexpr const char* built_in_search = ".:/home/zyr/etc:/usr/local/zyr/etc";
 constexpr unsigned trace_level = 0x80000000;
 
 struct State {
@@ -55,17 +55,27 @@ void read_defaults(const char* item, const RES_defobj* def_table) {
     DEF_close();
 }
 
-void read_search_list(const RES_defobj* def_table) {
+std::vector<std::string> search_list() {
     const char* list = RES_get("default");
+    if (list == nullptr) {
+        return data_tree_search();
+    }
     int count = 0;
     char** items = nullptr;
-    parse_string(list != nullptr ? list : built_in_search, ':', &count, &items);
+    parse_string(list, ':', &count, &items);
+    std::vector<std::string> places(items, items + count);
+    free_parsed_array(count, items);
+    return places;
+}
+
+void read_search_list(const RES_defobj* def_table) {
+    const std::vector<std::string> places = search_list();
     DEF_clr_tag();
-    if (count == 0) {
+    if (places.empty()) {
         read_defaults(nullptr, def_table);
     }
-    for (int i = 0; i < count; ++i) {
-        const char* item = items[i];
+    for (const std::string& place : places) {
+        const char* item = place.c_str();
         if (*item == '+') {
             if (DEF_tag(item + 1) != 0) {
                 MESS_print(mess_warn, "RES_decode: Too many tags: %s\n", item + 1);
@@ -76,7 +86,25 @@ void read_search_list(const RES_defobj* def_table) {
             read_defaults(item, def_table);
         }
     }
-    free_parsed_array(count, items);
+}
+
+// The files that lie beside an installed zyr.cfg are found wherever that is.
+// Without them a page has neither colours nor letters.
+void settle_file_path() {
+    if (RES_get("file_path") != nullptr) {
+        return;
+    }
+    if (*DEF_cfg_dir() != '\0') {
+        RES_put("file_path", DEF_cfg_dir());
+        return;
+    }
+    std::string looked_in;
+    for (const std::string& place : search_list()) {
+        looked_in += (looked_in.empty() ? "" : ":") + place;
+    }
+    MESS_print(mess_warn, "RES_init: No data tree with maps, colours and fonts in: %s\n",
+               looked_in.c_str());
+    MESS_print(mess_warn, "RES_init: Name the directory of zyr.cfg in zyrdefault, or with -fp\n");
 }
 
 void read_environment(const RES_defobj* def_table) {
@@ -269,9 +297,8 @@ int RES_init(int argc, char** argv, const res_type* res_key, const res_type* res
     }
     state.res_table[rows].def = nullptr;
     RES_decode(argc > 0 ? argv[0] : nullptr, "Zyr", argc, argv, state.res_table.data());
-    // The files that lie beside an installed zyr.cfg are found wherever that is.
-    if (RES_get("file_path") == nullptr && *DEF_cfg_dir() != '\0') {
-        RES_put("file_path", DEF_cfg_dir());
+    if (FLAG_help() == 0) {
+        settle_file_path();
     }
     if (const char* zone = std::getenv("zyrtz")) {
         if (DATE_is_TZ(zone) != 0) { // or times in UTC would bear another zone's name
