@@ -1,0 +1,275 @@
+// What a run leaves on the disk: pages that are whole or the ones of before, and
+// no page for a file that is none. Each row is a run of the program.
+#include "lev2_writer.h"
+#include "nids_writer.h"
+#include "run_program.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* old_page = "the page of yesterday\n";
+
+class Outputs : public testing::Test {
+protected:
+    void SetUp() override {
+        if (access(ZYR_PROGRAM, X_OK) != 0) {
+            GTEST_SKIP() << "no program was built";
+        }
+        for (const auto& [name, bytes] : nids_samples()) {
+            if (name == "radial" || name == "raster") {
+                dir.write(name, {bytes.begin(), bytes.end()});
+            }
+        }
+        dir.write("old", old_page);
+    }
+    ProgramCall call(const std::string& args, const std::string& input = "nids") const {
+        ProgramCall made;
+        made.env = {
+            {"zyrdefault", ZYR_SOURCE_DIR "/etc"}
+        };
+        made.directory = dir.path();
+        std::istringstream words("-me warn -inp " + input + " " + args);
+        for (std::string word; words >> word;) {
+            made.args.push_back(word);
+        }
+        return made;
+    }
+    ProgramRun run(const std::string& args, const std::string& input = "nids") const {
+        return run_program(ZYR_PROGRAM, call(args, input));
+    }
+    // By a shell with a limit on the size of files, as on a full disk.
+    ProgramRun run_limited(const std::string& args) const {
+        ProgramCall made = call("");
+        made.args = {"-c", "ulimit -f 4; " ZYR_PROGRAM " -me warn -inp nids " + args};
+        return run_program("/bin/bash", made);
+    }
+    std::string text(const std::string& name) const { return read_text(file(name)); }
+    std::string file(const std::string& name) const { return dir.path() + "/" + name; }
+    std::string bytes_of(const std::string& name) const { return text(name); }
+    // Files that a run has not finished.
+    int unfinished() const {
+        int count = 0;
+        for (const auto& entry : fs::directory_iterator(dir.path())) {
+            count += entry.path().filename().string().starts_with(".zyr") ? 1 : 0;
+        }
+        return count;
+    }
+    void expect_old(const std::string& args) const {
+        EXPECT_EQ(text("old"), old_page) << args;
+        EXPECT_EQ(unfinished(), 0) << args;
+    }
+
+    TempDir dir;
+};
+
+std::string as_text(const Bytes& bytes) {
+    return {bytes.begin(), bytes.end()};
+}
+
+std::string noise(std::size_t size) {
+    std::string bytes(size, '\0');
+    std::uint32_t state = 12345;
+    for (char& c : bytes) {
+        state = state * 1664525U + 1013904223U;
+        c = static_cast<char>(state >> 24);
+    }
+    return bytes;
+}
+
+} // namespace
+
+TEST_F(Outputs, FilesOfAnotherKindLeaveThePage) {
+    const Lev2Volume volume = lev2_sample(31, 1);
+    const std::string product = text("radial");
+    const std::string plain = as_text(lev2_volume(volume, false));
+    const std::string packed = as_text(lev2_gzip(lev2_volume(volume, true)));
+    const std::string netcdf = std::string("CDF\x01\0\0\0\0", 8) + std::string(200, '\0');
+    const std::string bzip2 = "BZh91AY&SY" + noise(500);
+    const std::string zeros(300, '\0');
+    const std::string cut = product.substr(0, 60); // short of its radar
+    const auto looks = [](const std::string& kind) { return " It looks like " + kind + "\n"; };
+    const std::string none = ", which no -inp reads";
+    const std::string unknown = " Its bytes are of no kind that is known\n";
+    struct Row {
+        const char* input;
+        std::string bytes;
+        std::string said; // after the line that names the file
+    };
+    const Row rows[] = {
+        {"nids",  "\n<!DOCTYPE HTML><html>Gone</html>\n", looks("a web page (HTML)" + none)               },
+        {"nids",  plain,                                  looks("a Level II volume, read with -inp lev2") },
+        {"nids",  packed,                                 looks("a Level II volume, read with -inp lev2z")},
+        {"lev2",  product,                                looks("a NIDS product, read with -inp nids")    },
+        {"lev2z", "Not Found\n",                          looks("a text file" + none)                     },
+        {"lev2z", "",                                     looks("an empty file" + none)                   },
+        {"nids",  netcdf,                                 looks("a netCDF file" + none)                   },
+        {"nids",  "\x89HDF\r\n\x1a\n",                    looks("a netCDF or HDF5 file" + none)           },
+        {"nids",  bzip2,                                  looks("a file packed by bzip2" + none)          },
+        {"nids",  zeros,                                  unknown                                         },
+        {"nids",  noise(5000),                            unknown                                         },
+        {"lev2",  noise(5000),                            unknown                                         },
+        {"nids",  cut,                                    unknown                                         },
+    };
+    for (const Row& row : rows) {
+        const std::string routine =
+            std::string(row.input) == "nids" ? "NIDS_open_file:" : "LEV2_open_file:";
+        dir.write("given", row.bytes);
+        const ProgramRun result = run("-de p,old given", row.input);
+        EXPECT_EQ(result.code, 10) << row.said;
+        EXPECT_EQ(result.err, routine + " Unable to read file:given\n" + routine + row.said);
+        expect_old(row.said);
+        run("-de p,new given ./none", row.input);
+        EXPECT_FALSE(fs::exists(file("new"))) << row.said;
+    }
+}
+
+TEST_F(Outputs, PackedFilesAreRead) {
+    const auto page = [this](const char* args) {
+        const ProgramRun result = run(std::string("-de p,page -dr sum ") + args);
+        EXPECT_EQ(result.code, 0) << args << result.err;
+        const std::string whole = text("page");
+        return whole.substr(whole.find("%%EndComments"));
+    };
+    const std::string product = text("radial");
+    const std::string packed = as_text(lev2_gzip({product.begin(), product.end()}));
+    dir.write("packed", packed);
+    dir.write("torn", packed.substr(0, packed.size() - 30));
+    const std::string expected = page("radial");
+    EXPECT_EQ(page("packed"), expected);
+    ProgramCall piped = call("-de p,page -dr sum -");
+    for (const std::string& bytes : {product, packed}) {
+        piped.input = bytes;
+        EXPECT_EQ(run_program(ZYR_PROGRAM, piped).code, 0);
+        EXPECT_EQ(text("page").substr(text("page").find("%%EndComments")), expected);
+    }
+    EXPECT_EQ(run("-de p,page torn").err,
+              "NIDS_plot_summary: The product is damaged or not whole:torn\n");
+}
+
+// The first file that can be read opens the page.
+TEST_F(Outputs, AFileThatCannotBeReadIsPassedOver) {
+    dir.write("page.html", "<html>\n");
+    EXPECT_EQ(run("-de p,one radial").code, 0);
+    EXPECT_EQ(run("-de p,two ./page.html ./none ./radial").code, 0);
+    const auto drawn = [this](const char* name) {
+        return text(name).substr(text(name).find("%%EndComments"));
+    };
+    EXPECT_EQ(drawn("one"), drawn("two"));
+}
+
+TEST_F(Outputs, OutputsThatFailLeaveThePage) {
+    struct Row {
+        const char* args;
+        int code;
+        const char* err; // part of it
+    };
+    const Row rows[] = {
+        {"-de p,old radial",                                          4,  "gps_close_file: unable to write postscript file"},
+        {"-de m,old radial",                                          4,  "gmeta_close_file: unable to write metafile"     },
+        {"-de m,old,cgm radial",                                      4,  "gmeta_close_file: unable to write metafile"     },
+        {"-de p,/dev/null -of zyr=@/dev/full raster",                 4,  "NIDS_plot: Unable to write grid file"           },
+        {"-ba -de p,old radial",                                      4,  "gps_close_file: unable to write postscript file"},
+        {"-ba -de p,/dev/full radial",                                4,  "gps_close_file: unable to write postscript file"},
+        {"-de p,old ./gone",                                          10, "Unable to open file:./gone"                     },
+        {"-de 'p,|head -c 9 >part' radial",                           4,  "gps_close_file: unable to write"                },
+        {"-de 'p,|cat >part; exit 3' radial",                         4,  "gps_close_file: unable to write"                },
+        {"-de 'p,-' radial | head -c 9 >part; exit ${PIPESTATUS[0]}", 4,  "gps_close_file"                                 },
+    };
+    for (const Row& row : rows) {
+        const ProgramRun result = run_limited(row.args);
+        EXPECT_EQ(result.code, row.code) << row.args << result.err;
+        EXPECT_NE(result.err.find(row.err), std::string::npos) << row.args << result.err;
+        expect_old(row.args);
+    }
+    EXPECT_EQ(run("-de p,old radial").code, 0);
+    EXPECT_TRUE(text("old").ends_with("%%EOF\n"));
+}
+
+// A run that waits for its second file.
+TEST_F(Outputs, SignalsLeaveThePage) {
+    ASSERT_EQ(mkfifo(file("fifo").c_str(), 0600), 0);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        RunningProgram program(ZYR_PROGRAM, call("-de p,old radial fifo"));
+        constexpr int tries = 2000; // of 10 ms
+        for (int i = 0; i < tries && unfinished() == 0; i++) {
+            usleep(10000);
+        }
+        EXPECT_EQ(unfinished(), 1);
+        kill(program.pid(), signal);
+        EXPECT_EQ(program.wait().code, 128 + signal);
+        expect_old(std::to_string(signal));
+    }
+}
+
+TEST_F(Outputs, AnOutputIsNoInput) {
+    fs::create_symlink("radial", file("link"));
+    const std::string radial = text("radial");
+    const std::string raster = text("raster");
+    for (const char* args : {"-de p,radial radial", "-de p,+radial ./radial", "-de p,link radial",
+                             "-de m,raster radial raster", "-de p,x -of zyr=@raster raster",
+                             "-de p,radial -cu -nc ./conv"}) {
+        dir.write("conv", "nids radial - 0\n");
+        const ProgramRun result = run(args);
+        EXPECT_EQ(result.code, 4) << args << result.err;
+        EXPECT_NE(result.err.find("is an input of the run: "), std::string::npos) << result.err;
+        EXPECT_TRUE(text("radial") == radial && text("raster") == raster) << args;
+        EXPECT_EQ(unfinished(), 0);
+    }
+}
+
+// The kind of a file stays: its mode, a link, a device.
+TEST_F(Outputs, AWholePageTakesTheName) {
+    chmod(file("old").c_str(), 0640);
+    fs::create_symlink("old", file("link"));
+    EXPECT_EQ(run("-de p,link radial").code, 0);
+    EXPECT_TRUE(text("old").ends_with("%%EOF\n"));
+    EXPECT_TRUE(fs::is_symlink(file("link")));
+    struct stat info {};
+    stat(file("old").c_str(), &info);
+    EXPECT_EQ(info.st_mode & 0777U, 0640U);
+    EXPECT_EQ(run("-de p,sub/dir/new radial").code, 0);
+    stat(file("sub/dir/new").c_str(), &info);
+    const mode_t mask = umask(0);
+    umask(mask);
+    EXPECT_EQ(info.st_mode & 0777U, 0666U & ~mask);
+}
+
+// The data tree beside a program that nobody tells where it is.
+TEST_F(Outputs, TheDataTreeIsFound) {
+    const auto colors = [this](const std::string& program) {
+        ProgramCall made = call("-de p,page -pp pscolor -dr text -cot red radial");
+        made.env = {
+            {"zyrdefault", "unset"}
+        };
+        const ProgramRun result = run_program(program, made);
+        EXPECT_EQ(result.code, 0);
+        const std::string page = text("page");
+        const bool colored =
+            count_text(page, " setrgbcolor") >
+            count_text(page, "0 0 0 setrgbcolor") + count_text(page, "0.00 0.00 0.00 setrgbcolor");
+        return std::string(colored ? "1" : "0") +
+               (result.err.find("RES_init: No data tree") == std::string::npos ? "" : " told");
+    };
+    EXPECT_EQ(colors(ZYR_PROGRAM), "1"); // built inside its source tree
+    fs::create_directories(file("prefix/bin"));
+    fs::copy(ZYR_PROGRAM, file("prefix/bin/zyrrad"));
+    if (!fs::exists("/usr/local/zyr/etc")) {
+        EXPECT_EQ(colors(file("prefix/bin/zyrrad")), "0 told");
+    }
+    fs::create_directories(file("prefix/share"));
+    fs::create_symlink(ZYR_SOURCE_DIR "/etc", file("prefix/share/zyrrad"));
+    EXPECT_EQ(colors(file("prefix/bin/zyrrad")), "1");
+    fs::rename(file("prefix/share"), file("prefix/gone"));
+    fs::create_directories(file("prefix/zyr"));
+    fs::create_symlink(ZYR_SOURCE_DIR "/etc", file("prefix/zyr/etc"));
+    EXPECT_EQ(colors(file("prefix/bin/zyrrad")), "1");
+}
