@@ -3,6 +3,7 @@
 #include "kavrad.h"
 
 #include "cont.h"
+#include "data_file.h"
 #include "files.h"
 #include "maptran.h"
 #include "plt_tool.h"
@@ -40,7 +41,7 @@ int KAVRAD_set_date(const Date* datim) {
 }
 
 int KAVRAD_open_file(const char* filename) {
-    state.ifile = FILE_open(filename, "r");
+    state.ifile = FILE_open_data(filename);
     if (state.ifile == nullptr) {
         MESS_print(mess_error, "KAVRAD_open_file: Unable to open file: %s\n", filename);
         return 0;

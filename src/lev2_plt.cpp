@@ -331,7 +331,7 @@ int LEV2_plot(Domain* domain) {
     const bool redraw = rad_open_session(plotter, lev2.run, lev2.words, domain);
     MESS_print(mess_mess, "Product domain: ");
     DOM_print(mess_mess, &lev2.domain);
-    return rad_plot_files(plotter, lev2.run, lev2.words, domain, redraw);
+    return rad_plot_files(plotter, lev2.run, domain, redraw);
 }
 
 int LEV2_plot_frame() {

@@ -81,7 +81,7 @@ int NIDS_set_date(const Date* datim) {
 
 int NIDS_plot(Domain* domain) {
     const bool redraw = rad_open_session(plotter, nids.run, nids.words, domain);
-    return rad_plot_files(plotter, nids.run, nids.words, domain, redraw);
+    return rad_plot_files(plotter, nids.run, domain, redraw);
 }
 
 int NIDS_plot_frame() {

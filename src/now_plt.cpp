@@ -3,6 +3,7 @@
 #include "nowrad.h"
 
 #include "cont.h"
+#include "data_file.h"
 #include "files.h"
 #include "maptran.h"
 #include "plt_tool.h"
@@ -42,7 +43,7 @@ int NOWRad_set_date(const Date* datim) {
 }
 
 int NOWRad_open_file(const char* filename) {
-    state.ifile = FILE_open(filename, "r");
+    state.ifile = FILE_open_data(filename);
     if (state.ifile == nullptr) {
         MESS_print(mess_error, "NOWRad_open_file: Unable to open file: %s\n", filename);
         return 0;

@@ -121,14 +121,14 @@ bool open_next(const RadPlotter& plotter, RadRun& run, const char* name) {
 }
 
 // Opens the session for the open file.
-void begin_session(const RadPlotter& plotter, RadRun& run, const RadWords& words, Domain* domain) {
+void begin_session(const RadPlotter& plotter, RadRun& run, Domain* domain) {
     take_own_domain(*plotter.begin(), domain);
     run.in_session = true;
     PLT_open(DOM_aspect(domain));
     PLT_set_callback(plotter.callback);
     PLT_set_zoom_func(plotter.plot);
     PLT_set_resize_func(plotter.plot);
-    if (words.refresh != 0) {
+    if (run.refresh) {
         PLT_set_refresh_func(refresh_seconds, plotter.refresh);
     }
 }
@@ -139,13 +139,13 @@ void set_up_map(Domain* domain) {
 }
 
 // Draws the file `name` as frame number `frame`; false if it does not open.
-bool plot_file(const RadPlotter& plotter, RadRun& run, const RadWords& words, const char* name,
-               int frame, Domain* domain) {
+bool plot_file(const RadPlotter& plotter, RadRun& run, const char* name, int frame,
+               Domain* domain) {
     if (!open_next(plotter, run, name)) {
         return false;
     }
     if (!run.in_session) {
-        begin_session(plotter, run, words, domain);
+        begin_session(plotter, run, domain);
         set_up_map(domain);
     }
     Date date;
@@ -290,21 +290,21 @@ bool rad_open_session(const RadPlotter& plotter, RadRun& run, const RadWords& wo
         return true;
     }
     plotter.decode();
+    run.refresh = words.refresh != 0;
     char name[file_name_size] = "";
     FILE_set_date(&run.base_date, name);
     const bool opened = plotter.open(name) != 0;
     char* const kept = opened ? run.probed : run.failed;
     copy_text(kept, file_name_size, name);
     if (opened) {
-        begin_session(plotter, run, words, domain);
+        begin_session(plotter, run, domain);
     } else {
         plotter.close();
     }
     return false;
 }
 
-int rad_plot_files(const RadPlotter& plotter, RadRun& run, const RadWords& words, Domain* domain,
-                   bool redraw) {
+int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool redraw) {
     if (redraw && run.kept) {
         return -1;
     }
@@ -318,7 +318,7 @@ int rad_plot_files(const RadPlotter& plotter, RadRun& run, const RadWords& words
     while (FILE_get_next(name) != 0) {
         if (!PLT_has_room(frame)) {
             left_out++;
-        } else if (plot_file(plotter, run, words, name, frame, domain)) {
+        } else if (plot_file(plotter, run, name, frame, domain)) {
             frame++;
         } else if (FILE_get_num_file() == 0 && !redraw) {
             PLT_exit(exit_no_file);

@@ -60,6 +60,7 @@ struct RadRun {
     bool told_away = false;           // that the domain shows nothing of the data
     char failed[file_name_size] = ""; // name of the first file if it can't be read
     bool in_session = false;          // the session was opened
+    bool refresh = false;             // newer files are looked for
     std::int64_t fsecs = 0;           // time of the file shown last, on a multiple of the file step
 };
 
@@ -78,8 +79,7 @@ bool rad_open_session(const RadPlotter& plotter, RadRun& run, const RadWords& wo
 // read, and closes the session unless this is a redraw.
 // Returns 0; -1 for a redraw that keeps the picture, as no file can be read any
 // more; ends the program with 10 when no file opens at first.
-int rad_plot_files(const RadPlotter& plotter, RadRun& run, const RadWords& words, Domain* domain,
-                   bool redraw);
+int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool redraw);
 // Shows the newest file, as the last frame, when there is a newer one than on
 // show. Returns 0.
 int rad_plot_nextfile(const RadPlotter& plotter, RadRun& run);
