@@ -6,10 +6,12 @@
 //   make_sample --kavrad FILE    the same weather on the coarse KAVRAD grid
 //   make_sample --rrwds FILE     the storm as an RRWDS image
 //   make_sample --mosaic-seeds DIR small mosaics of every kind
-//   make_sample --seeds DIR      a small product of every kind, a file each
-//   make_sample --lev2-seeds DIR a small Level II volume of every kind
+//   make_sample --seeds DIR      small products of every kind, whole and damaged
+//   make_sample --lev2-seeds DIR small Level II volumes of every kind, the same
 //   make_sample --image-seeds KIND DIR
-//                                small images: gif, png, xwd or native
+//                                the same of images: gif, png, xwd or native
+//   make_sample --overlay-seeds DIR
+//                                images to be laid over a plot
 #include "image_sample.h"
 #include "lev2_storm.h"
 #include "lev2_writer.h"
@@ -17,6 +19,7 @@
 #include "nids_storm.h"
 #include "nids_writer.h"
 #include "rrwds_writer.h"
+#include "seeds.h"
 
 #include <cstdio>
 #include <fstream>
@@ -72,18 +75,24 @@ int main(int argc, char** argv) {
                                                                                                 : 1;
     }
     if (option == "--seeds") {
-        return write_files(argv[2], nids_samples()) ? 0 : 1;
+        return write_files(argv[2], nids_samples()) && write_files(argv[2], nids_seeds()) ? 0 : 1;
     }
     if (option == "--lev2-seeds") {
-        return write_files(argv[2], lev2_samples()) ? 0 : 1;
+        return write_files(argv[2], lev2_samples()) && write_files(argv[2], lev2_seeds()) ? 0 : 1;
+    }
+    if (option == "--overlay-seeds") {
+        return write_files(argv[2], overlay_seeds()) ? 0 : 1;
     }
     if (argc == 4 && std::string(argv[1]) == "--image-seeds") {
-        return write_files(argv[3], image_samples(argv[2])) ? 0 : 1;
+        return write_files(argv[3], image_samples(argv[2])) &&
+                       write_files(argv[3], image_seeds(argv[2]))
+                   ? 0
+                   : 1;
     }
     std::fprintf(
         stderr,
         "usage: make_sample FILE | --super FILE | --lev2 FILE | --nowrad FILE | "
         "--nowrad-us FILE | --kavrad FILE | --rrwds FILE | --mosaic-seeds DIR | --seeds DIR | "
-        "--lev2-seeds DIR | --image-seeds KIND DIR\n");
+        "--lev2-seeds DIR | --image-seeds KIND DIR | --overlay-seeds DIR\n");
     return 2;
 }

@@ -1,6 +1,7 @@
 // Replays the seeds of a fuzz target and, for each, a fixed number of
 // mutations from a fixed random sequence, so that a plain build exercises the
-// target in a few seconds. Arguments: seed files or directories of them.
+// target in a few seconds. Arguments: seed files or directories of them; -runs=0
+// leaves the mutations out.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -58,9 +59,13 @@ Bytes mutate(Bytes bytes, std::mt19937& random) {
 } // namespace
 
 int main(int argc, char** argv) {
-    constexpr int mutations = 300;
+    int mutations = 300;
     std::vector<std::filesystem::path> files;
     for (int i = 1; i < argc; i++) {
+        if (std::string(argv[i]) == "-runs=0") {
+            mutations = 0;
+            continue;
+        }
         if (!std::filesystem::is_directory(argv[i])) {
             files.emplace_back(argv[i]);
             continue;

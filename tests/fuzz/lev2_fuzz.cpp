@@ -37,15 +37,35 @@ void check(const LEV2_data& data) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    MESS_set(0, 0);
+    // Radials are printed for one input alone: each is a page of text.
+    static bool printed = false;
+    MESS_set(0, printed ? 0 : mess_debug);
     const MemoryFile file(std::vector<std::uint8_t>(data, data + size));
     LEV2_info info;
-    lev2_walk(file.name(), info, check);
+    const int records = lev2_walk(file.name(), info, check);
     expect(std::isfinite(info.lat) && std::isfinite(info.lon));
     for (int type = 0; type < lev2_moments; type++) {
         LEV2_warn_empty(1, type);
     }
     LEV2_list_cuts(mess_mess);
     expect(LEV2_get_cuts().size() <= static_cast<std::size_t>(lev2_max_cuts));
+    printed = printed || records > 2;
+    MESS_set(0, 0);
+    // Back to the first record, which is the one that came first.
+    LEV2_set_compress(static_cast<int>(size % 2));
+    LEV2_data first;
+    LEV2_data again;
+    if (LEV2_open_file(file.name()) == 1) {
+        LEV2_get_header(&info);
+        const int got = LEV2_get_block(&first);
+        LEV2_next_block();
+        LEV2_get_block(&again);
+        expect(LEV2_rewind_file() == 1);
+        expect(LEV2_get_block(&again) == got && again.type == first.type);
+        LEV2_close_file();
+    }
+    LEV2_open_file("/dev/null/none");
+    expect(LEV2_get_header(&info) == 0 && LEV2_get_block(&first) == 0 && LEV2_next_block() == 0);
+    expect(LEV2_rewind_file() == 0 && LEV2_close_file() == 0);
     return 0;
 }

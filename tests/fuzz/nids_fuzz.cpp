@@ -2,6 +2,7 @@
 // are made by `make_sample --seeds tests/fuzz/seeds/nids_fuzz`.
 #include "nids_walk.h"
 
+#include <array>
 #include <cmath>
 #include <cstdlib>
 
@@ -29,7 +30,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         NIDS_set_ext_info(selector);
         NIDS_info info;
         CheckedSink sink;
-        nids_walk(nids_memory(bytes).get(), info, sink);
+        const NidsFile file = nids_memory(bytes);
+        nids_walk(file.get(), info, sink);
+        std::array<unsigned char, 4> rest{}; // what is left is read, or refused
+        NIDS_read_long(rest.data(), file.get());
         if (!collective) {
             break;
         }
