@@ -14,6 +14,8 @@
 #include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
+#include <map>
+#include <sstream>
 #include <string>
 
 namespace {
@@ -325,6 +327,42 @@ TEST(Symbols, FilesAndAlignment) {
                   RAW_plot_data(&data);
               }),
               "L(48.50,48.50) (48.50,51.50)\n");
+}
+
+// Every symbol that the program comes with is found by its whole name, no
+// earlier one hides it, and it draws something.
+TEST(Symbols, OfTheDataTree) {
+    const struct {
+        const char* name;
+        int count;
+    } files[] = {
+        {"wx.smb",    100},
+        {"metar.smb", 68 },
+        {"sky.smb",   11 },
+        {"tend.smb",  9  },
+        {"cl.smb",    9  },
+        {"cm.smb",    9  },
+        {"ch.smb",    9  },
+    };
+    for (const auto& file : files) {
+        std::istringstream text(read_text(std::string(ZYR_SOURCE_DIR) + "/etc/" + file.name));
+        std::map<std::string, std::string> pictures;
+        bool at_name = true;
+        int count = 0;
+        for (std::string word; text >> word;) {
+            if (at_name) {
+                ++count;
+                pictures[word] = drawn([&] {
+                    WX_symb_file(file.name);
+                    EXPECT_EQ(WX_symb(50, 50, word.c_str(), 10), 1) << word;
+                });
+                EXPECT_FALSE(pictures[word].empty()) << file.name << " " << word;
+            }
+            at_name = word[0] == '$';
+        }
+        EXPECT_EQ(count, file.count) << file.name;
+        EXPECT_EQ(pictures.size(), static_cast<std::size_t>(file.count)) << file.name;
+    }
 }
 
 TEST(Symbols, AbsentFilesAreWarnedOfOnce) {
