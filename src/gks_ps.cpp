@@ -6,20 +6,19 @@
 #include "fixed_format.h"
 #include "geometry_text.h"
 #include "gks.h"
+#include "gks_print.h"
 #include "gks_tran.h"
 #include "out_file.h"
+#include "out_text.h"
 #include "text_num.h"
 #include "zyr.h"
 
 #include "files.h"
 #include "zyrresrc.h"
 
-#include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdarg>
 #include <cstdlib>
-#include <cstring>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -29,25 +28,6 @@ namespace {
 constexpr float points_per_inch = 72.0F;
 constexpr float points_per_pixel = 0.72F;
 constexpr float color_in_force = -1.0F; // `gray_level` while a colour is in force
-
-struct PageSize {
-    const char* name;
-    float x, y; // inches
-};
-constexpr std::array page_sizes = {
-    PageSize{"letter", 11.0F,  8.5F  },
-    PageSize{"legal",  14.0F,  8.5F  },
-    PageSize{"11x17",  17.0F,  11.0F },
-    PageSize{"ansid",  34.0F,  22.0F },
-    PageSize{"a4",     11.69F, 8.26F },
-    PageSize{"a3",     16.54F, 11.69F},
-    PageSize{"a2",     23.39F, 16.54F},
-    PageSize{"a1",     33.11F, 23.39F},
-    PageSize{"b4",     14.33F, 10.12F},
-    PageSize{"b3",     20.27F, 14.33F},
-    PageSize{"b2",     28.66F, 20.27F},
-    PageSize{"b1",     40.55F, 28.66F},
-};
 
 // How each colour index prints.
 struct PrintColor {
@@ -78,34 +58,16 @@ struct Printer {
 };
 Printer ps;
 
-// Collects the text of one primitive, so that it goes out in one piece.
-class Text {
+// The text of one primitive.
+class Text : public OutText {
 public:
-    Text() = default;
-    ~Text() { flush(); }
-    Text(const Text&) = delete;
-    Text& operator=(const Text&) = delete;
-
-    void put(std::string_view text) {
-        if (text.size() > buf.size() - used)
-            flush();
-        const std::size_t n = std::min(text.size(), buf.size() - used);
-        std::memcpy(buf.data() + used, text.data(), n);
-        used += n;
-    }
-    void number(int n) {
-        std::array<char, 16> text{};
-        const char* end = std::to_chars(text.data(), text.data() + text.size(), n).ptr;
-        put({text.data(), static_cast<std::size_t>(end - text.data())});
-    }
+    Text() : OutText(ps.out_file) {}
     // `op` is " mv\n" or " ln\n"; device units.
     void point(float x, float y, std::string_view op) {
-        if (buf.size() - used < std::size_t{2} * fixed2_size + op.size() + 1)
-            flush();
-        char* p = format_fixed2(buf.data() + used, x);
+        make_room(std::size_t{2} * fixed2_size + op.size() + 1);
+        char* p = format_fixed2(place(), x);
         *p++ = ' ';
-        p = format_fixed2(p, y);
-        used = static_cast<std::size_t>(p - buf.data());
+        advance(format_fixed2(p, y));
         put(op);
     }
     // World coordinates.
@@ -117,16 +79,6 @@ public:
 
     static constexpr std::string_view move = " mv\n";
     static constexpr std::string_view line = " ln\n";
-
-private:
-    void flush() {
-        if (ps.out_file != nullptr)
-            fwrite_unlocked(buf.data(), 1, used, ps.out_file);
-        used = 0;
-    }
-
-    std::array<char, 1024> buf; // not cleared: written before it is read
-    std::size_t used = 0;
 };
 
 // A grey that is no colour's own: the fixed levels of the print colours.
@@ -134,10 +86,6 @@ void put_gray(Text& out, float level, std::string_view command) {
     if (ps.gray_level != level)
         out.put(command);
     ps.gray_level = level;
-}
-
-bool is_print_colr(int ind) {
-    return ind >= first_print_colr && ind <= last_print_colr;
 }
 
 // Entry of an index, -1 and all that is outside the table being the background.
@@ -154,17 +102,13 @@ void put_rgb(Text& out, int ind) {
 }
 
 void put_print_colr(Text& out, int ind) {
-    if (ind <= 502)
-        put_gray(out, 0.0F, "0 setgray\n");
-    else if (ind <= 505)
-        put_gray(out, 1.0F, "1 setgray\n");
-    else
-        put_gray(out, 0.7F, ".7 setgray\n");
+    constexpr std::array commands = {"0 setgray\n", "1 setgray\n", ".7 setgray\n"};
+    put_gray(out, gprint_gray(ind), commands[(ind - first_print_colr) / 3]);
 }
 
 // Lines and text: in grey output always black.
 void put_color(Text& out, int ind) {
-    if (is_print_colr(ind))
+    if (gis_print_colr(ind))
         put_print_colr(out, ind);
     else if (ps.pr_color != 0)
         put_rgb(out, ind);
@@ -178,7 +122,7 @@ void put_fill_color(Text& out, int ind) {
     } else if (gget_fill_print_solid() != 0) {
         out.put("0 setgray\n");
         ps.gray_level = 0.0F;
-    } else if (is_print_colr(ind)) {
+    } else if (gis_print_colr(ind)) {
         put_print_colr(out, ind);
     } else if (ind < 0) {
         put_gray(out, 1.0F, "1 setgray\n");
@@ -188,14 +132,8 @@ void put_fill_color(Text& out, int ind) {
     }
 }
 
-// Print colours of one grey come in three widths.
-int width_factor(int ind) {
-    constexpr std::array factors = {1, 2, 4};
-    return is_print_colr(ind) ? factors[(ind - first_print_colr) % 3] : 1;
-}
-
 void put_width(Text& out, int ind, float width) {
-    const int factor = width_factor(ind);
+    const int factor = gprint_factor(ind);
     const int bold = factor > 1 ? factor : gget_line_print_bold();
     const float wanted = static_cast<float>(bold) * width;
     if (wanted == ps.line_width)
@@ -226,28 +164,6 @@ float hold(float v) {
 
 // --- Options and geometry -----------------------------------------------------
 
-// Page sizes outside this range leave no room or overrun the coordinates.
-bool usable_size(float x, float y) {
-    constexpr float least = 1.0F;
-    constexpr float most = 200.0F;
-    return x >= least && x <= most && y >= least && y <= most;
-}
-
-bool decode_size(const char* text) {
-    float x = 0.0F;
-    float y = 0.0F;
-    return take_float(&text, &x) && take_char(&text, 'x') && take_float(&text, &y) &&
-           usable_size(x, y) && gps_set_size(x, y) == 0;
-}
-
-// The value of an option stands behind the word and one separator.
-const char* option_value(const char* option, const char* word) {
-    const std::size_t n = std::strlen(word);
-    if (strnicmp(option, word, static_cast<int>(n)) != 0)
-        return nullptr;
-    return option[n] == '\0' ? option + n : option + n + 1;
-}
-
 bool decode_switch(const char* option) {
     if (stricmp(option, "port") == 0) {
         gps_set_orient(1);
@@ -268,23 +184,17 @@ bool decode_switch(const char* option) {
     return true;
 }
 
-bool decode_page(const char* option) {
-    const auto* page = std::find_if(page_sizes.begin(), page_sizes.end(), [&](const PageSize& row) {
-        return stricmp(option, row.name) == 0;
-    });
-    return page != page_sizes.end() && gps_set_size(page->x, page->y) == 0;
-}
-
 bool decode_option(const char* option) {
     float value = 0.0F;
-    if (const char* scale = option_value(option, "scale"))
+    if (const char* scale = gprint_value(option, "scale"))
         return take_float(&scale, &value) && gps_set_scale(value) == 0;
-    if (const char* width = option_value(option, "lwidth"))
+    if (const char* width = gprint_value(option, "lwidth"))
         return take_float(&width, &value) &&
                gps_set_base_width(static_cast<float>(trunc_int(value))) == 0;
-    if (const char* size = option_value(option, "sz"))
-        return decode_size(size);
-    return decode_switch(option) || decode_page(option);
+    Gpage page{};
+    if (gprint_page(option, &page))
+        return gps_set_size(page.x, page.y) == 0;
+    return decode_switch(option);
 }
 
 const char* geometry_text() {
@@ -351,14 +261,7 @@ int gps_open_ws(const char* conn_id) {
 }
 
 std::FILE* gps_open_file(const char* name) {
-    ps.append = *name == '+';
-    if (ps.append)
-        ++name;
-    if (!ps.append && *name == '|')
-        MESS_print(mess_mess, "Spooling to: %s\n", name + 1);
-    else
-        MESS_print(mess_mess, ps.append ? "Appending to: %s\n" : "Creating: %s\n", name);
-    ps.out_file = open_output(name, ps.append);
+    ps.out_file = gprint_open(name, &ps.append);
     if (std::getenv("PSCOLOR") != nullptr)
         ps.pr_color = 1;
     return ps.out_file;
