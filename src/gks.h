@@ -38,6 +38,7 @@ enum class Gdevice : Gint {
     window = ws_window,
     metafile = ws_metafile,
     postscript = ws_postscript,
+    hpgl = ws_hpgl,
     pixmap = ws_pixmap
 };
 
@@ -622,3 +623,45 @@ int gps_set_scale(float scale);
 int gps_set_colorPS(int value);
 int gps_get_colorPS();
 int gps_set_reverse(int value);
+
+// --- HPGL (gks_hpgl.cpp), the twin of the PostScript device -------------------
+
+// Everything that gopen_ws does for type 5. Returns 0, or -1 after a report.
+int ghpgl_open_ws(const char* conn_id);
+// Opens an output: "|command", "+file" (append) or a file. Null on failure.
+std::FILE* ghpgl_open_file(const char* name);
+int ghpgl_init();
+int ghpgl_init_file();
+// Ends and closes the file; -1 without one.
+int ghpgl_close_file();
+// For commands without decimals, which would depend on the locale.
+[[gnu::format(printf, 1, 2)]] int ghpgl_printf(const char* format, ...);
+
+// Pen moves in world coordinates, and the same in plotter units.
+int ghpgl_move(float x, float y);
+int ghpgl_line(float x, float y);
+int ghpgl_move_abs(float x, float y);
+int ghpgl_line_abs(float x, float y);
+// A whole polyline and a whole area, in the attributes given; every fill style is
+// drawn as solid.
+int ghpgl_polyline(int n, const Gpt* pts, int color, float width, int type);
+int ghpgl_fill_area(int n, const Gpt* pts, int color);
+// Begin markers and a text by their attributes. The first returns the plotter
+// units of a marker of size 1.
+float ghpgl_begin_markers(int color, float width);
+int ghpgl_begin_text(int color, float width);
+int ghpgl_marker_path(int n, const Gpt* pts); // plotter units
+int ghpgl_glyph(int n, const Gpen_step* steps);
+// The input window round device limits.
+int ghpgl_set_clip(float x0, float y0, float x1, float y1);
+
+// State commands, written only when the state changes.
+int ghpgl_set_color(int ind);
+int ghpgl_set_fill_color(int ind);
+int ghpgl_set_width(int ind, float width);
+int ghpgl_set_type(int type);
+
+int ghpgl_set_base_width(float width); // of a line width of 1, millimetres
+int ghpgl_set_pcl(int value);          // 0 plain, 1 wrapped, 2 wrapped and rotated
+int ghpgl_set_rotate(int deg);         // of the page; 90, 180 and 270 count
+int ghpgl_set_scale(float scale);      // of all coordinates

@@ -118,6 +118,7 @@ Way way() {
     case Gdevice::metafile:
         return Way::write;
     case Gdevice::postscript:
+    case Gdevice::hpgl:
     case Gdevice::none:
         return Way::keep;
     }

@@ -293,6 +293,7 @@ int ginit_background() {
         set_paper_background();
         break;
     case Gdevice::metafile:
+    case Gdevice::hpgl:
     case Gdevice::none:
         break;
     }

@@ -93,6 +93,8 @@ int gfill_area(int n, const Gpt* pts) {
         return gmeta_fill_area(n, pts);
     case Gdevice::postscript:
         return gps_fill_area(n, pts, fill.fill_color, fill.fill_inter_style);
+    case Gdevice::hpgl:
+        return ghpgl_fill_area(n, pts, fill.fill_color);
     case Gdevice::none:
         return 0;
     }
@@ -204,6 +206,7 @@ int gclear_region(const Glim* lim) {
         return gmeta_clear_region(*lim);
     case Gdevice::postscript:
         return gps_clear_region(*lim);
+    case Gdevice::hpgl:
     case Gdevice::none:
         return 0;
     }

@@ -64,6 +64,8 @@ int gpolyline(int n, const Gpt* pts) {
         return gmeta_polyline(n, pts);
     case Gdevice::postscript:
         return gps_polyline(n, pts, line.line_color, line.line_width, line.line_type);
+    case Gdevice::hpgl:
+        return ghpgl_polyline(n, pts, line.line_color, line.line_width, line.line_type);
     case Gdevice::none:
         return 0;
     }

@@ -132,6 +132,8 @@ int mark_draw(int n, const Gpt* points) {
         return show_path(n, points);
     case Gdevice::postscript:
         return gps_marker_path(n, points);
+    case Gdevice::hpgl:
+        return ghpgl_marker_path(n, points);
     case Gdevice::metafile: // holds the positions
     case Gdevice::none:
         return 0;
@@ -193,6 +195,8 @@ int gpolymarker(int n, const Gpt* pts) {
         return gmeta_polymarker(n, pts);
     case Gdevice::postscript:
         return print_markers(n, pts, gps_begin_markers(n, color, width));
+    case Gdevice::hpgl:
+        return print_markers(n, pts, ghpgl_begin_markers(color, width));
     case Gdevice::none:
         return 0;
     }

@@ -311,6 +311,8 @@ int draw_glyph(const Layout& layout, int place) {
         return show_glyph(n, steps.data());
     case Gdevice::postscript:
         return gps_glyph(n, steps.data());
+    case Gdevice::hpgl:
+        return ghpgl_glyph(n, steps.data());
     case Gdevice::metafile: // holds the string
     case Gdevice::none:
         return 0;
@@ -426,6 +428,9 @@ int gtext(const Gpt* pos, const char* str) {
         return gmeta_text(*pos, str);
     case Gdevice::postscript:
         gps_begin_text(*pos, str, state.text_color, state.text_width);
+        return draw_text(*pos, str);
+    case Gdevice::hpgl:
+        ghpgl_begin_text(state.text_color, state.text_width);
         return draw_text(*pos, str);
     case Gdevice::none:
         return 0;

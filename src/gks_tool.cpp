@@ -39,6 +39,7 @@ enum Init_type {
     init_display = 0,
     init_again = 1, // on the same display
     init_postscript = 2,
+    init_hpgl = 3,
     init_metafile = 4,
     init_size = 10 // the size of the device has changed
 };
@@ -53,6 +54,7 @@ bool is_file_device(Gdevice device) {
     switch (device) {
     case Gdevice::metafile:
     case Gdevice::postscript:
+    case Gdevice::hpgl:
         return true;
     case Gdevice::window:
     case Gdevice::pixmap:
@@ -72,15 +74,14 @@ int open_device(const char* conn_id, Gdevice device) {
         return gopen_pixmap(conn_id) == 0 ? init_display : init_none;
     case Gdevice::postscript:
         return gps_open_ws(conn_id) == 0 ? init_postscript : init_none;
+    case Gdevice::hpgl:
+        return ghpgl_open_ws(conn_id) == 0 ? init_hpgl : init_none;
     case Gdevice::metafile:
         return gmeta_open_ws(conn_id) == 0 ? init_metafile : init_none;
     case Gdevice::none:
         break;
     }
-    if (static_cast<Gws_type>(device) == ws_hpgl)
-        gerr_printf("gopen_ws", "unable to open HPGL file\n");
-    else
-        gerr_printf("gopen_ws", "invalid workstation type: %d\n", static_cast<int>(device));
+    gerr_printf("gopen_ws", "invalid workstation type: %d\n", static_cast<int>(device));
     return init_none;
 }
 
@@ -91,6 +92,8 @@ int close_device(Gdevice device) {
         return gclear_objs();
     case Gdevice::postscript:
         return gps_close_file();
+    case Gdevice::hpgl:
+        return ghpgl_close_file();
     case Gdevice::metafile:
         return gmeta_close_file();
     case Gdevice::pixmap:
@@ -203,6 +206,7 @@ float gkept_width(float width) {
     case Gdevice::window:
     case Gdevice::pixmap:
     case Gdevice::metafile:
+    case Gdevice::hpgl:
     case Gdevice::none:
         return width;
     }
@@ -350,6 +354,7 @@ int gmessage(int level, const char* text) {
         return gps_comment("%%%%Message: %s", text);
     case Gdevice::window:
     case Gdevice::pixmap:
+    case Gdevice::hpgl:
     case Gdevice::none:
         return 0;
     }

@@ -124,6 +124,9 @@ void set_clip() {
     case Gdevice::postscript:
         gps_set_clip(x0, y0, x1, y1);
         break;
+    case Gdevice::hpgl:
+        ghpgl_set_clip(x0, y0, x1, y1);
+        break;
     case Gdevice::none:
         break;
     }
@@ -317,6 +320,7 @@ int gget_gviewport(Grectangle* rect) {
         break;
     case Gdevice::metafile:
     case Gdevice::postscript:
+    case Gdevice::hpgl:
     case Gdevice::none:
         *rect = print_rect(tran.cur_vp);
         break;
