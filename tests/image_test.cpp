@@ -496,6 +496,30 @@ TEST_F(Image, EveryKindOfPngIsRead) {
     }
 }
 
+// A table of the image alone serves where the file has none; beside that of the
+// file it is passed over.
+TEST_F(Image, GifFilesMayBringATableOfTheImage) {
+    const std::string file_table = "\xFF\0\0\0\xFF\0"s;    // red, green
+    const std::string own_table = "\0\0\xFF\xFF\xFF\xFF"s; // blue, white
+    const std::string size = "\2\0\1\0"s;
+    const std::string pixels = "\2\2\x44\x0A\0;"s; // 0 and 1
+    struct Row {
+        std::string tables[2]; // of the file, of the image
+        std::vector<std::uint32_t> rgb;
+    };
+    for (const Row& row : std::initializer_list<Row>{
+             {{"", own_table},         {0xFF, 0xFFFFFF}  },
+             {{file_table, own_table}, {0xFF0000, 0xFF00}},
+             {{file_table, ""},        {0xFF0000, 0xFF00}},
+    }) {
+        const auto flag = [](const std::string& table) { return table.empty() ? "\0"s : "\x80"s; };
+        const auto& [of_file, of_image] = row.tables;
+        const MemoryFile file(bytes_of("GIF89a" + size + flag(of_file) + "\0\0"s + of_file + ","s +
+                                       "\0\0\0\0"s + size + flag(of_image) + of_image + pixels));
+        EXPECT_EQ(read_back(file.name()).rgb, row.rgb) << of_file.size() << " " << of_image.size();
+    }
+}
+
 TEST_F(Image, PngFilesMayBeWideAndSayWhatTheyAre) {
     setenv("TZ", "EST5EDT", 1);
     const MemoryFile file({});
