@@ -336,6 +336,11 @@ void parse_field(const char* field, bool first, Gattribs* attrib) {
         parse_short_form(field, attrib);
 }
 
+bool has_names() {
+    return std::any_of(table.colors.begin(), table.colors.begin() + table.num_colors,
+                       [](const Rgb& color) { return color.name[0] != '\0'; });
+}
+
 // Reads the files of a list one after another. Returns whether one of them opened.
 bool read_tables(const char* names, bool count_fills) {
     int count = 0;
@@ -347,12 +352,17 @@ bool read_tables(const char* names, bool count_fills) {
             continue; // would be standard input
         std::array<char, file_name_size> path{};
         FILE_add_path(RES_get("file_path"), files[i], path.data());
-        const FILE_ptr file(FILE_open(path.data(), "r"));
+        const FILE_ptr file(FILE_open_text(path.data()));
         if (!file) {
             MESS_print(mess_warn, "CLR_read_table: Unable to open color table: %s\n", path.data());
             continue;
         }
         read_table_file(file.get(), first_file, count_fills);
+        if (!has_names()) { // such as a picture, or a device
+            MESS_print(mess_warn, "CLR_read_table: No colors in: %s\n", path.data());
+            table.num_colors = 0;
+            continue;
+        }
         first_file = false;
     }
     free_parsed_array(count, files);

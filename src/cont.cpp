@@ -242,7 +242,7 @@ void begin_steps() {
 FILE_ptr open_level_file(const std::string& name) {
     char path[file_name_size] = "";
     FILE_add_path(RES_get("file_path"), name.c_str(), path);
-    return FILE_ptr(FILE_open(path, "r"));
+    return FILE_ptr(FILE_open_text(path));
 }
 
 // A level file by its name, or by its name without the extension.

@@ -122,11 +122,11 @@ int CTY_open(const char* filename, int f_access, int /*f_type*/) {
         return -1;
     }
     CTY_close(file.fd);
-    FILE_ptr stream(FILE_open(filename, f_access == 1 ? "w" : "r"));
+    FILE_ptr stream(f_access == 1 ? FILE_open(filename, "w") : FILE_open_text(filename));
     if (!stream) {
         return -1;
     }
-    file.fd = fileno(stream.get());
+    file.fd = std::max(fileno(stream.get()), 0); // a bounded stream has none
     file.stream = std::move(stream);
     copy_text(file.name, sizeof file.name, filename);
     return file.fd;

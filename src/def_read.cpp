@@ -35,6 +35,7 @@ enum class Block : char {
 
 struct State {
     std::FILE* def_file = nullptr;
+    std::string name;        // of the open file
     bool in_comment = false; // the line goes on in the next piece
     std::array<char, prog_size> prog_name{"Zyr"};
     std::array<char, prog_size> prog_title{};
@@ -293,12 +294,17 @@ int DEF_open(const char* name) {
     if (FILE_is_dir(file.c_str()) != 0) {
         file = file_in(file.c_str());
     }
-    state.def_file = FILE_open(file.c_str(), "r");
+    state.def_file = FILE_open_text(file.c_str());
     if (state.def_file == nullptr) {
         return -1;
     }
     note_directory(file);
+    state.name = file;
     return 0;
+}
+
+const char* DEF_file() {
+    return state.name.c_str();
 }
 
 int DEF_close() {

@@ -12,6 +12,8 @@ constexpr std::size_t def_line_size = 250;
 // Returns 0; -1 if it does not open.
 int DEF_open(const char* name);
 int DEF_close();
+// Name of the open file.
+const char* DEF_file();
 
 // The next live setting: `key` (def_line_size) in lower case without a closing
 // ":", `value` (def_value_size; a longer one is cut, with a warning).

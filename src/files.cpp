@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <memory>
 #include <set>
 #include <string>
 #include <string_view>
@@ -54,6 +55,59 @@ struct Module {
     std::set<std::pair<dev_t, ino_t>> inputs; // plain files that were opened for reading
 };
 Module module;
+
+// --- Texts with an end -------------------------------------------------------------
+
+constexpr std::size_t most_text = std::size_t{64} << 20;
+
+// A stream that is read through another one, up to a limit.
+struct Bounded {
+    std::FILE* inner;
+    std::string name;
+    std::size_t left = most_text;
+};
+
+// A line at a time, so that a terminal or a pipe is not waited for longer than
+// the reader waits. At the limit it is the end.
+ssize_t read_bounded(void* cookie, char* buffer, std::size_t size) {
+    auto* bounded = static_cast<Bounded*>(cookie);
+    if (bounded->left == 0) {
+        MESS_print(mess_warn, "FILE_open_text: Text ends after 64 MB: %s\n", bounded->name.c_str());
+        return 0;
+    }
+    size = std::min(size, bounded->left);
+    std::size_t n = 0;
+    for (int c = 0; n < size && c != '\n' && (c = getc_unlocked(bounded->inner)) != EOF;) {
+        buffer[n++] = static_cast<char>(c);
+    }
+    bounded->left -= n;
+    return static_cast<ssize_t>(n);
+}
+
+int close_bounded(void* cookie) {
+    const std::unique_ptr<Bounded> bounded(static_cast<Bounded*>(cookie));
+    return FILE_close(bounded->inner);
+}
+
+// `whole`: a plain file needs no limit.
+std::FILE* open_bounded(const char* name, bool whole) {
+    std::FILE* inner = FILE_open(name, "r");
+    struct stat info {};
+    if (inner == nullptr || (fstat(fileno(inner), &info) == 0 && S_ISREG(info.st_mode) &&
+                             (whole || static_cast<std::size_t>(info.st_size) <= most_text))) {
+        return inner;
+    }
+    auto bounded = std::make_unique<Bounded>(Bounded{inner, name});
+    std::FILE* stream = fopencookie(
+        bounded.get(), "r",
+        {.read = read_bounded, .write = nullptr, .seek = nullptr, .close = close_bounded});
+    if (stream == nullptr) {
+        FILE_close(inner);
+        return nullptr;
+    }
+    static_cast<void>(bounded.release()); // close_bounded has it
+    return stream;
+}
 
 bool stat_of(const char* name, struct stat* info) {
     char path[file_name_size];
@@ -217,6 +271,14 @@ int FILE_is_input(const char* name) {
     return stat_of(name, &info) && module.inputs.contains({info.st_dev, info.st_ino}) ? 1 : 0;
 }
 
+std::FILE* FILE_open_text(const char* name) {
+    return open_bounded(name, false);
+}
+
+std::FILE* FILE_open_bounded(const char* name) {
+    return open_bounded(name, true);
+}
+
 int FILE_close(std::FILE* stream) {
     if (stream == nullptr) {
         return -1;
@@ -360,7 +422,7 @@ int FILE_set_name(const char* kind) {
     }
     char path[file_name_size];
     FILE_add_path(RES_get("file_path"), conv_name, path);
-    const FILE_ptr file(FILE_open(path, "r"));
+    const FILE_ptr file(FILE_open_text(path));
     if (file == nullptr) {
         MESS_print(mess_warn, "FILE_set_name: No file name convention file: %s\n", path);
         copy_text(s.conv, sizeof s.conv, name);

@@ -40,6 +40,13 @@ struct FILE_closer {
 };
 using FILE_ptr = std::unique_ptr<std::FILE, FILE_closer>;
 
+// Opens a text to be read, one that a user may name: it ends after 64 MB, with a
+// warning, so that a device or a pipe without end does, too. The stream may have
+// no descriptor.
+std::FILE* FILE_open_text(const char* name);
+// The same for what is no text: a plain file is read whole, whatever its size.
+std::FILE* FILE_open_bounded(const char* name);
+
 // Appends "/" unless the text is empty or ends with one.
 char* FILE_add_path_delim(char* path);
 // `file` behind `path` (null: none); `file` alone if it is a standard stream

@@ -66,7 +66,7 @@ FILE_ptr open_along_path(const char* name) {
     if (*name == '\0')
         return nullptr;
     std::array<char, file_name_size> path{};
-    return FILE_ptr(FILE_open(FILE_add_path(RES_get("file_path"), name, path.data()), "r"));
+    return FILE_ptr(FILE_open_text(FILE_add_path(RES_get("file_path"), name, path.data())));
 }
 
 // --- Font list and font files -------------------------------------------------

@@ -13,6 +13,7 @@
 #include "zyrresrc.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -65,7 +66,7 @@ bool read_number(const char** at, float* out) {
 FILE_ptr open_on_path(const char* path_resource, const char* name) {
     char path[file_name_size];
     FILE_add_path(RES_get(path_resource), name, path);
-    return FILE_ptr(FILE_open(path, "r"));
+    return FILE_ptr(FILE_open_bounded(path));
 }
 
 // --- Conditions ------------------------------------------------------------------
@@ -318,6 +319,10 @@ int draw_entry(const char* entry) {
 
 // --- Lists -----------------------------------------------------------------------
 
+bool is_control(char c) {
+    return std::iscntrl(static_cast<unsigned char>(c)) != 0;
+}
+
 void process_list_file(const char* name) {
     const FILE_ptr file = open_on_path("file_path", name);
     if (!file) {
@@ -326,8 +331,18 @@ void process_list_file(const char* name) {
         }
         return;
     }
+    constexpr int most = 10000;
     char word[entry_size];
-    while (std::fscanf(file.get(), "%255s", word) == 1) {
+    for (int i = 0; std::fscanf(file.get(), "%255s", word) == 1; ++i) {
+        if (i == most || std::any_of(word, word + std::strlen(word), is_control)) {
+            MESS_print(mess_warn, "MAP_draw: No map list, or one that is too long: %s\n", name);
+            return;
+        }
+        // A command comes from the user, not out of a file.
+        if (*word == '|' || std::strstr(word, ":|") != nullptr) {
+            MESS_print(mess_warn, "MAP_draw: Command refused: %s in map list: %s\n", word, name);
+            continue;
+        }
         MAP_process(word);
     }
 }

@@ -44,6 +44,7 @@ struct State {
     int offset = 0; // added to a queue number to form its key
     int timeout = default_timeout;
     void (*to_func)() = nullptr;
+    bool answering = false; // the time-out runs over a whole answer
 };
 State state;
 
@@ -92,6 +93,13 @@ int MQ_open(int number) {
     state.msgqid = msgget(static_cast<key_t>(static_cast<unsigned>(number) + state.offset), 0);
     if (state.msgqid < 0) {
         return errno == ENOENT ? -1 : 0;
+    }
+    msqid_ds info{};
+    if (msgctl(state.msgqid, IPC_STAT, &info) != 0 || info.msg_perm.uid != geteuid() ||
+        info.msg_perm.cuid != geteuid()) {
+        MESS_print(mess_warn, "MQ_open: The queue is another user's: %d\n", number);
+        state.msgqid = -1;
+        return 0;
     }
     return state.msgqid;
 }
@@ -144,7 +152,9 @@ int MQ_get(int queue, int conn_id, char* buffer) {
     mqueuebuf message;
     int tries = 0;
     int result = no_message;
-    MQ_enable_alarm();
+    if (!state.answering) {
+        MQ_enable_alarm();
+    }
     while (result == no_message) {
         result = timed_out() ? -1 : receive(queue, conn_id, message);
         ++tries;
@@ -153,7 +163,9 @@ int MQ_get(int queue, int conn_id, char* buffer) {
             ZYR_sleep(tries >= first_long_wait ? long_wait : short_wait);
         }
     }
-    MQ_disable_alarm();
+    if (!state.answering) {
+        MQ_disable_alarm();
+    }
     MESS_print(trace_level, "GET:%s\n", message.mtext.data());
     if (result < 0) {
         buffer[0] = '\0';
@@ -167,9 +179,20 @@ int MQ_get(int queue, int conn_id, char* buffer) {
     return message.mtext[0] - '0';
 }
 
+void MQ_begin_answer() {
+    MQ_enable_alarm();
+    state.answering = true;
+}
+
+void MQ_end_answer() {
+    state.answering = false;
+    MQ_disable_alarm();
+}
+
 int MQ_clear(int queue, int type) {
+    constexpr int most = 10000; // of a queue that is filled as fast as it is drained
     mqueuebuf message;
-    while (receive(queue, type, message) >= 0) {
+    for (int i = 0; i < most && receive(queue, type, message) >= 0; ++i) {
     }
     return 0;
 }

@@ -10,7 +10,8 @@
 constexpr std::size_t mq_text_size = 120;
 
 // Sets the time-out handler and looks up queue `number`. Returns its id; -1 if
-// there is none; 0 on any other failure.
+// there is none; 0 on any other failure. A queue of another user is a failure,
+// with a warning: what it answers would be obeyed.
 int MQ_open(int number);
 // The handshake. Returns the connection number; -1 if it is refused.
 int MQ_connect(int queue);
@@ -20,6 +21,10 @@ int MQ_connect(int queue);
 // Waits for a reply; `buffer` (mq_text_size) takes its text. Returns the
 // reply code; negative, with an empty text, on a failure.
 int MQ_get(int queue, int conn_id, char* buffer);
+// An answer of several replies: from its begin to its end the time-out runs once,
+// over all of them.
+void MQ_begin_answer();
+void MQ_end_answer();
 // Drains all messages of that type without waiting.
 int MQ_clear(int queue, int type);
 

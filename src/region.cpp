@@ -216,15 +216,21 @@ bool begins(const char* text, const char* prefix) {
 // Opens a region file along `file_path`. Only a regular file will do: a domain
 // string may come out of an image file and must not start a command or wait on
 // a terminal.
+bool is_plain(const char* name) {
+    struct stat info = {};
+    return stat(name, &info) == 0 && S_ISREG(info.st_mode);
+}
+
 FILE_ptr open_region_file(const char* name) {
     char full[file_name_size] = "";
     FILE_ptr file;
     if (name[0] != '|' && FILE_is_stdio(name) == 0 && std::strlen(name) < file_name_size) {
         FILE_add_path(RES_get("file_path"), name, full);
-        file.reset(FILE_open(full, "r"));
+        file.reset(FILE_open_text(full));
     }
     struct stat info = {};
-    if (file && (fstat(fileno(file.get()), &info) != 0 || !S_ISREG(info.st_mode))) {
+    const int fd = file ? fileno(file.get()) : -1; // none where the text is bounded
+    if (file && (fd >= 0 ? fstat(fd, &info) != 0 || !S_ISREG(info.st_mode) : !is_plain(full))) {
         file.reset();
     }
     if (!file) {

@@ -9,9 +9,10 @@
 struct res_obj {
     int index = missing; // row of the definition table
     char* name = nullptr;
-    char* data = nullptr;   // null: given without a value
-    std::size_t length = 0; // of `data`
-    std::size_t room = 0;   // what `data` can hold; RES_append leaves some to grow
+    char* data = nullptr;       // null: given without a value
+    std::size_t length = 0;     // of `data`
+    std::size_t room = 0;       // what `data` can hold; RES_append leaves some to grow
+    mutable bool given = false; // a caller holds the address of `data`
     DEF_convert cvt = CV_none;
     res_obj* next = nullptr;
 };

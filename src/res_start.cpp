@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 namespace {
@@ -45,11 +46,38 @@ void store_setting(const char* key, const char* value, const RES_defobj* def_tab
     }
 }
 
-void read_defaults(const char* item, const RES_defobj* def_table) {
+// Is it the directory in which the program runs, which is not the user's own?
+bool is_foreign_place(const char* item) {
+    if (item != nullptr && *item != '\0' && std::strcmp(item, ".") != 0 &&
+        std::strcmp(item, "./") != 0) {
+        return false;
+    }
+    struct stat here {};
+    struct stat home {};
+    const char* user = std::getenv("HOME");
+    return user == nullptr || stat(".", &here) != 0 || stat(user, &home) != 0 ||
+           here.st_dev != home.st_dev || here.st_ino != home.st_ino;
+}
+
+// A missing file yields no setting. Of a file that a user only came by in a
+// directory no value is taken that could name a command.
+void read_defaults(const char* item, bool given, const RES_defobj* def_table) {
+    constexpr int most = 10000;
+    const bool foreign = !given && is_foreign_place(item);
     std::array<char, def_line_size> key{};
     std::array<char, def_value_size> value{};
-    DEF_open(item); // a missing file yields no setting
-    while (DEF_get(key.data(), value.data()) == 1) {
+    DEF_open(item);
+    for (int i = 0; DEF_get(key.data(), value.data()) == 1; ++i) {
+        if (i == most) {
+            MESS_print(mess_warn, "RES_decode: More than %d settings: %s\n", most, DEF_file());
+            break;
+        }
+        if (foreign && std::strchr(value.data(), '|') != nullptr) {
+            MESS_print(mess_warn,
+                       "RES_decode: Command refused: %s %s in %s of the current directory\n",
+                       key.data(), value.data(), DEF_file());
+            continue;
+        }
         store_setting(key.data(), value.data(), def_table);
     }
     DEF_close();
@@ -68,11 +96,12 @@ std::vector<std::string> search_list() {
     return places;
 }
 
-void read_search_list(const RES_defobj* def_table) {
+// `given`: the list was given as an option, not found in the environment or built in.
+void read_search_list(bool given, const RES_defobj* def_table) {
     const std::vector<std::string> places = search_list();
     DEF_clr_tag();
     if (places.empty()) {
-        read_defaults(nullptr, def_table);
+        read_defaults(nullptr, given, def_table);
     }
     for (const std::string& place : places) {
         const char* item = place.c_str();
@@ -83,7 +112,7 @@ void read_search_list(const RES_defobj* def_table) {
         } else if (*item == '#') {
             RES_link_window(item + 1, def_table);
         } else {
-            read_defaults(item, def_table);
+            read_defaults(item, given, def_table);
         }
     }
 }
@@ -165,7 +194,9 @@ bool begins_any_case(const char* text, const char* start) {
 }
 
 // `name` and `default` decide which defaults apply: they are taken first.
-void scan_pseudo(int argc, char** argv) {
+// Returns whether `default` was given.
+bool scan_pseudo(int argc, char** argv) {
+    bool given = false;
     for (int i = 1; i < argc; ++i) {
         if (!is_short_option(argv[i])) {
             continue;
@@ -177,9 +208,11 @@ void scan_pseudo(int argc, char** argv) {
             DEF_name(option.value);
         } else if (option.value != nullptr && (begins(name, "default") || begins(name, "df"))) {
             RES_new(missing, "default", option.value, CV_string);
+            given = true;
         }
         i += option.from_next ? 1 : 0;
     }
+    return given;
 }
 
 bool is_pseudo(const char* name) {
@@ -319,8 +352,8 @@ int RES_decode(const char* /*progname*/, const char* /*res_class*/, int argc, ch
     if (const char* list = std::getenv("zyrdefault")) {
         RES_new(missing, "default", list, CV_string);
     }
-    scan_pseudo(argc, argv);
-    read_search_list(def_table);
+    const bool given = scan_pseudo(argc, argv);
+    read_search_list(given, def_table);
     read_environment(def_table);
     read_arguments(argc, argv, def_table);
     RES_leave_window();

@@ -23,11 +23,26 @@ bool connected() {
     return is_set(state.conn_id);
 }
 
-// Reads replies up to the one that ends an answer, passing over the others.
-void await_reply() {
+// Reads the replies of an answer up to the one that ends it, and hands their texts
+// to `take`. A window that floods us is given up.
+template <typename Take> void read_answer(Take take) {
+    constexpr int most_lines = 10000;
     std::array<char, mq_text_size> text{};
-    while (MQ_get(state.queue, state.conn_id, text.data()) == 0) {
+    MQ_begin_answer();
+    int lines = 0;
+    while (lines < most_lines && MQ_get(state.queue, state.conn_id, text.data()) == 0) {
+        take(text.data());
+        ++lines;
     }
+    MQ_end_answer();
+    if (lines == most_lines) {
+        MESS_print(mess_warn, "ZYRloop window: answer ends after %d lines\n", most_lines);
+        state.conn_id = missing;
+    }
+}
+
+void await_reply() {
+    read_answer([](char*) {});
 }
 
 // Returns whether an answer is on its way.
@@ -37,16 +52,19 @@ bool send_value(const char* def, const char* value) {
 
 // Takes the answer to one query. Returns whether it brought a value.
 bool take_value(int index, const RES_defobj& row) {
-    std::array<char, mq_text_size> text{};
     bool arrived = false;
-    while (MQ_get(state.queue, state.conn_id, text.data()) == 0) {
+    read_answer([&](char* text) {
         if (text[0] == '\0' || text[0] == '!' || text[0] == '\n') {
-            continue;
+            return;
         }
-        text[std::strlen(text.data()) - 1] = '\0'; // the line end
-        RES_new(index, row.def, text.data(), row.cvt);
+        text[std::strlen(text) - 1] = '\0';      // the line end
+        if (std::strchr(text, '|') != nullptr) { // a command comes from the user alone
+            MESS_print(mess_warn, "ZYRloop window: Command refused: %s %s\n", row.def, text);
+            return;
+        }
+        RES_new(index, row.def, text, row.cvt);
         arrived = true;
-    }
+    });
     return arrived;
 }
 
@@ -58,17 +76,17 @@ void exchange_values(const RES_defobj* def_table) {
         ++asked;
     }
     int pushed = 0;
-    for (int i = 0; i < asked; ++i) {
+    for (int i = 0; i < asked && connected(); ++i) {
         const RES_defobj& row = def_table[i];
         if (take_value(i, row)) {
             continue;
         }
         const char* held = RES_get(row.def);
-        if (held != nullptr && send_value(row.def, held)) {
+        if (held != nullptr && connected() && send_value(row.def, held)) {
             ++pushed;
         }
     }
-    for (; pushed > 0; --pushed) {
+    for (; pushed > 0 && connected(); --pushed) {
         await_reply();
     }
 }

@@ -41,7 +41,9 @@ res_obj* find_resource(const char* name) {
 
 // Takes `data` (may be null) as the entry's value and keeps the old text.
 int replace_data(res_obj* entry, char* data, std::size_t length, std::size_t room) {
-    if (entry->data != nullptr) {
+    if (entry->data != nullptr && !entry->given) { // nobody points at it
+        delete[] entry->data;
+    } else if (entry->data != nullptr) {
         auto* keeper = new (std::nothrow) res_obj;
         if (keeper == nullptr) {
             delete[] data;
@@ -52,6 +54,7 @@ int replace_data(res_obj* entry, char* data, std::size_t length, std::size_t roo
         state.retired = keeper;
     }
     entry->data = data;
+    entry->given = false;
     entry->length = length;
     entry->room = room;
     return 0;
@@ -144,11 +147,15 @@ const char* RES_get(const char* name) {
     if (entry == nullptr) {
         return nullptr;
     }
+    entry->given = true;
     return entry->data != nullptr ? entry->data : "";
 }
 
 int RES_getval(const char* name, void* out, DEF_convert cvt) {
     const res_obj* entry = find_resource(name);
+    if (entry != nullptr) {
+        entry->given = true;
+    }
     return entry != nullptr && out != nullptr ? RES_conv_data(entry->data, out, cvt) : 0;
 }
 

@@ -56,7 +56,7 @@ FILE_ptr open_text(const char* name) {
     if (*name == '\0' || path[0] == '|' || FILE_is_dir(path) == 1) {
         return nullptr;
     }
-    return FILE_ptr(FILE_open(path, "r"));
+    return FILE_ptr(FILE_open_text(path));
 }
 
 // Lines of any length, for as many bytes as a text file may have.

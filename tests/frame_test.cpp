@@ -34,11 +34,11 @@ using testing::internal::GetCapturedStdout;
 // What is given and what is to come of it.
 using Pairs = std::vector<std::pair<const char*, const char*>>;
 
-constexpr res_type keys[] = {RES_help,        RES_batch,      RES_message,    RES_file_path,
-                             RES_inputg,      RES_in_file,    RES_file_param, RES_hour,
-                             RES_plot_domain, RES_stat_prior, RES_plot_type,  RES_plot_scale,
-                             RES_plot_param,  RES_draw,       RES_label,      RES_con_interval,
-                             RES_color_label, RES_device,     RES_icon,       RES_null};
+constexpr res_type keys[] = {
+    RES_help,       RES_batch,      RES_message, RES_file_path,   RES_inputg,       RES_in_file,
+    RES_out_file,   RES_file_param, RES_hour,    RES_plot_domain, RES_stat_prior,   RES_plot_type,
+    RES_plot_scale, RES_plot_param, RES_draw,    RES_label,       RES_con_interval, RES_color_label,
+    RES_device,     RES_icon,       RES_null};
 constexpr res_type positions[] = {RES_filenames, RES_null};
 
 // Starts the database as "prog ARGS" would, with no defaults file but `search`.
@@ -402,16 +402,21 @@ protected:
 TEST_F(Window, SharesItsSettings) {
     QueuePeer peer(QueuePeer::answers,
                    {
-                       {"label",  "from window\n"},
-                       {"draw",   "!no\n"        },
-                       {"device", "ps\n"         }
+                       {"label",    "from window\n" },
+                       {"draw",     "!no\n"         },
+                       {"device",   "ps\n"          },
+                       {"out_file", "gif=|touch x\n"}
     },
                    log);
+    CaptureStderr();
     const std::string file = dir.write("own", "*.label mine\n*.draw data\n*.plot_scale 2\n");
     start("-de d -icon -unknown v", file + ":#" + std::to_string(peer.number()));
     peer.wait();
     EXPECT_EQ(value("help") + value("label") + value("draw") + value("device"),
               "(absent)from windowdatad");
+    EXPECT_TRUE(GetCapturedStderr().starts_with(
+        "ZYRloop window: Command refused: out_file gif=|touch x\n"));
+    EXPECT_EQ(value("out_file"), "(absent)");
     EXPECT_EQ(read_text(log), "hello\nset res plot_scale 2\nset res draw data\n"
                               "set res device d\nset res icon \nquit\n");
 }
@@ -436,11 +441,38 @@ TEST_F(Window, ThatIsNotThereOrRefusesIsPassedOver) {
     EXPECT_NE(GetCapturedStderr(), "");
 }
 
-TEST_F(Window, ThatIsSilentEndsTheProgram) {
-    const QueuePeer peer(QueuePeer::silent, {}, log);
-    MQ_set_timeout(1);
-    EXPECT_EXIT(start("-ic", "#" + std::to_string(peer.number())), testing::ExitedWithCode(7),
-                "^Queue not responding!!\n$");
+TEST_F(Window, ThatGivesNoAnswerEndsTheProgram) {
+    for (const auto manner : {QueuePeer::silent, QueuePeer::drips}) {
+        const QueuePeer peer(manner, {}, log);
+        MQ_set_timeout(1);
+        EXPECT_EXIT(start("-ic", "#" + std::to_string(peer.number())), testing::ExitedWithCode(7),
+                    "^Queue not responding!!\n$");
+    }
+}
+
+TEST_F(Window, ThatFloodsOrIsAnothersIsGivenUp) {
+    {
+        const QueuePeer peer(QueuePeer::floods, {}, log);
+        CaptureStderr();
+        start("-fp . -la mine", "#" + std::to_string(peer.number()));
+        EXPECT_EQ(GetCapturedStderr(), "ZYRloop window: answer ends after 10000 lines\n");
+        EXPECT_EQ(value("label"), "mine");
+    }
+    const std::string other_log = dir.path() + "/other";
+    const QueuePeer peer(QueuePeer::answers,
+                         {
+                             {"label", "theirs\n"}
+    },
+                         other_log);
+    if (!peer.give_away()) {
+        GTEST_SKIP() << "only root gives a queue away";
+    }
+    const std::string number = std::to_string(peer.number());
+    CaptureStderr();
+    start("-fp . -ic", "#" + number);
+    EXPECT_EQ(GetCapturedStderr(), "MQ_open: The queue is another user's: " + number +
+                                       "\nZYRloop window: " + number + " unable to connect\n");
+    EXPECT_EQ(read_text(other_log), "");
 }
 
 TEST(Prompt, TellsCommandsFromAnswers) {

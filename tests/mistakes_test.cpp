@@ -17,62 +17,93 @@ struct Mistake {
     const char* left; // a file that is there afterwards, "!" in front: that is not; "" none asked
 };
 
+// clang-format off
 constexpr Mistake mistakes[] = {
-  // Options.
-    {"radial -pdd us",                                                 0, "RES_decode: Unknown option: -pdd, the nearest is -pd\n",       "page.ps" },
-    {"radial -Colour_text red",                                        0,
-     "RES_decode: Unknown option: -Colour_text, the nearest is -color_text\n",                                                            "page.ps" },
-    {"radial --output o.png",                                          0,
+    // Options.
+    {"radial -pdd us", 0, "RES_decode: Unknown option: -pdd, the nearest is -pd\n", "page.ps"},
+    {"radial -Colour_text red", 0,
+     "RES_decode: Unknown option: -Colour_text, the nearest is -color_text\n",
+     "page.ps"},
+    {"radial --output o.png", 0,
      "output: o.png draws nothing: a page is written with -de p,FILE, an image with -of "
-     "png=FILE\n",                                                                                                                        "!o.png"  },
-    {"radial -ingestor x",                                             0, "",                                                             "page.ps" }, // of the wider suite: has a row
-    {"radial -di=x -na t -ba=off",                                     0, "",                                                             "page.ps" },
- // Words.
-    {"radial -pp pscolour",                                            0, "plot_param: Unknown word: pscolour, the nearest is pscolor\n",
-     "page.ps"                                                                                                                                      },
-    {"radial -pp fulllab,BAR=1:2,strong,lab=2:3,site,xy=1:2",          0,
-     "plot_param: Unknown word: fulllab, the nearest is fullab\n",                                                                        "page.ps" },
-    {"radial -dr sum,+txt,-map,All",                                   0, "draw: Unknown word: txt, the nearest is text\n",
-     "page.ps"                                                                                                                                      },
-    {"radial -pl vaule",                                               0, "plot_type: Unknown word: vaule, the nearest is value\n",       "page.ps" },
-    {"radial -pf ovr",                                                 0, "file_param: Unknown word: ovr, the nearest is over\n",         "page.ps" },
-    {"radial -la xx:hello,UL1:x,lc:~y",                                0,
-     "label: No place: xx:hello, a label begins with ul:, uc:, ur:, ll:, lc: or lr:\n",                                                   "page.ps" },
-    {"radial -la ul:Norman,~OK",                                       0, "label: No place:  OK, a label begins with ul:*\n",             "page.ps" },
- // Colours and levels.
-    {"radial -com reddish",                                            0, "CLR_get_ind: Unknown color: reddish, the nearest is red\n",
-     "page.ps"                                                                                                                                      },
-    {"radial -cof 20:gren,30:red,40:gren",                             0,
-     "CLR_get_ind: Unknown color: gren, the nearest is green\n",                                                                          "page.ps" },
-    {"radial -cot none -cod off:wi=2 -coln 3 -com #ff0000 -cogr=wi=2", 0, "",                                                             "page.ps" },
-    {"radial -ct nofile.clr",                                          0,
+     "png=FILE\n",
+     "!o.png"},
+    {"radial -ingestor x", 0, "", "page.ps"}, // of the wider suite: has a row
+    {"radial -di=x -na t -ba=off", 0, "", "page.ps"},
+    // Words.
+    {"radial -pp pscolour", 0,
+     "plot_param: Unknown word: pscolour, the nearest is pscolor\n",
+     "page.ps"},
+    {"radial -pp fulllab,BAR=1:2,strong,lab=2:3,site,xy=1:2", 0,
+     "plot_param: Unknown word: fulllab, the nearest is fullab\n",
+     "page.ps"},
+    {"radial -dr sum,+txt,-map,All", 0,
+     "draw: Unknown word: txt, the nearest is text\n",
+     "page.ps"},
+    {"radial -pl vaule", 0, "plot_type: Unknown word: vaule, the nearest is value\n", "page.ps"},
+    {"radial -pf ovr", 0, "file_param: Unknown word: ovr, the nearest is over\n", "page.ps"},
+    {"radial -la xx:hello,UL1:x,lc:~y", 0,
+     "label: No place: xx:hello, a label begins with ul:, uc:, ur:, ll:, lc: or lr:\n",
+     "page.ps"},
+    {"radial -la ul:Norman,~OK", 0, "label: No place:  OK, a label begins with ul:*\n", "page.ps"},
+    // Colours and levels.
+    {"radial -com reddish", 0,
+     "CLR_get_ind: Unknown color: reddish, the nearest is red\n",
+     "page.ps"},
+    {"radial -cof 20:gren,30:red,40:gren", 0,
+     "CLR_get_ind: Unknown color: gren, the nearest is green\n",
+     "page.ps"},
+    {"radial -cot none -cod off:wi=2 -coln 3 -com #ff0000 -cogr=wi=2", 0, "", "page.ps"},
+    {"radial -ct nofile.clr", 0,
      "CLR_read_table: Unable to open color table: */nofile.clr\n"
-     "CLR_read_table: The default color table is taken: zyr.clr\n",                                                                       "page.ps" },
-    {"radial -cof nofile",                                             0,
+     "CLR_read_table: The default color table is taken: zyr.clr\n",
+     "page.ps"},
+    {"radial -cof nofile", 0,
      "CONT_set_fill_colors: Unable to read contour level file: nofile\n"
-     "CONT_set_fill_colors: The product's own colors are taken\n",                                                                        "page.ps" },
- // Device and page.
-    {"radial -de png,o.png",                                           0,
-     "device: png is no device, PostScript is taken; an image is written with -of png=FILE\n",                                            "o.png"   },
-    {"radial -de pdf,o.pdf",                                           0,
-     "device: pdf is no device, PostScript is taken; a PDF is made with -de 'p,|ps2pdf - FILE'\n",                                        "o.pdf"   },
-    {"radial -de display,:nowhere",                                    4,
+     "CONT_set_fill_colors: The product's own colors are taken\n",
+     "page.ps"},
+    // Device and page.
+    {"radial -de png,o.png", 0,
+     "device: png is no device, PostScript is taken; an image is written with -of png=FILE\n",
+     "o.png"},
+    {"radial -de pdf,o.pdf", 0,
+     "device: pdf is no device, PostScript is taken; a PDF is made with -de 'p,|ps2pdf - FILE'\n",
+     "o.pdf"},
+    {"radial -de display,:nowhere", 4,
      "gopen_ws: unable to connect to display\n"
      "gopen_ws: display: :nowhere; a page needs none: -de p,FILE; nor do images: zyrshot\n"
-     "GPH_begin: Error opening workstation\n",                                                                                            "!page.ps"},
-    {"radial -de x",                                                   4,
+     "GPH_begin: Error opening workstation\n",
+     "!page.ps"},
+    {"radial -de x", 4,
      "device: Unknown word: x, the display is taken; the devices are d display, p PostScript, "
-     "q or h HPGL, m metafile, w window\n*DISPLAY is not set;*",                                                                          "!page.ps"},
-    {"radial -ge big",                                                 0, "geometry: No size: big, the device's own is taken; *",         "page.ps" },
-    {"radial -ge 5x4+1",                                               0, "geometry: No size: 5x4+1, *",                                  "page.ps" },
- // Times.
-    {"radial -nh abc",                                                 0, "num_hour: No hours: abc, 0 is taken; a time is HOURS or *",    "page.ps" },
-    {"radial -pp tz=CST",                                              0, "tz: No hours from UTC: CST, times stay in UTC; a zone is *",
-     "page.ps"                                                                                                                                      },
-    {"radial -pp tz:UTC,tz=-CST:-6",                                   0, "",                                                             "page.ps" },
- // Help comes before all of it.
-    {"radial -h -pdd us -pp pscolour -de png,o.png",                   0, "",                                                             "!o.png"  },
+     "q or h HPGL, m metafile, w window\n*DISPLAY is not set;*",
+     "!page.ps"},
+    {"radial -ge big", 0, "geometry: No size: big, the device's own is taken; *", "page.ps"},
+    {"radial -ge 5x4+1", 0, "geometry: No size: 5x4+1, *", "page.ps"},
+    // Texts without end, and none.
+    {"radial -df /dev/zero", 0, "FILE_open_text: Text ends after 64 MB: /dev/zero\n*", ""},
+    {"radial -nc /dev/zero", 0, "FILE_open_text: Text ends after 64 MB: /dev/zero\n*",
+     "page.ps"},
+    {"radial -cf /dev/zero -pp site", 0, "", "page.ps"},
+    {"radial -mf fi:/dev/urandom -dr map", 0,
+     "MAP_draw: No map list, or one that is too long: /dev/urandom\n*", "page.ps"},
+    {"radial -ct /dev/zero", 0,
+     "CLR_read_table: No colors in: /dev/zero\n"
+     "CLR_read_table: The default color table is taken: zyr.clr\n",
+     "page.ps"},
+    {"radial -mf fi:./list", 0, "MAP_draw: Command refused: mf:|touch${IFS}harm in map list: ./list\n*",
+     "!harm"},
+    {"radial -df many", 0, "RES_decode: More than 10000 settings: many\n*", ""},
+    // Times.
+    {"radial -nh abc", 0, "num_hour: No hours: abc, 0 is taken; a time is HOURS or *", "page.ps"},
+    {"radial -pp tz=CST", 0,
+     "tz: No hours from UTC: CST, times stay in UTC; a zone is *",
+     "page.ps"},
+    {"radial -pp tz:UTC,tz=-CST:-6", 0, "", "page.ps"},
+    // Help comes before all of it.
+    {"radial -h -pdd us -pp pscolour -de png,o.png", 0, "", "!o.png"},
 };
+// clang-format on
 
 // Does the text fit the pattern, in which "*" is any text?
 bool fits(const std::string& text, const std::string& pattern) {
@@ -91,9 +122,48 @@ bool fits(const std::string& text, const std::string& pattern) {
 
 } // namespace
 
+// A defaults file that a user only came by in a directory runs nothing.
+TEST(Mistakes, ForeignDefaultsNameNoCommand) {
+    if (access(ZYR_PROGRAM, X_OK) != 0) {
+        GTEST_SKIP() << "no program was built";
+    }
+    struct Row {
+        const char* search;
+        bool as_option;
+        bool refused;
+    };
+    for (const Row& row : std::initializer_list<Row>{
+             {".",         false, true },
+             {"",          false, true },
+             {".",         true,  false},
+             {"./zyr.cfg", false, false},
+    }) {
+        const TempDir dir;
+        dir.write("zyr.cfg", "*.device p,|touch${IFS}harm\n*.own 1\n");
+        dir.write(".zyrdef", "*.device p,|touch${IFS}harm\n");
+        ProgramCall call;
+        call.directory = dir.path();
+        call.env = {
+            {"zyrdefault", row.as_option ? "/none" : row.search}
+        };
+        call.args = {"-inp", "nids", "-me", "warn", "set"};
+        if (row.as_option) {
+            call.args.insert(call.args.end(), {"-df", row.search});
+        }
+        const ProgramRun run = run_program(ZYR_PROGRAM, call);
+        EXPECT_EQ(run.err.find("Command refused: *.device") != std::string::npos, row.refused)
+            << row.search << run.err;
+        EXPECT_NE(access((dir.path() + "/harm").c_str(), F_OK), 0);
+    }
+}
+
 TEST(Mistakes, AreEachSaidOnce) {
     if (access(ZYR_PROGRAM, X_OK) != 0) {
         GTEST_SKIP() << "no program was built";
+    }
+    std::string many;
+    for (int i = 0; i < 10001; ++i) {
+        many += "*.a b\n";
     }
     std::string radial;
     for (const auto& [name, bytes] : nids_samples()) {
@@ -104,6 +174,8 @@ TEST(Mistakes, AreEachSaidOnce) {
     for (const Mistake& row : mistakes) {
         const TempDir dir;
         dir.write("radial", radial);
+        dir.write("list", "mf:|touch${IFS}harm\n");
+        dir.write("many", many);
         ProgramCall call;
         call.env = {
             {"zyrdefault", ZYR_SOURCE_DIR "/etc"},

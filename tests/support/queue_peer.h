@@ -14,7 +14,7 @@
 
 class QueuePeer {
 public:
-    enum Manner { answers, refuses, silent };
+    enum Manner { answers, refuses, silent, floods, drips };
     using Values = std::map<std::string, std::string>;
 
     // `values`: what "query res" gives. Commands go to the file `log`, a line each.
@@ -41,6 +41,13 @@ public:
     QueuePeer(const QueuePeer&) = delete;
     QueuePeer& operator=(const QueuePeer&) = delete;
 
+    // Gives the queue to another user. False where that is not ours to do.
+    bool give_away() const {
+        msqid_ds info{};
+        msgctl(queue_, IPC_STAT, &info);
+        info.msg_perm.uid = getuid() + 1;
+        return msgctl(queue_, IPC_SET, &info) == 0;
+    }
     bool works() const { return queue_ >= 0; } // false where there are no such queues
     int number() const { return number_; }
     void wait() { // until it has served a "quit"
@@ -77,6 +84,10 @@ private:
                 log << (text == std::to_string(getuid()) ? "hello" : "stranger") << std::endl;
                 reply(2, manner == refuses ? "1no" : "2" + std::to_string(conn_id));
                 continue;
+            }
+            while (manner == floods || manner == drips) { // an answer that never ends
+                reply(conn_id, "0x\n");
+                usleep(manner == drips ? 100000 : 0);
             }
             log << (message.text[0] == conn_id + '0' ? "" : "wrong connection: ");
             if (!text.starts_with(query)) {
