@@ -33,6 +33,8 @@ struct LEV2_info {
 int LEV2_set_compress(int val);
 // Opens a file, which may also be packed by gzip, and closes the one before.
 // Returns 1; 0 with a message when it does not open.
+// LEV2_open_file (lev2_plt) also sets the colour bar, unless it is refused.
+int lev2_open_volume(const char* filename);
 int LEV2_open_file(const char* filename);
 // Start the volume over, close it. Return 1; 0 with no file open.
 int LEV2_rewind_file();

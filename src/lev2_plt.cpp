@@ -379,6 +379,16 @@ void LEV2_callback(int, const char* str, float x, float y) {
     PLT_plot_resize(str, x, y);
 }
 
+int LEV2_open_file(const char* filename) {
+    if (lev2_open_volume(filename) == 0) {
+        return 0;
+    }
+    if (CONT_get_bar() != -2) {
+        CONT_set_bar(1);
+    }
+    return 1;
+}
+
 int LEV2_print_info() {
     MESS_print(mess_mess, "\n");
     return 0;

@@ -1,6 +1,7 @@
 // lev2_read: reader of WSR-88D Level II volumes: volume header, records, and
 // the gates of a radial. State: the record at hand, the moment selected and
-// the cuts met so far; the bytes are lev2_stream's. LEV2_open_file comes first.
+// the cuts met so far; the bytes are lev2_stream's. lev2_open_volume comes
+// first.
 // All numbers are big-endian.
 //
 //   volume header, 24 bytes          message header, 16 bytes, behind a record's
@@ -45,7 +46,6 @@
 #include "lev2.h"
 
 #include "byte_reader.h"
-#include "cont.h"
 #include "data_file.h"
 #include "file_kind.h"
 #include "files.h"
@@ -590,7 +590,7 @@ int LEV2_set_compress(int val) {
     return 0;
 }
 
-int LEV2_open_file(const char* filename) {
+int lev2_open_volume(const char* filename) {
     FILE_ptr file(FILE_open_data(filename));
     const bool opened = file != nullptr;
     std::array<std::uint8_t, 512> area{};
@@ -616,9 +616,6 @@ int LEV2_open_file(const char* filename) {
         MESS_print(mess_error, "LEV2_open_file: Unable to read file:%s\n", filename);
         tell_file_kind("LEV2_open_file", head);
         return 0;
-    }
-    if (CONT_get_bar() != -2) {
-        CONT_set_bar(1);
     }
     return 1;
 }

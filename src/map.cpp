@@ -450,20 +450,3 @@ int MAP_file(const char* file) {
 int MAP_set_format(const char* str) {
     return copy_text(state.format, sizeof state.format, str == nullptr ? "" : str);
 }
-
-float MAP_get_vert() {
-    Glim window{};
-    MAP_get_window(&window);
-    return window.y_max - window.y_min;
-}
-
-float MAP_get_hor() {
-    Glim window{};
-    MAP_get_window(&window);
-    return window.x_max - window.x_min;
-}
-
-int MAP_get_window(Glim* wind) {
-    GPH_get_win(tran_map, wind);
-    return 0;
-}

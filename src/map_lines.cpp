@@ -1,6 +1,6 @@
 // map_lines.cpp: the grid of latitudes and longitudes over a map, and the plain
-// grid of other diagrams. State: the steps and spacings set by MAP_latlon.
-// MAP_setup must have been called, and the attributes of lines and text set.
+// grid of other diagrams; the window that all lies in. State: the steps and spacings set by
+// MAP_latlon. MAP_setup must have been called, and the attributes of lines and text set.
 #include "map.h"
 #include "map_wrap.h"
 
@@ -339,4 +339,21 @@ int MAP_lines(float dlat, float dlon) {
     GPH_line_attr(nullptr);
     GPH_text_attr(nullptr, 1);
     return is_map ? 0 : -1;
+}
+
+float MAP_get_vert() {
+    Glim window{};
+    MAP_get_window(&window);
+    return window.y_max - window.y_min;
+}
+
+float MAP_get_hor() {
+    Glim window{};
+    MAP_get_window(&window);
+    return window.x_max - window.x_min;
+}
+
+int MAP_get_window(Glim* wind) {
+    GPH_get_win(tran_map, wind);
+    return 0;
 }

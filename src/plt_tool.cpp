@@ -1,6 +1,6 @@
-// plt_tool: the plot session. It opens the workstation for a plotter, keeps
-// the viewport between the margins of the panel, and writes the image dump of
-// each frame. State: workstation, viewport, margins and what is to be dumped.
+// plt_tool: the plot session. It opens the workstation for a plotter and
+// writes the image dump of each frame. State: workstation and what is to be
+// dumped; the viewport is plt_view's.
 #include "plt_tool.h"
 
 #include "cont.h"
@@ -15,7 +15,6 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cstdarg>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -25,17 +24,11 @@ namespace {
 struct Session {
     int work_id = 1;
     Gws_type wk_type = ws_none;
-    float aspect = 1.0F;                        // of the viewport, as opened
-    Glim dis_view = {0, 0, 0, 0};               // viewport in use
-    Glim view_off = {0.0F, 0.0F, 0.04F, 0.04F}; // margins: left, right, bottom, top
-    float view_offset = 0.0F;                   // last single margin given
-    int border = 1;                             // draw a frame about the viewport
-    int full_lab = 0;                           // labels inside the viewport
-    int fit_lab = 0;                            // label and bar keep clear of each other
-    int dump = 0;                               // kind of image dump
-    char dump_file[60] = "";                    // its name convention
-    Date data_date;                             // of the data in the picture
-    bool lost = false;                          // an output could not be written
+    float aspect = 1.0F;     // of the viewport, as opened
+    int dump = 0;            // kind of image dump
+    char dump_file[60] = ""; // its name convention
+    Date data_date;          // of the data in the picture
+    bool lost = false;       // an output could not be written
 };
 Session session;
 
@@ -160,23 +153,23 @@ void dump_frame(int number) {
 
 int PLT_open(float aspect) {
     PLT_param_decode();
-    session.dis_view = session.view_off;
+    Glim* view = PLT_start_view();
     session.aspect = aspect;
     if (nothing_to_draw()) {
         warn_of_parts();
         return -1;
     }
-    GPH_setup(&session.work_id, &session.wk_type, aspect, &session.dis_view);
+    GPH_setup(&session.work_id, &session.wk_type, aspect, view);
     return 0;
 }
 
 int PLT_reset(float aspect) {
-    session.dis_view = session.view_off;
+    Glim* view = PLT_start_view();
     session.aspect = aspect;
     if (nothing_to_draw()) {
         return -1;
     }
-    GPH_reset(&session.work_id, &session.wk_type, aspect, &session.dis_view);
+    GPH_reset(&session.work_id, &session.wk_type, aspect, view);
     const int type = PLT_get_label_type();
     if (type != 0) {
         PLT_set_label_type(type < 0 ? -1 : 1);
@@ -188,8 +181,7 @@ int PLT_panel(float aspect) {
     if (aspect != 0.0F) {
         session.aspect = aspect;
     }
-    session.dis_view = session.view_off;
-    return GPH_panel(&session.work_id, &session.wk_type, session.aspect, &session.dis_view);
+    return GPH_panel(&session.work_id, &session.wk_type, session.aspect, PLT_start_view());
 }
 
 int PLT_close() {
@@ -226,62 +218,6 @@ void PLT_exit(int code) {
 
 void PLT_lost_output() {
     session.lost = true;
-}
-
-int PLT_mess(const char* format, ...) {
-    char text[200];
-    va_list args;
-    va_start(args, format);
-    std::vsnprintf(text, sizeof text, format, args);
-    va_end(args);
-    return gmessage(0, text);
-}
-
-int PLT_set_view_offset(float offset) {
-    session.view_offset = offset;
-    session.view_off = {0.0F, 0.0F, offset, offset};
-    return 0;
-}
-
-int PLT_set_view_offsets(float left, float right, float bottom, float top) {
-    session.view_off = {left, right, bottom, top};
-    return 0;
-}
-
-float PLT_get_view_offset() {
-    return session.view_offset;
-}
-
-int PLT_get_view(Glim* view) {
-    *view = session.dis_view;
-    return 0;
-}
-
-int PLT_border(int value) {
-    session.border = value;
-    return 0;
-}
-
-int PLT_get_border() {
-    return session.border;
-}
-
-int PLT_set_full_lab(int value) {
-    session.full_lab = value;
-    return 0;
-}
-
-int PLT_get_full_lab() {
-    return session.full_lab;
-}
-
-int PLT_set_fit_lab(int value) {
-    session.fit_lab = value;
-    return 0;
-}
-
-int PLT_get_fit_lab() {
-    return session.fit_lab;
 }
 
 bool PLT_has_room(int frame) {

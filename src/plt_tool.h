@@ -19,7 +19,7 @@ using PLT_mouse_func = void(int type, const char* event, float x, float y);
 using PLT_domain_func = int(Domain* domain);
 using PLT_refresh_func = int();
 
-// --- Session (plt_tool.cpp, plot parameters in plt_parm.cpp) ------------------
+// --- Session (plt_tool.cpp, viewport in plt_view.cpp, words in plt_parm.cpp) --
 
 // Reads `plot_param` and opens the workstation with a viewport of the given
 // aspect (width by height). Returns 0; -1, with nothing opened, when every
@@ -46,6 +46,9 @@ void PLT_lost_output();
 int PLT_set_view_offset(float offset);
 int PLT_set_view_offsets(float left, float right, float bottom, float top);
 float PLT_get_view_offset();
+// Begins the viewport anew with the margins. Returns its place, where the opening
+// of a page or panel puts the viewport in use.
+Glim* PLT_start_view();
 // The viewport in use, in coordinates of transformation 1.
 int PLT_get_view(Glim* view);
 // Whether a frame is drawn about the viewport (1 at start).
