@@ -405,7 +405,8 @@ void drop_zero(char* text) {
 void number_text(const char* format, float value, char* out, std::size_t size) {
     char plain[sizeof RAW_attribs::format + 1] = "";
     const bool no_zero = format[0] == '%' && format[1] == 'z';
-    std::snprintf(plain, sizeof plain, "%s%s", no_zero ? "%" : "", format + (no_zero ? 2 : 0));
+    copy_text(plain, sizeof plain, format + (no_zero ? 1 : 0));
+    plain[0] = no_zero ? '%' : plain[0];
     if (!is_number_format(plain)) {
         copy_text(plain, sizeof plain, "%1.0f");
     }
