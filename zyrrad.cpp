@@ -11,6 +11,7 @@
 #include "nowrad.h"
 #include "rad_check.h"
 #include "rad_input.h"
+#include "rad_list.h"
 #include "region.h"
 #include "res_table.h"
 #include "rrwds.h"
@@ -18,7 +19,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <iterator>
+
+#include <unistd.h>
 
 namespace {
 
@@ -88,6 +92,10 @@ constexpr Plotter plotters[] = {
 } // namespace
 
 int main(int argc, char** argv) {
+    if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {
+        MESS_print(mess_print, "zyrrad %s\n", ZYR_version());
+        ZYR_exit(0);
+    }
     RES_set_actions({.hour = FILE_set_time, .domain = DOM_decode});
     MESS_set_log_tools({.open = FILE_open, .close = FILE_close, .stamp = DATE_get_current_str});
     RES_init(argc, argv, res_key.data(), res_pos.data());
@@ -96,11 +104,22 @@ int main(int argc, char** argv) {
         RES_get_progname(name.data());
         MESS_print(mess_print, "%s: This program plots various types of radar data\n", name.data());
         RES_help_print(name.data(), res_key.data(), res_pos.data());
+        MESS_print(
+            mess_print,
+            "Types of input: nids, lev2, lev2z, nowrad, kavrad, rrwds, rcmsite, mdr, rcm\n"
+            "More: zyrrad --list products|regions|colours|fonts|stations|projections|variables|"
+            "options; man zyrrad\n");
         ZYR_exit(0);
+    }
+    if (const char* kind = RES_get("--list")) {
+        ZYR_exit(RAD_list(kind) == 0 ? 0 : exit_no_file);
     }
     RAD_check_settings();
     RAD_cvt_in_file();
     MESS_print_prog("RADAR DATA PLOTTING");
+    if (argc == 1 && isatty(STDIN_FILENO) != 0) {
+        RAD_print_greeting();
+    }
 
     const auto* plotter =
         std::find_if(std::begin(plotters), std::end(plotters),

@@ -253,8 +253,12 @@ bool takes_no_argument(DEF_convert cvt) {
 }
 
 // Returns how many arguments behind the option it used up.
-int take_option(Option option, const RES_defobj* def_table) {
+int take_option(Option option, const char* typed, const RES_defobj* def_table) {
     const char* name = option.name.data();
+    if (std::strcmp(typed, "--list") == 0) { // a request, no setting
+        RES_new(missing, "--list", option.value, CV_string);
+        return option.from_next ? 1 : 0;
+    }
     if (is_pseudo(name)) {
         return option.from_next ? 1 : 0;
     }
@@ -307,7 +311,7 @@ void read_arguments(int argc, char** argv, const RES_defobj* def_table) {
             continue;
         }
         if (is_option(argv[i])) {
-            i += take_option(read_option(i, argc, argv), def_table);
+            i += take_option(read_option(i, argc, argv), argv[i], def_table);
         } else {
             take_position(++count, argv[i], def_table);
         }

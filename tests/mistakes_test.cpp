@@ -94,6 +94,11 @@ constexpr Mistake mistakes[] = {
     {"radial -mf fi:./list", 0, "MAP_draw: Command refused: mf:|touch${IFS}harm in map list: ./list\n*",
      "!harm"},
     {"radial -df many", 0, "RES_decode: More than 10000 settings: many\n*", ""},
+    // What there is.
+    {"--list regoins", 10, "RAD_list: Unknown word: regoins, the nearest is regions\n", "!page.ps"},
+    {"--list products", 0, "", "!page.ps"},
+    {"--list colours", 0, "", "!page.ps"},
+    {"--list variables", 0, "", "!page.ps"},
     // Times.
     {"radial -nh abc", 0, "num_hour: No hours: abc, 0 is taken; a time is HOURS or *", "page.ps"},
     {"radial -pp tz=CST", 0,

@@ -85,6 +85,28 @@ TEST_F(ProgramTest, HelpComesBeforeAllElse) {
     }
 }
 
+// Tables of what there is: a line that each must hold, and what asks for it.
+TEST_F(ProgramTest, ListsWhatThereIs) {
+    for (const auto& [kind, line] : std::initializer_list<std::array<const char*, 2>>{
+             {"products",    "\n94\tBase reflectivity (Dbz)\n"                    },
+             {"regions",     "\nne\tNew_England\t1\t42,-76,0.9\n"                 },
+             {"colours",     "\tred\t0.800\t0.000\t0.000\n"                       },
+             {"fonts",       "\nroman\troman.fnt\n"                               },
+             {"stations",    "\nAmarillo\tTX\tUS\tAMA\t1\t35.2333"                },
+             {"projections", "\n1\tpstereo\tpolar,ps\n"                           },
+             {"variables",   "\nvel\tLevel II\n"                                  },
+             {"options",     "\n-pd\tplot_domain\tzyrdomain\tOutput plot domain\n"}
+    }) {
+        const ProgramRun result = run(std::string("--list ") + kind);
+        EXPECT_TRUE(has("\n" + result.out, line)) << kind << "\n" << result.out.substr(0, 500);
+        EXPECT_EQ(result.code, 0) << kind;
+    }
+    ProgramCall call;
+    call.args = {"--version"};
+    const ProgramRun version = run_program(ZYR_PROGRAM, call);
+    EXPECT_EQ(version.out, std::string("zyrrad ") + ZYR_version() + "\n");
+}
+
 // Faults in the settings: what is said, and what is drawn all the same. With a
 // hidden colour every bin is a figure, and the bar has one box; the labels of
 // the bar have the colour of the text.
