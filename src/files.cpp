@@ -295,6 +295,13 @@ int FILE_close(std::FILE* stream) {
     return std::fclose(stream);
 }
 
+void FILE_note_new(std::FILE* file) {
+    struct stat info {};
+    if (fstat(fileno(file), &info) == 0) {
+        module.inputs.erase({info.st_dev, info.st_ino});
+    }
+}
+
 char* FILE_add_path_delim(char* path) {
     const std::size_t n = std::strlen(path);
     if (n > 0 && path[n - 1] != '/' && n + 1 < file_name_size) {

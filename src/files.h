@@ -27,6 +27,9 @@ long FILE_size(const char* name);  // bytes, -1 if there is no such file
 int FILE_delete(const char* name); // 0, or -1
 // 1 for a file that FILE_open has opened for reading: no output may replace it.
 int FILE_is_input(const char* name);
+// A file that was made just now is none, though it may bear the number of one
+// that is gone.
+void FILE_note_new(std::FILE* file);
 // Opens a file; a standard stream name gives standard input or output, and a
 // name that begins with "|" a pipe to the rest of it. For writing, missing
 // directories are made first. Null on failure: the caller words the error.

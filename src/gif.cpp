@@ -16,6 +16,7 @@
 #include "img_pixel.h"
 
 #include "files.h"
+#include "out_file.h"
 
 #include <algorithm>
 #include <array>
@@ -239,7 +240,7 @@ int GIF_encode(const char* filename, const IMG_report& image, const IMG_look& lo
     if (!IMG_is_sound(image, "GIF_write")) {
         return 0;
     }
-    const FILE_ptr file(FILE_open(filename, "wb"));
+    OutputPtr file(open_output(filename, false));
     if (!file) {
         MESS_print(mess_warn, "Unable to open GIF file\n");
         return 0;
@@ -251,7 +252,7 @@ int GIF_encode(const char* filename, const IMG_report& image, const IMG_look& lo
     const int bits = index_bits(picture.num_color);
     write_header(file.get(), image, picture, bits);
     write_pixels(file.get(), image, picture, bits);
-    return std::fflush(file.get()) == 0 && std::ferror(file.get()) == 0 ? 1 : 0;
+    return close_output(file.release()) == 0 ? 1 : 0;
 }
 
 int GIF_read(const char* filename, IMG_report* image, int type) {

@@ -13,6 +13,7 @@
 #include "date.h"
 #include "files.h"
 #include "maptran.h"
+#include "out_file.h"
 #include "region.h"
 #include "text_num.h"
 
@@ -87,7 +88,7 @@ int write_file(const char* filename, const IMG_report& image, bool packed) {
     if (!IMG_is_sound(image, "IMG_write")) {
         return 0;
     }
-    const FILE_ptr file(FILE_open(filename, "wb"));
+    OutputPtr file(open_output(filename, false));
     if (!file) {
         MESS_print(mess_warn, "Unable to open: %s\n", filename);
         return 0;
@@ -104,7 +105,7 @@ int write_file(const char* filename, const IMG_report& image, bool packed) {
     const bool written =
         packed ? write_pieces(file.get(), bytes)
                : std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
-    return written && std::fflush(file.get()) == 0 ? 1 : 0;
+    return written && close_output(file.release()) == 0 ? 1 : 0;
 }
 
 // --- Reading --------------------------------------------------------------------

@@ -152,7 +152,11 @@ std::FILE* open_beside(Output& output, const struct stat* old) {
     }
     output.pending = 1;
     fchmod(fd, mode_of(old)); // some file systems know no modes
-    return fdopen(fd, "w");
+    std::FILE* const file = fdopen(fd, "w");
+    if (file != nullptr) {
+        FILE_note_new(file);
+    }
+    return file;
 }
 
 // Lets the whole file take its name.
@@ -231,7 +235,10 @@ std::FILE* open_any(Output& output, const char* name, bool append) {
         return FILE_open(name, "w");
     }
     std::array<char, file_name_size> path{};
-    FILE_add_user_path(name, path.data());
+    const std::string_view full = FILE_add_user_path(name, path.data());
+    if (full.starts_with("/dev/") || full.starts_with("/proc/")) {
+        return FILE_open(path.data(), append ? "a" : "w"); // an open file of somebody
+    }
     if (is_input(path.data())) {
         return nullptr;
     }

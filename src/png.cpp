@@ -8,6 +8,7 @@
 
 #include "date.h"
 #include "files.h"
+#include "out_file.h"
 
 #include <array>
 #include <csetjmp>
@@ -191,7 +192,7 @@ int PNG_encode(const char* filename, const IMG_report& image, const IMG_look& lo
     if (!IMG_is_sound(image, "PNG_write")) {
         return 0;
     }
-    const FILE_ptr file(FILE_open(filename, "wb"));
+    OutputPtr file(open_output(filename, false));
     if (!file) {
         MESS_print(mess_warn, "Unable to open PNG file\n");
         return 0;
@@ -221,9 +222,8 @@ int PNG_encode(const char* filename, const IMG_report& image, const IMG_look& lo
         job.text[i].text = lines[i].text.data();
     }
     const Writer writer;
-    const bool written = writer.info != nullptr && write_png(writer.png, writer.info, &job) &&
-                         std::fflush(file.get()) == 0;
-    return written ? 1 : 0;
+    const bool written = writer.info != nullptr && write_png(writer.png, writer.info, &job);
+    return written && close_output(file.release()) == 0 ? 1 : 0;
 }
 
 int PNG_read(const char* filename, IMG_report* image, int type) {

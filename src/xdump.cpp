@@ -15,6 +15,7 @@
 #include "byte_reader.h"
 #include "files.h"
 #include "img_pixel.h"
+#include "out_file.h"
 
 #include <algorithm>
 #include <array>
@@ -306,7 +307,7 @@ void swap_nibbles(IMG_report* image) {
 } // namespace
 
 int XWD_encode(const char* filename, const IMG_report& image, const IMG_look& /*look*/) {
-    const FILE_ptr file(FILE_open(filename, "wb"));
+    OutputPtr file(open_output(filename, false));
     if (!file) {
         return fail("Unable to open dump file\n");
     }
@@ -326,7 +327,7 @@ int XWD_encode(const char* filename, const IMG_report& image, const IMG_look& /*
     if (image.data == nullptr || !write_bytes(file.get(), image.data.get(), size)) {
         return fail("Unable to write to XWD file.\n");
     }
-    return 1;
+    return close_output(file.release()) == 0 ? 1 : fail("Unable to write to XWD file.\n");
 }
 
 int XWD_write(const char* filename, IMG_report* image) {
