@@ -440,6 +440,12 @@ int FILE_set_file(const char* file, char* out_file) {
     if (stricmp(name, "exit") == 0) {
         ZYR_exit(0);
     }
+    if (*name == '|' && is_file(name)) { // a name as any other, met by a shell's "*"
+        s.filename_type = 1;
+        std::snprintf(out_file, file_name_size, "./%.*s", static_cast<int>(file_name_size) - 3,
+                      name);
+        return 0;
+    }
     if (*name == '@' || *name == '|') { // as it stands; a command is read
         s.filename_type = 1;
         copy_text(out_file, file_name_size, *name == '@' ? name + 1 : name);

@@ -165,6 +165,13 @@ bool take_line(const char* line, const char* kind) {
     if (name.empty()) {
         return false;
     }
+    const bool runs = *s.conv == '|' || *s.hconv == '|';
+    if (runs && strnicmp(kind, name.c_str(), static_cast<int>(name.size())) == 0) {
+        MESS_print(mess_warn,
+                   "FILE_set_name: A naming convention runs no command, refused: %s %s\n",
+                   name.c_str(), s.conv);
+        return false;
+    }
     if (stricmp(kind, name.c_str()) == 0) {
         MESS_print(trace_conv, "File name match for: %s\n", kind);
         return true;

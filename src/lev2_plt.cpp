@@ -166,6 +166,7 @@ struct Walk {
     Gpt site = {}; // on the volume's own map
     Looks looks;
     RadStrip strip;
+    long room = rad_most_figures;
     int elev_num = missing; // of the radial before
     float largest = lev2_below, smallest = 100.0F;
     float elev = 0;         // degrees, of the scan
@@ -209,7 +210,7 @@ void draw_radial(Walk& walk, const LEV2_data& data) {
             walk.cluttered = true;
         } else if (look.drawn) {
             walk.strip.make_room(edges);
-            walk.strip.add(i, 1, 1, look.attrib);
+            walk.room -= walk.strip.add(i, 1, 1, look.attrib);
         }
     }
     walk.strip.draw(edges);
@@ -227,7 +228,7 @@ void take_scan(int number) {
 
 void draw_scan(Walk& walk) {
     LEV2_data data;
-    for (; LEV2_get_block(&data) != 0; LEV2_next_block()) {
+    for (; walk.room > 0 && LEV2_get_block(&data) != 0; LEV2_next_block()) {
         if (data.type != lev2_radial_fixed && data.type != lev2_radial_generic) {
             continue;
         }
@@ -238,6 +239,11 @@ void draw_scan(Walk& walk) {
         if (data.elev_num == lev2.scan_num && LEV2_set_data_type(lev2.scan_type) != 0) {
             draw_radial(walk, data);
         }
+    }
+    if (walk.room <= 0) {
+        MESS_print(mess_warn, "LEV2_plot: More gates than any scan has, cut: scan %d\n",
+                   lev2.scan_num);
+        PLT_lost_output();
     }
     if (lev2.scan_num == scan_first) { // none holds it
         lev2.scan_num = LEV2_get_cuts().empty() ? 1 : LEV2_get_cuts().front().num;

@@ -349,6 +349,31 @@ private:
 
 // --- Building the name of a date ----------------------------------------------
 
+// Adds text to a pattern, in quotes that no character of it can leave. Only a
+// "~" with a user name in front of the whole pattern is left to the shell.
+void quote(std::string& pattern, std::string_view text) {
+    if (pattern.empty() && !text.empty() && text[0] == '~') {
+        std::size_t n = 1;
+        while (n < text.size() && std::isalnum(static_cast<unsigned char>(text[n])) != 0) {
+            ++n;
+        }
+        pattern = text.substr(0, n);
+        text.remove_prefix(n);
+    }
+    if (text.empty()) {
+        return;
+    }
+    pattern += '\'';
+    for (const char c : text) {
+        if (c == '\'') {
+            pattern += "'\\''";
+        } else {
+            pattern += c;
+        }
+    }
+    pattern += '\'';
+}
+
 class Builder {
 public:
     Builder(const NameSource& source_in, const Date& date_in, const Date& start)
@@ -368,6 +393,10 @@ public:
                 out.put(c == ' ' ? '_' : c);
             }
         }
+        // What a key or a setting says makes no command of a name.
+        if (*result.name == '|' && !command) {
+            copy_text(result.name, sizeof result.name, ("./" + std::string(result.name)).c_str());
+        }
         return result;
     }
 
@@ -376,6 +405,17 @@ private:
     const Date& date;
     NameResult result;
     Writer out;
+    const bool command = *source.conv == '|';
+
+    // Text from a setting or a key: in a command it is one word for the shell.
+    void put_text(std::string_view text) {
+        std::string word;
+        if (command) {
+            quote(word, text);
+            text = word;
+        }
+        out.put(text);
+    }
 
     void apply(const Directive& directive) {
         const FieldRow* field = find_row(field_rows, directive.letter);
@@ -385,8 +425,8 @@ private:
         }
         const PathRow* path = find_row(path_rows, directive.letter);
         if (path != nullptr) {
-            out.put(*source.path != '\0' ? source.path
-                                         : resource_text(source, path->resource, "."));
+            put_text(*source.path != '\0' ? source.path
+                                          : resource_text(source, path->resource, "."));
             return;
         }
         switch (directive.letter) {
@@ -396,14 +436,14 @@ private:
             out.put('%');
             break;
         case 'e':
-            out.put(source.ext);
+            put_text(source.ext);
             break;
         case '{':
-            out.put(*source.path != '\0' ? source.path : resource_named(source, directive.name));
+            put_text(*source.path != '\0' ? source.path : resource_named(source, directive.name));
             break;
         default: {
             const std::string_view key = key_text(source, directive);
-            out.put(key.empty() ? "0" : key);
+            put_text(key.empty() ? "0" : key);
             break;
         }
         }
@@ -468,31 +508,6 @@ private:
 };
 
 // --- The pattern of all names ---------------------------------------------------
-
-// Adds text to a pattern, in quotes that no character of it can leave. Only a
-// "~" with a user name in front of the whole pattern is left to the shell.
-void quote(std::string& pattern, std::string_view text) {
-    if (pattern.empty() && !text.empty() && text[0] == '~') {
-        std::size_t n = 1;
-        while (n < text.size() && std::isalnum(static_cast<unsigned char>(text[n])) != 0) {
-            ++n;
-        }
-        pattern = text.substr(0, n);
-        text.remove_prefix(n);
-    }
-    if (text.empty()) {
-        return;
-    }
-    pattern += '\'';
-    for (const char c : text) {
-        if (c == '\'') {
-            pattern += "'\\''";
-        } else {
-            pattern += c;
-        }
-    }
-    pattern += '\'';
-}
 
 void list_directive(std::string& pattern, const NameSource& source, const Directive& directive) {
     const FieldRow* field = find_row(field_rows, directive.letter);

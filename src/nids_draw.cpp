@@ -25,11 +25,12 @@ RadEdges radial_edges(const NIDS_frame& frame, float sangle, float dangle) {
     return rad_radial_edges(frame.own, frame.site, beam);
 }
 
-void draw_radials(const NIDS_frame& frame, RadFills& fills) {
+// These take the figures that they draw off `room`, and end where none is left.
+void draw_radials(const NIDS_frame& frame, RadFills& fills, long& room) {
     RadStrip strip(frame.own, frame.plot);
     float sangle = 0;
     float dangle = 0;
-    while (NIDS_get_radial(frame.ifile, &sangle, &dangle) > 0) {
+    while (room > 0 && NIDS_get_radial(frame.ifile, &sangle, &dangle) > 0) {
         const RadEdges edges = radial_edges(frame, sangle, dangle);
         strip.begin();
         int bin = 0;
@@ -40,7 +41,7 @@ void draw_radials(const NIDS_frame& frame, RadFills& fills) {
             const Gattribs* attrib = fills.get(data.val);
             if (attrib != nullptr) {
                 const int start = std::max(bin, frame.clutter_rad);
-                strip.add(start, bin + run - start, 1, *attrib);
+                room -= strip.add(start, bin + run - start, 1, *attrib);
             }
             bin += run;
         }
@@ -50,7 +51,7 @@ void draw_radials(const NIDS_frame& frame, RadFills& fills) {
 
 // The cells of one row go onto the page and into the grid file, if any.
 void draw_row(const NIDS_frame& frame, RadFills& fills, std::FILE* grid, const RadEdges& edges,
-              RadStrip& strip) {
+              RadStrip& strip, long& room) {
     strip.begin();
     const int chunk = strip.same() ? raster_chunk : 1;
     const bool decibel = nids_product(frame.info->code).decibel;
@@ -68,25 +69,26 @@ void draw_row(const NIDS_frame& frame, RadFills& fills, std::FILE* grid, const R
         }
         const Gattribs* attrib = fills.get(value);
         if (attrib != nullptr) {
-            strip.add(column, run, chunk, *attrib);
+            room -= strip.add(column, run, chunk, *attrib);
         }
+        room -= grid != nullptr ? run : 0;
         column += run;
     }
     strip.draw(edges);
 }
 
-void draw_raster(const NIDS_frame& frame, RadFills& fills) {
+void draw_raster(const NIDS_frame& frame, RadFills& fills, long& room) {
     OutputPtr grid = NIDS_grd_open(*frame.info, frame.datim);
     RadStrip strip(frame.own, frame.plot);
     const double d = frame.info->domain.dx;
     const double left = frame.site.x - d * (frame.info->nx - 1) / 2;
     const double top = frame.site.y + d * (frame.info->ny - 1) / 2;
-    for (int row = 0; NIDS_get_rastor(frame.ifile) > 0; row++) {
+    for (int row = 0; room > 0 && NIDS_get_rastor(frame.ifile) > 0; row++) {
         const RadEdges edges = {
             {left, top - row * d,       d, 0.0},
             {left, top - (row + 1) * d, d, 0.0}
         };
-        draw_row(frame, fills, grid.get(), edges, strip);
+        draw_row(frame, fills, grid.get(), edges, strip, room);
     }
     if (grid && close_output(grid.release()) != 0) {
         MESS_print(mess_warn, "NIDS_plot: Unable to write grid file\n");
@@ -173,15 +175,15 @@ void draw_text(const NIDS_frame& frame) {
 }
 
 // Returns whether the packet is of a kind that is drawn.
-bool draw_packet(const NIDS_frame& frame, RadFills& fills, int type) {
+bool draw_packet(const NIDS_frame& frame, RadFills& fills, int type, long& room) {
     switch (type) {
     case nids_packet_radial:
     case nids_packet_dig_radial:
-        draw_radials(frame, fills);
+        draw_radials(frame, fills, room);
         break;
     case nids_packet_raster:
     case nids_packet_dig_precip:
-        draw_raster(frame, fills);
+        draw_raster(frame, fills, room);
         break;
     case nids_packet_vector:
     case nids_packet_vector_val:
@@ -211,7 +213,9 @@ int NIDS_draw_packets(const NIDS_frame& frame) {
     RadFills fills;
     int type = frame.info->type;
     bool any = false;
-    for (int status = NIDS_packet_status(); status > 0; status = NIDS_packet(frame.ifile, &type)) {
+    long room = rad_most_figures;
+    for (int status = NIDS_packet_status(); status > 0 && room > 0;
+         status = NIDS_packet(frame.ifile, &type)) {
         if (type == nids_packet_raster_alt) {
             type = nids_packet_raster;
         }
@@ -219,8 +223,13 @@ int NIDS_draw_packets(const NIDS_frame& frame) {
             skip_packet(frame, type);
             any = true;
         } else {
-            any = draw_packet(frame, fills, type) || any;
+            any = draw_packet(frame, fills, type, room) || any;
         }
+    }
+    if (room <= 0) {
+        MESS_print(mess_warn, "NIDS_plot: More figures than any product has, cut: %s\n",
+                   frame.info->info);
+        PLT_lost_output();
     }
     if (!any) {
         MESS_print(mess_warn, "NIDS_plot: Nothing of this product is drawn: %s\n",

@@ -284,10 +284,20 @@ int read_product_code(FILE* ifile, int* code) {
 // Goes to the product of a collective file that `ext_info` selects. Returns 1;
 // 0 when the file holds no such product.
 int find_in_collective(FILE* ifile, const char* ext_info) {
+    constexpr long most_products = 100000;
+    long bytes = 64L * 1024 * 1024; // to look through: a device never ends
     char line[200] = {};
-    const long number = std::strtol(ext_info + 1, nullptr, 10);
-    for (long left = std::max(number, 0L) + 1; left > 0;) {
-        if (fgetnline(ifile, line, sizeof line - 1) < 0) {
+    long left = std::clamp(std::strtol(ext_info + 1, nullptr, 10), 0L, most_products) + 1;
+    while (left > 0) {
+        std::size_t used = 0;
+        int c = std::fgetc(ifile);
+        for (; c != EOF && c != '\n'; c = --bytes > 0 ? std::fgetc(ifile) : EOF) {
+            if (used + 1 < sizeof line) {
+                line[used++] = static_cast<char>(c);
+            }
+        }
+        line[used] = '\0';
+        if (c == EOF) {
             return 0;
         }
         if (std::strncmp(line, collective_mark, sizeof collective_mark - 1) == 0) {

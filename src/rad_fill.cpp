@@ -59,11 +59,12 @@ void RadStrip::begin() {
     figures_.clear();
 }
 
-void RadStrip::add(int start, int count, int chunk, const Gattribs& attrib) {
+int RadStrip::add(int start, int count, int chunk, const Gattribs& attrib) {
     const int end = start + count;
     if (start >= end) {
-        return;
+        return 0;
     }
+    const std::size_t before = figures_.size();
     if (steps_.empty() || steps_.back() != start) {
         steps_.push_back(start);
     }
@@ -72,6 +73,7 @@ void RadStrip::add(int start, int count, int chunk, const Gattribs& attrib) {
         figures_.push_back({steps_.size() - 1, attrib.color, attrib.fill_pat});
         steps_.push_back(step);
     }
+    return static_cast<int>(figures_.size() - before);
 }
 
 void RadStrip::draw(const RadEdges& edges) {

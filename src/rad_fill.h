@@ -72,6 +72,11 @@ struct RadBeam {
 // The edges of a radial around a site on the data's own map.
 RadEdges rad_radial_edges(const Map& own, Gpt site, const RadBeam& beam);
 
+// What one file may draw: as many figures as make a page of some 256 MB. The
+// largest real ones have less than half of it; packed bytes can ask for any
+// number, and a window keeps them all for a redraw.
+constexpr long rad_most_figures = 3000000;
+
 // The figures between two rulers: the bins of a radial between its edges, the
 // cells of a row between its top and bottom. They are collected first, so that
 // a corner shared by two figures is placed but once.
@@ -94,8 +99,8 @@ public:
         }
     }
     // Figures from step `start` on, each `chunk` steps long and the last as
-    // long as what is left of `count`.
-    void add(int start, int count, int chunk, const Gattribs& attrib);
+    // long as what is left of `count`. Returns their number.
+    int add(int start, int count, int chunk, const Gattribs& attrib);
     void draw(const RadEdges& edges);
 
     // Whether a figure was drawn so far, and whether one meets the plot window.

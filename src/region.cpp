@@ -821,7 +821,13 @@ int DOM_search_file(const char* file, const char* str, char* domstr) {
             return 0;
         }
         if (count == 1 || str == nullptr || stricmp(abbr, str) == 0) {
-            copy_text(domstr, dom_string_size, count == 1 ? abbr : text);
+            const char* found = count == 1 ? abbr : text;
+            if (std::strchr(found, '|') != nullptr) {
+                MESS_print(mess_warn, "DOM_search_file: A region runs no command, refused: %s\n",
+                           found);
+                return 0;
+            }
+            copy_text(domstr, dom_string_size, found);
             return 1;
         }
     }

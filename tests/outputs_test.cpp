@@ -273,3 +273,44 @@ TEST_F(Outputs, TheDataTreeIsFound) {
     fs::create_symlink(ZYR_SOURCE_DIR "/etc", file("prefix/zyr/etc"));
     EXPECT_EQ(colors(file("prefix/bin/zyrrad")), "1");
 }
+
+// A command comes from the user alone: each of these would make the file "ran".
+TEST_F(Outputs, NothingButTheUserRunsACommand) {
+    dir.write("list", "mf:|touch<ran\nmf:|touch${IFS}ran\n|touch${IFS}ran\n");
+    dir.write("conv", "nids |touch${IFS}ran - 0\nlev2 radial - 0\n");
+    dir.write("reg", "xx x 1 fi:|touch${IFS}ran:xx\n");
+    dir.write("|touch ran", text("radial"));
+    struct Row {
+        const char* args;
+        int code;
+        const char* err; // part of it
+    };
+    const Row rows[] = {
+        {"-mf fi:./list -de p,page radial", 0,
+         "MAP_draw: Command refused: mf:|touch<ran in map list: ./list\n"          },
+        {"-nc ./conv -cu -de p,page",       10,
+         "FILE_set_name: A naming convention runs no command, refused: nids |touch"},
+        {"-pd ./reg:xx -de p,page radial",  0,
+         "DOM_search_file: A region runs no command, refused: fi:|touch"           },
+    };
+    for (const Row& row : rows) {
+        const ProgramRun result = run(row.args);
+        EXPECT_EQ(result.code, row.code) << row.args << result.err;
+        EXPECT_NE(result.err.find(row.err), std::string::npos) << row.args << result.err;
+        EXPECT_FALSE(fs::exists(file("ran"))) << row.args;
+    }
+    ProgramCall met = call("-de p,page"); // a shell's "*"
+    met.args.emplace_back("|touch ran");
+    EXPECT_EQ(run_program(ZYR_PROGRAM, met).code, 0);
+    EXPECT_FALSE(fs::exists(file("ran")));
+    met.args.back() = "|cat radial; touch ran"; // the user's own
+    EXPECT_EQ(run_program(ZYR_PROGRAM, met).code, 0);
+    EXPECT_TRUE(fs::exists(file("ran")));
+}
+
+TEST_F(Outputs, WhatIsEndlessOrHugeEnds) {
+    for (const char* args : {"/dev/zero#1", "radial#9223372036854775807"}) {
+        EXPECT_EQ(run(std::string("-de p,old ") + args).code, 10) << args;
+        expect_old(args);
+    }
+}
