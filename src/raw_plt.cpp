@@ -31,6 +31,16 @@ constexpr float column = 0.012F;   // offsets of the position words, window heig
 constexpr float row = 0.02F;
 constexpr float km_per_nmi = 1.852F;
 
+// A format as it was laid over `base`: a file's columns come with few formats,
+// again and again.
+struct Parsed {
+    char format[sizeof RAW_data::format] = {};
+    bool used = false;
+    int type = 0; // that it names, or 0
+    RAW_attribs attr;
+};
+constexpr std::size_t most_parsed = 16;
+
 struct State {
     RAW_attribs base; // of the current plot
     Gattribs plain;   // `color_data`: where no colour is given
@@ -39,7 +49,9 @@ struct State {
         {missing_f, missing_f},
         {missing_f, missing_f}
     };
-    bool post_line = false; // a line to the next item is due
+    bool post_line = false;                      // a line to the next item is due
+    std::array<Parsed, most_parsed> parsed = {}; // the oldest goes first
+    std::size_t next_parsed = 0;
 };
 State state;
 
@@ -359,6 +371,7 @@ void take_interval() {
 }
 
 void take_format(const char* format) {
+    state.parsed = {};
     if (const int type = format != nullptr ? RAW_parse_format(&state.base, format) : 0; type > 0) {
         state.base.type = type;
     }
@@ -609,13 +622,38 @@ void move_to(float x, float y) {
     }
 }
 
-void color_by_level(const RAW_data& data, RAW_attribs* cur) {
+// Returns whether the value has a level's colour now.
+bool color_by_level(const RAW_data& data, RAW_attribs* cur) {
     const float value = data.value[is_speed_type(data.type) ? 1 : 0];
-    if (is_set(value) && (is_set(cur->intrvl) || CONT_get_values(nullptr) > 0)) {
-        Gattribs step;
-        CONT_get_fill_attrib(value, &step);
-        ATTRIB_update(&cur->attrib, &step);
+    if (!is_set(value) || (!is_set(cur->intrvl) && CONT_get_values(nullptr) <= 0)) {
+        return false;
     }
+    Gattribs step;
+    CONT_get_fill_attrib(value, &step);
+    ATTRIB_update(&cur->attrib, &step);
+    return true;
+}
+
+bool is_unset(const Gattribs& attr) {
+    return !is_set(attr.color) && !is_set(attr.width) && !is_set(attr.height) &&
+           !is_set(attr.expan) && !is_set(attr.style) && !is_set(attr.fill_pat) &&
+           !is_set(attr.font);
+}
+
+// The format laid over the settings of the plot, which nothing has changed.
+const Parsed& parsed_over_base(const char* format) {
+    for (const Parsed& known : state.parsed) {
+        if (known.used && std::strcmp(known.format, format) == 0) {
+            return known;
+        }
+    }
+    Parsed& fresh = state.parsed[state.next_parsed];
+    state.next_parsed = (state.next_parsed + 1) % most_parsed;
+    copy_text(fresh.format, sizeof fresh.format, format);
+    fresh.used = true;
+    fresh.attr = state.base;
+    fresh.type = RAW_parse_format(&fresh.attr, format);
+    return fresh;
 }
 
 // --- Raw files -----------------------------------------------------------------------
@@ -830,11 +868,18 @@ int RAW_plot_data(const RAW_data* data) {
     RAW_attribs cur = state.base;
     move_to(data->x, data->y);
     ATTRIB_update(&cur.attrib, &data->attr);
-    color_by_level(*data, &cur);
+    const bool changed = color_by_level(*data, &cur) || !is_unset(data->attr);
     if (is_cut(data->value[0], cur)) {
         return -1;
     }
-    const int named = RAW_parse_format(&cur, data->format);
+    int named = 0;
+    if (changed) {
+        named = RAW_parse_format(&cur, data->format);
+    } else {
+        const Parsed& parsed = parsed_over_base(data->format);
+        cur = parsed.attr;
+        named = parsed.type;
+    }
     const int type = named > 0 ? named : data->type;
     if (is_cut(data->value[0], cur) || RAW_set_attribs(&cur) == -1) {
         return -1;
