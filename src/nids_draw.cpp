@@ -231,9 +231,5 @@ int NIDS_draw_packets(const NIDS_frame& frame) {
                    frame.info->info);
         PLT_lost_output();
     }
-    if (!any) {
-        MESS_print(mess_warn, "NIDS_plot: Nothing of this product is drawn: %s\n",
-                   frame.info->info);
-    }
-    return 0;
+    return any ? 1 : 0;
 }

@@ -30,7 +30,7 @@ struct NIDS_frame {
 };
 
 // Draws every packet from the one whose header was read last to the end of the
-// block or of what can be read. Returns 0.
+// block or of what can be read. Returns 1; 0 when none is of a kind that is drawn.
 int NIDS_draw_packets(const NIDS_frame& frame);
 
 // --- Text grid file (nids_grid.cpp) -------------------------------------------

@@ -12,9 +12,14 @@
 #include "map.h"
 #include "maptran.h"
 #include "nids_draw.h"
+#include "nids_pages.h"
+#include "nids_tables.h"
 #include "plt_tool.h"
 #include "rad_run.h"
 #include "region.h"
+#include "var_tool.h"
+#include "zyrraw.h"
+#include "zyrresrc.h"
 
 #include <array>
 #include <cmath>
@@ -30,6 +35,7 @@ struct State {
     char datim[date_label_size] = ""; // its date label
     int num_plt = 0;                  // limit on the storms plotted, 0: none
     int plt_strong = 0;               // plot only strong storms
+    bool any_drawn = false;           // of the symbology block of this frame
     RadWords words;
     RadRun run;
 };
@@ -70,6 +76,54 @@ Gattribs attributes(const char* resource, const char* otherwise) {
     ATTRIB_init(&attrib);
     ATTRIB_get(resource, otherwise, &attrib);
     return attrib;
+}
+
+// Decodes the variables by which storms are plotted. A product that is nothing
+// but its table is not left an empty map where none is asked for.
+void select_variables() {
+    const char* variable = RES_get("variable");
+    const bool asked = variable != nullptr && *variable != '\0';
+    const bool table_alone =
+        !nids.any_drawn && nids_product(nids.info.code).table != NidsTable::list;
+    VAR_setup(asked ? "nids.var" : nullptr, asked ? variable : table_alone ? "comp,track" : "");
+}
+
+bool is_selected(const char* name) {
+    for (int i = 0; i < VAR_get_num(); ++i) {
+        if (stricmp(VAR_get_name(i), name) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Site, range rings, pages, storms, watches. Whether the pages held anything to be
+// drawn.
+bool draw_data() {
+    const CONT_keeper levels; // of the data: they are those of the bar and the readout
+    NIDS_page_frame frame;
+    frame.ifile = nids.ifile;
+    frame.info = &nids.info;
+    frame.plot = MAP_current();
+    frame.data = attributes("color_data", rad_plain_color());
+    frame.grid = attributes("color_grid", "red");
+    RES_getval("plot_scale", &frame.scale, CV_float);
+    PLT_mess("NIDS Extra");
+    GPH_line_attr(nullptr); // the last line of the map may be wide
+    GPH_line_attr(&frame.data);
+    GPH_mark_attr(&frame.data, 1.0F);
+    CONT_reset_values();
+    gset_marker_type(2);
+    CONT_set_quantity(nullptr); // colours that suit the data do not suit these values
+    RAW_plot_init(&frame.data, frame.scale);
+    rad_draw_site(nids.words, nids.info.domain.clat, nids.info.domain.clon);
+    select_variables();
+    frame.pages = nids.words.graph != 0 || is_selected("table");
+    frame.num_plt = nids.num_plt;
+    frame.strong = nids.plt_strong != 0;
+    const bool any = NIDS_draw_pages(frame) != 0;
+    rad_draw_watches(nids.info.date);
+    return any;
 }
 
 } // namespace
@@ -120,28 +174,21 @@ int NIDS_plot_summary() {
     frame.data = attributes("color_data", rad_plain_color());
     frame.grid = attributes("color_grid", "red");
     PLT_mess("NIDS Sum");
-    const int result = NIDS_draw_packets(frame);
+    nids.any_drawn = NIDS_draw_packets(frame) != 0;
     if (NIDS_is_whole() == 0) {
         MESS_print(mess_warn, "NIDS_plot_summary: The product is damaged or not whole:%s\n",
                    nids.name);
     }
-    return result;
+    return 0;
 }
 
 int NIDS_plot_data() {
-    if (FLAG_getplot(item_data) == 0) {
-        return -1;
+    const bool wanted = FLAG_getplot(item_data) != 0;
+    const bool any = wanted && draw_data();
+    if (!nids.any_drawn && !any) {
+        MESS_print(mess_warn, "NIDS_plot: Nothing of this product is drawn: %s\n", nids.info.info);
     }
-    const Gattribs data = attributes("color_data", rad_plain_color());
-    PLT_mess("NIDS Extra");
-    GPH_line_attr(nullptr); // the last line of the map may be wide
-    GPH_line_attr(&data);
-    GPH_mark_attr(&data, 1.0F);
-    CONT_reset_values();
-    gset_marker_type(2);
-    rad_draw_site(nids.words, nids.info.domain.clat, nids.info.domain.clon);
-    rad_draw_watches(nids.info.date);
-    return 0;
+    return wanted ? 0 : -1;
 }
 
 int NIDS_plot_param() {

@@ -2,14 +2,19 @@
 // every storm of the real products against the columns of its page.
 #include "nids_report.h"
 
+#include "map_proj.h"
+#include "nids_page.h"
 #include "nids_walk.h"
+#include "region.h"
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <numbers>
 #include <set>
 #include <sstream>
 #include <string>
@@ -228,12 +233,84 @@ void read_both(const Pages& pages, Storms& words, Storms& records) {
     }
 }
 
+// Whole degrees and nautical miles of a place on the page from the radar; "off"
+// where it lies 0.1 km or more beside them.
+std::string place(const Map& map, double x, double y) {
+    constexpr double km_per_degree = 111.195;
+    constexpr double radian = std::numbers::pi / 180;
+    float lat = 0;
+    float lon = 0;
+    map.untran(static_cast<float>(x), static_cast<float>(y), &lat, &lon);
+    const Domain& radar = map.domain;
+    const double north = (lat - radar.clat) * km_per_degree;
+    const double east = (lon - radar.clon) * km_per_degree * std::cos(radar.clat * radian);
+    const double range = std::hypot(east, north) / 1.852;
+    const double azimuth = std::fmod(std::atan2(east, north) / radian + 360.5, 360.0) - 0.5;
+    const double off =
+        std::hypot(range - std::round(range), (azimuth - std::round(azimuth)) * radian * range);
+    return off * 1.852 >= 0.1 ? "off"
+                              : number(static_cast<float>(std::round(azimuth))) + "/" +
+                                    number(static_cast<float>(std::round(range)));
+}
+
+// Each storm as "id azimuth/range top": of the words of its page, where tops are
+// whole numbers and only lists have any; and as it is plotted.
+Storms wanted(const Storms& words, bool tops) {
+    Storms out;
+    for (const std::string& storm : words) {
+        std::istringstream in(storm);
+        std::array<std::string, 10> w;
+        for (std::string& word : w) {
+            in >> word;
+        }
+        std::array<char, 20> top{};
+        std::snprintf(top.data(), top.size(), " %.0f", std::strtod(w[9].c_str(), nullptr));
+        out.insert(w[0] + " " + w[1] + (tops ? top.data() : ""));
+    }
+    return out;
+}
+
+Storms plotted(const TempDir& dir, const std::string& file, const Domain& radar, bool tops) {
+    constexpr double rows = 620;
+    constexpr double step = 0.02;
+    constexpr double beside = rows * step * 0.01; // texts are this far from the place
+    std::ostringstream args;
+    args << "-dr data -va comp -pp nobar -pd ps," << radar.clat << "," << radar.clon << ",931,"
+         << rows + 1 << "," << step << "," << step << " " << file;
+    const NidsPage page = nids_page(dir, args.str());
+    EXPECT_EQ(page.run.code, 0) << file << page.run.err;
+    const Map map = map_make(radar);
+    Storms out;
+    std::string id;
+    std::istringstream in(page.text);
+    for (std::string line; std::getline(in, line);) {
+        std::istringstream words(line.starts_with("%%TE:") ? line.substr(5) : "");
+        double x = 0;
+        double y = 0;
+        std::string text;
+        if (!(words >> x >> y >> text)) {
+            continue;
+        }
+        if (id.empty()) {
+            id = text + " " + place(map, x + beside, y - beside);
+        } else {
+            id += " " + text;
+        }
+        if (!tops || std::count(id.begin(), id.end(), ' ') == 2) {
+            out.insert(id);
+            id.clear();
+        }
+    }
+    return out;
+}
+
 TEST(NidsReport, EveryStormOfTheRealProducts) {
     const std::string data = ZYR_REAL_DATA "/nids";
     if (!std::filesystem::exists(data)) {
         GTEST_SKIP() << "no real products here";
     }
     MESS_set(0, 0);
+    const TempDir dir;
     std::map<std::string, std::size_t> counts;
     std::map<int, int> products;
     for (const auto& entry : std::filesystem::directory_iterator(data)) {
@@ -247,6 +324,10 @@ TEST(NidsReport, EveryStormOfTheRealProducts) {
         Storms records;
         read_both(pages, words, records);
         EXPECT_EQ(records, words) << entry.path();
+        const bool tops = nids_product(pages.info.code).table == NidsTable::list;
+        EXPECT_EQ(plotted(dir, std::filesystem::absolute(entry.path()), pages.info.domain, tops),
+                  wanted(words, tops))
+            << entry.path();
         counts[entry.path().filename()] = records.size();
         products[pages.info.code] += records.empty() ? 0 : 1;
     }

@@ -4,8 +4,82 @@
 #include "storm.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr int half_km = 232; // of the composite
+
+struct Cell {
+    float x, y; // km from the radar
+    float dbz;
+};
+
+// Mean of the storm around a place, as a cell is identified by its mass.
+float cell_dbz(float x, float y) {
+    float sum = 0;
+    for (int i = -2; i <= 2; ++i) {
+        for (int j = -2; j <= 2; ++j) {
+            sum += storm_dbz(x + static_cast<float>(i), y + static_cast<float>(j));
+        }
+    }
+    return sum / 25.0F;
+}
+
+// Cells in the order of their strength, each the strongest within 18 km.
+std::vector<Cell> find_cells() {
+    std::vector<Cell> all;
+    for (int y = -half_km; y < half_km; y += 2) {
+        for (int x = -half_km; x < half_km; x += 2) {
+            const Cell cell = {static_cast<float>(x), static_cast<float>(y),
+                               cell_dbz(static_cast<float>(x), static_cast<float>(y))};
+            if (cell.dbz > 42.0F && std::hypot(cell.x, cell.y) > 20.0F) {
+                all.push_back(cell);
+            }
+        }
+    }
+    std::sort(all.begin(), all.end(), [](const Cell& a, const Cell& b) { return a.dbz > b.dbz; });
+    std::vector<Cell> cells;
+    for (const Cell& cell : all) {
+        const bool apart = std::none_of(cells.begin(), cells.end(), [&](const Cell& other) {
+            return std::hypot(cell.x - other.x, cell.y - other.y) < 18.0F;
+        });
+        if (apart && cells.size() < 16) {
+            cells.push_back(cell);
+        }
+    }
+    return cells;
+}
+
+// A line of the table. What a radar derives from many elevations follows from the
+// cell's strength here.
+std::string table_line(const Cell& cell, int index) {
+    const float range_nmi = std::hypot(cell.x, cell.y) / 1.852F;
+    const float azimuth = std::fmod(std::atan2(cell.x, cell.y) * 57.29578F + 360.0F, 360.0F);
+    const bool rotates = storm_mesocyclone_km(cell.x, cell.y) < 14.0F;
+    const float over = std::max(cell.dbz - 45.0F, 0.0F);
+    const int severe = std::clamp(static_cast<int>(over * 0.7F) * 10, 0, 100);
+    const int hail = std::clamp(static_cast<int>(over * 0.9F) * 10, 0, 100);
+    const float inches = std::round(over * 0.5F) / 4.0F;
+    std::array<char, 120> line{};
+    std::snprintf(line.data(), line.size(),
+                  "    %c%d  %3.0f/%3.0f %-4s %4s  %3d/%3d/%5.2f%6.0f%4.0f%5.1f%6.1f  %3d/%3d  ",
+                  'A' + index * 7 % 26, index % 10, azimuth, range_nmi, rotates ? "TVS" : "NONE",
+                  rotates          ? "9"
+                  : index % 3 == 0 ? "2"
+                                   : "NONE",
+                  severe, hail, inches, 8.0F + over * 2.6F, cell.dbz + 3.0F, 6.0F + over * 0.5F,
+                  28.0F + over, rotates ? 265 : 238 + index * 5 % 19,
+                  rotates ? 24 : 30 + index * 7 % 16);
+    return line.data();
+}
+
+} // namespace
 
 Bytes nids_sample_storm(int code) {
     const bool super = code == 153;
@@ -40,5 +114,47 @@ Bytes nids_sample_storm(int code) {
     s.p[4] = static_cast<int>(max_dbz);
     s.layers = {nids_radial_packet(16, bins, data)};
     s.bzip2 = true;
+    return nids_wrapped("SD", nids_message(s));
+}
+
+Bytes nids_sample_storm_table() {
+    std::vector<Bytes> rows;
+    float most = 0;
+    for (int j = 0; j < 2 * half_km; ++j) {
+        Bytes row;
+        for (int i = 0; i < 2 * half_km; ++i) {
+            const float x = static_cast<float>(i - half_km) + 0.5F;
+            const float y = static_cast<float>(half_km - j) - 0.5F;
+            const float dbz =
+                std::hypot(x, y) < half_km ? storm_dbz(x, y) + 1.2F * storm_grain(i, j) : 0.0F;
+            const int level = std::clamp(static_cast<int>(dbz / 5.0F), 0, 15);
+            most = std::max(most, dbz);
+            // A byte is a run of up to 15 cells and their level.
+            if (!row.empty() && (row.back() & 15) == level && row.back() >> 4 < 15) {
+                row.back() = static_cast<std::uint8_t>(row.back() + 16);
+            } else {
+                row.push_back(static_cast<std::uint8_t>(16 + level));
+            }
+        }
+        rows.push_back(std::move(row));
+    }
+    NidsSample s;
+    s.code = 37;
+    s.thres = {0x8002, 5, 10, 15, 20, 25, 30, 35, 40, 45, 50, 55, 60, 65, 70, 75};
+    s.p[4] = static_cast<int>(most);
+    s.layers = {nids_raster_packet(0xBA07, 2, rows)};
+    std::vector<std::string> lines;
+    int index = 0;
+    for (const Cell& cell : find_cells()) {
+        if (index % 4 == 0) {
+            lines.assign(1, " STM ID  AZ/RAN TVS  MDA  POSH/POH/MX SIZE VIL DBZM  HT  TOP  "
+                            "FCST MVMT ");
+        }
+        lines.push_back(table_line(cell, index++));
+        if (index % 4 == 0) {
+            s.pages.push_back(
+                nids_page_packets(lines, {0, 54, 110, 145, 180, 284, 310, 345, 390, 511}));
+        }
+    }
     return nids_wrapped("SD", nids_message(s));
 }

@@ -1,4 +1,4 @@
-// nids_storm.h: the invented storm (storm.h) as a NIDS reflectivity product.
+// nids_storm.h: the invented storm (storm.h) as NIDS reflectivity products.
 #pragma once
 
 #include "nids_writer.h"
@@ -7,3 +7,7 @@
 //   code 94:  360 radials of 460 bins of 1 km
 //   code 153: 720 radials of 1840 bins of 250 m
 Bytes nids_sample_storm(int code = 94);
+
+// The same as a composite reflectivity product (code 37): 464 rows of cells of 1 km,
+// and the pages of its storm table.
+Bytes nids_sample_storm_table();

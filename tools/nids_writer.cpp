@@ -116,6 +116,25 @@ Bytes nids_text_packet(int code, int value, int i, int j, const std::string& tex
     return out;
 }
 
+Bytes nids_page_packets(const std::vector<std::string>& lines, const std::vector<int>& columns) {
+    constexpr int line_step = 10;
+    constexpr int right = 511;
+    const int height = line_step * static_cast<int>(lines.size());
+    Bytes vectors;
+    for (int y = 0; y <= height; y += line_step) {
+        put(vectors, nids_words({0, y, right, y}));
+    }
+    for (const int x : columns) {
+        put(vectors, nids_words({x, 0, x, height}));
+    }
+    Bytes out = nids_words({10, static_cast<int>(vectors.size()) + 2, 2});
+    put(out, vectors);
+    for (std::size_t i = 0; i < lines.size(); i++) {
+        put(out, nids_text_packet(8, 1, 0, line_step * static_cast<int>(i) + 1, lines[i]));
+    }
+    return out;
+}
+
 Bytes nids_message(const NidsSample& s) {
     constexpr int head = 18 + 102;
     Bytes symb = s.layers.empty() ? Bytes{} : symbology(s.layers);
@@ -285,5 +304,32 @@ std::vector<std::pair<std::string, Bytes>> nids_samples() {
     all.emplace_back("zlib_parts", nids_wrapped("\x01\r", nids_zlib(nids_message(raster), 3)));
     const std::vector<Bytes> both = {message, nids_message(digital)};
     all.emplace_back("collective", nids_collective(both));
+
+    // A list of storms on two pages, and one of columns behind a packet that is
+    // not walked.
+    const char* header = " STM ID  AZ/RAN TVS  MDA  POSH/POH/MX SIZE VIL DBZM  HT  TOP  FCST MVMT ";
+    NidsSample storms = radial;
+    storms.code = 37;
+    storms.layers[0] = raster.layers[0];
+    storms.pages = {
+        nids_page_packets(
+            {header, "    K3  211/ 32 TVS     9   80/100/ 1.75    55  62 12.9 >37.6  245/ 31  ",
+             "    P1   60/ 20 NONE    3   50/ 90/<0.50    31  51  9.4  30.2    NEW    "},
+            {0, 60, 120, 170, 511}),
+        nids_page_packets(
+            {header, "    W8  330/ 48 NONE NONE     UNKNOWN        8  44  7.5  22.1  230/  9  "},
+            {0, 60, 120, 170, 511}),
+    };
+    NidsSample tracks = radial;
+    tracks.code = 58;
+    tracks.layers[0] = nids_words({2, 6, 10, 20, 0x2220});
+    tracks.pages = {
+        nids_page_packets({" STORM ID        K3        P1", " AZ/RAN    211/ 32    60/ 20",
+                           " FCST MVT  245/ 31     NEW  ", " ERR/MEAN  0.9/ 0.6  0.0/ 0.0",
+                           " DBZM HGT   62 12.9   51  9.4"},
+                          {0, 60, 130, 200}),
+    };
+    all.emplace_back("storms", nids_message(storms));
+    all.emplace_back("tracks", nids_message(tracks));
     return all;
 }

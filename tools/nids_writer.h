@@ -26,6 +26,9 @@ Bytes nids_raster_packet(int code, int pack, const std::vector<Bytes>& rows);
 // Text of code 1 or 8.
 Bytes nids_text_packet(int code, int value, int i, int j, const std::string& text);
 
+// A page of the graphic block: lines of text in a table with rules at `columns`.
+Bytes nids_page_packets(const std::vector<std::string>& lines, const std::vector<int>& columns);
+
 // --- Products ---------------------------------------------------------------
 
 // A product before it is put together. Radar: KTLX, Oklahoma City.
