@@ -11,6 +11,7 @@ namespace {
 
 bool open_session() {
     RES_put("plot_param", "site,dist");
+    RES_put("variable", "comp,track,table,model");
     return open_plot_session("p,/dev/null") && NIDS_plot_param() == 0;
 }
 
