@@ -136,17 +136,20 @@ bool next_line(RAW_file* raw) {
     return raw->in_hand;
 }
 
-// A header line, empty ones included. False at the end of the file.
+// A header line, empty ones included, cut to the buffer. False at the end of the
+// file, or where a file without line ends has become too long.
 bool header_line(RAW_file* raw, char* out, std::size_t size) {
-    char text[raw_line_length + 1] = "";
-    const int n = fgetnline(raw->file, text, raw_line_length);
-    if (n < 0) {
-        return false;
+    std::size_t n = 0;
+    int c = getc_unlocked(raw->file);
+    const bool found = c != EOF;
+    for (; c != EOF && c != '\n' && ++raw->bytes < most_bytes; c = getc_unlocked(raw->file)) {
+        if (n + 1 < size) {
+            out[n++] = static_cast<char>(c);
+        }
     }
-    raw->bytes += static_cast<std::size_t>(n);
-    wstrim_string(text);
-    copy_text(out, size, text);
-    return true;
+    out[n] = '\0';
+    wstrim_string(out);
+    return found;
 }
 
 // --- The header --------------------------------------------------------------------
@@ -210,7 +213,7 @@ void read_fields(RAW_file* raw) {
     while (stream_word(raw, word, sizeof word) > 0 && word[0] != '$') {
         add_field(raw, word);
     }
-    fskipline(raw->file);
+    header_line(raw, word, sizeof word);
 }
 
 void read_header(RAW_file* raw, RAW_info* info) {
@@ -456,7 +459,9 @@ int RAW_chktype(const char* filename) {
         return -1;
     }
     char first[raw_line_length + 1] = "";
-    fgetnline(file.get(), first, raw_line_length);
+    if (std::fgets(first, sizeof first, file.get()) == nullptr) {
+        return raw_type_plain;
+    }
     return first[0] == magic && !is_row(first) ? raw_type_file : raw_type_plain;
 }
 

@@ -148,6 +148,14 @@ TEST(Raw, FiveFilesAtATime) {
     EXPECT_EQ(RAW_chktype("|echo ZYR"), -1);
 }
 
+// A device without end, and a header without line ends.
+TEST(Raw, FilesWithoutEnd) {
+    EXPECT_EQ(RAW_chktype("/dev/zero"), raw_type_plain);
+    EXPECT_EQ(readings(header(std::string(3000000, 'x')) + "A 1 2\n", RAW_selector(raw_ident)),
+              "A -,- 0 -,- [A]\n");
+    EXPECT_EQ(readings("ZYR" + std::string(3000000, '\0'), RAW_selector(raw_each)), "");
+}
+
 TEST(Raw, StandardInput) {
     feed_stdin("A 1 2 3\nB 4 5 6\n");
     int type = 0;
