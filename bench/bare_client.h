@@ -40,7 +40,7 @@ template <typename A, typename B>
 std::pair<double, double> least_ms(const XServer& server, int rounds, A a, B b) {
     double first = 1e9;
     double second = 1e9;
-    for (int i = 0; i < rounds; i++) {
+    for (int i = 0; i < rounds; ++i) {
         first = std::min(first, cost_ms(server, a));
         second = std::min(second, cost_ms(server, b));
     }
@@ -80,7 +80,7 @@ public:
         XFillRectangle(display, pixmaps[0], gc, 0, 0, bench_width, bench_height);
         XPoint* points = all.points.data();
         unsigned long pixel = ~0UL;
-        for (std::size_t i = 0; i < all.counts.size(); points += all.counts[i], i++) {
+        for (std::size_t i = 0; i < all.counts.size(); points += all.counts[i], ++i) {
             if (all.pixels[i] != pixel) {
                 pixel = all.pixels[i];
                 XSetForeground(display, gc, pixel);

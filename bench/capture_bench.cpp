@@ -52,7 +52,7 @@ int main() {
     double alone = 1e9;
     double capture = 1e9;
     double dump = 1e9;
-    for (int i = 0; i < rounds; i++) {
+    for (int i = 0; i < rounds; ++i) {
         alone =
             std::min(alone, cost_ms(server, [&] { write_indexed(picture, file("alone.png")); }));
         capture = std::min(capture, cost_ms(server, [] {

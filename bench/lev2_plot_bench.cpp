@@ -31,7 +31,7 @@ std::size_t decompress(std::string& volume, std::vector<char>& out) {
     std::size_t bytes = 0;
     for (std::size_t at = header_size; at + length_size < volume.size();) {
         std::uint32_t bits = 0;
-        for (std::size_t i = 0; i < length_size; i++) {
+        for (std::size_t i = 0; i < length_size; ++i) {
             bits = bits << 8 | static_cast<std::uint8_t>(volume[at + i]);
         }
         const auto size = static_cast<std::uint32_t>(std::abs(static_cast<std::int32_t>(bits)));
@@ -54,7 +54,7 @@ Polygons window_polygons(const Page& page) {
     constexpr float scale = bench_width / page_width;
     Polygons all;
     const float* xy = page.xy.data();
-    for (std::size_t i = 0; i < page.points.size(); xy += 2 * page.points[i], i++) {
+    for (std::size_t i = 0; i < page.points.size(); xy += 2 * page.points[i], ++i) {
         if (page.shades[i] < 0) {
             continue;
         }
@@ -84,7 +84,7 @@ void measure_window(const XServer& server, const std::string& file, const Page& 
     double program = 1e9;
     double send = 1e9;
     double write = 1e9;
-    for (int i = 0; i < rounds; i++) {
+    for (int i = 0; i < rounds; ++i) {
         double run = 0;
         const double served = cost_ms(server, [&] {
             run = run_program(
@@ -112,7 +112,7 @@ void measure(const XServer& server, const std::string& file, long peak_kb, int r
     const std::string ps = std::filesystem::temp_directory_path() / "zyr_lev2_bench.ps";
     Run run;
     double program = 1e9;
-    for (int i = 0; i < rounds; i++) {
+    for (int i = 0; i < rounds; ++i) {
         run = run_program({"-inp", "lev2z", "-de", "p," + ps, file});
         program = std::min(program, run.seconds);
     }
@@ -168,7 +168,7 @@ int main(int argc, char** argv) {
     } else {
         std::puts("no Xvfb: no window is measured");
     }
-    for (std::size_t i = 0; i < files.size(); i++) {
+    for (std::size_t i = 0; i < files.size(); ++i) {
         measure(server, files[i], peaks[i], 7);
     }
     std::filesystem::remove(storm);

@@ -58,7 +58,7 @@ long unpack(const Bytes& file) {
     long total = 0;
     for (std::size_t at = header_size; at + 4 < file.size();) {
         std::uint32_t bits = 0;
-        for (std::size_t i = 0; i < 4; i++) {
+        for (std::size_t i = 0; i < 4; ++i) {
             bits = bits << 8 | file[at + i];
         }
         const auto length = static_cast<std::size_t>(std::abs(static_cast<std::int32_t>(bits)));
@@ -77,7 +77,7 @@ void measure(const char* name, const Bytes& file) {
     std::vector<double> reading;
     MESS_set(0, 0);
     LEV2_set_compress(1);
-    for (int i = 0; i < rounds; i++) {
+    for (int i = 0; i < rounds; ++i) {
         unpacking.push_back(milliseconds([&] { bytes = unpack(file); }));
         reading.push_back(milliseconds([&] {
             LEV2_info info;
@@ -102,7 +102,7 @@ Bytes written_volume() {
     constexpr int gates = 1832;
     std::mt19937 random(1);
     Lev2Volume volume;
-    for (int i = 0; i < cuts * radials; i++) {
+    for (int i = 0; i < cuts * radials; ++i) {
         if (i % unit_radials == 0) {
             volume.units.emplace_back();
         }
@@ -112,7 +112,7 @@ Bytes written_volume() {
         radial.num = i % radials + 1;
         radial.az = static_cast<float>(i % radials) / 2.0F;
         Lev2Moment refl;
-        for (int gate = 0; gate < gates; gate++) {
+        for (int gate = 0; gate < gates; ++gate) {
             const bool echo = (gate / 64 + i / 32) % 3 == 0;
             refl.words.push_back(echo ? 90 + static_cast<int>(random() % 8) : 0);
         }
@@ -129,7 +129,7 @@ int main(int argc, char** argv) {
     if (argc < 2) {
         measure("written", written_volume());
     }
-    for (int i = 1; i < argc; i++) {
+    for (int i = 1; i < argc; ++i) {
         std::ifstream in(argv[i], std::ios::binary);
         measure(argv[i], Bytes{std::istreambuf_iterator<char>(in), {}});
     }

@@ -68,7 +68,7 @@ void measure(const char* name, const Bytes& file) {
     Count count;
     std::vector<double> unpacking;
     std::vector<double> reading;
-    for (int i = 0; i < rounds; i++) {
+    for (int i = 0; i < rounds; ++i) {
         unpacking.push_back(milliseconds([&] { bytes = unpack(file, at); }));
         reading.push_back(milliseconds([&] {
             count = {};
@@ -92,7 +92,7 @@ int main(int argc, char** argv) {
     if (argc < 2) {
         measure("storm", nids_sample_storm(153));
     }
-    for (int i = 1; i < argc; i++) {
+    for (int i = 1; i < argc; ++i) {
         std::ifstream in(argv[i], std::ios::binary);
         measure(argv[i], Bytes{std::istreambuf_iterator<char>(in), {}});
     }

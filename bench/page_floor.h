@@ -65,7 +65,7 @@ inline Run run_program(const std::vector<std::string>& args) {
 
 template <typename Work> double least_time(int rounds, Work work) {
     double least = 1e9;
-    for (int i = 0; i < rounds; i++) {
+    for (int i = 0; i < rounds; ++i) {
         const double start = processor_seconds();
         work();
         least = std::min(least, processor_seconds() - start);
@@ -99,7 +99,7 @@ inline Page read_page(const std::string& text) {
             page.points.push_back(1);
             page.shades.push_back(-1);
         } else if (std::strcmp(rest, " ln") == 0 && !page.points.empty()) {
-            page.points.back()++;
+            ++page.points.back();
         } else {
             if (std::strcmp(rest, " setgray") == 0) {
                 shade = static_cast<int>(std::lround(x * 1000));
@@ -146,7 +146,7 @@ inline void write_page(const Page& page, const std::string& name) {
     char* out = buffer.data();
     for (const int points : page.points) {
         out = put_text(out, "%%FA:5\nnp\n");
-        for (int i = 0; i < points; i++, xy += 2) {
+        for (int i = 0; i < points; ++i, xy += 2) {
             out = put_fixed(out, xy[0]);
             *out++ = ' ';
             out = put_fixed(out, xy[1]);

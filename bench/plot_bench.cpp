@@ -33,7 +33,7 @@ void measure(const std::string& file, long peak_kb, int rounds) {
     const std::string ps = std::filesystem::temp_directory_path() / "zyr_plot_bench.ps";
     Run run;
     double program = 1e9;
-    for (int i = 0; i < rounds; i++) {
+    for (int i = 0; i < rounds; ++i) {
         run = run_program({"-inp", "nids", "-de", "p," + ps, file});
         program = std::min(program, run.seconds);
     }
@@ -64,7 +64,7 @@ int main(int argc, char** argv) {
         }
     }
     double start = 1e9;
-    for (int i = 0; i < 20; i++) {
+    for (int i = 0; i < 20; ++i) {
         start = std::min(start, run_program({"-h"}).seconds);
     }
     std::printf("start of the process: %.2f ms\n", start * 1e3);
@@ -72,7 +72,7 @@ int main(int argc, char** argv) {
     for (const auto& file : files) {
         peaks.push_back(run_program({"-inp", "nids", "-de", "p,/dev/null", file}).peak_kb);
     }
-    for (std::size_t i = 0; i < files.size(); i++) {
+    for (std::size_t i = 0; i < files.size(); ++i) {
         measure(files[i], peaks[i], 7);
     }
     return 0;

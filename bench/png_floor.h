@@ -23,7 +23,7 @@ inline Indexed read_indexed(const std::string& name) {
     if (PNG_read(name.c_str(), &image, 0) == 1) {
         out.width = image.width;
         out.height = image.height;
-        for (int i = 0; i < image.num_colors; i++) {
+        for (int i = 0; i < image.num_colors; ++i) {
             const IMG_color& c = image.colors[i];
             const auto byte = [](float part) { return static_cast<png_byte>(part * 255 + 0.5F); };
             out.palette.push_back({byte(c.red), byte(c.grn), byte(c.blu)});

@@ -107,17 +107,17 @@ Polygons recorded() {
             gsel_norm_tran(n);
         } else if (word == "FA_CLR" && in >> n) {
             color = static_cast<unsigned long>(gget_color_ind(n));
-            all.records++;
+            ++all.records;
         } else if (word == "FA" && in >> n) {
             Gpt at{};
             char comma = 0;
-            for (int i = 0; i < n && in >> at.x >> comma >> at.y; i++) {
+            for (int i = 0; i < n && in >> at.x >> comma >> at.y; ++i) {
                 const Gpixel pixel = pixel_of(at);
                 all.points.push_back({pixel.x, pixel.y});
             }
             all.counts.push_back(n);
             all.pixels.push_back(color);
-            all.records++;
+            ++all.records;
         }
     }
     return all;
@@ -140,7 +140,7 @@ void measure_plot(const XServer& server, const std::string& product, const Domai
 }
 
 void measure_loop(const XServer& server) {
-    for (int i = 0; i < 3; i++) {
+    for (int i = 0; i < 3; ++i) {
         gcreate_frame(i);
     }
     gset_looping(1);
@@ -154,12 +154,12 @@ void measure_loop(const XServer& server) {
     const auto [ours, floor] = least_ms(
         server, 10,
         [&] {
-            for (int i = 0; i < steps; i++) {
+            for (int i = 0; i < steps; ++i) {
                 step();
             }
         },
         [&] {
-            for (int i = 0; i < steps; i++) {
+            for (int i = 0; i < steps; ++i) {
                 bare.copy_twice();
             }
         });

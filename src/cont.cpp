@@ -69,12 +69,12 @@ void note_order() {
 void interpolate_levels() {
     float* levels = contours.cont_value;
     const auto fill = [levels](int lo, int end, float distance) {
-        for (int i = lo + 1; i < end; i++) {
+        for (int i = lo + 1; i < end; ++i) {
             levels[i] = levels[lo] + static_cast<float>(i - lo) * distance;
         }
     };
     int lo = 0;
-    for (int hi = 1; hi < contours.color_num; hi++) {
+    for (int hi = 1; hi < contours.color_num; ++hi) {
         if (is_set(levels[hi])) {
             fill(lo, hi, (levels[hi] - levels[lo]) / static_cast<float>(hi - lo));
             lo = hi;
@@ -123,7 +123,7 @@ bool leading_number(const char* text, float* value, const char** end) {
 
 // Takes the field ":la=text" out of an entry. Returns whether there was one.
 bool take_label(char* entry, char* label) {
-    for (char* at = entry; *at != '\0'; at++) {
+    for (char* at = entry; *at != '\0'; ++at) {
         if (strnicmp(at, ":la=", 4) != 0) {
             continue;
         }
@@ -166,7 +166,7 @@ int decode_range(char* entry) {
         contours.fill_attrib[at] = attrib;
         contours.cont_value[at] = missing_f;
         contours.cont_label[at][0] = '\0';
-        contours.color_num++;
+        ++contours.color_num;
         if (attrib.color == last || contours.color_num >= cont_max_steps) {
             return full_or(0);
         }
@@ -197,7 +197,7 @@ int decode_single(char* entry) {
     }
     copy_text(contours.cont_label[at], cont_label_size, label);
     contours.fill_attrib[at] = attrib;
-    contours.color_num++;
+    ++contours.color_num;
     return full_or(0);
 }
 
@@ -213,7 +213,7 @@ bool read_line(std::FILE* file, char (&line)[max_line_chars + 2]) {
         // A line without an end, as a device may give, ends the file here.
         constexpr int longest = 1 << 20;
         int c = 0;
-        for (int n = 0; n < longest && c != '\n' && c != EOF; n++) {
+        for (int n = 0; n < longest && c != '\n' && c != EOF; ++n) {
             c = std::fgetc(file);
         }
         line[max_line_chars] = '\0';
@@ -225,7 +225,7 @@ bool read_line(std::FILE* file, char (&line)[max_line_chars + 2]) {
 // The line without white space at either end.
 char* strip(char* line) {
     while (std::isspace(static_cast<unsigned char>(*line)) != 0) {
-        line++;
+        ++line;
     }
     std::size_t length = std::strlen(line);
     while (length > 0 && std::isspace(static_cast<unsigned char>(line[length - 1])) != 0) {
@@ -258,7 +258,7 @@ int read_level_file(const char* name) {
     }
     begin_steps();
     char line[max_line_chars + 2] = "";
-    for (int n = 0; n < max_file_lines && read_line(file.get(), line); n++) {
+    for (int n = 0; n < max_file_lines && read_line(file.get(), line); ++n) {
         const char* text = strip(line);
         if (*text == '\0' || *text == '@' || *text == '#') {
             continue;
@@ -274,7 +274,7 @@ int read_level_file(const char* name) {
 int set_table_colors(int num) {
     begin_steps();
     contours.color_num = std::min(num, cont_max_steps);
-    for (int i = 0; i < contours.color_num; i++) {
+    for (int i = 0; i < contours.color_num; ++i) {
         CONT_fill_attrib_init(&contours.fill_attrib[i]);
         contours.fill_attrib[i].color = i;
     }
@@ -285,7 +285,7 @@ int set_table_colors(int num) {
 
 void set_list(int count, const char* const* entries) {
     begin_steps();
-    for (int i = 0; i < count && CONT_decode_fill_color(entries[i]) == 0; i++) {
+    for (int i = 0; i < count && CONT_decode_fill_color(entries[i]) == 0; ++i) {
     }
     finish_steps();
 }
@@ -337,7 +337,7 @@ int explicit_step(float value) {
         const float* above = std::upper_bound(levels, levels + last + 1, value);
         return static_cast<int>(above - levels) - 1;
     }
-    for (int i = 0; i < last; i++) {
+    for (int i = 0; i < last; ++i) {
         if (levels[i] <= value && value < levels[i + 1]) {
             return i;
         }
@@ -362,7 +362,7 @@ int step_of(float value) {
 int read_numbers(const char* text, char separator, int (&numbers)[4]) {
     int count = 0;
     while (count < 4 && take_int(&text, &numbers[count])) {
-        count++;
+        ++count;
         if (*text++ != separator) {
             break;
         }
@@ -626,7 +626,7 @@ int CONT_set_values(const float* values, int num) {
     int count = 0;
     while (count < num && count < cont_max_steps && is_set(values[count])) {
         s.cont_value[count] = values[count];
-        count++;
+        ++count;
     }
     s.num_cont = count;
     s.intrvl = num > 1 ? values[1] - values[0] : missing_f;
@@ -814,7 +814,7 @@ int CONT_decode_fill_color(const char* str) {
         return -1;
     }
     while (*str == ' ') {
-        str++;
+        ++str;
     }
     char entry[entry_size] = "";
     copy_text(entry, sizeof entry, str);
@@ -831,7 +831,7 @@ int CONT_set_fill_attribs(const Gattribs* attrib) {
     s.color_num = 0;
     while (s.color_num < cont_max_steps && attrib[s.color_num].color >= -1) {
         s.fill_attrib[s.color_num] = attrib[s.color_num];
-        s.color_num++;
+        ++s.color_num;
     }
     if (s.color_num == 0) {
         CONT_fill_attrib_init(&s.fill_attrib[0]);
@@ -916,7 +916,7 @@ int CONT_param_decode() {
     int count = 0;
     char** words = nullptr;
     RES_getvals("plot_param", &count, &words);
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         decode_param(words[i]);
     }
     if (words != nullptr) {

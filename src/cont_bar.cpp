@@ -102,7 +102,7 @@ void draw_boxes(bool numbers) {
     const State& s = state();
     const int every = s.num_cont / 15 + 1;
     const int first = first_step(s.base);
-    for (int i = 0; i < s.num_cont; i++) {
+    for (int i = 0; i < s.num_cont; ++i) {
         draw_box(i, (first + i) % s.color_num);
         if (numbers && i % every == 0) {
             print_number(i, level_at(i));
@@ -182,7 +182,7 @@ int CONT_flash_value(const char* str, float x, float y) {
     float grn = 0.0F;
     float blu = 0.0F;
     CLR_get_rgb(attrib.color, &red, &grn, &blu);
-    for (int i = 0; i < 4; i++) {
+    for (int i = 0; i < 4; ++i) {
         ZYR_sleep(0.5F);
         GPH_set_color(attrib.color, 0.0F, 0.0F, 0.0F);
         ZYR_sleep(0.5F);

@@ -103,7 +103,7 @@ bool is_split(const MapEdge& edge, int num_pt, const Gpt* pts) {
     if (edge.width == 0.0) {
         return false;
     }
-    for (int i = 0; i < num_pt; i++) {
+    for (int i = 0; i < num_pt; ++i) {
         const Gpt& next = pts[i + 1 < num_pt ? i + 1 : 0];
         if (std::fabs(pts[i].x - next.x) > edge.gap ||
             (edge.limit > 0.0F && std::fabs(pts[i].x) > edge.limit)) {
@@ -180,7 +180,7 @@ float side_fraction(int side, float level) {
 void compute_dz(float level) {
     constexpr int left_out[4] = {1, 0, 2, 3}; // corner that each side leaves to the other
     cell.numsides = 0;
-    for (int side = 0; side < 4; side++) {
+    for (int side = 0; side < 4; ++side) {
         float& dz = cell.dz[side];
         if (cell.z[sides[side].a] == cell.z[sides[side].b]) {
             dz = side_flat;
@@ -194,7 +194,7 @@ void compute_dz(float level) {
     }
     const bool odd = cell.numsides == 3;
     int count = 0;
-    for (int side = 0; side < 4; side++) {
+    for (int side = 0; side < 4; ++side) {
         const float corner = side == 0 || side == 2 ? 0.0F : 1.0F;
         if (cell.dz[side] >= 0.0F && !(odd && cell.dz[side] == corner)) {
             cell.cross[count++] = side;
@@ -227,7 +227,7 @@ void compute_lines(float level) {
         draw_segment(0, partner);
         draw_segment(2, saddle_partner(2, cell.total));
     }
-    for (int side = 0; side < 4; side++) {
+    for (int side = 0; side < 4; ++side) {
         const Side& s = sides[side];
         if (cell.dz[side] == side_flat && cell.z[s.a] == level) {
             const Gpt line[] = {
@@ -258,7 +258,7 @@ struct Outline {
     void add(const Node& node) {
         nodes[static_cast<std::size_t>(count++)] = node;
         if (node.side >= 0) {
-            crossings[node.upper ? 1 : 0]++;
+            ++crossings[node.upper ? 1 : 0];
         }
     }
     Node& operator[](int i) { return nodes[static_cast<std::size_t>(i)]; }
@@ -301,7 +301,7 @@ int find_entry(Outline* outline, const Node& exit, float lo, float hi) {
                             side_fraction(2, level) - side_fraction(3, level);
         wanted = saddle_partner(exit.side, total);
     }
-    for (int i = 0; i < outline->count; i++) {
+    for (int i = 0; i < outline->count; ++i) {
         const Node& node = (*outline)[i];
         const bool level = node.side >= 0 && node.entry && node.upper == exit.upper;
         if (level && (wanted < 0 || node.side == wanted)) {
@@ -333,7 +333,7 @@ void fill_from(Outline* outline, int start, float lo, float hi) {
 // back. A saddle gives two polygons.
 void fill_band(float lo, float hi) {
     Outline outline;
-    for (int k = 0; k < 4; k++) {
+    for (int k = 0; k < 4; ++k) {
         const int corner = round_corner[k];
         const int next = round_corner[(k + 1) % 4];
         const int from = place(cell.z[corner], lo, hi);
@@ -346,7 +346,7 @@ void fill_band(float lo, float hi) {
         }
         add_side(&outline, round_side[k], from, to, lo, hi);
     }
-    for (int i = 0; i < outline.count; i++) {
+    for (int i = 0; i < outline.count; ++i) {
         const Node& node = outline[i];
         if (node.side >= 0 && node.entry && !node.used) {
             fill_from(&outline, i, lo, hi);
@@ -356,7 +356,7 @@ void fill_band(float lo, float hi) {
 
 void fill_cell() {
     std::array<Gpt, 5> box = {};
-    for (std::size_t k = 0; k < box.size(); k++) {
+    for (std::size_t k = 0; k < box.size(); ++k) {
         const int corner = round_corner[k % 4];
         box[k] = {cell.x[corner], cell.y[corner]};
     }
@@ -368,7 +368,7 @@ void fill_cell() {
 // Lines at the levels between the corners; `first` to `last` hold them all.
 void draw_cell_lines(int first, int last, int step0) {
     const State& s = state();
-    for (int i = first; i < last; i++) {
+    for (int i = first; i < last; ++i) {
         const float level = level_at(i);
         if (level < cell.zmin) {
             continue;
@@ -412,7 +412,7 @@ Band band_at(int i) {
 
 // Fills the bands from the lowest that reaches into the cell.
 void draw_cell_bands(int first, int last, int step0) {
-    for (int i = first; i < last; i++) {
+    for (int i = first; i < last; ++i) {
         const Band band = band_at(i);
         if (band.over) {
             return;
@@ -438,7 +438,7 @@ void draw_cell_bands(int first, int last, int step0) {
 // The upper lines of the bands. They follow the fills of the cell, which
 // would paint them over.
 void draw_cell_edges(int first, int last, int step0) {
-    for (int i = first; i < last; i++) {
+    for (int i = first; i < last; ++i) {
         const Band band = band_at(i);
         if (band.over || (!band.under && cell.zmax <= band.top)) {
             return;
@@ -456,7 +456,7 @@ void draw_cell_edges(int first, int last, int step0) {
 bool load_cell(const Field& field, int column, int row) {
     constexpr int dc[4] = {0, 1, 0, 1};
     constexpr int dr[4] = {1, 1, 0, 0};
-    for (int k = 0; k < 4; k++) {
+    for (int k = 0; k < 4; ++k) {
         cell.x[k] = field.px(column + dc[k], row + dr[k]);
         cell.y[k] = field.py(column + dc[k], row + dr[k]);
         cell.z[k] = field.value(column + dc[k], row + dr[k]);
@@ -515,8 +515,8 @@ void draw_cells(const Field& field) {
     }
     const double limit = level_limit();
     const int step0 = first_step(s.cbase);
-    for (int row = 0; row + 1 < field.ny; row++) {
-        for (int column = 0; column + 1 < field.nx; column++) {
+    for (int row = 0; row + 1 < field.ny; ++row) {
+        for (int column = 0; column + 1 < field.nx; ++column) {
             if (load_cell(field, column, row)) {
                 draw_cell(limit, step0);
             }
@@ -531,14 +531,14 @@ bool is_number_format(const char* text) {
     if (*text != '%') {
         return false;
     }
-    text++;
+    ++text;
     text += std::strspn(text, "-+ #0");
     for (int digits = 0; std::isdigit(static_cast<unsigned char>(*text)) != 0 && digits < 2;
          digits++) {
-        text++;
+        ++text;
     }
     if (*text == '.') {
-        text++;
+        ++text;
         text += std::isdigit(static_cast<unsigned char>(*text)) != 0 ? 1 : 0;
     }
     return *text != '\0' && std::strchr("feEgG", *text) != nullptr && text[1] == '\0';

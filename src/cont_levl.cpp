@@ -39,7 +39,7 @@ void take_bases(bool forced, float* high, float* low) {
     int count = 0;
     char** words = nullptr;
     RES_getvals("con_base", &count, &words);
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         take_base(words[i], forced, high, low);
     }
     if (words != nullptr) {

@@ -24,7 +24,7 @@ fs::path program_directory() {
 fs::path source_tree(fs::path directory) {
     constexpr int levels = 4; // such as build/release and what is built into it
     std::error_code failed;
-    for (int i = 0; i < levels && directory.has_relative_path(); i++) {
+    for (int i = 0; i < levels && directory.has_relative_path(); ++i) {
         if (fs::exists(directory / "etc/zyr.cfg", failed) &&
             fs::exists(directory / "zyrrad.cpp", failed)) {
             return directory / "etc";

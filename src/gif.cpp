@@ -67,7 +67,7 @@ void write_header(std::FILE* file, const IMG_report& image, const IMG_indexed& p
     std::fputs("GIF89a", file);
     Bytes head;
     head.u16(image.width).u16(image.height).u8(0x80 + (bits - 1) * 16 + (bits - 1)).u8(0).u8(0);
-    for (int i = 0; i < 1 << bits; i++) {
+    for (int i = 0; i < 1 << bits; ++i) {
         const IMG_rgb c = picture.color[i];
         head.u8(c.red).u8(c.grn).u8(c.blu);
     }
@@ -91,7 +91,7 @@ void write_pixels(std::FILE* file, const IMG_report& image, const IMG_indexed& p
     std::putc(code_size, file);
     GIF_begin_code(file, code_size);
     if (settings.use_inter == 0) {
-        for (int row = 0; row < image.height; row++) {
+        for (int row = 0; row < image.height; ++row) {
             put_row(row);
         }
     } else {
@@ -118,7 +118,7 @@ struct Canvas {
 void next_row(Canvas* c) {
     c->column = 0;
     if (!c->interlaced) {
-        c->row++;
+        ++c->row;
         return;
     }
     c->row += passes[c->pass].step;
@@ -165,7 +165,7 @@ bool read_table(std::FILE* file, int count, IMG_report* image) {
     if (IMG_alloc_colors(image, count) == 0) {
         return false;
     }
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         const unsigned char* c = &table[std::size_t{3} * i];
         image->colors[i] = {static_cast<float>(c[0]) / 255.0F, static_cast<float>(c[1]) / 255.0F,
                             static_cast<float>(c[2]) / 255.0F};

@@ -61,7 +61,7 @@ void out_code(int code) {
         put_byte();
     }
     if (enc.h_table_ind > enc.coded_mask && enc.coded_size < max_bits) {
-        enc.coded_size++;
+        ++enc.coded_size;
         enc.coded_mask = (1 << enc.coded_size) - 1;
     }
 }
@@ -130,7 +130,7 @@ int read_data() {
             return -1;
         }
         dec.temp_data |= std::uint32_t{dec.block[dec.at++]} << dec.data_bits;
-        dec.left--;
+        --dec.left;
         dec.data_bits += 8;
     }
     const auto code = static_cast<int>(dec.temp_data & ((1U << dec.coded_size) - 1U));
@@ -217,7 +217,7 @@ bool GIF_decode(std::FILE* file, int code_size, GIF_take take, void* to) {
     dec.temp_data = 0;
     dec.data_bits = 0;
     dec.left = 0;
-    for (int i = 0; i < num_codes; i++) {
+    for (int i = 0; i < num_codes; ++i) {
         const auto pixel = static_cast<std::uint8_t>(i);
         dec.table[i] = {-1, pixel, pixel};
     }
@@ -243,7 +243,7 @@ bool GIF_decode(std::FILE* file, int code_size, GIF_take take, void* to) {
             dec.table[dec.table_ptr++] = {static_cast<std::int16_t>(last), pixels.front(),
                                           dec.table[last].first};
             if (dec.table_ptr == 1 << dec.coded_size && dec.coded_size < max_bits) {
-                dec.coded_size++;
+                ++dec.coded_size;
             }
         }
         last = code;

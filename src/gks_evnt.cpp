@@ -68,9 +68,9 @@ void call_plotter(int type, const char* name, float x, float y) {
     if (evnt.mouse_CB == nullptr)
         return;
     const int cursor = gset_cursor(cursor_number_ptr);
-    evnt.in_plotter++;
+    ++evnt.in_plotter;
     evnt.mouse_CB(type, name, x, y);
-    evnt.in_plotter--;
+    --evnt.in_plotter;
     gset_cursor(cursor);
 }
 
@@ -350,9 +350,9 @@ void serve_refresh(Clock::time_point* due) {
     const auto now = Clock::now();
     if (evnt.refresh <= 0 || now < *due || evnt.refresh_CB == nullptr)
         return;
-    evnt.in_plotter++;
+    ++evnt.in_plotter;
     evnt.refresh_CB();
-    evnt.in_plotter--;
+    --evnt.in_plotter;
     // Times that went by in a long callback are not made up for.
     *due = std::max(*due, now) + std::chrono::seconds(evnt.refresh);
 }

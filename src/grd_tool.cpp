@@ -28,9 +28,9 @@ void fill_lat_lon(const Domain& own, float* lat, float* lon) {
     map.tran(own.clat, own.clon, &cx, &cy);
     const float left = cx - own.dx * static_cast<float>(own.nx - 1) / 2.0F;
     const float bottom = cy - own.dy * static_cast<float>(own.ny - 1) / 2.0F;
-    for (int row = own.ny - 1; row >= 0; row--) {
+    for (int row = own.ny - 1; row >= 0; --row) {
         const float y = bottom + static_cast<float>(row) * own.dy;
-        for (int column = 0; column < own.nx; column++) {
+        for (int column = 0; column < own.nx; ++column) {
             map.untran(left + static_cast<float>(column) * own.dx, y, lat++, lon++);
         }
     }
@@ -45,7 +45,7 @@ int GRD_maxmin(const GRD_report* grid, float* max, float* min) {
         return -1;
     }
     const std::size_t count = num_points(*grid);
-    for (std::size_t i = 0; i < count; i++) {
+    for (std::size_t i = 0; i < count; ++i) {
         const float value = grid->grid[i];
         if (!is_set(value) || !std::isfinite(value)) {
             continue;
@@ -78,7 +78,7 @@ int GRD_proj_XY(const GRD_report* grid, const Domain* domain, float** x, float**
     }
     fill_lat_lon(grid->domain, *x, *y);
     const Map plot = map_make(*domain);
-    for (std::size_t i = 0; i < count; i++) {
+    for (std::size_t i = 0; i < count; ++i) {
         const float lat = (*x)[i];
         const float lon = (*y)[i];
         if (is_set(lat) && is_set(lon)) {

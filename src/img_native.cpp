@@ -99,7 +99,7 @@ int write_file(const char* filename, const IMG_report& image, bool packed) {
     const auto width = static_cast<std::size_t>(image.width);
     std::vector<std::uint8_t> bytes(width * static_cast<std::size_t>(image.height));
     std::vector<std::uint32_t> values(width);
-    for (int row = 0; row < image.height; row++) {
+    for (int row = 0; row < image.height; ++row) {
         row_bytes(image, row, &values, bytes.data() + width * static_cast<std::size_t>(row));
     }
     const bool written =
@@ -146,7 +146,7 @@ void decode_proj_word(const std::string& word, Domain* d) {
     std::array<float, 5> v{};
     std::size_t n = 0;
     while (n < v.size() && take_char(&numbers, ':') && take_float(&numbers, &v[n])) {
-        n++;
+        ++n;
     }
     switch (d->proj) {
     case proj_pstereo:
@@ -236,7 +236,7 @@ bool decode_size(const std::string& line, bool version4, IMG_report* image) {
 }
 
 bool skip_bytes(std::FILE* file, int count) {
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         if (std::getc(file) == EOF) {
             return false;
         }

@@ -98,19 +98,19 @@ void IMG_row_values(const IMG_report& image, int row, int count, std::uint32_t* 
                           [](auto& value) { value &= 0xFFFFFF; });
             break;
         }
-        for (int x = 0; x < held; x++, p += 4) {
+        for (int x = 0; x < held; ++x, p += 4) {
             values[x] = high_first ? std::uint32_t(p[1]) << 16 | std::uint32_t(p[2]) << 8 | p[3]
                                    : std::uint32_t(p[2]) << 16 | std::uint32_t(p[1]) << 8 | p[0];
         }
         break;
     case 24:
-        for (int x = 0; x < held; x++, p += 3) {
+        for (int x = 0; x < held; ++x, p += 3) {
             values[x] = high_first ? std::uint32_t(p[0]) << 16 | std::uint32_t(p[1]) << 8 | p[2]
                                    : std::uint32_t(p[2]) << 16 | std::uint32_t(p[1]) << 8 | p[0];
         }
         break;
     case 16:
-        for (int x = 0; x < held; x++, p += 2) {
+        for (int x = 0; x < held; ++x, p += 2) {
             values[x] =
                 high_first ? std::uint32_t(p[0]) << 8 | p[1] : std::uint32_t(p[1]) << 8 | p[0];
         }
@@ -121,7 +121,7 @@ void IMG_row_values(const IMG_report& image, int row, int count, std::uint32_t* 
     case 4:
     case 2:
     case 1:
-        for (int x = 0; x < held; x++) {
+        for (int x = 0; x < held; ++x) {
             values[x] = packed_value(p, x, bits);
         }
         break;
@@ -198,13 +198,13 @@ bool IMG_make_indexed(const IMG_report& image, std::uint32_t background, IMG_ind
     const bool padded = IMG_line_pixels(image) > image.width;
     Builder builder(image, background, out);
     std::uint8_t* index = out->index.data();
-    for (int row = 0; row < image.height; row++) {
+    for (int row = 0; row < image.height; ++row) {
         IMG_row_values(image, row, image.width, values.data());
         for (std::size_t x = 0; x < width;) { // by runs of one value
             const std::uint32_t value = values[x];
             const std::size_t start = x;
             while (x < width && values[x] == value) {
-                x++;
+                ++x;
             }
             std::memset(index + start, builder.place(value), x - start);
         }

@@ -18,7 +18,7 @@ std::string number_list(std::vector<int> numbers) {
     std::string text;
     for (std::size_t i = 0, n = 0; i < numbers.size(); i += n) {
         for (n = 1; i + n < numbers.size() && numbers[i + n] == numbers[i] + static_cast<int>(n);) {
-            n++;
+            ++n;
         }
         text += (i == 0 ? "" : ",") + std::to_string(numbers[i]);
         text += n > 1 ? "-" + std::to_string(numbers[i + n - 1]) : "";
@@ -53,11 +53,11 @@ void lev2_count_radial(Lev2Cuts& cuts, const LEV2_data& data) {
         if (cuts.count == cuts.row.size()) {
             return;
         }
-        cuts.count++;
+        ++cuts.count;
         *at = {};
         at->num = data.elev_num;
     }
-    at->radials++;
+    ++at->radials;
     at->angle += (data.elev_ang - at->angle) / static_cast<float>(at->radials);
     at->moments[lev2_refl] += data.refl_ptr != 0 ? 1 : 0;
     at->moments[lev2_vel] += data.vel_ptr != 0 ? 1 : 0;
@@ -68,7 +68,7 @@ std::string lev2_cut_text(const LEV2_cut& cut) {
     std::string text = "Scan " + std::to_string(cut.num) + ": El=" + angle_text(cut.angle) + " " +
                        std::to_string(cut.radials) + " radials:";
     bool any = false;
-    for (std::size_t type = 0; type < lev2_moments; type++) {
+    for (std::size_t type = 0; type < lev2_moments; ++type) {
         if (cut.moments[type] > 0) {
             text += any ? ", " : " ";
             text += moment_names[type];

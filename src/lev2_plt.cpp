@@ -133,7 +133,7 @@ public:
         settled_ = true;
         scale_ = gates.scale;
         offset_ = gates.offset;
-        for (std::size_t word = 0; word < bytes_.size(); word++) {
+        for (std::size_t word = 0; word < bytes_.size(); ++word) {
             bytes_[word] = look(gates.value(static_cast<unsigned>(word)));
         }
     }
@@ -200,7 +200,7 @@ void draw_radial(Walk& walk, const LEV2_data& data) {
     const RadEdges edges = rad_radial_edges(walk.own, walk.site, beam);
     walk.looks.take(gates);
     walk.strip.begin();
-    for (int i = 0; i < gates.count; i++) {
+    for (int i = 0; i < gates.count; ++i) {
         const Looks::Look& look = walk.looks.get(gates, i);
         walk.largest = std::max(walk.largest, look.value);
         if (look.value > lev2_folded) {

@@ -235,7 +235,7 @@ Blocks find_blocks(std::span<const std::uint8_t> radial, int count) {
     Blocks placed{};
     ByteReader r(radial);
     r.seek(32);
-    for (int i = 0; i < std::clamp(count, static_cast<int>(num_places), max_blocks); i++) {
+    for (int i = 0; i < std::clamp(count, static_cast<int>(num_places), max_blocks); ++i) {
         const std::uint32_t at = r.u32be();
         if (at == 0 || at >= radial.size() || radial.size() - at < moment_head_size) {
             continue;
@@ -249,7 +249,7 @@ Blocks find_blocks(std::span<const std::uint8_t> radial, int count) {
             placed[static_cast<std::size_t>(i)] = at;
         }
     }
-    for (std::size_t i = 0; i < named.size(); i++) {
+    for (std::size_t i = 0; i < named.size(); ++i) {
         named[i] = named[i] == 0 ? placed[i] : named[i];
     }
     return named;

@@ -413,7 +413,7 @@ float threshold(int index) {
 }
 
 void set_level_values(int packet) {
-    for (int level = 0; level < 256; level++) {
+    for (int level = 0; level < 256; ++level) {
         walk.bin[static_cast<std::size_t>(level)] = {
             1.0F, nids_level_value(nids_header(), packet, level)};
     }
@@ -580,7 +580,7 @@ int next_bins(FILE* ifile, NIDS_data* data) {
     if (!next_byte(ifile, level)) {
         return -1;
     }
-    walk.cur_radius++;
+    ++walk.cur_radius;
     *data = walk.bin[level];
     const int n = std::min(stream.oavail, walk.rad_data_hdr.len - walk.cur_radius);
     walk.bin_at = stream.out.data() + stream.optr;
@@ -627,7 +627,7 @@ int row_data(FILE* ifile, NIDS_data* data) {
         walk.cur_column += 2;
         return two_byte_run(ifile, data);
     }
-    walk.cur_column++;
+    ++walk.cur_column;
     return nibble_run(ifile, data);
 }
 
@@ -640,7 +640,7 @@ int row_data(FILE* ifile, NIDS_data* data) {
         if (walk.cur_radius >= walk.rad_data_hdr.len) {
             return 0;
         }
-        walk.cur_radius++;
+        ++walk.cur_radius;
         return nibble_run(ifile, data);
     case nids_packet_raster:
     case nids_packet_dig_precip:
@@ -780,7 +780,7 @@ int NIDS_get_radial(FILE* ifile, float* sangle, float* dangle) {
     walk.rad_data_hdr = {halfwords ? 2 * v[0] : v[0], v[1], v[2]};
     walk.bin_at = walk.bin_end;
     walk.cur_radius = 0;
-    walk.cur_radial++;
+    ++walk.cur_radial;
     *sangle = static_cast<float>(v[1] / 10.0);
     *dangle = static_cast<float>(v[2] / 10.0);
     MESS_print(mess_debug, "Number of bytes: %d\n", v[0]);
@@ -797,7 +797,7 @@ int NIDS_get_rastor(FILE* ifile) {
     }
     walk.ras_data_len = walk.ras_hdr.pack == 1 ? v[0] : (v[0] + 1) / 2 * 2;
     walk.cur_column = 0;
-    walk.cur_row++;
+    ++walk.cur_row;
     MESS_print(mess_debug, "Number of bytes: %d\n", v[0]);
     return 1;
 }

@@ -64,7 +64,7 @@ void draw_row(const NIDS_frame& frame, RadFills& fills, std::FILE* grid, const R
         if (decibel && is_set(value)) {
             value = static_cast<float>(std::pow(10.0, static_cast<double>(value) / 10.0) / 100.0);
         }
-        for (int i = 0; grid != nullptr && i < run; i++) {
+        for (int i = 0; grid != nullptr && i < run; ++i) {
             std::fprintf(grid, "%f\n", static_cast<double>(value));
         }
         const Gattribs* attrib = fills.get(value);
@@ -83,7 +83,7 @@ void draw_raster(const NIDS_frame& frame, RadFills& fills, long& room) {
     const double d = frame.info->domain.dx;
     const double left = frame.site.x - d * (frame.info->nx - 1) / 2;
     const double top = frame.site.y + d * (frame.info->ny - 1) / 2;
-    for (int row = 0; room > 0 && NIDS_get_rastor(frame.ifile) > 0; row++) {
+    for (int row = 0; room > 0 && NIDS_get_rastor(frame.ifile) > 0; ++row) {
         const RadEdges edges = {
             {left, top - row * d,       d, 0.0},
             {left, top - (row + 1) * d, d, 0.0}

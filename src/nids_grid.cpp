@@ -27,7 +27,7 @@ int NIDS_grd_out_file() {
     char** names = nullptr;
     int found = 0;
     RES_getvals("out_file", &count, &names);
-    for (int i = 0; i < count && found == 0; i++) {
+    for (int i = 0; i < count && found == 0; ++i) {
         if (strnicmp(names[i], "zyr", 3) == 0) {
             const std::string convention = std::string(names[i]).substr(3);
             FILE_set_name(convention.size() < 2 ? default_convention : convention.c_str() + 1);

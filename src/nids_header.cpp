@@ -197,7 +197,7 @@ void print_prod_desc(const NidsProdDesc& desc, const std::array<float, nids_num_
     MESS_print(mess_debug, "Product Generation date: %d\n", desc.prod_gen_date);
     MESS_print(mess_debug, "Product Generation time: %d\n", desc.prod_gen_time);
     MESS_print(mess_debug, "Elevation: %d\n", desc.elev);
-    for (std::size_t i = 0; i < thres.size(); i++) {
+    for (std::size_t i = 0; i < thres.size(); ++i) {
         MESS_print(mess_debug, "Threshold[%d]: %d %f\n", static_cast<int>(i), desc.thres[i],
                    static_cast<double>(thres[i]));
     }
@@ -205,7 +205,7 @@ void print_prod_desc(const NidsProdDesc& desc, const std::array<float, nids_num_
     MESS_print(mess_debug, "Offset to Symbolics: %d\n", desc.off_symb);
     MESS_print(mess_debug, "Offset to Graphics: %d\n", desc.off_graph);
     MESS_print(mess_debug, "Offset to Tabular: %d\n", desc.off_tab);
-    for (std::size_t i = 0; i < thres.size(); i++) {
+    for (std::size_t i = 0; i < thres.size(); ++i) {
         MESS_print(mess_debug, "THRES #%d: %2X\n", static_cast<int>(i), desc.thres[i]);
     }
 }
@@ -233,7 +233,7 @@ NidsProdDesc parse_prod_desc(std::span<const std::uint8_t> bytes) {
     for (std::uint16_t& t : desc.thres) {
         t = r.u16be();
     }
-    for (std::size_t i = 4; i <= 10; i++) {
+    for (std::size_t i = 4; i <= 10; ++i) {
         desc.p[i] = r.i16be();
     }
     desc.nmaps = r.i16be();
@@ -266,7 +266,7 @@ int read_product_code(FILE* ifile, int* code) {
         if (result < 1 || *code != wrapper.mark) {
             continue;
         }
-        for (int i = 0; i < wrapper.lines; i++) {
+        for (int i = 0; i < wrapper.lines; ++i) {
             NIDS_skip_line(ifile); // the read behind it tells
         }
         nids_expect_compression();
@@ -302,10 +302,10 @@ int find_in_collective(FILE* ifile, const char* ext_info) {
         }
         if (std::strncmp(line, collective_mark, sizeof collective_mark - 1) == 0) {
             MESS_print(mess_debug, "HDR: %s\n", line);
-            left--;
+            --left;
         }
     }
-    for (int i = 0; i < 2; i++) {
+    for (int i = 0; i < 2; ++i) {
         fgetnline(ifile, line, 49);
         MESS_print(mess_debug, "HDR2: %s\n", line);
     }
@@ -565,7 +565,7 @@ int NIDS_is_product(std::span<const std::uint8_t> head) {
     const auto* wrapper = std::find_if(std::begin(wrappers), std::end(wrappers),
                                        [code](const Wrapper& row) { return row.mark == code; });
     if (wrapper != std::end(wrappers)) {
-        for (int line = 0; line < wrapper->lines; line++) {
+        for (int line = 0; line < wrapper->lines; ++line) {
             while (r.ok() && r.u8() != '\n') {
             }
         }

@@ -267,7 +267,7 @@ int NIDS_print_info() {
     MESS_print(mess_mess, "Product domain: ");
     DOM_print(mess_mess, &info.domain);
     MESS_print(mess_mess, "Threshold values: ");
-    for (int i = 0; i < nids_num_thres; i++) {
+    for (int i = 0; i < nids_num_thres; ++i) {
         if (i % 8 == 7) {
             MESS_print(mess_mess, "%.1f\n                  ", info.thres[i]);
         } else {

@@ -111,11 +111,11 @@ int zoom_in(Gpt release) {
     if (events.zoom == 0) {
         events.orig_dom = before;
     }
-    events.zoom++;
+    ++events.zoom;
     MESS_print(mess_mess, "New domain: ");
     DOM_print(mess_mess, &domain);
     if (!redraw(events.zoom_func, domain)) {
-        events.zoom--;
+        --events.zoom;
         set_base_prior(before);
     }
     return 0;

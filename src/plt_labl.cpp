@@ -122,7 +122,7 @@ std::string label_code(char code) {
 
 std::string expand(const char* form) {
     std::string text;
-    for (const char* at = form; *at != '\0'; at++) {
+    for (const char* at = form; *at != '\0'; ++at) {
         if (*at == '_') {
             text += ' ';
         } else if (*at != '%') {
@@ -137,7 +137,7 @@ std::string expand(const char* form) {
 // One entry of the resource `label`: position, optional overlay digit, colon,
 // text. Marks the position as fixed when there is no digit.
 void set_entry(const char* entry, std::array<bool, plt_positions>& fixed) {
-    for (std::size_t lab = 0; lab < positions.size(); lab++) {
+    for (std::size_t lab = 0; lab < positions.size(); ++lab) {
         if (strnicmp(entry, positions[lab].name, 2) != 0) {
             continue;
         }
@@ -159,7 +159,7 @@ std::array<bool, plt_positions> read_entries() {
     int count = 0;
     char** entries = nullptr;
     RES_getvals("label", &count, &entries);
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         PLT_set_overlay(0);
         set_entry(entries[i], fixed);
     }
@@ -201,7 +201,7 @@ int lines_of(const Layout& layout, bool fixed) {
 
 float longest_line(std::size_t lab, int lines, float height) {
     float longest = 0.0F;
-    for (int i = 0; i < lines; i++) {
+    for (int i = 0; i < lines; ++i) {
         longest = std::max(longest, gtext_width(labels.text[lab][i], height));
     }
     return longest;
@@ -242,7 +242,7 @@ void draw_position(const Position& position, std::size_t lab, bool fixed, const 
         gset_char_ht(shrink * text_height(layout));
     }
     const int lines = lines_of(layout, fixed);
-    for (int i = 0; i < lines; i++, y += layout.step) {
+    for (int i = 0; i < lines; ++i, y += layout.step) {
         if (labels.text[lab][i][0] != '\0') {
             GPH_printf(x, y, "%s", labels.text[lab][i]);
         }
@@ -290,11 +290,11 @@ int PLT_next_overlay() {
     if (labels.overlay >= plt_overlays) {
         return -1;
     }
-    labels.overlay++;
+    ++labels.overlay;
     if (labels.type != 0) {
         labels.type += labels.type > 0 ? 1 : -1;
     }
-    for (int lab = 0; lab < plt_positions; lab++) {
+    for (int lab = 0; lab < plt_positions; ++lab) {
         labels.begin[lab] = static_cast<int>(std::strlen(labels.text[lab][0]));
     }
     labels.lines = std::max(labels.lines, labels.overlay);
@@ -411,7 +411,7 @@ int PLT_labels() {
     }
     set_lines(&layout, room);
     GPH_text_attr(&attrib, text_height(layout));
-    for (std::size_t lab = 0; lab < positions.size(); lab++) {
+    for (std::size_t lab = 0; lab < positions.size(); ++lab) {
         const Position& position = positions[lab];
         if (FLAG_getplot(position.component) != 0 &&
             !(position.yields_to_bar && CONT_get_bar() >= 1)) {

@@ -131,7 +131,7 @@ std::size_t read_numbers(const char* text, bool (*take)(const char**, T*),
                          std::array<T, N>* numbers) {
     std::size_t count = 0;
     while (count < N && take(&text, &(*numbers)[count])) {
-        count++;
+        ++count;
         if (!take_char(&text, ':')) {
             break;
         }
@@ -350,7 +350,7 @@ void decode_list(const char* resource, void (*decode)(const char*)) {
     int count = 0;
     char** list = nullptr;
     RES_getvals(resource, &count, &list);
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         decode(list[i]);
     }
     free_parsed_array(count, list);

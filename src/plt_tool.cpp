@@ -264,7 +264,7 @@ int PLT_dump(int frame) {
     FILE_save_name_conv();
     const int images = gget_num_images();
     if (frame == frames_all && images >= 2) {
-        for (int i = 0; i < images; i++) {
+        for (int i = 0; i < images; ++i) {
             gselect_frame(i);
             dump_frame(i);
         }

@@ -140,8 +140,8 @@ bool read_rows(png_structp png, png_infop info, const Header& h, unsigned char* 
     if (setjmp(png_jmpbuf(png)) != 0) { // NOLINT(cert-err52-cpp): the library's way
         return false;
     }
-    for (int pass = 0; pass < h.passes; pass++) {
-        for (png_uint_32 row = 0; row < h.height; row++) {
+    for (int pass = 0; pass < h.passes; ++pass) {
+        for (png_uint_32 row = 0; row < h.height; ++row) {
             png_read_row(png, data + h.row_bytes * row, nullptr);
         }
     }
@@ -177,7 +177,7 @@ bool take_palette(const Header& h, IMG_report* image) {
     if (h.palette == nullptr || IMG_alloc_colors(image, h.num_palette) == 0) {
         return false;
     }
-    for (int i = 0; i < h.num_palette; i++) {
+    for (int i = 0; i < h.num_palette; ++i) {
         const png_color& c = h.palette[i];
         image->colors[i] = {static_cast<float>(c.red) / 255.0F,
                             static_cast<float>(c.green) / 255.0F,
@@ -203,7 +203,7 @@ int PNG_encode(const char* filename, const IMG_report& image, const IMG_look& lo
     }
     std::vector<png_bytep> rows;
     rows.reserve(static_cast<std::size_t>(image.height));
-    for (int row = 0; row < image.height; row++) {
+    for (int row = 0; row < image.height; ++row) {
         rows.push_back(picture.index.data() + static_cast<std::size_t>(image.width) * row);
     }
     std::array<TextLine, 3> lines = text_lines(look.title);
@@ -212,11 +212,11 @@ int PNG_encode(const char* filename, const IMG_report& image, const IMG_look& lo
     job.width = static_cast<png_uint_32>(image.width);
     job.height = static_cast<png_uint_32>(image.height);
     job.rows = rows.data();
-    for (int i = 0; i < img_palette_size; i++) {
+    for (int i = 0; i < img_palette_size; ++i) {
         const IMG_rgb c = picture.color[i];
         job.palette[i] = {c.red, c.grn, c.blu};
     }
-    for (std::size_t i = 0; i < lines.size(); i++) {
+    for (std::size_t i = 0; i < lines.size(); ++i) {
         job.text[i].compression = PNG_TEXT_COMPRESSION_NONE;
         job.text[i].key = lines[i].key.data();
         job.text[i].text = lines[i].text.data();

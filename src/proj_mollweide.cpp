@@ -6,7 +6,7 @@ namespace proj {
 MapPair mollweide(const Map& m, double lat, double lon) {
     const double target = pi * sin_deg(lat);
     auto t = static_cast<float>(lat * rad);
-    for (int i = 0; i < 15; i++) { // (31-4)
+    for (int i = 0; i < 15; ++i) { // (31-4)
         const double slope = 1.0 + std::cos(t);
         if (slope == 0.0) {
             break;

@@ -197,7 +197,7 @@ int shift_frames() {
         MAP_setup(&domain);
         return 0;
     }
-    for (int i = 0; i < frames - 1; i++) {
+    for (int i = 0; i < frames - 1; ++i) {
         gcopy_frame(i, i + 1);
     }
     gselect_frame(gcreate_frame(frames - 1));
@@ -210,7 +210,7 @@ int rad_decode_words(void (*decode_word)(const char* word)) {
     int count = 0;
     char** words = nullptr;
     RES_getvals("plot_param", &count, &words);
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         decode_word(words[i]);
     }
     free_parsed_array(count, words);
@@ -317,9 +317,9 @@ int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool 
     int frame = 0;
     while (FILE_get_next(name) != 0) {
         if (!PLT_has_room(frame)) {
-            left_out++;
+            ++left_out;
         } else if (plot_file(plotter, run, name, frame, domain)) {
-            frame++;
+            ++frame;
         } else if (FILE_get_num_file() == 0 && !redraw) {
             PLT_exit(exit_no_file);
         }
@@ -384,7 +384,7 @@ void rad_draw_site(const RadWords& words, float lat, float lon) {
     if (words.site != 0) {
         GPH_mark(x, y);
     }
-    for (std::size_t i = 0; words.rings[0] != 0.0F && i < words.rings.size(); i++) {
+    for (std::size_t i = 0; words.rings[0] != 0.0F && i < words.rings.size(); ++i) {
         if (words.rings[i] != 0.0F) {
             MAP_draw_circle(x, y, words.rings[i] * km_per_nmi);
         }

@@ -294,7 +294,7 @@ bool fit_proj(const char* field, Domain* domain) {
     int i = 1;
     if (i < count && std::strcmp(words[i], "e") == 0) {
         domain->ellipse = 1;
-        i++;
+        ++i;
     }
     if (i < count) {
         domain->plat = float_or_zero(words[i++]);
@@ -302,7 +302,7 @@ bool fit_proj(const char* field, Domain* domain) {
     if (i < count) {
         domain->plon = float_or_zero(words[i++]);
     }
-    for (int k = 0; k < 4 && i < count; k++, i++) {
+    for (int k = 0; k < 4 && i < count; ++k, ++i) {
         if (words[i][0] != '\0') {
             domain->param[k] = float_or_zero(words[i]);
         }
@@ -469,11 +469,11 @@ int decode(const char* str, Domain* domain) {
     if (state.depth >= max_depth) {
         return dom_invalid;
     }
-    state.depth++;
+    ++state.depth;
     const Fields fields(str, ',');
     MESS_print(mess_debug, "******** PARSING DOMAIN: %d %s\n", fields.count(), str);
     const int result = decode_fields(fields, domain);
-    state.depth--;
+    --state.depth;
     if (result == dom_invalid && state.depth == 0) {
         MESS_print(mess_warn, "DOM_decode: Invalid plot domain\n");
     }
@@ -548,7 +548,7 @@ int decode_required(const char* text, Domain* domain) {
 
 int prompt_menu(Domain* domain) {
     char answer[dom_string_size] = "";
-    for (int attempt = 0; attempt < 5; attempt++) {
+    for (int attempt = 0; attempt < 5; ++attempt) {
         const int choice = MENU_process("\n        Region Menu\n", state.menu.data(),
                                         state.menu_type, "Enter the region: ", answer, 3);
         if (stricmp(answer, "list") == 0) {
@@ -660,7 +660,7 @@ int DOM_comp(const Domain* dom1, const Domain* dom2) {
 }
 
 int DOM_comp_proj(const Domain* dom1, const Domain* dom2) {
-    for (int i = 0; i < 5; i++) {
+    for (int i = 0; i < 5; ++i) {
         if (dom1->param[i] != dom2->param[i]) {
             return 0;
         }
@@ -710,14 +710,14 @@ int DOM_set_params(int paramc, char** paramv, Domain* domain, int i1, int i2, in
     std::array<int, 9> kinds{i1, i2, i3, i4, i5, i6, i7, i8, dom_end};
     int count = 0;
     while (kinds[count] != dom_end) {
-        count++;
+        ++count;
     }
     // A station field takes the place of the pair clat,clon.
-    for (int i = 0; i + 1 < count && i < paramc; i++) {
+    for (int i = 0; i + 1 < count && i < paramc; ++i) {
         if (kinds[i] == dom_clat && kinds[i + 1] == dom_clon && begins(paramv[i], "id:")) {
             kinds[i] = dom_station;
             std::copy(kinds.begin() + i + 2, kinds.end(), kinds.begin() + i + 1);
-            count--;
+            --count;
         }
     }
     if (count != paramc) {
@@ -727,7 +727,7 @@ int DOM_set_params(int paramc, char** paramv, Domain* domain, int i1, int i2, in
     if (paramc > 0 && (stricmp(paramv[0], "miss") == 0 || stricmp(paramv[0], "none") == 0)) {
         return 0;
     }
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         if (!fit_field(kinds[i], paramv[i], domain)) {
             return kinds[i];
         }
@@ -770,7 +770,7 @@ int DOM_get_def_region(const char* region, Domain* domain) {
 int DOM_read_menu(const char* file) {
     if (!state.wiped) {
         state.wiped = true;
-        for (int i = 1; i < file_rows; i++) {
+        for (int i = 1; i < file_rows; ++i) {
             state.menu[i].name = nullptr;
             state.menu[i].abbr = nullptr;
             state.menu[i].disp[state.menu_type] = 0;
@@ -796,7 +796,7 @@ int DOM_read_menu(const char* file) {
         item.abbr = state.abbrs[row].data();
         item.index = row;
         item.disp[state.menu_type] = 1;
-        row++;
+        ++row;
     }
     state.num_regs = row;
     state.menu[row].name = nullptr;

@@ -326,7 +326,7 @@ bool read_term(const char** text, Term* term) {
             (*text)[length] == '_') &&
            length < sizeof word - 1) {
         word[length] = (*text)[length];
-        length++;
+        ++length;
     }
     *text += length;
     if (length > 0) {
@@ -638,7 +638,7 @@ int VAR_base_pop() {
     if (var_state.base_ind < 0) {
         return -1;
     }
-    var_state.base_ind--;
+    --var_state.base_ind;
     return 0;
 }
 

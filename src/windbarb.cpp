@@ -99,11 +99,11 @@ int WIND_barb(float x, float y, float dir, float spd, float size, float offset) 
         half_barb(staff, 0.0);
         return 0;
     }
-    for (int i = 0; i < flags; i++) {
+    for (int i = 0; i < flags; ++i) {
         flag(staff, i);
     }
     const int first = flags == 0 ? -1 : flags;
-    for (int j = 0; j < barbs; j++) {
+    for (int j = 0; j < barbs; ++j) {
         const double place = spacing * (first + j);
         line(staff.at(0.88 - place), staff.at(1.0 - place, full_length));
     }
@@ -148,7 +148,7 @@ int WIND_track(float x, float y, float dir, float spd, float arrow, int maj, int
     line({x, y}, point(tx, ty));
 
     const double half = 0.2 * arrow;
-    for (int i = 0; i < maj; i++) {
+    for (int i = 0; i < maj; ++i) {
         const double along = static_cast<double>(spd) / maj * i;
         const double mx = x + along * to.u;
         const double my = y + along * to.v;

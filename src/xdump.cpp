@@ -123,7 +123,7 @@ std::vector<std::uint8_t> header_of(const IMG_report& image) {
 std::vector<std::uint8_t> colors_of(const IMG_report& image) {
     constexpr std::uint32_t all_parts = 7;
     std::vector<std::uint8_t> bytes;
-    for (int i = 0; i < num_colors(image); i++) {
+    for (int i = 0; i < num_colors(image); ++i) {
         const IMG_color& c = image.colors[i];
         put_be(&bytes, u32(i), 4);
         put_be(&bytes, 0, 4);
@@ -157,7 +157,7 @@ bool read_header(std::FILE* file, XWDFileHeader* h) {
 // The name, cut at the size of `info`.
 bool read_name(std::FILE* file, std::uint32_t length, IMG_report* image) {
     std::size_t used = 0;
-    for (std::uint32_t i = 0; i < length; i++) {
+    for (std::uint32_t i = 0; i < length; ++i) {
         const int c = std::getc(file);
         if (c == EOF) {
             return false;
@@ -205,7 +205,7 @@ bool read_colors(std::FILE* file, const XWDFileHeader& h, IMG_report* image) {
     }
     const bool direct = h.visual_class == direct_color;
     const std::uint32_t size = record_size(file, h);
-    for (std::uint32_t i = 0; i < count; i++) {
+    for (std::uint32_t i = 0; i < count; ++i) {
         std::array<unsigned char, color_bytes> record{};
         if (std::fread(record.data(), 1, size, file) != size) {
             return false;
@@ -281,12 +281,12 @@ bool read_planes(std::FILE* file, const XWDFileHeader& h, IMG_report* image) {
     }
     std::vector<unsigned char> row(h.bytes_per_line);
     for (std::uint32_t plane = h.pixmap_depth; plane-- > 0;) {
-        for (std::uint32_t y = 0; y < h.pixmap_height; y++) {
+        for (std::uint32_t y = 0; y < h.pixmap_height; ++y) {
             if (std::fread(row.data(), 1, row.size(), file) != row.size()) {
                 return false;
             }
             unsigned char* out = image->data.get() + std::size_t(image->bytes_line) * y;
-            for (std::uint32_t x = 0; x < h.pixmap_width; x++) {
+            for (std::uint32_t x = 0; x < h.pixmap_width; ++x) {
                 const unsigned bit = bit_of(row.data(), x, h);
                 const std::size_t at = single ? x / 8 : std::size_t{x} * bytes + plane / 8;
                 out[at] = static_cast<unsigned char>(out[at] | bit << (single ? x % 8 : plane % 8));

@@ -62,7 +62,7 @@ std::uint32_t gray(int x, int y) {
 // Greys of 16 bits, of which the upper eight count.
 void write_gray_png(const std::string& name, int width, int height) {
     std::vector<png_uint_16> data;
-    for (int i = 0; i < width * height; i++)
+    for (int i = 0; i < width * height; ++i)
         data.push_back(static_cast<png_uint_16>(gray(i % width, i / width) << 8U | 0x37U));
     png_image png{};
     png.version = PNG_IMAGE_VERSION;
@@ -78,10 +78,10 @@ void write_gray_png(const std::string& name, int width, int height) {
 void write_png(const std::string& name, int bits, int width, int height) {
     constexpr int many = 17; // more than four bits count
     std::array<png_byte, std::size_t{3} * many> palette{};
-    for (std::size_t i = 0; i < 3 * std::size(colors); i++)
+    for (std::size_t i = 0; i < 3 * std::size(colors); ++i)
         palette[i] = static_cast<png_byte>(colors[i / 3] >> (16 - 8 * (i % 3)));
     std::vector<png_byte> data;
-    for (int i = 0; i < width * height; i++) {
+    for (int i = 0; i < width * height; ++i) {
         const std::uint8_t index = pattern(i % width, i / width, bits);
         const auto first = palette.begin() + 3 * index;
         if (bits == 24)
@@ -236,8 +236,8 @@ TEST_F(CaptureTest, ImagesLieOverThePlot) {
         for (const Row& row : rows) {
             if (row.bits == 16 && depth == 8)
                 continue; // without a table they are pixels of the display
-            for (int y = std::max(0, -row.y); y < std::min(row.height, 301 - row.y); y++) {
-                for (int x = std::max(0, -row.x); x < std::min(row.width, 401 - row.x); x++) {
+            for (int y = std::max(0, -row.y); y < std::min(row.height, 301 - row.y); ++y) {
+                for (int x = std::max(0, -row.x); x < std::min(row.width, 401 - row.x); ++x) {
                     const std::uint32_t pixel = row.bits == 0    ? 0xFF0000
                                                 : row.bits == 16 ? gray(x, y) * 0x10101
                                                                  : colors[pattern(x, y, row.bits)];
@@ -266,7 +266,7 @@ TEST_F(CaptureTest, ImagesArePlacedOnThePageOrOnTheMap) {
             picture_of("disc -ge 401x301 -dr sum,map -mf " + kind +
                        ":i.png:black:" + std::to_string(x) + ":" + std::to_string(y));
         const auto fits = [&](int left, int top) {
-            for (int i = 0; i < width * height; i++) {
+            for (int i = 0; i < width * height; ++i) {
                 const std::uint32_t pixel = colors[pattern(i % width, i / width, 24)];
                 const int at = (top + i / width) * seen.width + left + i % width;
                 if (pixel != 0 && seen.rgb[at] != pixel)
@@ -274,7 +274,7 @@ TEST_F(CaptureTest, ImagesArePlacedOnThePageOrOnTheMap) {
             }
             return true;
         };
-        for (int i = 0; i < (seen.width - width) * (seen.height - height); i++) {
+        for (int i = 0; i < (seen.width - width) * (seen.height - height); ++i) {
             const int left = i % (seen.width - width);
             const int top = i / (seen.width - width);
             if (fits(left, top))
@@ -300,7 +300,7 @@ TEST_F(CaptureTest, OddRecordsAreDrawnOrRefused) {
         std::mt19937 random(7);
         const auto below = [&](unsigned n) { return static_cast<int>(random() % n); };
         int drawn = 0;
-        for (int i = 0; i < 200; i++) {
+        for (int i = 0; i < 200; ++i) {
             IMG_report image;
             image.width = below(900);
             image.height = below(60);

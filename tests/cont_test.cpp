@@ -52,7 +52,7 @@ std::string color_name(int ind) {
 std::string steps() {
     const cont::State& s = cont::state();
     std::string all;
-    for (int i = 0; i < s.color_num; i++) {
+    for (int i = 0; i < s.color_num; ++i) {
         const auto value = static_cast<double>(s.cont_value[i]);
         const std::string label = s.cont_label[i];
         all += (i > 0 ? " " : "") + (is_set(s.cont_value[0]) ? printed("%g", value) : "-") + ":" +
@@ -101,7 +101,7 @@ TEST(Cont, ListsOfLevelsAndColors) {
     const TempDir dir;
     std::string many;
     std::string rows_of_file;
-    for (int i = 0; i < 300; i++) {
+    for (int i = 0; i < 300; ++i) {
         many += "red,";
         rows_of_file += printed("%d:red\n", i);
     }
@@ -212,7 +212,7 @@ TEST(Cont, ShippedLevelFiles) {
         if (entry.path().extension() != ".lvl") {
             continue;
         }
-        files++;
+        ++files;
         start();
         const std::string name = entry.path().stem();
         RES_put("color_fill", "auto");
@@ -291,8 +291,8 @@ struct Field {
     GRD_report grid;
 
     Field(int nx, int ny, const std::function<float(float, float)>& f) {
-        for (int y = ny - 1; y >= 0; y--) {
-            for (int x = 0; x < nx; x++) {
+        for (int y = ny - 1; y >= 0; --y) {
+            for (int x = 0; x < nx; ++x) {
                 values.push_back(f(static_cast<float>(x), static_cast<float>(y)));
             }
         }
@@ -339,8 +339,8 @@ TEST(Contour, ConeGivesClosedRings) {
             const Gpt& b = line.points[1];
             const double r = std::hypot((a.x + b.x) / 2.0 - 7.0, (a.y + b.y) / 2.0 - 7.0);
             length[static_cast<int>(std::lround(2.0 * r))] += std::hypot(a.x - b.x, a.y - b.y);
-            ends[show({a})]++;
-            ends[show({b})]++;
+            ++ends[show({a})];
+            ++ends[show({b})];
         }
         for (const auto& [at, count] : ends) {
             EXPECT_EQ(count, 2) << at << " type " << type;
@@ -436,7 +436,7 @@ TEST(Contour, GridsOnOtherDomains) {
     float* y = nullptr;
     float cx = 0.0F;
     float cy = 0.0F;
-    for (int again = 0; again < 2; again++) { // the second call frees the first arrays
+    for (int again = 0; again < 2; ++again) { // the second call frees the first arrays
         ASSERT_EQ(GRD_proj_XY(&plane.grid, &map, &x, &y), 0);
     }
     MAP_tran(40, -97, &cx, &cy);

@@ -96,7 +96,7 @@ protected:
     static void three_frames(int looping) {
         gdelete_all_frames();
         ginit_loop();
-        for (int i = 0; i < 3; i++)
+        for (int i = 0; i < 3; ++i)
             gcreate_frame(i);
         ginc_loop_delay(0.5F - gget_loop_delay());
         gset_looping(looping);
@@ -258,7 +258,7 @@ TEST_F(EventsTest, BandFollowsThePointer) {
 
 TEST_F(EventsTest, ExposuresAreServedOnce) {
     const Picture before = user->look(window);
-    for (int i = 0; i < 20; i++)
+    for (int i = 0; i < 20; ++i)
         XClearArea(user->display(), window, 10 * i, 10 * i, 100, 50, True);
     XSync(user->display(), False);
     EXPECT_GT(pixels_that_differ(user->look(window), before), 1000);
@@ -287,7 +287,7 @@ TEST_F(EventsTest, MessagesOfAttachedPrograms) {
     gset_draw_window(known);
     draw_triangle();
     gset_draw_window(0);
-    for (int n = 1; n <= 3; n++) {
+    for (int n = 1; n <= 3; ++n) {
         user->send(window, 2);
         serve();
         ASSERT_EQ(gget_num_images(), n + 1);
@@ -325,8 +325,8 @@ TEST_F(EventsTest, ZoomShowsWhatPositionsTell) {
     const auto misplaced = [&](const Picture& picture) {
         const Picture shown = user->look(window);
         int wrong = 0;
-        for (int y = 0; y < shown.height; y++) {
-            for (int x = 0; x < shown.width; x++) {
+        for (int y = 0; y < shown.height; ++y) {
+            for (int x = 0; x < shown.width; ++x) {
                 const auto from_x = static_cast<int>(xZ_p(static_cast<float>(x)));
                 const auto from_y = static_cast<int>(yZ_p(static_cast<float>(y)));
                 wrong += shown.at(x, y) != picture.at(from_x, from_y) ? 1 : 0;
@@ -387,7 +387,7 @@ TEST_F(EventsTest, FramesAreDeletedAndTheLastOnePauses) {
     EXPECT_EQ(gget_num_images(), 0);
     EXPECT_EQ(gget_frame_id(0), only) << "serves the next frame";
     EXPECT_EQ(gdelete_frame(max_frames), 0);
-    for (int i = 0; i < max_frames; i++)
+    for (int i = 0; i < max_frames; ++i)
         ASSERT_EQ(gcreate_frame(-1), i);
     EXPECT_EQ(gcreate_frame(-1), -1) << "the table is full";
     EXPECT_EQ(gget_num_images(), max_frames);

@@ -60,7 +60,7 @@ protected:
             before = user->title(window);
             usleep(1000 * longest_ms);
         }
-        for (int i = 0; i < 4 && user->title(window) != "T [0]"; i++) {
+        for (int i = 0; i < 4 && user->title(window) != "T [0]"; ++i) {
             user->key(XK_bracketright, alt);
             settle();
         }
@@ -94,7 +94,7 @@ TEST_F(FramesTest, StepsThroughFrames) {
     const std::vector<Picture> each = pictures();
     ASSERT_GT(pixels_that_differ(each[0], each[1]), 1000);
     start_stopped();
-    for (std::size_t i = 0; i <= 4; i++) { // and from the last to the first
+    for (std::size_t i = 0; i <= 4; ++i) { // and from the last to the first
         expect_frame(static_cast<int>(i % 4), each[i % 4], "forward");
         user->key(XK_bracketright, alt);
     }
@@ -148,7 +148,7 @@ TEST_F(FramesTest, LoopRunsAndRests) {
         EXPECT_GT(stay, name == "T [3]" ? 0.95 : 0.45) << name;
         EXPECT_LT(stay, name == "T [3]" ? 1.45 : 0.95) << name;
     }
-    for (int i = 0; i < 9; i++)
+    for (int i = 0; i < 9; ++i)
         user->key(XK_bracketright, alt); // no delay at all
     settle();
     title = user->title(window);
@@ -179,7 +179,7 @@ TEST_F(FramesTest, FramesByHour) {
     start_stopped("201905202230 -nh -0:20,0:10", {
                                                      {"zyrcurtime", "201905202240"}
     });
-    for (int i = 0; i <= 3; i++) {
+    for (int i = 0; i <= 3; ++i) {
         expect_frame(i % 3, each[static_cast<std::size_t>(i % 3)], "by hour");
         user->key(XK_bracketright, alt);
         settle();
@@ -189,7 +189,7 @@ TEST_F(FramesTest, FramesByHour) {
 
 TEST_F(FramesTest, TooManyFilesAreToldOf) {
     std::string args;
-    for (int i = 0; i < 129; i++) {
+    for (int i = 0; i < 129; ++i) {
         const std::string name = "f" + std::to_string(i);
         write(name, disc_product(1 + i % 15));
         args += name + " ";
@@ -220,7 +220,7 @@ TEST_F(FramesTest, PixelZoom) {
     EXPECT_NE(twice, whole);
     user->cover(window);
     EXPECT_TRUE(shows(twice));
-    for (int i = 0; i < 10; i++)
+    for (int i = 0; i < 10; ++i)
         user->key(XK_z, alt);
     EXPECT_TRUE(said("gzoom: Cannot zoom past 1024x\n"));
     EXPECT_EQ(picture().colors(), 1);
@@ -380,8 +380,8 @@ TEST_F(FramesTest, PictureOutlivesItsFile) {
     EXPECT_EQ(count_text(program->err(), note), ++said_times);
     const Picture larger = picture();
     int differ = 0;
-    for (int y = 0; y < whole.height; y++)
-        for (int x = 0; x < whole.width; x++)
+    for (int y = 0; y < whole.height; ++y)
+        for (int x = 0; x < whole.width; ++x)
             differ += larger.at(x, y) != whole.at(x, y) ? 1 : 0;
     EXPECT_EQ(differ, 0) << "in the corner of a larger window";
     std::filesystem::rename(dir.path() + "/gone", dir.path() + "/d2");

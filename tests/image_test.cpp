@@ -85,7 +85,7 @@ Picture shown(const ImageSample& sample, const IMG_report& image, bool* has_back
         return known || table.back() == value;
     };
     Picture out{sample.width, sample.height, {}};
-    for (int i = 0; i < sample.width * sample.height; i++) {
+    for (int i = 0; i < sample.width * sample.height; ++i) {
         const int color = color_at(sample, i);
         const bool placed = has_place(image_value(sample, color));
         out.rgb.push_back(image_rgb(sample, placed ? color : color_at(sample, 0)));
@@ -120,7 +120,7 @@ GifView giflib_view(const char* name) {
         const SavedImage& image = gif->SavedImages[0];
         view.picture = {gif->SWidth, gif->SHeight, {}};
         view.interlaced = image.ImageDesc.Interlace;
-        for (int i = 0; i < gif->SWidth * gif->SHeight; i++) {
+        for (int i = 0; i < gif->SWidth * gif->SHeight; ++i) {
             const GifColorType c = gif->SColorMap->Colors[image.RasterBits[i]];
             view.picture.rgb.push_back(
                 static_cast<std::uint32_t>(c.Red << 16 | c.Green << 8 | c.Blue));
@@ -147,16 +147,16 @@ void make_png(const MemoryFile& file, int color_type, int bit_depth, int interla
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     if (color_type == PNG_COLOR_TYPE_PALETTE) {
         std::vector<png_color> palette;
-        for (int i = 0; i < 1 << bit_depth; i++) {
+        for (int i = 0; i < 1 << bit_depth; ++i) {
             palette.push_back({static_cast<png_byte>(i * 7), static_cast<png_byte>(255 - i), 9});
         }
         png_set_PLTE(png, info, palette.data(), 1 << bit_depth);
     }
     png_write_info(png, info);
     Bytes row(png_get_rowbytes(png, info));
-    for (int pass = png_set_interlace_handling(png); pass > 0; pass--) {
+    for (int pass = png_set_interlace_handling(png); pass > 0; --pass) {
         std::mt19937 random; // the same rows in each pass
-        for (int y = 0; y < height; y++) {
+        for (int y = 0; y < height; ++y) {
             std::generate(row.begin(), row.end(), [&] { return random() & 0xFF; });
             png_write_row(png, row.data());
         }
@@ -231,7 +231,7 @@ TEST_F(Image, EveryLayoutGoesThroughPaletteFiles) {
             if (sample.depth == 24 && by_table == 1) { // of each component, upside down
                 image.color_type = 1;
                 IMG_alloc_colors(&image, 256);
-                for (int i = 0; i < 256; i++) {
+                for (int i = 0; i < 256; ++i) {
                     const float level = static_cast<float>(255 - i) / 255.0F;
                     image.colors[i] = {level, level, level};
                 }
@@ -267,7 +267,7 @@ TEST_F(Image, WindowDumpsKeepPixelsAndColors) {
             expected += big(field, 4);
         }
         expected += name;
-        for (int i = 0; i < table; i++) {
+        for (int i = 0; i < table; ++i) {
             const std::uint32_t rgb = image_rgb(sample, i);
             expected += big(i, 4) + big(0, 4);
             for (const int shift : {16, 8, 0}) {
@@ -318,7 +318,7 @@ TEST_F(Image, WindowDumpsOfOtherProgramsAreRead) {
         const std::string name = ZYR_SOURCE_DIR "/tests/fuzz/seeds/xwd_fuzz/"s + row.file;
         ASSERT_EQ(XWD_read(name.c_str(), &image, 0), 1) << row.file;
         Picture expected{7, 5, {}};
-        for (int i = 0; i < 35; i++) {
+        for (int i = 0; i < 35; ++i) {
             expected.rgb.push_back(colors[(i % 7 + i / 7) % 7] & row.bits);
         }
         Picture seen = picture_of_record(image);
@@ -347,7 +347,7 @@ TEST_F(Image, NativeFilesKeepGreyLevels) {
         SCOPED_TRACE("sample " + std::to_string(&sample - samples));
         IMG_report image = image_sample(sample);
         Bytes grey;
-        for (int i = 0; i < sample.width * sample.height; i++) {
+        for (int i = 0; i < sample.width * sample.height; ++i) {
             const std::uint32_t v = image_value(sample, color_at(sample, i));
             const std::uint32_t mean = ((v >> 16) + (v >> 8 & 0xFF) + (v & 0xFF)) / 3;
             grey.push_back(static_cast<std::uint8_t>(sample.bits_pixel == 32 ? mean : v));
@@ -591,7 +591,7 @@ TEST_F(Image, FilesMayBeCutAnywhere) {
     testing::internal::CaptureStderr();
     for (const char* kind : {"gif", "png", "xwd", "native"}) {
         for (const auto& [name, bytes] : image_samples(kind)) {
-            for (std::size_t n = 0; n < bytes.size(); n++) {
+            for (std::size_t n = 0; n < bytes.size(); ++n) {
                 const MemoryFile file(
                     Bytes(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(n)));
                 IMG_report image;

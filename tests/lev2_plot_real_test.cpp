@@ -17,12 +17,12 @@ using Scans = std::map<std::pair<int, int>, long>;
 constexpr std::array<const char*, lev2_moments> variables = {"ref", "vel", "spect"};
 
 void add_radial(Scans& scans, const LEV2_data& data) {
-    for (int type = 0; type < lev2_moments; type++) {
+    for (int type = 0; type < lev2_moments; ++type) {
         if (LEV2_set_data_type(type) == 0) {
             continue;
         }
         long& figures = scans[{data.elev_num, type}];
-        for (int i = 0; i < LEV2_get_gates().count; i++) {
+        for (int i = 0; i < LEV2_get_gates().count; ++i) {
             const float v = LEV2_get_data();
             figures += type == lev2_refl ? v >= 5 : (v >= -70 && v < 0) || v >= 1;
         }

@@ -27,8 +27,8 @@ Bytes two_scans() {
     Lev2Moment width = vel;
     width.name = "SW ";
     Bytes records = lev2_other(2);
-    for (int scan = 1; scan <= 2; scan++) {
-        for (int i = 0; i < 2; i++) {
+    for (int scan = 1; scan <= 2; ++scan) {
+        for (int i = 0; i < 2; ++i) {
             Lev2Radial radial;
             radial.az = 30.0F + 90.0F * static_cast<float>(i);
             radial.half_degree = true;
@@ -103,7 +103,7 @@ TEST_F(Lev2Plot, GatesHaveTheirPlace) {
   // distance, azimuth
             {{near, 29.5}, {far, 29.5}, {far, 30.51}, {near, 30.51}, {near, 29.5}}
         };
-        for (std::size_t i = 0; i < expected.size(); i++) {
+        for (std::size_t i = 0; i < expected.size(); ++i) {
             const double azimuth = expected[i][1] * std::numbers::pi / 180;
             EXPECT_NEAR(corners[i][0], 377.5 + expected[i][0] * std::sin(azimuth), 0.02);
             EXPECT_NEAR(corners[i][1], 287.5 + expected[i][0] * std::cos(azimuth), 0.02);

@@ -35,13 +35,13 @@ void add_gates(const LEV2_gates& gates, Moment& seen) {
         seen.first_km = gates.first_km;
         seen.size_km = gates.size_km;
     }
-    for (int i = 0; i < gates.count; i++) {
+    for (int i = 0; i < gates.count; ++i) {
         const unsigned word = gates.word(i);
         if (word > 1) {
             const double value = gates.value(word);
             seen.least = std::min(seen.least, value);
             seen.most = std::max(seen.most, value);
-            seen.valid++;
+            ++seen.valid;
         }
     }
 }
@@ -60,7 +60,7 @@ Scans read_scans(const std::string& path, LEV2_info& info) {
             scan.elevation = d.elev_ang;
             scan.first = d;
         }
-        for (int type = 0; type < lev2_moments; type++) {
+        for (int type = 0; type < lev2_moments; ++type) {
             Moment& seen = scan.moments[static_cast<std::size_t>(type)];
             seen.radials += LEV2_set_data_type(type);
             add_gates(LEV2_get_gates(), seen);
@@ -79,7 +79,7 @@ Scan told_scan(const std::string& json, const std::string& radials, bool fixed) 
     scan.radials = std::strtod(radials.c_str(), nullptr);
     scan.azimuth = json_number(json, "first_azimuth");
     scan.elevation = json_number(json, "first_elevation");
-    for (std::size_t type = 0; type < names.size(); type++) {
+    for (std::size_t type = 0; type < names.size(); ++type) {
         const std::size_t at = json.find(std::string("\"") + names[type] + "\": {");
         if (at != std::string::npos) {
             const std::string part = json.substr(at, json.find('}', at) - at);
@@ -100,7 +100,7 @@ std::string text_of(const Scan& scan) {
     std::array<char, 500> text{};
     int n = std::snprintf(text.data(), text.size(), "%.0f: %.0f radials az %.4f el %.4f", scan.num,
                           scan.radials, scan.azimuth, scan.elevation);
-    for (std::size_t type = 0; type < names.size(); type++) {
+    for (std::size_t type = 0; type < names.size(); ++type) {
         const Moment& m = scan.moments[type];
         n += std::snprintf(text.data() + n, text.size() - static_cast<std::size_t>(n),
                            " %s %.0f x %.0f at %.3f + %.3f, %.2f to %.2f in %.0f", names[type],
@@ -135,7 +135,7 @@ int compare(const std::string& line, const std::string& path) {
                       text_of(told_scan("\"first_azimuth\"" + told[i], radials[i - 1],
                                         scan.first.type == lev2_radial_fixed)));
         }
-        i++;
+        ++i;
     }
     if (line.find("\"lat\": null") == std::string::npos && !scans.empty()) {
         EXPECT_NEAR(scans.begin()->second.first.lat, json_number(line, "lat"), 1e-3);
@@ -152,7 +152,7 @@ TEST(Lev2Real, ScansOfTheReference) {
     const auto check = [&](const std::string& path, const std::string& line) {
         SCOPED_TRACE(path);
         scans += compare(line, path);
-        files++;
+        ++files;
     };
     if (!each_reference("level2/", check)) {
         GTEST_SKIP() << "no real files here";

@@ -24,9 +24,9 @@ std::string dump(const char* name, LEV2_info* info = nullptr) {
             return;
         }
         out << d.elev_num << '/' << d.rad_num << ' ' << d.rad_az << ' ' << d.elev_ang;
-        for (int type = 0; type < lev2_moments; type++) {
+        for (int type = 0; type < lev2_moments; ++type) {
             out << (LEV2_set_data_type(type) == 1 ? " |" : " -");
-            for (int i = 0; i < LEV2_get_gates().count; i++) {
+            for (int i = 0; i < LEV2_get_gates().count; ++i) {
                 out << ' ' << LEV2_get_data();
             }
         }
@@ -56,7 +56,7 @@ std::string warnings(const Bytes& bytes, int compress, int walks) {
     MESS_set(0, mess_warn | mess_error);
     LEV2_set_compress(compress);
     testing::internal::CaptureStderr();
-    for (int i = 0; i < walks; i++) {
+    for (int i = 0; i < walks; ++i) {
         dump(file.name());
     }
     std::string text = testing::internal::GetCapturedStderr();
@@ -69,7 +69,7 @@ std::string warnings(const Bytes& bytes, int compress, int walks) {
 }
 
 void put32(Bytes& bytes, std::size_t at, std::uint32_t value) {
-    for (std::size_t i = 0; i < 4; i++) {
+    for (std::size_t i = 0; i < 4; ++i) {
         bytes[at + i] = static_cast<std::uint8_t>(value >> (24 - 8 * i));
     }
 }
@@ -244,7 +244,7 @@ TEST_F(Lev2, Units) {
 TEST_F(Lev2, Bomb) {
     const Bytes unit = lev2_unit(Bytes(45000000));
     Bytes bytes = lev2_header(Lev2Volume{});
-    for (int i = 0; i < 8; i++) {
+    for (int i = 0; i < 8; ++i) {
         bytes.insert(bytes.end(), unit.begin(), unit.end());
     }
     EXPECT_EQ(warnings(bytes, 1, 1), "LEV2_get_block: The volume is too long:\n");
@@ -333,7 +333,7 @@ TEST_F(Lev2, WhyThePictureIsEmpty) {
     EXPECT_EQ(lev2_cut_text(tilted.row[0]).substr(0, 18), "Scan 255: El=0.8 3");
     EXPECT_EQ(lev2_empty_text(cuts, 1, 2), "Scan 1 (El=0.0) has no spectrum width, nor has any "
                                            "other");
-    for (d.elev_num = 0; d.elev_num < 300; d.elev_num++) {
+    for (d.elev_num = 0; d.elev_num < 300; ++d.elev_num) {
         lev2_count_radial(cuts, d);
     }
     EXPECT_EQ(cuts.count, static_cast<std::size_t>(lev2_max_cuts));

@@ -141,7 +141,7 @@ TEST(Maptran, ThereAndBack) {
     Dice dice;
     for (const auto& row : rows) {
         double worst = 0.0;
-        for (int i = 0; i < 20000; i++) {
+        for (int i = 0; i < 20000; ++i) {
             const bool south = i % 2 == 1;
             const Domain d = random_domain(row.proj, south, dice);
             const float lat = dice.between(row.lat_lo, row.lat_hi) * (south ? -1.0F : 1.0F);
@@ -218,7 +218,7 @@ TEST(Maptran, PointsWithoutImage) {
 }
 
 TEST(Maptran, AnyLongitude) {
-    for (int proj = 1; proj <= 9; proj++) {
+    for (int proj = 1; proj <= 9; ++proj) {
         use(make(proj, proj == 9 ? 0.0F : 10.0F, -160));
         EXPECT_EQ(tran(20, 190), tran(20, -170)) << proj;
         EXPECT_EQ(tran(20, -170.0F + 360000.0F), tran(20, -170)) << proj;
@@ -329,7 +329,7 @@ TEST(Maptran, Directions) {
 // Whatever bits come in, only numbers go out.
 TEST(Maptran, NeverInfinite) {
     Dice dice;
-    for (int i = 0; i < 60000; i++) {
+    for (int i = 0; i < 60000; ++i) {
         Domain d = make(i % 46, dice.any(), dice.any(), dice.any(), dice.any());
         d.clat = dice.any();
         d.clon = dice.any();

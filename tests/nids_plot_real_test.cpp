@@ -99,7 +99,7 @@ TEST_P(NidsReal, EveryProductIsDrawnWhole) {
     for (const auto& entry : std::filesystem::directory_iterator(data)) {
         if (index++ % (parts * stride) == GetParam()) {
             check_product(std::filesystem::absolute(entry.path()), dir);
-            products++;
+            ++products;
         }
     }
     EXPECT_GT(products, 0);

@@ -199,7 +199,7 @@ TEST(NidsColors, FollowTheCodeAndForgetTheFrameBefore) {
         std::istringstream in(row);
         NIDS_info info;
         in >> info.code;
-        for (int i = 0; i < nids_num_thres; i++) {
+        for (int i = 0; i < nids_num_thres; ++i) {
             info.thres[i] = i == 0 ? -100.0F : static_cast<float>(5 * i);
         }
         NIDS_set_colors(info);
@@ -239,7 +239,7 @@ TEST(NidsColors, AutoTakesTheQuantitysLevels) {
     for (const auto& [label, first] : rows) {
         NIDS_info info;
         copy_text(info.info, sizeof info.info, label);
-        for (int i = 0; i < 16; i++) {
+        for (int i = 0; i < 16; ++i) {
             info.thres[i] = static_cast<float>(7 + i);
         }
         NIDS_set_colors(info);

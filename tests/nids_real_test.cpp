@@ -50,7 +50,7 @@ Seen read_product(const std::string& path) {
 std::string packet_text(const std::vector<int>& codes) {
     std::string out;
     for (std::size_t i = 0, n = 0; i < codes.size(); i += n) {
-        for (n = 1; i + n < codes.size() && codes[i + n] == codes[i]; n++) {
+        for (n = 1; i + n < codes.size() && codes[i + n] == codes[i]; ++n) {
         }
         std::array<char, 16> code{};
         std::snprintf(code.data(), code.size(), codes[i] > 999 ? "%04X" : "%d", codes[i]);
@@ -97,7 +97,7 @@ void compare(const std::string& line, const std::string& path, std::size_t at) {
     ASSERT_TRUE(least != seen.cells.end() && *least == *most);
     if (radial && *least == cells + 1 && *least % 2 == 0) { // a byte pads an odd radial
         counts[missing_f] += static_cast<long>(lines);
-        cells++;
+        ++cells;
     }
     EXPECT_EQ(shape(info.code, info.src, info.domain.clat, info.domain.clon, info.alt / 0.3048,
                     static_cast<double>(seen.cells.size()), *least),
@@ -114,7 +114,7 @@ TEST(NidsReal, CountsOfTheReference) {
         if (at != std::string::npos) {
             SCOPED_TRACE(path);
             compare(line, path, at);
-            files++;
+            ++files;
         }
     };
     if (!each_reference("nids/", check)) {
@@ -196,7 +196,7 @@ TEST(NidsReal, PacketsAndPagesOfTheManifest) {
         if (column.size() < 16 || column[3] != "nids") {
             continue;
         }
-        files++;
+        ++files;
         const Seen seen = read_product(real_data + column[0]);
         const Date& d = seen.info.date;
         std::array<char, 60> date{};

@@ -47,13 +47,13 @@ std::string walk(const Bytes& bytes, NIDS_info* info = nullptr) {
 TEST(NidsNumbers, FloatsAndDates) {
     const int bits[] = {0x0000, 0xC000, 0x4200, 0x7C00, 0x0200, 0x8001};
     const float values[] = {0.0F, -1.0F, 1.5F, 32768.0F, 1.0F, -2 / 1024.0F};
-    for (std::size_t i = 0; i < std::size(bits); i++) {
+    for (std::size_t i = 0; i < std::size(bits); ++i) {
         EXPECT_EQ(NIDS_float16(bits[i]), values[i]) << std::hex << bits[i];
     }
     EXPECT_EQ(NIDS_float32(0xC2C8, 0x4000), -100.125F);
     const int days[] = {-5, 365, 366, 790, 11017};
     const int dates[] = {19700101, 19701231, 19710101, 19720229, 20000229};
-    for (std::size_t i = 0; i < std::size(days); i++) {
+    for (std::size_t i = 0; i < std::size(days); ++i) {
         std::array<int, 3> d{};
         NIDS_julian_date(days[i], &d[0], &d[1], &d[2]);
         EXPECT_EQ(d[0] * 10000 + d[1] * 100 + d[2], dates[i]);
@@ -119,7 +119,7 @@ TEST(NidsLevels, CodedThresholds) {
                             5.0F, -100.0F, -100.0F, -90.0F, -9.0F, 255.0F, 0.0F,  0.0F};
     NIDS_info info;
     walk(nids_message(s), &info);
-    for (std::size_t i = 0; i < std::size(values); i++) {
+    for (std::size_t i = 0; i < std::size(values); ++i) {
         EXPECT_FLOAT_EQ(info.thres[i], values[i]) << i;
     }
 }
@@ -194,7 +194,7 @@ TEST(NidsStream, EveryWrapperAndCompressionGivesTheSameWalk) {
         files.push_back(nids_wrapped("SD", nids_zlib(plain, streams)));
         files.push_back(nids_join({files.back(), trailer}));
     }
-    for (std::size_t i = 0; i < files.size(); i++) {
+    for (std::size_t i = 0; i < files.size(); ++i) {
         EXPECT_TRUE(walk(files[i]) == expected) << i;
     }
     // A code without a row is unpacked when its description says so.
@@ -208,7 +208,7 @@ TEST(NidsStream, CollectiveFileAndRefusedData) {
         std::map<std::string, Bytes>(samples.begin(), samples.end()).at("collective");
     const char* selectors[] = {"#0", "#1", "#2"};
     const int types[] = {0xAF1F, 16, missing};
-    for (std::size_t i = 0; i < std::size(types); i++) {
+    for (std::size_t i = 0; i < std::size(types); ++i) {
         NIDS_info info;
         info.type = missing;
         NIDS_set_ext_info(selectors[i]);
@@ -263,12 +263,12 @@ TEST(NidsDamage, CutsAndFlips) {
         NIDS_set_ext_info(name == "collective" ? "#1" : "");
         const std::string whole = walk(bytes);
         ASSERT_GT(whole.size(), 20U);
-        for (std::size_t size = 0; size < bytes.size(); size++) {
+        for (std::size_t size = 0; size < bytes.size(); ++size) {
             const std::string cut =
                 walk(Bytes(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)));
             EXPECT_TRUE(cut == "none" || whole.rfind(cut, 0) == 0) << size << " " << cut;
         }
-        for (std::size_t at = 0; at < bytes.size(); at++) {
+        for (std::size_t at = 0; at < bytes.size(); ++at) {
             Bytes flipped = bytes;
             flipped[at] ^= static_cast<std::uint8_t>(1U << random() % 8);
             NIDS_info info;

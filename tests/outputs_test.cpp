@@ -200,7 +200,7 @@ TEST_F(Outputs, SignalsLeaveThePage) {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
         RunningProgram program(ZYR_PROGRAM, call("-de p,old radial fifo"));
         constexpr int tries = 2000; // of 10 ms
-        for (int i = 0; i < tries && unfinished() == 0; i++) {
+        for (int i = 0; i < tries && unfinished() == 0; ++i) {
             usleep(10000);
         }
         EXPECT_EQ(unfinished(), 1);

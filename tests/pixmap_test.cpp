@@ -43,7 +43,7 @@ protected:
 // The part of a picture from (x, y) on.
 Picture part_of(const Picture& from, int x, int y, int width, int height) {
     Picture part{width, height, {}};
-    for (int row = y; row < y + height; row++) {
+    for (int row = y; row < y + height; ++row) {
         const auto first = from.rgb.begin() + row * from.width + x;
         part.rgb.insert(part.rgb.end(), first, first + width);
     }
@@ -192,13 +192,13 @@ TEST_F(PixmapTest, RunsMakeTheFramesOfALoop) {
     };
     const std::string id = "+" + std::to_string(gget_root_window()) + ":" +
                            std::to_string(gget_base_window()) + ":640x512";
-    for (int i = 0; i < 3; i++) {
+    for (int i = 0; i < 3; ++i) {
         const std::string file = i == 1 ? "other" : "disc";
         const ProgramRun run = draw(file + " -pp new -de w,," + id, {}, serve);
         ASSERT_EQ(run.code, 0) << run.err;
         ASSERT_EQ(gget_num_images(), i + 1);
     }
-    for (int i = 0; i < 3; i++) {
+    for (int i = 0; i < 3; ++i) {
         gdisplay_frame(i);
         EXPECT_EQ(user->look(gget_root_window()), expected[i == 1 ? 1 : 0]) << i;
         EXPECT_EQ(user->title(gget_root_window()), "Loop [" + std::to_string(i) + "]");

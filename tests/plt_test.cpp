@@ -236,7 +236,7 @@ Domain drawn;
 int draws = 0;
 int draw(Domain* domain) {
     drawn = *domain;
-    draws++;
+    ++draws;
     return 0;
 }
 int refresh() {

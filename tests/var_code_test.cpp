@@ -64,7 +64,7 @@ TEST(VarCode, Inheritance) {
     EXPECT_EQ(inherited(""), "2:0 1:100:700");
     int held = 0;
     while (VAR_base_push({1, 2, 24 + held, 2, 103, 10}) == 0) {
-        held++;
+        ++held;
     }
     EXPECT_EQ(held, 10);
     EXPECT_EQ(inherited(""), "1:33 1:103:10");
@@ -72,7 +72,7 @@ TEST(VarCode, Inheritance) {
     EXPECT_EQ(inherited("time-3"), "1:30 2:77:78");
     int left = 0;
     while (VAR_base_pop() == 0) {
-        left++;
+        ++left;
     }
     EXPECT_EQ(left, 10);
     EXPECT_EQ(inherited(""), "2:0 1:100:700");

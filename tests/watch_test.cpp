@@ -204,8 +204,8 @@ TEST(Watch, RealBulletinsLieOnTheirOutlines) {
         std::sscanf(text.c_str() + times - 6, "%2d%2d%2d", &day, &hour, &min);
         const Drawn all = drawn(text, seconds(2013, 5, day, hour, min) + 600, 5, day);
         ASSERT_EQ(all.boxes.size(), 1U) << entry.path();
-        boxes++;
-        for (int i = 0; i < 4; i++) {
+        ++boxes;
+        for (int i = 0; i < 4; ++i) {
             int lat = 0;
             int lon = 0;
             std::sscanf(text.c_str() + outline + 10 + i * 9, "%4d%4d", &lat, &lon);
@@ -224,7 +224,7 @@ TEST(Watch, RealBulletinsLieOnTheirOutlines) {
 
 TEST(Watch, TableIsFullAfterTwenty) {
     std::string text;
-    for (int i = 1; i <= 21; i++) {
+    for (int i = 1; i <= 21; ++i) {
         text += bulletin("201858", "WW " + std::to_string(i) + " TORNADO OK 201900Z - 210200Z");
     }
     const Drawn all = drawn(text, during);

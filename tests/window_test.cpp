@@ -295,7 +295,7 @@ TEST_F(WindowTest, ReplotsHoldNothingBack) {
     ASSERT_GE(held.at("PIXMAP"), 1);
     [[maybe_unused]] const long memory_kb = resident_kb(program->pid());
     constexpr int replots = 1000;
-    for (int i = 0; i < replots; i++)
+    for (int i = 0; i < replots; ++i)
         user->key(XK_r, alt);
     EXPECT_EQ(picture(), before);
     EXPECT_EQ(user->resources(window), held);

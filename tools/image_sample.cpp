@@ -28,7 +28,7 @@ void put_pixel(const IMG_report& image, int x, int y, std::uint32_t value) {
         return;
     }
     const int bytes = image.bits_pixel / 8;
-    for (int i = 0; i < bytes; i++) {
+    for (int i = 0; i < bytes; ++i) {
         const int place = image.byte_order == 0 ? i : bytes - 1 - i;
         image.data[row + static_cast<std::size_t>(x * bytes + i)] =
             static_cast<unsigned char>(value >> 8 * place);
@@ -82,7 +82,7 @@ IMG_report image_sample(const ImageSample& sample) {
         image.grn = sample.depth == 16 ? 0x7E0 : 0xFF00;
         image.blu = sample.depth == 16 ? 0x1F : 0xFF;
     } else if (IMG_alloc_colors(&image, table_size(sample)) == 1) {
-        for (int i = 0; i < image.num_colors; i++) {
+        for (int i = 0; i < image.num_colors; ++i) {
             const std::uint32_t rgb = image_rgb(sample, i);
             image.colors[i] = {static_cast<float>(rgb >> 16) / 255.0F,
                                static_cast<float>(rgb >> 8 & 0xFF) / 255.0F,
@@ -90,8 +90,8 @@ IMG_report image_sample(const ImageSample& sample) {
         }
     }
     if (IMG_alloc(&image) == 1) {
-        for (int y = 0; y < sample.height; y++) {
-            for (int x = 0; x < sample.width; x++) {
+        for (int y = 0; y < sample.height; ++y) {
+            for (int x = 0; x < sample.width; ++x) {
                 put_pixel(image, x, y, image_value(sample, image_color_at(sample, x, y)));
             }
         }

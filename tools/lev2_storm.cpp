@@ -53,7 +53,7 @@ Lev2Radial make_radial(int scan, int index) {
     Lev2Moment refl;
     Lev2Moment vel{"VEL", refl.first_m, refl.gate_m, 8, 2.0F, 129.0F, {}};
     Lev2Moment width{"SW ", refl.first_m, refl.gate_m, 8, 2.0F, 129.0F, {}};
-    for (int gate = 0; gate < (doppler ? doppler_gates : refl_gates); gate++) {
+    for (int gate = 0; gate < (doppler ? doppler_gates : refl_gates); ++gate) {
         const Sample s = measure(index, gate, doppler);
         refl.words.push_back(s.heard ? word_of(s.dbz, refl.scale, refl.offset) : 0);
         vel.words.push_back(s.heard ? word_of(s.velocity, vel.scale, vel.offset) : 0);
@@ -74,10 +74,10 @@ Lev2Radial make_radial(int scan, int index) {
 Bytes lev2_sample_storm() {
     Lev2Volume volume;
     volume.units.push_back(nids_join({lev2_other(15), lev2_other(2)}));
-    for (int scan = 1; scan <= 2; scan++) {
+    for (int scan = 1; scan <= 2; ++scan) {
         for (int first = 0; first < radials; first += radials_in_unit) {
             Bytes unit;
-            for (int i = 0; i < radials_in_unit; i++) {
+            for (int i = 0; i < radials_in_unit; ++i) {
                 const Bytes record = lev2_radial(make_radial(scan, first + i));
                 unit.insert(unit.end(), record.begin(), record.end());
             }

@@ -88,11 +88,11 @@ Bytes nids_sample_storm(int code) {
     const float bin_km = super ? 0.25F : 1.0F;
     float max_dbz = -30.0F;
     std::vector<Bytes> data;
-    for (int i = 0; i < radials; i++) {
+    for (int i = 0; i < radials; ++i) {
         Bytes radial(static_cast<std::size_t>(bins));
         const float azimuth =
             (static_cast<float>(i) + 0.5F) * 6.2831853F / static_cast<float>(radials);
-        for (int j = 0; j < bins; j++) {
+        for (int j = 0; j < bins; ++j) {
             const float range = (static_cast<float>(j) + 0.5F) * bin_km;
             const float dbz = storm_dbz(range * std::sin(azimuth), range * std::cos(azimuth));
             // Each bin is measured to about half a decibel, and what is weaker

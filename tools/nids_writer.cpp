@@ -44,7 +44,7 @@ Bytes symbology(const std::vector<Bytes>& layers) {
 
 Bytes graphic(const std::vector<Bytes>& pages) {
     Bytes body;
-    for (std::size_t i = 0; i < pages.size(); i++) {
+    for (std::size_t i = 0; i < pages.size(); ++i) {
         put(body, nids_words({static_cast<int>(i + 1), static_cast<int>(pages[i].size())}));
         put(body, pages[i]);
     }
@@ -87,7 +87,7 @@ Bytes nids_join(std::initializer_list<Bytes> parts) {
 Bytes nids_radial_packet(int code, int bins, const std::vector<Bytes>& radials) {
     const int count = static_cast<int>(radials.size());
     Bytes out = nids_words({code, 0, bins, 0, 0, 1000, count});
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         const Bytes& data = radials[static_cast<std::size_t>(i)];
         const int len = static_cast<int>(data.size());
         put(out, nids_words({code == 16 ? len : len / 2, 3600 * i / count, 3600 / count}));

@@ -272,7 +272,7 @@ Seeds gif_seeds() {
     // Codes of nine bits and more, none of which clears the table.
     std::string full_table;
     std::string codes9;
-    for (int i = 0; i < 5200; i++) {
+    for (int i = 0; i < 5200; ++i) {
         codes9 += static_cast<char>(i * 37 % 256);
     }
     for (std::size_t at = 0; at < codes9.size(); at += 255) {
@@ -327,8 +327,8 @@ Bytes png_file(int type, int depth, int interlace, int width = 5, int height = 3
     }
     png_write_info(png, info);
     Bytes row(png_get_rowbytes(png, info), 0x4B);
-    for (int pass = png_set_interlace_handling(png); pass > 0; pass--) {
-        for (int y = 0; y < height; y++) {
+    for (int pass = png_set_interlace_handling(png); pass > 0; --pass) {
+        for (int y = 0; y < height; ++y) {
             png_write_row(png, row.data());
         }
     }
@@ -339,11 +339,11 @@ Bytes png_file(int type, int depth, int interlace, int width = 5, int height = 3
 
 // The size of a header and its checksum put right.
 Bytes png_of_size(Bytes png, std::uint32_t size) {
-    for (int i = 0; i < 4; i++) {
+    for (int i = 0; i < 4; ++i) {
         png[16 + i] = png[20 + i] = static_cast<std::uint8_t>(size >> (24 - 8 * i));
     }
     const auto sum = static_cast<std::uint32_t>(crc32(0, &png[12], 17));
-    for (int i = 0; i < 4; i++) {
+    for (int i = 0; i < 4; ++i) {
         png[29 + i] = static_cast<std::uint8_t>(sum >> (24 - 8 * i));
     }
     return png;
@@ -372,7 +372,7 @@ Seeds png_seeds() {
 
 // `at` a field of a dump's header, four bytes.
 Bytes with_field(Bytes dump, std::size_t at, std::uint32_t value) {
-    for (int i = 0; i < 4; i++) {
+    for (int i = 0; i < 4; ++i) {
         dump.at(at + i) = static_cast<std::uint8_t>(value >> (24 - 8 * i));
     }
     return dump;
@@ -462,7 +462,7 @@ Seeds overlay_seeds() {
         });
         for (const auto& [name, bytes] : images) {
             const auto number = static_cast<std::uint8_t>(all.size());
-            for (std::uint8_t display = 0; display < displays; display++) {
+            for (std::uint8_t display = 0; display < displays; ++display) {
                 all.emplace_back(name + "_" + std::to_string(display),
                                  nids_join({
                                      Bytes{display, number},

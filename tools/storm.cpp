@@ -82,7 +82,7 @@ struct Near {
 };
 template <std::size_t N> Near near_line(const float (&line)[N][2], float x, float y) {
     Near best = {1e9F, 0};
-    for (std::size_t i = 0; i + 1 < N; i++) {
+    for (std::size_t i = 0; i + 1 < N; ++i) {
         const float dx = line[i + 1][0] - line[i][0];
         const float dy = line[i + 1][1] - line[i][1];
         const float t = std::clamp(

@@ -27,7 +27,7 @@ Bytes read_file(const std::filesystem::path& path) {
 // piece written twice.
 Bytes mutate(Bytes bytes, std::mt19937& random) {
     const auto below = [&](std::size_t n) { return n == 0 ? 0 : random() % n; };
-    for (std::size_t edits = 1 + below(4); edits > 0 && !bytes.empty(); edits--) {
+    for (std::size_t edits = 1 + below(4); edits > 0 && !bytes.empty(); --edits) {
         const std::size_t at = below(bytes.size());
         const std::size_t length = below(bytes.size() - at) % 64 + 1;
         const auto from = bytes.begin() + static_cast<std::ptrdiff_t>(at);
@@ -61,7 +61,7 @@ Bytes mutate(Bytes bytes, std::mt19937& random) {
 int main(int argc, char** argv) {
     int mutations = 300;
     std::vector<std::filesystem::path> files;
-    for (int i = 1; i < argc; i++) {
+    for (int i = 1; i < argc; ++i) {
         if (std::string(argv[i]) == "-runs=0") {
             mutations = 0;
             continue;
@@ -79,7 +79,7 @@ int main(int argc, char** argv) {
         const Bytes seed = read_file(file);
         std::mt19937 random(12345);
         LLVMFuzzerTestOneInput(seed.data(), seed.size());
-        for (int i = 0; i < mutations; i++, runs++) {
+        for (int i = 0; i < mutations; ++i, ++runs) {
             const Bytes bytes = mutate(seed, random);
             LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
         }

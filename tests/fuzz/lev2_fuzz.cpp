@@ -19,12 +19,12 @@ void expect(bool good) {
 void check(const LEV2_data& data) {
     expect(std::isfinite(data.rad_az) && std::isfinite(data.elev_ang));
     expect(std::isfinite(data.lat) && std::isfinite(data.lon));
-    for (int type = -1; type <= lev2_moments; type++) {
+    for (int type = -1; type <= lev2_moments; ++type) {
         const bool has = LEV2_set_data_type(type) == 1;
         const LEV2_gates& gates = LEV2_get_gates();
         expect(has == (gates.count > 0));
         expect(static_cast<int>(gates.bytes.size()) == gates.count * gates.word_bytes);
-        for (int i = 0; i < gates.count; i++) {
+        for (int i = 0; i < gates.count; ++i) {
             const float value = LEV2_get_data();
             expect(std::isfinite(value) && value == gates.value(gates.word(i)));
         }
@@ -44,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     LEV2_info info;
     const int records = lev2_walk(file.name(), info, check);
     expect(std::isfinite(info.lat) && std::isfinite(info.lon));
-    for (int type = 0; type < lev2_moments; type++) {
+    for (int type = 0; type < lev2_moments; ++type) {
         LEV2_warn_empty(1, type);
     }
     LEV2_list_cuts(mess_mess);

@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     FLAG_set(flag_plot_type, size % 3 == 0 ? missing : static_cast<int>(size % 40));
     VAR_setup("f.var", text.c_str());
     check(VAR_get_num() <= var_max);
-    for (int i = 0; i < VAR_get_num(); i++) {
+    for (int i = 0; i < VAR_get_num(); ++i) {
         char label[plt_label_size] = "";
         PLT_set_label_type(1);
         check(VAR_make_var_form_datatype(i, label) == 0);

@@ -17,7 +17,7 @@
 namespace {
 
 std::string color_name(const std::string& numbers) {
-    for (int i = 0; i < CLR_get_num(); i++) {
+    for (int i = 0; i < CLR_get_num(); ++i) {
         float rgb[3] = {};
         char text[60] = "";
         CLR_get_rgb(i, &rgb[0], &rgb[1], &rgb[2]);
@@ -106,7 +106,7 @@ std::vector<Figure> FigurePage::pick(bool filled, const std::string& color) cons
 
 double polygon_area(const std::vector<Gpt>& points) {
     double twice = 0.0;
-    for (std::size_t i = 0; i < points.size(); i++) {
+    for (std::size_t i = 0; i < points.size(); ++i) {
         const Gpt& a = points[i];
         const Gpt& b = points[(i + 1) % points.size()];
         twice += static_cast<double>(a.x) * b.y - static_cast<double>(b.x) * a.y;

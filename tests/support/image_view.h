@@ -33,7 +33,7 @@ inline Picture picture_of_record(const IMG_report& image) {
     Picture picture{image.width, image.height, {}};
     const IMG_coloring coloring(image);
     std::vector<std::uint32_t> row(static_cast<std::size_t>(image.width));
-    for (int y = 0; y < image.height; y++) {
+    for (int y = 0; y < image.height; ++y) {
         IMG_row_values(image, y, image.width, row.data());
         for (const std::uint32_t value : row) {
             const IMG_rgb c = coloring(value);

@@ -15,7 +15,7 @@ template <typename Record> int lev2_walk(const char* name, LEV2_info& info, Reco
     LEV2_data data;
     for (; LEV2_get_block(&data) == 1; LEV2_next_block()) {
         record(data);
-        records++;
+        ++records;
     }
     LEV2_close_file();
     return records;

@@ -64,7 +64,7 @@ Bytes fixed_radial(const Lev2Radial& radial) {
     std::array<int, 3> at{}; // offset of each moment, 0: absent
     std::array<Lev2Moment, 3> moment;
     Bytes gates;
-    for (std::size_t i = 0; i < fixed_moments.size(); i++) {
+    for (std::size_t i = 0; i < fixed_moments.size(); ++i) {
         for (const Lev2Moment& found : radial.moments) {
             if (found.name == fixed_moments[i]) {
                 moment[i] = found;
@@ -143,7 +143,7 @@ Bytes generic_radial(const Lev2Radial& radial) {
     const std::size_t first = lev2_pointers_at - lev2_data_at + 4 * num_pointers;
     Bytes pointers;
     Bytes body;
-    for (std::size_t i = 0; i < num_pointers; i++) {
+    for (std::size_t i = 0; i < num_pointers; ++i) {
         put32(pointers, i < blocks.size() ? static_cast<std::uint32_t>(first + body.size()) : 0);
         put(body, i < blocks.size() ? blocks[i] : Bytes());
     }
@@ -205,7 +205,7 @@ Bytes lev2_unit(const Bytes& records, bool negative) {
 
 Bytes lev2_volume(const Lev2Volume& volume, bool packed) {
     Bytes out = lev2_header(volume);
-    for (std::size_t i = 0; i < volume.units.size(); i++) {
+    for (std::size_t i = 0; i < volume.units.size(); ++i) {
         put(out,
             packed ? lev2_unit(volume.units[i], i + 1 == volume.units.size()) : volume.units[i]);
     }
@@ -235,9 +235,9 @@ Lev2Volume lev2_sample(int type, int radials) {
     Lev2Volume volume;
     volume.name = type == 31 ? "AR2V0006.001" : "ARCHIVE2.001";
     volume.units.push_back(nids_join({lev2_other(15), lev2_other(2)}));
-    for (int scan = 1; scan <= scans; scan++) {
+    for (int scan = 1; scan <= scans; ++scan) {
         Bytes unit;
-        for (int i = 0; i < radials; i++) {
+        for (int i = 0; i < radials; ++i) {
             Lev2Radial radial;
             radial.type = type;
             radial.elev_num = scan;
@@ -246,7 +246,7 @@ Lev2Volume lev2_sample(int type, int radials) {
             radial.status = i > 0 ? 1 : scan == 1 ? 3 : 0;
             radial.az = static_cast<float>(i) * 360.0F / static_cast<float>(radials) + 0.25F;
             Lev2Moment refl;
-            for (int gate = 0; gate < gates; gate++) {
+            for (int gate = 0; gate < gates; ++gate) {
                 refl.words.push_back(gate < 2 ? gate : 60 + 5 * gate + i);
             }
             radial.moments.push_back(refl);

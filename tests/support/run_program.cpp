@@ -132,7 +132,7 @@ bool RunningProgram::ended() {
 ProgramRun RunningProgram::wait() {
     ProgramRun run;
     constexpr int tries_a_second = 200;
-    for (int tries = timeout_s_ * tries_a_second; !ended(); tries--) {
+    for (int tries = timeout_s_ * tries_a_second; !ended(); --tries) {
         if (tries < 0) {
             run.timed_out = true;
             kill(pid_, SIGKILL);
@@ -190,7 +190,7 @@ std::string read_text(const std::string& name) {
 int count_text(const std::string& text, const std::string& part) {
     int count = 0;
     for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
-        count++;
+        ++count;
     }
     return count;
 }

@@ -64,14 +64,14 @@ Picture read_drawable(Display* display, Drawable drawable, int width, int height
     const Visual* visual = DefaultVisual(display, DefaultScreen(display));
     std::array<XColor, 256> cells{}; // of the colour map, if the pixels are numbers of such
     const bool mapped = image->depth <= 8;
-    for (std::size_t i = 0; i < cells.size(); i++)
+    for (std::size_t i = 0; i < cells.size(); ++i)
         cells[i].pixel = i;
     if (mapped)
         XQueryColors(display, map, cells.data(), static_cast<int>(cells.size()));
     Picture picture = {width, height, {}};
     picture.rgb.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    for (int y = 0; y < height; y++) {
-        for (int x = 0; x < width; x++) {
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
             const unsigned long pixel = XGetPixel(image.get(), x, y);
             const XColor& cell = cells[pixel & 255U];
             picture.rgb.push_back(mapped ? (cell.red >> 8U) << 16U | (cell.green >> 8U) << 8U |
@@ -171,7 +171,7 @@ int pixels_that_differ(const Picture& a, const Picture& b) {
     if (a.width != b.width || a.height != b.height)
         return std::max(a.width * a.height, b.width * b.height);
     int count = 0;
-    for (std::size_t i = 0; i < a.rgb.size(); i++)
+    for (std::size_t i = 0; i < a.rgb.size(); ++i)
         count += a.rgb[i] != b.rgb[i] ? 1 : 0;
     return count;
 }
@@ -191,7 +191,7 @@ Window XUser::find_window() const {
         unsigned count = 0;
         XQueryTree(display(), DefaultRootWindow(display()), &root, &parent, &children, &count);
         const std::unique_ptr<Window, FreeX> owner(children);
-        for (unsigned i = 0; i < count && found == 0; i++)
+        for (unsigned i = 0; i < count && found == 0; ++i)
             found = is_plot(display(), children[i]) ? children[i] : 0;
         return found != 0;
     });
@@ -203,7 +203,7 @@ bool XUser::settle(int pid) const {
         const std::string before = activity(pid);
         if (before.find("State:\tS") == std::string::npos)
             return before.empty() || before.find("State:\tZ") != std::string::npos;
-        for (int i = 0; i < 6; i++) {
+        for (int i = 0; i < 6; ++i) {
             XSync(display(), False);
             usleep(5000);
             if (activity(pid) != before)
@@ -237,7 +237,7 @@ std::map<std::string, int> XUser::resources(Window window) const {
     if (XResQueryClientResources(display(), window, &count, &types) == 0)
         return all;
     const std::unique_ptr<XResType, FreeX> owner(types);
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         const std::unique_ptr<char, FreeX> name(XGetAtomName(display(), types[i].resource_type));
         all[name.get()] = static_cast<int>(types[i].count);
     }
