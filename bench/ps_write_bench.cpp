@@ -78,8 +78,9 @@ void floor_loop(const std::vector<Cell>& cells, std::FILE* file) {
     for (const Cell& cell : cells) {
         char* p = text.data();
         const auto put = [&p](const char* s) {
-            while (*s != '\0')
+            while (*s != '\0') {
                 *p++ = *s++;
+            }
         };
         put("%%FA:5\nnp\n");
         for (std::size_t i = 0; i < cell.size(); ++i) {
@@ -102,8 +103,9 @@ int main(int argc, char** argv) {
     open_kernel(output);
     const double kernel = seconds([&] { draw(cells); });
     std::FILE* file = std::fopen(output, "w");
-    if (file == nullptr)
+    if (file == nullptr) {
         return EXIT_FAILURE;
+    }
     const double bare = seconds([&] { floor_loop(cells, file); });
     std::fclose(file);
     std::printf("cells %zu  kernel %.3f s  bare loop %.3f s  ratio %.2f\n", n, kernel, bare,

@@ -138,8 +138,9 @@ float component(int byte) {
 }
 
 void skip_blanks(const char** text) {
-    while (std::isspace(static_cast<unsigned char>(**text)) != 0)
+    while (std::isspace(static_cast<unsigned char>(**text)) != 0) {
         ++*text;
+    }
 }
 
 // Three components of `width` digits; how many there were. A decimal one may
@@ -148,10 +149,12 @@ int take_components(const char** text, int width, int base, Rgb* color) {
     int count = 0;
     for (float* part : {&color->red, &color->grn, &color->blu}) {
         int value = 0;
-        if (base == 10)
+        if (base == 10) {
             skip_blanks(text);
-        if (!take_digits(text, width, base, &value))
+        }
+        if (!take_digits(text, width, base, &value)) {
             break;
+        }
         *part = component(value);
         ++count;
     }
@@ -162,23 +165,27 @@ int take_components(const char** text, int width, int base, Rgb* color) {
 void parse_entry(const char* text, Rgb* color) {
     skip_blanks(&text);
     const char* end = text;
-    while (*end != '\0' && std::isspace(static_cast<unsigned char>(*end)) == 0)
+    while (*end != '\0' && std::isspace(static_cast<unsigned char>(*end)) == 0) {
         ++end;
-    if (end == text)
+    }
+    if (end == text) {
         return;
+    }
     const auto length = std::min<std::size_t>(end - text, color->name.size() - 1);
     color->name = {};
     std::memcpy(color->name.data(), text, length);
     text += length; // a longer name goes on where the numbers should be
     for (float* part : {&color->red, &color->grn, &color->blu}) {
         float value = 0.0F;
-        if (!take_float(&text, &value))
+        if (!take_float(&text, &value)) {
             break;
+        }
         *part = unit_range(value);
     }
     skip_blanks(&text);
-    if (take_char(&text, '#'))
+    if (take_char(&text, '#')) {
         take_components(&text, 2, 16, color);
+    }
 }
 
 // Where the lines of one file go.
@@ -194,19 +201,22 @@ void read_line(char* text, bool first_file, Slots* at) {
     const char* line = text;
     skip_blanks(&line);
     at->highest = std::max(at->highest, at->slot);
-    if (*line == '#')
+    if (*line == '#') {
         return;
+    }
     if (stricmp(line, "END") == 0) {
-        if (first_file)
+        if (first_file) {
             at->end_slot = at->slot;
+        }
         return;
     }
     int slot = at->slot;
     take_int(&line, &slot);
     slot = std::clamp(slot, -max_colors, max_colors);
     at->slot = slot; // also of a line that is left out
-    if (slot < 0 || slot >= max_colors - at->base)
+    if (slot < 0 || slot >= max_colors - at->base) {
         return;
+    }
     parse_entry(line, &table.colors[at->base + slot]);
     at->highest = std::max(at->highest, slot);
     at->slot = slot + 1;
@@ -221,21 +231,24 @@ void read_table_file(std::FILE* file, bool first_file, bool count_fills) {
     bool begins = true;
     for (int i = 0; i < most_pieces && std::fgets(line.data(), line.size(), file) != nullptr; ++i) {
         const bool ends = std::strchr(line.data(), '\n') != nullptr;
-        if (begins)
+        if (begins) {
             read_line(line.data(), first_file, &at);
+        }
         begins = ends;
     }
     table.num_colors = std::min(at.base + at.highest + 1, max_colors);
-    if (first_file && count_fills)
+    if (first_file && count_fills) {
         table.num_fill = std::clamp(at.end_slot >= 0 ? at.end_slot : at.highest, 0, max_colors);
+    }
 }
 
 // --- Names --------------------------------------------------------------------
 
 int find_color(const char* name) {
     for (int i = 0; i < table.num_colors; ++i) {
-        if (stricmp(table.colors[i].name.data(), name) == 0)
+        if (stricmp(table.colors[i].name.data(), name) == 0) {
             return i;
+        }
     }
     return -1;
 }
@@ -244,12 +257,14 @@ int find_color(const char* name) {
 int add_numeric(const char* name) {
     const std::size_t length = std::strlen(name);
     const bool hex = length == 7;
-    if (*name != '#' || (!hex && length != 10))
+    if (*name != '#' || (!hex && length != 10)) {
         return -1;
+    }
     Rgb color;
     const char* text = name + 1;
-    if (take_components(&text, hex ? 2 : 3, hex ? 16 : 10, &color) != 3)
+    if (take_components(&text, hex ? 2 : 3, hex ? 16 : 10, &color) != 3) {
         return -1;
+    }
     return CLR_add(name, color.red, color.grn, color.blu);
 }
 
@@ -258,13 +273,15 @@ void warn_name(const char* name) {
     constexpr std::size_t most = 50;
     std::vector<std::string>& unknown = table.unknown;
     if (table.num_colors == 0 || unknown.size() == most ||
-        std::find(unknown.begin(), unknown.end(), name) != unknown.end())
+        std::find(unknown.begin(), unknown.end(), name) != unknown.end()) {
         return;
+    }
     unknown.emplace_back(name);
     KnownWords names;
     for (int i = 0; i < table.num_colors; ++i) {
-        if (table.colors[i].name[0] != '\0' && table.colors[i].name[0] != '#')
+        if (table.colors[i].name[0] != '\0' && table.colors[i].name[0] != '#') {
             names.push_back({table.colors[i].name.data()});
+        }
     }
     names.push_back({"none"});
     MESS_print(mess_warn, "CLR_get_ind: Unknown color: %s, the nearest is %s\n", name,
@@ -278,26 +295,28 @@ const Rgb& color_at(int ind) {
 // --- Attribute language -------------------------------------------------------
 
 bool parse_long_form(const char* field, Gattribs* attrib) {
-    if (std::strlen(field) < 3 || field[2] != '=')
+    if (std::strlen(field) < 3 || field[2] != '=') {
         return false;
+    }
     const auto is = [field](const char* word) { return strnicmp(field, word, 2) == 0; };
     const char* value = field + 3;
-    if (is("co"))
+    if (is("co")) {
         attrib->color = CLR_get_ind(value);
-    else if (is("wi"))
+    } else if (is("wi")) {
         attrib->width = text_float(value);
-    else if (is("st"))
+    } else if (is("st")) {
         attrib->style = word_or_number(line_styles, value);
-    else if (is("fo"))
+    } else if (is("fo")) {
         attrib->font = gget_font_index(value);
-    else if (is("fi") || is("fp"))
+    } else if (is("fi") || is("fp")) {
         attrib->fill_pat = ATTR_parse_fill_pat(value);
-    else if (is("sc") || is("hi"))
+    } else if (is("sc") || is("hi")) {
         attrib->height = text_float(value);
-    else if (is("te"))
+    } else if (is("te")) {
         attrib->expan = text_float(value);
-    else
+    } else {
         return false;
+    }
     return true;
 }
 
@@ -328,12 +347,14 @@ void parse_short_form(const char* field, Gattribs* attrib) {
 }
 
 void parse_field(const char* field, bool first, Gattribs* attrib) {
-    if (*field == '\0')
+    if (*field == '\0') {
         return;
-    if (first && std::strchr(field, '=') == nullptr)
+    }
+    if (first && std::strchr(field, '=') == nullptr) {
         attrib->color = CLR_get_ind(field);
-    else if (!parse_long_form(field, attrib))
+    } else if (!parse_long_form(field, attrib)) {
         parse_short_form(field, attrib);
+    }
 }
 
 bool has_names() {
@@ -348,8 +369,9 @@ bool read_tables(const char* names, bool count_fills) {
     parse_string(names, ',', &count, &files);
     bool first_file = true;
     for (int i = 0; i < count; ++i) {
-        if (*files[i] == '\0')
+        if (*files[i] == '\0') {
             continue; // would be standard input
+        }
         std::array<char, file_name_size> path{};
         FILE_add_path(RES_get("file_path"), files[i], path.data());
         const FILE_ptr file(FILE_open_text(path.data()));
@@ -376,12 +398,14 @@ bool read_tables(const char* names, bool count_fills) {
 int CLR_read_table(const char* filename) {
     const char* resource = RES_get("color_table");
     const char* names = default_table;
-    if (filename != nullptr && *filename != '\0')
+    if (filename != nullptr && *filename != '\0') {
         names = filename;
-    else if (resource != nullptr && *resource != '\0')
+    } else if (resource != nullptr && *resource != '\0') {
         names = resource;
-    for (int i = kept_names; i < max_colors; ++i)
+    }
+    for (int i = kept_names; i < max_colors; ++i) {
         table.colors[i].name = {};
+    }
     const bool count_fills = filename == nullptr && resource != nullptr;
     if (!read_tables(names, count_fills) && std::strcmp(names, default_table) != 0) {
         // Without any color no echo would be drawn.
@@ -398,8 +422,9 @@ int CLR_clear_table() {
 }
 
 int CLR_add(const char* name, float red, float grn, float blu) {
-    if (table.num_colors >= max_colors)
+    if (table.num_colors >= max_colors) {
         return -1;
+    }
     const int ind = table.num_colors++;
     Rgb& color = table.colors[ind];
     copy_text(color.name.data(), color.name.size(), name);
@@ -419,38 +444,46 @@ int CLR_get_num() {
 }
 
 int CLR_look_up(const char* name) {
-    if (name == nullptr || *name == '\0')
+    if (name == nullptr || *name == '\0') {
         return -1;
-    if (const Word* word = find_word(special_colors, name))
+    }
+    if (const Word* word = find_word(special_colors, name)) {
         return word->value;
+    }
     const int ind = find_color(name);
-    if (ind >= 0)
+    if (ind >= 0) {
         return ind;
-    if (*name == '#')
+    }
+    if (*name == '#') {
         return add_numeric(name);
+    }
     return std::isdigit(static_cast<unsigned char>(*name)) != 0 ? text_int(name) : -1;
 }
 
 int CLR_get_ind(const char* name) {
     const int ind = CLR_look_up(name);
-    if (ind == -1 && name != nullptr && *name != '\0' && find_word(special_colors, name) == nullptr)
+    if (ind == -1 && name != nullptr && *name != '\0' &&
+        find_word(special_colors, name) == nullptr) {
         warn_name(name);
+    }
     return ind;
 }
 
 int CLR_check_settings() {
     for (const ResRow& row : res_rows) {
         if (std::strncmp(row.def, "color_", 6) != 0 || !res_is_listed(row, true) ||
-            row.type == RES_color_table || row.type == RES_color_fill)
+            row.type == RES_color_table || row.type == RES_color_fill) {
             continue;
+        }
         int count = 0;
         char** items = nullptr;
         RES_getvals(row.def, &count, &items);
         for (int i = 0; i < count; ++i) {
             const std::string name(items[i], std::strcspn(items[i], ":"));
             // A number of its own is not put into the table before it is used.
-            if (name.find('=') == std::string::npos && !name.starts_with('#'))
+            if (name.find('=') == std::string::npos && !name.starts_with('#')) {
                 CLR_get_ind(name.c_str());
+            }
         }
         free_parsed_array(count, items);
     }
@@ -477,15 +510,17 @@ int ATTR_parse_fill_pat(const char* str) {
 
 int ATTR_parse_marker(const char* str) {
     for (const Word& word : markers) {
-        if (strnicmp(str, word.text, static_cast<int>(std::strlen(word.text))) == 0)
+        if (strnicmp(str, word.text, static_cast<int>(std::strlen(word.text))) == 0) {
             return word.value;
+        }
     }
     return text_int(str);
 }
 
 int ATTRIB_parse(const char* str, Gattribs* attrib) {
-    if (str == nullptr)
+    if (str == nullptr) {
         return 0;
+    }
     bool first = true;
     for (;;) {
         const std::size_t length = std::strcspn(str, ":");
@@ -493,8 +528,9 @@ int ATTRIB_parse(const char* str, Gattribs* attrib) {
         std::memcpy(field.data(), str, std::min(length, field.size() - 1));
         parse_field(field.data(), first, attrib);
         first = false;
-        if (str[length] == '\0')
+        if (str[length] == '\0') {
             return 0;
+        }
         str += length + 1;
     }
 }
@@ -506,8 +542,9 @@ int ATTRIB_init(Gattribs* attrib) {
 
 int ATTRIB_update(Gattribs* attr1, const Gattribs* attr2) {
     const auto update = [](auto* to, auto from) {
-        if (is_set(from))
+        if (is_set(from)) {
             *to = from;
+        }
     };
     update(&attr1->color, attr2->color);
     update(&attr1->width, attr2->width);
@@ -522,8 +559,9 @@ int ATTRIB_update(Gattribs* attr1, const Gattribs* attr2) {
 int ATTRIB_get(const char* resrc, const char* def, Gattribs* attrib) {
     ATTRIB_parse(def, attrib);
     const char* value = RES_get(resrc);
-    if (value == nullptr)
+    if (value == nullptr) {
         return 0;
+    }
     ATTRIB_parse(value, attrib);
     return 1;
 }

@@ -34,8 +34,9 @@ char* put_whole(char* out, std::uint32_t n) {
         *out = static_cast<char>('0' + n);
         return out + 1;
     }
-    if (n < 100)
+    if (n < 100) {
         return put_pair(out, n);
+    }
     return put_pair(put_whole(out, n / 100), n % 100);
 }
 
@@ -52,11 +53,13 @@ char* format_fixed2(char* out, float value) {
     // A float times 100 has at most 31 significant bits, so this is exact.
     const double hundredths = std::fabs(static_cast<double>(value) * 100.0);
     // False for NaN too.
-    if (!(hundredths < 1.0e9))
+    if (!(hundredths < 1.0e9)) {
         return out + std::snprintf(out, fixed2_size, "%3.2f", static_cast<double>(value));
+    }
     const auto n = static_cast<std::uint32_t>(rounded(hundredths));
-    if (std::signbit(value))
+    if (std::signbit(value)) {
         *out++ = '-';
+    }
     out = put_whole(out, n / 100);
     *out++ = '.';
     return put_pair(out, n % 100);
@@ -66,12 +69,14 @@ char* format_fixed6(char* out, float value) {
     constexpr std::uint64_t million = 1000000;
     // A float times 10^6 has at most 38 significant bits, so this is exact.
     const double millionths = std::fabs(static_cast<double>(value) * 1.0e6);
-    if (!(millionths < 1.0e15))
+    if (!(millionths < 1.0e15)) {
         return out + std::snprintf(out, fixed6_size, "%f", static_cast<double>(value));
+    }
     const std::uint64_t n = rounded(millionths);
     const auto decimals = static_cast<std::uint32_t>(n % million);
-    if (std::signbit(value))
+    if (std::signbit(value)) {
         *out++ = '-';
+    }
     out = put_whole(out, static_cast<std::uint32_t>(n / million));
     *out++ = '.';
     out = put_pair(out, decimals / 10000);

@@ -82,8 +82,9 @@ struct PlayRecord {
     const drawobj& record;
     template <typename T> T data() const {
         T value{};
-        if (record.data != nullptr)
+        if (record.data != nullptr) {
             std::memcpy(&value, record.data, sizeof value);
+        }
         return value;
     }
     int operator()(Gset_number* set) const { return set(record.values); }
@@ -127,17 +128,19 @@ Way way() {
 
 void write(Gobj code, const Gvalues& values) {
     const Gattribute* attribute = gfind_attribute(code);
-    if (attribute != nullptr && !attribute->word.empty())
+    if (attribute != nullptr && !attribute->word.empty()) {
         gmeta_attribute(*attribute, values);
+    }
 }
 
 // `data` as the list keeps it, null for a number alone.
 bool record(Gobj code, int n, int size, const void* data, const Gvalues& values) {
     const Way here = way();
-    if (here == Way::write)
+    if (here == Way::write) {
         write(code, values);
-    else
+    } else {
         gnew_obj(code, n, size, data);
+    }
     return here == Way::show;
 }
 
@@ -165,8 +168,9 @@ int gplay_attribute(const Gattribute& attribute, const Gvalues& values) {
 }
 
 int gplay_record(const Gattribute& attribute, const drawobj& record) {
-    if (record.data == nullptr && !std::holds_alternative<Gset_number*>(attribute.set))
+    if (record.data == nullptr && !std::holds_alternative<Gset_number*>(attribute.set)) {
         return -1;
+    }
     return std::visit(PlayRecord{record}, attribute.set);
 }
 

@@ -43,13 +43,15 @@ void draw_band() {
         return;
     }
     gxline(window, pts, pts + 1);
-    if (band.kind == constrained_band && band.num > 2)
+    if (band.kind == constrained_band && band.num > 2) {
         gxline(window, pts, pts + 2);
+    }
 }
 
 XPoint limited_point(XPoint at) {
-    if (!band.limited)
+    if (!band.limited) {
         return at;
+    }
     return {std::clamp(at.x, band.limits[0].x, band.limits[1].x),
             std::clamp(at.y, band.limits[0].y, band.limits[1].y)};
 }
@@ -60,17 +62,21 @@ void move_point(XPoint at) {
         band.pts[1] = at;
         return;
     }
-    if (band.constraint != fix_x)
+    if (band.constraint != fix_x) {
         band.pts[0].x = at.x;
-    if (band.constraint != fix_y)
+    }
+    if (band.constraint != fix_y) {
         band.pts[0].y = at.y;
+    }
 }
 
 void erase_band() {
-    if (gget_line_gc_func() == GXcopy)
+    if (gget_line_gc_func() == GXcopy) {
         gset_line_gc_func(GXxor);
-    if (band.drawn)
+    }
+    if (band.drawn) {
         draw_band();
+    }
 }
 
 } // namespace
@@ -87,8 +93,9 @@ int gset_rubber_band(int value) {
 
 int gset_rubber_band_points(const Gpt* pts, int n, int constraint) {
     band.num = std::clamp(n, 0, static_cast<int>(band.pts.size()));
-    for (int i = 0; i < band.num; ++i)
+    for (int i = 0; i < band.num; ++i) {
         band.pts[i] = x_point(pts[i]);
+    }
     band.constraint = constraint;
     return 0;
 }
@@ -110,8 +117,9 @@ void gband_press(XPoint at) {
 }
 
 void gband_move(XPoint at) {
-    if (band.kind == 0 || !band.anchored)
+    if (band.kind == 0 || !band.anchored) {
         return;
+    }
     erase_band();
     move_point(at);
     draw_band();
@@ -120,8 +128,9 @@ void gband_move(XPoint at) {
 
 XPoint gband_release(XPoint at) {
     band.anchored = true;
-    if (band.kind == 0)
+    if (band.kind == 0) {
         return at;
+    }
     erase_band();
     gset_line_gc_func(GXcopy);
     move_point(at);

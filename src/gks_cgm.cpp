@@ -46,9 +46,10 @@ void put_coordinate(float value) {
 int gcgm_control(int maj, int min, int len, int param) {
     put(std::array{static_cast<unsigned char>(maj * 16 + min / 8),
                    static_cast<unsigned char>((min * 32 + len) & 0xff)});
-    if (param > 0 || len == long_form)
+    if (param > 0 || len == long_form) {
         put(std::array{static_cast<unsigned char>(param >> 8),
                        static_cast<unsigned char>(param & 0xff)});
+    }
     return 0;
 }
 
@@ -86,14 +87,16 @@ int gcgm_ps_point(float x, float y) {
 }
 
 int gcgm_polyline(int n, const Gpt* pts) {
-    if (gmeta_get_type() != meta_cgm)
+    if (gmeta_get_type() != meta_cgm) {
         return 0;
+    }
     // A line that is longer than an element goes on in the next one.
     for (int first = 0; first + 1 < n; first += most_points - 1) {
         const int count = std::min(n - first, most_points);
         gcgm_control(4, 1, long_form, count * point_size);
-        for (int i = first; i < first + count; ++i)
+        for (int i = first; i < first + count; ++i) {
             gcgm_point(pts[i].x, pts[i].y);
+        }
     }
     return 0;
 }

@@ -39,8 +39,9 @@ int entry(int ind) {
 int suitable_index(float red, float grn, float blu) {
     int found = -1;
     for (int i = 0; i < colr.max_color_ind; ++i) {
-        if (gis_color_near(red, grn, blu, i, 0) != 0)
+        if (gis_color_near(red, grn, blu, i, 0) != 0) {
             found = i;
+        }
     }
     return found >= 0 ? found : colr.max_color_ind + 1;
 }
@@ -93,10 +94,12 @@ void store_cell(int ind) {
 
 // A writable cell; the first refusal is for good.
 bool alloc_cell(int ind) {
-    if (colr.rw_colors != 0 && !gdraw_take_cell(&colr.color_ind[ind]))
+    if (colr.rw_colors != 0 && !gdraw_take_cell(&colr.color_ind[ind])) {
         colr.rw_colors = 0;
-    if (colr.rw_colors == 0)
+    }
+    if (colr.rw_colors == 0) {
         return false;
+    }
     MESS_print(trace, "Allocated RW Cells: %d\n", colr.color_ind[ind]);
     return true;
 }
@@ -104,20 +107,24 @@ bool alloc_cell(int ind) {
 // Gives the index a pixel of its new colour.
 void alloc_pixel(int ind) {
     const bool has_pixel = colr.color_ind[ind] != no_pixel;
-    if (has_pixel ? colr.rw_colors != 0 : alloc_cell(ind))
+    if (has_pixel ? colr.rw_colors != 0 : alloc_cell(ind)) {
         store_cell(ind);
-    else
+    } else {
         alloc_shared(ind);
+    }
 }
 
 // What is drawn from now on in the index takes its new pixel.
 void renew_pens(int ind) {
-    if (ind == gget_line_colr())
+    if (ind == gget_line_colr()) {
         gdraw_set_color(Gpen::line, ind);
-    if (ind == gget_text_colr())
+    }
+    if (ind == gget_text_colr()) {
         gdraw_set_color(Gpen::text, ind);
-    if (ind == gget_marker_colr())
+    }
+    if (ind == gget_marker_colr()) {
         gdraw_set_color(Gpen::marker, ind);
+    }
     gdraw_set_color(Gpen::fill, ind); // it may still hold any index
 }
 
@@ -125,8 +132,9 @@ void renew_pens(int ind) {
 
 const char* background_text() {
     const char* text = colr.background.data();
-    if (*text == '\0')
+    if (*text == '\0') {
         text = RES_get("background");
+    }
     return text != nullptr ? text : gdraw_default("background");
 }
 
@@ -137,11 +145,13 @@ bool is_over(const char* text) {
 
 Gcolr_levels named_background(const char* text) {
     Gcolr_rep rep{};
-    if (gfind_color(text, &rep) >= 0)
+    if (gfind_color(text, &rep) >= 0) {
         return levels(rep.red, rep.green, rep.blue);
+    }
     Gcolr_levels named{};
-    if (!gdraw_parse_color(text, &named))
+    if (!gdraw_parse_color(text, &named)) {
         MESS_print(mess_warn, "ginit_background: invalid color: %s\n", text);
+    }
     return named;
 }
 
@@ -171,17 +181,20 @@ int set_paper_background() {
 } // namespace
 
 int gset_colr_rep(int ws_id, int ind, const Gcolr_rep* rep) {
-    if (gchk_open("gset_colr_rep") != 0)
+    if (gchk_open("gset_colr_rep") != 0) {
         return -1;
-    if (ind >= first_print_colr && ind <= last_print_colr)
+    }
+    if (ind >= first_print_colr && ind <= last_print_colr) {
         return 0;
+    }
     if (gis_valid_colr(ind) == 0) {
         gerr_printf("gset_colr_rep", "invalid color index: %d\n", ind);
         return -1;
     }
     grecord(obj_colr_rep, ws_id, ind, *rep);
-    if (!gtype_is_META() || !gdraw_ready()) // else a window's list is written out
+    if (!gtype_is_META() || !gdraw_ready()) { // else a window's list is written out
         galloc_colr(ind, rep->red, rep->green, rep->blue);
+    }
     return 0;
 }
 
@@ -193,18 +206,21 @@ long galloc_colr(int ind, float red, float grn, float blu) {
                    static_cast<double>(red), static_cast<double>(grn), static_cast<double>(blu));
     }
     const bool display = gtype_is_WIN_PIX() && gdraw_ready();
-    if (ind >= num_colrs) // the table is full
+    if (ind >= num_colrs) { // the table is full
         return display ? nearest_pixel(red, grn, blu) : file_pixel;
+    }
     colr.max_color_ind = std::max(colr.max_color_ind, ind);
     const bool same = red == colr.red[ind] && grn == colr.grn[ind] && blu == colr.blu[ind];
-    if (display && !(same && colr.color_ind[ind] != no_pixel))
+    if (display && !(same && colr.color_ind[ind] != no_pixel)) {
         gflush_fill(); // it keeps the old pixel
+    }
     colr.red[ind] = red;
     colr.grn[ind] = grn;
     colr.blu[ind] = blu;
     gps_set_color_rep(red, grn, blu, ind);
-    if (!display)
+    if (!display) {
         return file_pixel;
+    }
     if (!same || colr.color_ind[ind] == no_pixel) {
         alloc_pixel(ind);
         renew_pens(ind);
@@ -231,29 +247,33 @@ int gis_valid_colr(int ind) {
 }
 
 int gis_color_near(float red, float grn, float blu, int ind, int flag) {
-    if (ind == -1)
+    if (ind == -1) {
         return 0;
+    }
     if (flag != 0) {
         const auto last = std::find(colr.color_ind.rbegin(), colr.color_ind.rend(), ind);
         ind = static_cast<int>(colr.color_ind.rend() - last) - 1;
     }
-    if (ind < 0 || ind >= num_colrs)
+    if (ind < 0 || ind >= num_colrs) {
         return 0;
+    }
     const float distance = std::fabs(red - colr.red[ind]) + std::fabs(grn - colr.grn[ind]) +
                            std::fabs(blu - colr.blu[ind]);
     return distance < 0.01F ? 1 : 0;
 }
 
 int gchk_colr(const char* func, int* ind) {
-    if (gchk_open(func) != 0)
+    if (gchk_open(func) != 0) {
         return -1;
+    }
     if (gis_valid_colr(*ind) == 0) {
         gerr_printf(func, "invalid color index: %d\n", *ind);
         return -1;
     }
     const bool print = *ind >= first_print_colr;
-    if (print && gtype_is_WIN_PIX())
+    if (print && gtype_is_WIN_PIX()) {
         *ind = 1;
+    }
     if (!print && gtype_is_WIN_PIX() && gget_color_ind(*ind) == no_pixel) {
         gerr_printf(func, "color index not initialized\n");
         return -1;
@@ -281,8 +301,9 @@ int gfind_color(const char* name, Gcolr_rep* rep) {
 
 int ginit_background() {
     const char* text = background_text();
-    if (text != nullptr && *text == '\0')
+    if (text != nullptr && *text == '\0') {
         text = nullptr;
+    }
     const bool over = text != nullptr && is_over(text);
     switch (gget_device()) {
     case Gdevice::window:
@@ -297,8 +318,9 @@ int ginit_background() {
     case Gdevice::none:
         break;
     }
-    if (gtype_is_WIN() && !over)
+    if (gtype_is_WIN() && !over) {
         gclear_frame(frame_base);
+    }
     return 0;
 }
 

@@ -65,8 +65,9 @@ bool plot_under_way() {
 // --- Calls to the plotter -----------------------------------------------------
 
 void call_plotter(int type, const char* name, float x, float y) {
-    if (evnt.mouse_CB == nullptr)
+    if (evnt.mouse_CB == nullptr) {
         return;
+    }
     const int cursor = gset_cursor(cursor_number_ptr);
     ++evnt.in_plotter;
     evnt.mouse_CB(type, name, x, y);
@@ -80,8 +81,9 @@ void call_at(int type, const char* name, XPoint at) {
 
 void take_size() {
     evnt.size_due = false;
-    if (gresize_window(-1, -1) == 0)
+    if (gresize_window(-1, -1) == 0) {
         return;
+    }
     evnt.num_waiting = 0; // a position on the old page means nothing on the new one
     constexpr int init_again = 1;
     ginit_plot(init_again);
@@ -104,15 +106,18 @@ void call_button(const char* name, XPoint at, bool release) {
 
 // Serves what a plot has put off. Returns whether there was something.
 bool serve_waiting() {
-    if (plot_under_way() || (!evnt.size_due && evnt.num_waiting == 0))
+    if (plot_under_way() || (!evnt.size_due && evnt.num_waiting == 0)) {
         return false;
-    if (evnt.size_due)
+    }
+    if (evnt.size_due) {
         take_size();
+    }
     const auto waiting = evnt.waiting;
     const std::size_t n = std::exchange(evnt.num_waiting, 0);
     for (std::size_t i = 0; i < n; ++i) {
-        if (waiting[i].release)
+        if (waiting[i].release) {
             ginit_band(); // the press has just begun it, the button is up by now
+        }
         call_at(type_button, waiting[i].name.data(), waiting[i].at);
     }
     return true;
@@ -124,35 +129,42 @@ bool serve_waiting() {
 void expose(XExposeEvent* event) {
     evnt.mapped = 1;
     XEvent later;
-    while (XCheckTypedEvent(gget_display(), Expose, &later) != 0)
+    while (XCheckTypedEvent(gget_display(), Expose, &later) != 0) {
         *event = later.xexpose;
-    if (!evnt.expose_served)
+    }
+    if (!evnt.expose_served) {
         gupdate_window();
+    }
     evnt.expose_served = event->count > 0;
 }
 
 void configure(const XConfigureEvent& event) {
-    if (event.window != gget_root_window())
+    if (event.window != gget_root_window()) {
         return;
+    }
     XConfigureEvent last = event;
     XEvent later;
-    while (XCheckTypedWindowEvent(gget_display(), event.window, ConfigureNotify, &later) != 0)
+    while (XCheckTypedWindowEvent(gget_display(), event.window, ConfigureNotify, &later) != 0) {
         last = later.xconfigure;
+    }
     int width = 0;
     int height = 0;
     gget_root_size(&width, &height);
-    if (last.width == width && last.height == height && !evnt.size_due)
+    if (last.width == width && last.height == height && !evnt.size_due) {
         return; // it was moved
+    }
     evnt.size_due = true;
-    if (!plot_under_way())
+    if (!plot_under_way()) {
         take_size();
+    }
 }
 
 // Another client has destroyed the window. A plot under way is drawn to its end,
 // as its images may be asked for, and there is nothing to hold.
 void destroyed(const XDestroyWindowEvent& event) {
-    if (event.window != gget_root_window())
+    if (event.window != gget_root_window()) {
         return;
+    }
     ghide_keys();
     glose_window();
     evnt.mapped = 0;
@@ -183,12 +195,15 @@ void client_message(const XClientMessageEvent& event) {
     constexpr char ask_end = 9;
     constexpr int bytes_format = 8;
     constexpr int longs_format = 32;
-    if (event.format == longs_format && static_cast<Atom>(event.data.l[0]) == gget_close_atom())
+    if (event.format == longs_format && static_cast<Atom>(event.data.l[0]) == gget_close_atom()) {
         evnt.input_mode = input_leave;
-    if (event.format != bytes_format)
+    }
+    if (event.format != bytes_format) {
         return;
-    if (event.data.b[0] == ask_end)
+    }
+    if (event.data.b[0] == ask_end) {
         evnt.input_mode = input_leave;
+    }
     if (event.data.b[0] == ask_frame) {
         gset_win_title_extra("+"); // the requester waits until this goes
         new_frame();
@@ -216,8 +231,9 @@ XPoint pointer_position(XPoint otherwise) {
 
 void key_press(XKeyEvent* event) {
     evnt.user_event = true;
-    if (evnt.input_mode != input_hold && evnt.input_mode != input_key_seen)
+    if (evnt.input_mode != input_hold && evnt.input_mode != input_key_seen) {
         return;
+    }
     evnt.input_mode = input_key_seen;
     std::array<char, event_name_size> name{};
     constexpr int text_size = 60; // leaves room for the modifiers
@@ -226,19 +242,25 @@ void key_press(XKeyEvent* event) {
     const int length = XLookupString(event, name.data(), text_size, &key, nullptr);
     name[static_cast<std::size_t>(std::clamp(length, 0, text_size))] = '\0';
     const bool modifier = IsModifierKey(key);
-    if (!modifier && ghide_keys())
+    if (!modifier && ghide_keys()) {
         return; // that is all it does, so that Return may serve
-    if (key == XK_F1)
+    }
+    if (key == XK_F1) {
         return gshow_keys();
-    if (key == XK_KP_Enter)
+    }
+    if (key == XK_KP_Enter) {
         key = XK_Return;
-    if (key == XK_Return)
+    }
+    if (key == XK_Return) {
         copy_text(name.data(), name.size(), "Ret");
+    }
     const Key_end end = gserve_key(key, event->state, event->x, event->y);
-    if (end == Key_end::leave_hold)
+    if (end == Key_end::leave_hold) {
         evnt.input_mode = input_leave;
-    if (end == Key_end::no_callback)
+    }
+    if (end == Key_end::no_callback) {
         return;
+    }
     gname_modifiers(event->state, name.data());
     call_at(type_key, name.data(), pointer_position(point(event->x, event->y)));
 }
@@ -246,8 +268,9 @@ void key_press(XKeyEvent* event) {
 void button(const XButtonEvent& event) {
     evnt.user_event = true;
     const bool press = event.type == ButtonPress;
-    if (press && ghide_keys())
+    if (press && ghide_keys()) {
         return;
+    }
     XPoint at = point(event.x, event.y);
     if (press) {
         gserve_button(event.button, event.state);
@@ -263,8 +286,9 @@ void button(const XButtonEvent& event) {
 
 void motion(XMotionEvent* event) {
     XEvent later;
-    while (XCheckTypedEvent(gget_display(), MotionNotify, &later) != 0)
+    while (XCheckTypedEvent(gget_display(), MotionNotify, &later) != 0) {
         *event = later.xmotion;
+    }
     gband_move(point(event->x, event->y));
 }
 
@@ -285,10 +309,12 @@ Bool may_interrupt(Display* /*display*/, XEvent* event, XPointer /*arg*/) {
 
 bool next_event(XEvent* event) {
     Display* display = gget_display();
-    if (plot_under_way())
+    if (plot_under_way()) {
         return XCheckIfEvent(display, event, may_interrupt, nullptr) != 0;
-    if (XPending(display) == 0)
+    }
+    if (XPending(display) == 0) {
         return false;
+    }
     XNextEvent(display, event);
     return true;
 }
@@ -308,26 +334,29 @@ int serve_pending() {
 using Clock = std::chrono::steady_clock;
 
 void show_cursor(int number) {
-    if (gget_cursor_type() != number)
+    if (gget_cursor_type() != number) {
         gset_cursor(number);
+    }
 }
 
 // Waits for an event, at most half a second; in the first quiet seconds less.
 void poll_still(int* quiet) {
     constexpr int lively_passes = 50;
     pollfd connection = {ConnectionNumber(gget_display()), POLLIN, 0};
-    if (XPending(gget_display()) == 0)
+    if (XPending(gget_display()) == 0) {
         poll(&connection, 1, *quiet < lively_passes ? 100 : 500);
+    }
     *quiet = gcheck_event() > 0 ? 0 : *quiet + 1;
 }
 
 void show_next_frame() {
     show_cursor(cursor_number_loop);
     gloop_sleep();
-    if (evnt.mapped == 0)
+    if (evnt.mapped == 0) {
         ZYR_sleep(0.1F); // with a delay of 0 a hidden loop would never rest
-    else if (gget_looping() != 0 && gget_input_mode() != 0)
+    } else if (gget_looping() != 0 && gget_input_mode() != 0) {
         gdisplay_frame(ginc_frame(0));
+    }
     ZYR_init_time();
     gcheck_event();
 }
@@ -340,16 +369,18 @@ void hold_pass(int* quiet) {
         return;
     }
     show_cursor(gget_num_images() < 2 ? cursor_number_rect : cursor_number_stop);
-    if (evnt.refresh > 0)
+    if (evnt.refresh > 0) {
         poll_still(quiet);
-    else
+    } else {
         gwait_event();
+    }
 }
 
 void serve_refresh(Clock::time_point* due) {
     const auto now = Clock::now();
-    if (evnt.refresh <= 0 || now < *due || evnt.refresh_CB == nullptr)
+    if (evnt.refresh <= 0 || now < *due || evnt.refresh_CB == nullptr) {
         return;
+    }
     ++evnt.in_plotter;
     evnt.refresh_CB();
     --evnt.in_plotter;
@@ -370,17 +401,20 @@ int ginit_event(int type) {
 }
 
 int gcheck_event() {
-    if (!has_events())
+    if (!has_events()) {
         return 0;
+    }
     serve_waiting();
     return serve_pending();
 }
 
 int gwait_event() {
-    if (!has_events())
+    if (!has_events()) {
         return 0;
-    if (serve_waiting())
+    }
+    if (serve_waiting()) {
         return serve_pending(); // a loop may have begun: do not wait
+    }
     XEvent event;
     XNextEvent(gget_display(), &event);
     gprocess_x11_event(&event);
@@ -389,10 +423,12 @@ int gwait_event() {
 
 int gprocess_x11_event(XEvent* event) {
     evnt.user_event = false;
-    if (!has_events())
+    if (!has_events()) {
         return 0;
-    if (event->type != Expose && event->type != ConfigureNotify)
+    }
+    if (event->type != Expose && event->type != ConfigureNotify) {
         evnt.expose_served = false;
+    }
     switch (event->type) {
     case Expose:
         expose(&event->xexpose);
@@ -427,12 +463,14 @@ int gprocess_x11_event(XEvent* event) {
 }
 
 int ghold(int /*ws_id*/) {
-    if (!has_events())
+    if (!has_events()) {
         return 0;
+    }
     gcheck_event();
     gflush();
-    if (gget_looping() != 0)
+    if (gget_looping() != 0) {
         ZYR_init_time();
+    }
     evnt.input_mode = ghas_window() ? input_hold : input_leave;
     gcheck_event(); // what the plot has put off
     auto due = Clock::now() + std::chrono::seconds(evnt.refresh);

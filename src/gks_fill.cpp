@@ -52,8 +52,9 @@ void apply_style() {
 }
 
 int show_area(int n, const Gpt* pts) {
-    if (!gdraw_ready())
+    if (!gdraw_ready()) {
         return 0;
+    }
     gnew_obj(obj_fill_area, n, n * static_cast<int>(sizeof(Gpt)), pts);
     const PixelFigure figure(n, pts);
     if (figure.points() == nullptr) {
@@ -65,14 +66,16 @@ int show_area(int n, const Gpt* pts) {
 }
 
 int show_clear(const Glim& lim) {
-    if (!gdraw_ready())
+    if (!gdraw_ready()) {
         return -1;
+    }
     const int x = trunc_int(xW_p(lim.x_min) + 0.5F);
     const int y = trunc_int(yW_p(lim.y_max) + 0.5F);
     const int width = trunc_int(xW_p(lim.x_max) - static_cast<float>(x) + 0.5F);
     const int height = trunc_int(yW_p(lim.y_min) - static_cast<float>(y) + 0.5F);
-    if (width > 0 && height > 0)
+    if (width > 0 && height > 0) {
         gdraw_clear({x, y, width, height});
+    }
     return 0;
 }
 
@@ -83,8 +86,9 @@ const std::array<unsigned char, pattern_size>& gfill_pattern(int ind) {
 }
 
 int gfill_area(int n, const Gpt* pts) {
-    if (gpts_in_win(n, pts) == 0)
+    if (gpts_in_win(n, pts) == 0) {
         return 0;
+    }
     switch (gget_device()) {
     case Gdevice::window:
     case Gdevice::pixmap:
@@ -102,34 +106,42 @@ int gfill_area(int n, const Gpt* pts) {
 }
 
 int gset_fill_colr_ind(int ind) {
-    if (ind == fill.fill_color)
+    if (ind == fill.fill_color) {
         return 0;
-    if (gchk_colr("gset_fill_colr_ind", &ind) != 0)
+    }
+    if (gchk_colr("gset_fill_colr_ind", &ind) != 0) {
         return -1;
-    if (ind == fill.fill_color)
+    }
+    if (ind == fill.fill_color) {
         return 0; // a print colour stands for it
+    }
     fill.fill_color = ind;
     grecord(obj_fill_colr, ind);
     return 0; // a display takes the colour with the next area
 }
 
 int gset_fill_int_style(int style) {
-    if (style == fill.fill_inter_style)
+    if (style == fill.fill_inter_style) {
         return 0;
-    if (gchk_open("gset_fill_int_style") != 0)
+    }
+    if (gchk_open("gset_fill_int_style") != 0) {
         return -1;
+    }
     fill.fill_inter_style = style;
-    if (grecord(obj_fill_int_style, style))
+    if (grecord(obj_fill_int_style, style)) {
         apply_style();
+    }
     return 0;
 }
 
 int gset_fill_style_ind(int ind) {
     const bool same = ind == fill.fill_inter_index;
-    if (same && !fill.pattern_elsewhere)
+    if (same && !fill.pattern_elsewhere) {
         return 0;
-    if (gchk_open("gset_fill_style_ind") != 0)
+    }
+    if (gchk_open("gset_fill_style_ind") != 0) {
         return -1;
+    }
     if (ind < 0 || ind >= num_patterns) {
         gerr_printf("gset_fill_style_ind", "invalid style index: %d\n", ind);
         return -1;
@@ -140,8 +152,9 @@ int gset_fill_style_ind(int ind) {
         return 0;
     }
     fill.fill_inter_index = ind;
-    if (shown)
+    if (shown) {
         apply_style();
+    }
     return 0;
 }
 
@@ -176,10 +189,11 @@ void gput_fill_state() {
     fill = {missing_index, missing_index, missing_index, now.print_solid};
     gset_fill_int_style(now.fill_inter_style);
     gset_fill_style_ind(now.fill_inter_index);
-    if (gget_color_ind(now.fill_color) != -1)
+    if (gget_color_ind(now.fill_color) != -1) {
         gset_fill_colr_ind(now.fill_color);
-    else // without a pixel no setter takes it
+    } else { // without a pixel no setter takes it
         gnew_obj(obj_fill_colr, now.fill_color, 0, nullptr);
+    }
     fill = now; // also what a setter refused
 }
 
@@ -190,14 +204,16 @@ void ghold_fill_state(Ghold what) {
     }
     gflush_fill();
     fill_aside = fill;
-    if (what == Ghold::begin)
+    if (what == Ghold::begin) {
         fill = {missing_index, missing_index, missing_index, fill.print_solid};
+    }
 }
 
 int gclear_region(const Glim* lim) {
     const Gdevice device = gget_device();
-    if (device != Gdevice::metafile)
+    if (device != Gdevice::metafile) {
         gnew_obj(obj_clear_region, 1, sizeof *lim, lim);
+    }
     switch (device) {
     case Gdevice::window:
     case Gdevice::pixmap:

@@ -43,8 +43,9 @@ bool is_byte(int v) {
 }
 
 bool store(Gfont* font, int value) {
-    if (!is_byte(value) || font->size >= static_cast<int>(font->db.size()))
+    if (!is_byte(value) || font->size >= static_cast<int>(font->db.size())) {
         return false;
+    }
     font->db[font->size++] = static_cast<unsigned char>(value);
     return true;
 }
@@ -53,23 +54,29 @@ bool store(Gfont* font, int value) {
 // a glyph: so every glyph that begins inside the data also ends there.
 bool read_strokes(Words* words, Gfont* font) {
     int value = 0;
-    if (!words->number(&value))
+    if (!words->number(&value)) {
         return false;
+    }
     const bool labels = value != end_of_glyph;
-    if (labels)
+    if (labels) {
         words->next();
-    else if (!store(font, value))
+    } else if (!store(font, value)) {
         return false;
+    }
     for (;;) {
-        if (!words->number(&value))
+        if (!words->number(&value)) {
             return false;
-        if (value == end_of_data)
+        }
+        if (value == end_of_data) {
             return store(font, end_of_glyph);
-        if (!store(font, value))
+        }
+        if (!store(font, value)) {
             return false;
+        }
         if (value == end_of_glyph) {
-            if (labels)
+            if (labels) {
                 words->next();
+            }
         } else if (!words->number(&value) || !store(font, value)) {
             return false;
         }
@@ -79,18 +86,21 @@ bool read_strokes(Words* words, Gfont* font) {
 unsigned char glyph_width(const Gfont& font, int place) {
     int width = 0;
     Gstroke stroke{};
-    while (gnext_stroke(font, &place, &stroke))
+    while (gnext_stroke(font, &place, &stroke)) {
         width = std::max(width, stroke.x);
+    }
     return static_cast<unsigned char>(width);
 }
 
 bool read_index(Words* words, Gfont* font) {
     for (std::size_t code = 0; code < font->index.size(); ++code) {
         int place = 0;
-        if (!words->number(&place))
+        if (!words->number(&place)) {
             return false;
-        if (place < 0 || place >= font->size)
+        }
+        if (place < 0 || place >= font->size) {
             continue;
+        }
         font->index[code] = place;
         font->width[code] = glyph_width(*font, place);
     }
@@ -107,18 +117,21 @@ void gclear_font(Gfont* font) {
 int gparse_font(std::string_view text, Gfont* font) {
     gclear_font(font);
     Words words(text);
-    if (read_strokes(&words, font) && read_index(&words, font))
+    if (read_strokes(&words, font) && read_index(&words, font)) {
         return 0;
+    }
     gclear_font(font);
     return -1;
 }
 
 bool gnext_stroke(const Gfont& font, int* place, Gstroke* stroke) {
-    if (*place < 0 || *place + 1 >= font.size)
+    if (*place < 0 || *place + 1 >= font.size) {
         return false;
+    }
     const int x = font.db[*place];
-    if (x >= end_of_data)
+    if (x >= end_of_data) {
         return false;
+    }
     stroke->down = x < pen_up;
     stroke->x = stroke->down ? x : x - pen_up;
     stroke->y = font.db[*place + 1];

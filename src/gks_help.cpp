@@ -51,9 +51,10 @@ int line_height(const XFontStruct& font) {
 
 Size box_size(const XFontStruct& font, const std::vector<std::string>& lines) {
     Size size;
-    for (const std::string& line : lines)
+    for (const std::string& line : lines) {
         size.width = std::max(size.width, XTextWidth(const_cast<XFontStruct*>(&font), line.c_str(),
                                                      static_cast<int>(line.size())));
+    }
     size.width += 2 * margin;
     size.height = static_cast<int>(lines.size()) * line_height(font) + 2 * margin;
     return size;
@@ -66,11 +67,13 @@ Font_ptr fitting_font(const std::vector<std::string>& lines) {
     gget_root_size(&width, &height);
     for (const char* name : {"9x15", "7x13", "fixed", "5x8"}) {
         Font_ptr font(XLoadQueryFont(gget_display(), name));
-        if (font == nullptr)
+        if (font == nullptr) {
             continue;
+        }
         const Size size = box_size(*font, lines);
-        if (size.width <= width && size.height <= height)
+        if (size.width <= width && size.height <= height) {
             return font;
+        }
     }
     return nullptr;
 }
@@ -127,13 +130,15 @@ Window make_box(Pixmap background, Size size, unsigned long ink) {
 } // namespace
 
 void gshow_keys() {
-    if (help.box != 0 || !ghas_window())
+    if (help.box != 0 || !ghas_window()) {
         return;
+    }
     const std::vector<std::string> lines = text_lines();
     const Font_ptr font = fitting_font(lines);
     if (font == nullptr) { // a small window: the terminal has room
-        for (const std::string& line : lines)
+        for (const std::string& line : lines) {
             MESS_print(mess_print, "%s\n", line.c_str());
+        }
         return;
     }
     constexpr unsigned short full = 0xFFFF;
@@ -147,10 +152,12 @@ void gshow_keys() {
 }
 
 bool ghide_keys() {
-    if (help.box == 0)
+    if (help.box == 0) {
         return false;
-    if (ghas_window())
+    }
+    if (ghas_window()) {
         XDestroyWindow(gget_display(), help.box); // what it covered is exposed
+    }
     help.box = 0;
     gflush();
     return true;

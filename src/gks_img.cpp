@@ -32,8 +32,9 @@ bool picture_size(const XWindowAttributes& window, int* width, int* height) {
     unsigned border = 0;
     unsigned depth = 0;
     if (XGetGeometry(gget_display(), gget_draw_window(), &root, &x, &y, &w, &h, &border, &depth) ==
-        0)
+        0) {
         return false;
+    }
     *width = std::min(window.width, static_cast<int>(w));
     *height = std::min(window.height, static_cast<int>(h));
     return true;
@@ -57,8 +58,9 @@ enum class Taking {
 };
 
 Taking taking_of(const XImage& ximage) {
-    if (ximage.depth == 1 || ximage.depth == 4)
+    if (ximage.depth == 1 || ximage.depth == 4) {
         return Taking::packed;
+    }
     const bool has_masks = ximage.red_mask != 0 && ximage.green_mask != 0 && ximage.blue_mask != 0;
     return has_masks && ximage.red_mask > low_24_bits ? Taking::narrow : Taking::rows;
 }
@@ -132,17 +134,19 @@ void take_strip(IMG_report* image, XImage* ximage, int top) {
         return;
     }
     for (int y = 0; y < ximage->height; ++y, out += image->bytes_line) {
-        if (taking == Taking::packed)
+        if (taking == Taking::packed) {
             pack_row(ximage, y, out);
-        else
+        } else {
             narrow_row(ximage, y, out);
+        }
     }
 }
 
 // The server tells the masks of a window's pixels, not those of a pixmap's.
 void complete_masks(XImage* ximage, const Visual& visual) {
-    if (ximage->red_mask != 0)
+    if (ximage->red_mask != 0) {
         return;
+    }
     ximage->red_mask = visual.red_mask;
     ximage->green_mask = visual.green_mask;
     ximage->blue_mask = visual.blue_mask;
@@ -160,11 +164,13 @@ Failure take_pixels(IMG_report* image, const Visual& visual) {
         const XImage_ptr strip(XGetImage(gget_display(), gget_draw_window(), 0, top,
                                          static_cast<unsigned>(image->width),
                                          static_cast<unsigned>(rows), AllPlanes, ZPixmap));
-        if (strip == nullptr)
+        if (strip == nullptr) {
             return Failure::no_image;
+        }
         complete_masks(strip.get(), visual);
-        if (top == 0 && !lay_out(image, *strip))
+        if (top == 0 && !lay_out(image, *strip)) {
             return Failure::no_memory;
+        }
         take_strip(image, strip.get(), top);
     }
     return Failure::none;
@@ -173,8 +179,9 @@ Failure take_pixels(IMG_report* image, const Visual& visual) {
 // The lowest bit of a mask per entry, back to 0 when it passes the mask.
 void step_component(unsigned long* part, unsigned long mask) {
     *part += mask & (~mask + 1);
-    if (*part > mask)
+    if (*part > mask) {
         *part = 0;
+    }
 }
 
 // The pixel of each entry of a colour map.
@@ -214,16 +221,18 @@ void take_table(IMG_report* image, const XWindowAttributes& window) {
     }
     number_entries(*window.visual, count, entries.get());
     XQueryColors(gget_display(), window.colormap, entries.get(), count);
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         image->colors[i] = {color_value(entries[i].red), color_value(entries[i].green),
                             color_value(entries[i].blue)};
+    }
 }
 
 void take_colors(IMG_report* image, const XWindowAttributes& window) {
     image->num_colors = 0;
     image->color_type = 0;
-    if (window.colormap != None && window.visual->c_class != TrueColor)
+    if (window.colormap != None && window.visual->c_class != TrueColor) {
         take_table(image, window);
+    }
 }
 
 // The row of a writer.
@@ -236,8 +245,9 @@ const IMG_kind& kind_of(decltype(IMG_kind::write) writer) {
 int gget_image(IMG_report* image) {
     IMG_init(image);
     Display* display = gget_display();
-    if (display == nullptr || gget_draw_window() == 0)
+    if (display == nullptr || gget_draw_window() == 0) {
         return 0;
+    }
     gflush_fill();
 
     gtrap_errors(0);
@@ -276,10 +286,12 @@ int gwrite_image(const IMG_kind& kind, const char* filename, const IMG_report& i
 
 int gdump_image(const IMG_kind& kind, const char* filename, void (*describe)(IMG_report* image)) {
     IMG_report image;
-    if (gget_image(&image) == 0)
+    if (gget_image(&image) == 0) {
         return 0;
-    if (describe != nullptr)
+    }
+    if (describe != nullptr) {
         describe(&image);
+    }
     return gwrite_image(kind, filename, image);
 }
 

@@ -68,13 +68,15 @@ constexpr std::array plotter_help = {
 void dump_path(const IMG_kind& kind, int frame, char* path) {
     char title[6];
     std::snprintf(title, sizeof title, "%.5s", gget_win_title());
-    for (char& c : title)
+    for (char& c : title) {
         c = c == ' ' || c == '/' ? '_' : c; // a title names no directory
+    }
     char name[file_name_size];
-    if (frame < 0)
+    if (frame < 0) {
         std::snprintf(name, sizeof name, "%s.%s", title, kind.word);
-    else
+    } else {
         std::snprintf(name, sizeof name, "%s-%2.2d.%s", title, frame, kind.word);
+    }
     FILE_add_path(RES_get("image_path"), name, path);
 }
 
@@ -82,12 +84,13 @@ void dump_path(const IMG_kind& kind, int frame, char* path) {
 void dump_one(const IMG_kind& kind, int frame, bool in_list) {
     char path[file_name_size];
     dump_path(kind, frame, path);
-    if (gdump_image(kind, path, nullptr) == 0)
+    if (gdump_image(kind, path, nullptr) == 0) {
         MESS_print(mess_warn, "gprocess_x11_event: Unable to write %s file: %s\n", kind.name, path);
-    else if (in_list)
+    } else if (in_list) {
         MESS_print(mess_mess, "%s\n", path);
-    else
+    } else {
         MESS_print(mess_mess, "Created %s file: %s\n", kind.name, path);
+    }
 }
 
 void dump_frames(const IMG_kind& kind) {
@@ -113,10 +116,11 @@ void dump_frames(const IMG_kind& kind) {
 
 // On through the frames, or faster through a running loop; or the opposite.
 void step_frames(bool forward) {
-    if (gget_looping() != 0)
+    if (gget_looping() != 0) {
         ginc_loop_delay(gloop_delay_step(gget_loop_delay(), !forward));
-    else
+    } else {
         gdisplay_frame(ginc_frame(forward ? 1 : -1));
+    }
 }
 
 void print_metafile() {
@@ -170,34 +174,40 @@ void gname_button(unsigned button, bool press, char* name) {
 void gname_modifiers(unsigned state, char* name) {
     for (const Modifier& row : modifiers) {
         const std::size_t length = std::strlen(name);
-        if ((state & row.mask) != 0)
+        if ((state & row.mask) != 0) {
             copy_text(name + length, event_name_size - length, row.suffix);
+        }
     }
 }
 
 Key_end gserve_key(KeySym key, unsigned state, int x, int y) {
-    if (key == XK_Return)
+    if (key == XK_Return) {
         return Key_end::leave_hold;
-    if ((state & alt_mask) == 0)
+    }
+    if ((state & alt_mask) == 0) {
         return Key_end::none;
+    }
     for (const KeyRow& row : key_map) {
-        if (row.sym == key)
+        if (row.sym == key) {
             return act(row.key, x, y);
+        }
     }
     return Key_end::none;
 }
 
 std::vector<Key_help> gkey_help() {
     std::vector<Key_help> rows{return_help};
-    for (const KeyRow& row : key_map)
+    for (const KeyRow& row : key_map) {
         rows.push_back(row.help);
+    }
     rows.insert(rows.end(), plotter_help.begin(), plotter_help.end());
     return rows;
 }
 
 void gserve_button(unsigned button, unsigned state) {
-    if ((state & alt_mask) != 0)
+    if ((state & alt_mask) != 0) {
         return;
+    }
     switch (button) {
     case Button1:
     case Button3:

@@ -48,14 +48,16 @@ Gdash gline_dash(int type) {
 }
 
 int gpolyline(int n, const Gpt* pts) {
-    if (gchk_open("gpolyline") != 0)
+    if (gchk_open("gpolyline") != 0) {
         return -1;
+    }
     if (n < 2) {
         gerr_printf("gpolyline", "invalid number of points: %d\n", n);
         return -1;
     }
-    if (gpts_in_win(n, pts) == 0)
+    if (gpts_in_win(n, pts) == 0) {
         return 0;
+    }
     switch (gget_device()) {
     case Gdevice::window:
     case Gdevice::pixmap:
@@ -73,43 +75,52 @@ int gpolyline(int n, const Gpt* pts) {
 }
 
 int gset_line_colr_ind(int ind) {
-    if (gchk_colr("gset_line_colr_ind", &ind) != 0)
+    if (gchk_colr("gset_line_colr_ind", &ind) != 0) {
         return -1;
-    if (ind == line.line_color)
+    }
+    if (ind == line.line_color) {
         return 0;
+    }
     line.line_color = ind;
-    if (grecord(obj_line_colr, ind))
+    if (grecord(obj_line_colr, ind)) {
         gdraw_set_color(Gpen::line, ind);
+    }
     return 0;
 }
 
 int gset_linewidth(float width) {
-    if (gchk_open("gset_linewidth") != 0)
+    if (gchk_open("gset_linewidth") != 0) {
         return -1;
+    }
     if (!std::isfinite(width) || width < 0.0F) {
         gerr_printf("gset_linewidth", "invalid line width: %f\n", static_cast<double>(width));
         return -1;
     }
-    if (width == line.line_width)
+    if (width == line.line_width) {
         return 0;
+    }
     line.line_width = gkept_width(width);
-    if (grecord(obj_linewidth, width))
+    if (grecord(obj_linewidth, width)) {
         gdraw_set_width(Gpen::line, width);
+    }
     return 0;
 }
 
 int gset_linetype(int type) {
-    if (gchk_open("gset_linetype") != 0)
+    if (gchk_open("gset_linetype") != 0) {
         return -1;
+    }
     if (type < 0) {
         gerr_printf("gset_linetype", "invalid line type: %d\n", type);
         return -1;
     }
-    if (type == line.line_type)
+    if (type == line.line_type) {
         return 0;
+    }
     line.line_type = type;
-    if (grecord(obj_linetype, type))
+    if (grecord(obj_linetype, type)) {
         gdraw_set_dash(type);
+    }
     return 0;
 }
 
@@ -142,10 +153,11 @@ int ginit_line(int type) {
 void gput_line_state() {
     const LineState now = line;
     line = {missing_index, missing_index, -1.0F, now.print_bold};
-    if (gget_color_ind(now.line_color) != -1)
+    if (gget_color_ind(now.line_color) != -1) {
         gset_line_colr_ind(now.line_color);
-    else // without a pixel no setter takes it
+    } else { // without a pixel no setter takes it
         gnew_obj(obj_line_colr, now.line_color, 0, nullptr);
+    }
     gset_linetype(now.line_type);
     gset_linewidth(now.line_width);
     line = now; // also what a setter refused
@@ -157,6 +169,7 @@ void ghold_line_state(Ghold what) {
         return;
     }
     line_aside = line;
-    if (what == Ghold::begin)
+    if (what == Ghold::begin) {
         line = {missing_index, missing_index, -1.0F, line.print_bold};
+    }
 }

@@ -45,8 +45,9 @@ bool has_window() {
 }
 
 int frame_number(int ind) {
-    if (ind == frame_last)
+    if (ind == frame_last) {
         return loop.num_images - 1;
+    }
     return ind == frame_current ? loop.cur_image : ind;
 }
 
@@ -58,10 +59,11 @@ Frame* frame_of(int ind) {
 
 void set_pixmap(int ind, Pixmap pixmap) {
     Frame* frame = frame_of(ind);
-    if (ind == frame_base)
+    if (ind == frame_base) {
         gset_base_window(pixmap);
-    else if (frame != nullptr)
+    } else if (frame != nullptr) {
         frame->pixmap = pixmap;
+    }
 }
 
 // Where primitives draw, counted by offset and size.
@@ -81,32 +83,37 @@ Pixmap new_pixmap() {
 
 // Drawing into a frame that goes away goes on in the base pixmap.
 void free_pixmap(Frame& frame) {
-    if (frame.pixmap == 0)
+    if (frame.pixmap == 0) {
         return;
+    }
     gflush_fill();
-    if (gget_draw_window() == frame.pixmap)
+    if (gget_draw_window() == frame.pixmap) {
         gset_draw_window(0);
+    }
     XFreePixmap(gget_display(), frame.pixmap);
     frame.pixmap = 0;
 }
 
 // All frames but the last, which has a pause of its own.
 void set_delays(float delay) {
-    for (int i = 0; i < loop.num_images - 1; ++i)
+    for (int i = 0; i < loop.num_images - 1; ++i) {
         loop.images[i].delay = delay;
+    }
 }
 
 // Takes the entry `ind` out of the frames in use.
 void remove_entry(int ind) {
     auto& images = loop.images;
     const bool only = loop.num_images == 1;
-    if (!only)
+    if (!only) {
         free_pixmap(images[ind]); // the pixmap of an only frame serves the next one
+    }
     const Pixmap kept = only ? images[ind].pixmap : 0;
     std::move(images.begin() + ind + 1, images.end(), images.begin() + ind);
     images.back() = {};
-    if (only)
+    if (only) {
         images[0].pixmap = kept;
+    }
     if (ind == loop.num_images - 1 && !only) {
         images[ind - 1].delay = loop.loop_pause;
         images[ind].delay = loop.loop_delay;
@@ -128,36 +135,44 @@ int ginit_loop() {
 }
 
 int gcreate_frame(int ind) {
-    if (!has_window())
+    if (!has_window()) {
         return 0;
-    if (ind < 0)
+    }
+    if (ind < 0) {
         ind = loop.num_images;
+    }
     if (ind >= max_frames) {
         gerr_printf("gcreate_frame", "no room for frame %d: at most %d frames\n", ind, max_frames);
         return -1;
     }
     Frame& frame = loop.images[ind];
-    if (frame.pixmap == 0)
+    if (frame.pixmap == 0) {
         frame.pixmap = new_pixmap();
+    }
     gclear_frame(ind);
-    if (ind > 0)
+    if (ind > 0) {
         loop.images[ind - 1].delay = loop.loop_delay;
-    if (loop.num_images < max_frames)
+    }
+    if (loop.num_images < max_frames) {
         loop.images[loop.num_images].delay = loop.loop_pause;
+    }
     gflush();
     MESS_print(mess_frames, "Created frame: %d-%ld\n", ind, static_cast<long>(frame.pixmap));
-    if (ind == loop.num_images)
+    if (ind == loop.num_images) {
         ++loop.num_images;
+    }
     return ind;
 }
 
 int gclear_frame(int ind) {
     const Pixmap pixmap = gget_frame_id(ind);
-    if (!has_window() || pixmap == 0)
+    if (!has_window() || pixmap == 0) {
         return 0;
+    }
     gflush_fill();
-    if (ind == frame_base)
+    if (ind == frame_base) {
         greset_zoom(); // what was magnified is gone
+    }
     const int pixel = gget_color_ind(-1);
     const Grectangle area = drawing_area();
     XSetForeground(gget_display(), gget_root_gc(),
@@ -169,30 +184,37 @@ int gclear_frame(int ind) {
 }
 
 int gselect_frame(int ind) {
-    if (!has_window())
+    if (!has_window()) {
         return -1;
+    }
     gflush_fill();
     gset_redraw(0); // a loop's primitives would fill the memory
-    if (ind == frame_base)
+    if (ind == frame_base) {
         return gset_draw_window(0);
+    }
     const Pixmap pixmap = gget_frame_id(ind);
-    if (pixmap == 0)
+    if (pixmap == 0) {
         return -1;
+    }
     gset_draw_window(pixmap);
     MESS_print(mess_frames, "Selected frame: %d\n", frame_number(ind));
     return 0;
 }
 
 int gdisplay_frame(int ind) {
-    if (!has_window() || ind >= max_frames)
+    if (!has_window() || ind >= max_frames) {
         return -1;
+    }
     loop.cur_image = std::max(loop.cur_image, 0);
-    if (ind < 0)
+    if (ind < 0) {
         ind = loop.cur_image;
-    if (gget_zoom() < 2)
+    }
+    if (gget_zoom() < 2) {
         gcopy_frame(frame_base, ind);
-    if (gget_zoom() < 2 || gzoom(ind, -1, -1, -1, 1) == 0)
+    }
+    if (gget_zoom() < 2 || gzoom(ind, -1, -1, -1, 1) == 0) {
         gupdate_window();
+    }
     if (loop.loop_title != 0 && loop.num_images > 0) {
         char text[16];
         std::snprintf(text, sizeof text, "[%d]", ind);
@@ -205,24 +227,27 @@ int gdisplay_frame(int ind) {
 int gswitch_frame(int ind1, int ind2) {
     const Pixmap first = gget_frame_id(ind1);
     const Pixmap second = gget_frame_id(ind2);
-    if (!has_window() || first == 0 || second == 0)
+    if (!has_window() || first == 0 || second == 0) {
         return 0;
+    }
     gflush_fill();
     const Drawable draw = gget_draw_window();
     set_pixmap(ind1, second);
     set_pixmap(ind2, first);
-    if (draw == first)
+    if (draw == first) {
         gset_draw_window(second);
-    else if (draw == second)
+    } else if (draw == second) {
         gset_draw_window(first);
+    }
     return 0;
 }
 
 int gcopy_frame(int dest, int src) {
     const Pixmap to = gget_frame_id(dest);
     const Pixmap from = gget_frame_id(src);
-    if (!has_window() || to == 0 || from == 0)
+    if (!has_window() || to == 0 || from == 0) {
         return 0;
+    }
     gflush_fill();
     const Grectangle area = drawing_area();
     XCopyArea(gget_display(), from, to, gget_root_gc(), area.x, area.y,
@@ -232,11 +257,13 @@ int gcopy_frame(int dest, int src) {
 }
 
 int gdelete_frame(int ind) {
-    if (!has_window())
+    if (!has_window()) {
         return 0;
+    }
     ind = frame_number(ind);
-    if (ind < 0 || ind >= max_frames)
+    if (ind < 0 || ind >= max_frames) {
         return 0;
+    }
     if (ind >= loop.num_images) {
         free_pixmap(loop.images[ind]);
         return 1;
@@ -244,22 +271,27 @@ int gdelete_frame(int ind) {
     const bool on_show = loop.cur_image == ind;
     remove_entry(ind);
     if (loop.num_images == 0) {
-        if (ghas_window())
+        if (ghas_window()) {
             XClearWindow(gget_display(), gget_root_window());
+        }
         gset_win_title_extra("");
     }
-    if (loop.cur_image == loop.num_images)
+    if (loop.cur_image == loop.num_images) {
         --loop.cur_image;
-    if (on_show && loop.num_images > 0)
+    }
+    if (on_show && loop.num_images > 0) {
         gdisplay_frame(loop.cur_image);
+    }
     return 1;
 }
 
 int gdelete_all_frames() {
-    if (gget_display() == nullptr)
+    if (gget_display() == nullptr) {
         return 0;
-    for (Frame& frame : loop.images)
+    }
+    for (Frame& frame : loop.images) {
         free_pixmap(frame);
+    }
     return 0;
 }
 
@@ -272,8 +304,9 @@ int gget_cur_frame() {
 }
 
 Pixmap gget_frame_id(int ind) {
-    if (ind == frame_base)
+    if (ind == frame_base) {
         return gget_base_window();
+    }
     const Frame* frame = frame_of(ind);
     return frame != nullptr ? frame->pixmap : 0;
 }
@@ -297,8 +330,9 @@ int gget_looping() {
 }
 
 int gtoggle_loop(int value) {
-    if (value != 0 && value != 1)
+    if (value != 0 && value != 1) {
         value = loop.looping == 0 ? 1 : 0;
+    }
     gset_looping(value);
     return gflush();
 }
@@ -323,8 +357,9 @@ int gset_loop_delay(float delay, int ind) {
         return 1;
     }
     Frame* frame = frame_of(ind);
-    if (frame == nullptr)
+    if (frame == nullptr) {
         return 0;
+    }
     frame->delay = delay;
     return 1;
 }
@@ -332,8 +367,9 @@ int gset_loop_delay(float delay, int ind) {
 float gloop_delay_step(float delay, bool slower) {
     constexpr float fine = 0.05F;
     constexpr float coarse = 0.1F;
-    if (slower)
+    if (slower) {
         return delay < 0.09F ? fine : coarse;
+    }
     return delay <= 0.11F ? -fine : -coarse;
 }
 
@@ -356,25 +392,29 @@ float gget_frame_delay(int ind) {
 
 int gnext_frame(int cur, int step, int first, int last, int* direct) {
     const bool rocking = *direct >= 2;
-    if (step == 0)
+    if (step == 0) {
         step = *direct % 2 != 0 ? 1 : -1;
+    }
     int next = cur + step;
     if (next > last) {
         next = rocking ? last - 1 : first;
-        if (rocking)
+        if (rocking) {
             *direct = 2;
+        }
     }
     if (next < first) {
         next = rocking ? first + 1 : last;
-        if (rocking)
+        if (rocking) {
             *direct = 3;
+        }
     }
     return std::clamp(next, first, std::max(first, last)); // rocking in a range of one
 }
 
 int ginc_frame(int step) {
-    if (loop.num_images == 0)
+    if (loop.num_images == 0) {
         return -1;
+    }
     loop.cur_image = std::max(loop.cur_image, 0);
     const int first = std::max(loop.loop_start, 0);
     const int last = loop.loop_end < 0 ? loop.num_images - 1 : loop.loop_end;
@@ -384,16 +424,19 @@ int ginc_frame(int step) {
 int gloop_sleep() {
     constexpr float slice = 0.2F;  // the window answers after that at the latest
     constexpr float least = 0.05F; // a delay of 0 must not keep the server busy for nothing
-    if (loop.cur_image < 0 || loop.cur_image > loop.num_images)
+    if (loop.cur_image < 0 || loop.cur_image > loop.num_images) {
         return -1;
+    }
     const int looping = loop.looping;
     // An event may stop the loop or end the hold: then the wait is over too.
     while (loop.looping == looping && gget_input_mode() != 0) {
         const float rest = std::max(gget_frame_delay(frame_current), least) - ZYR_elapse_time();
-        if (!(rest > 0.0F))
+        if (!(rest > 0.0F)) {
             return 0;
-        if (rest > slice)
+        }
+        if (rest > slice) {
             gcheck_event();
+        }
         ZYR_sleep(std::min(rest, slice));
     }
     return 0;
@@ -403,22 +446,25 @@ int gloop_sleep() {
 
 int gset_image_data(int ind, const unsigned char* data, int size) {
     Frame* frame = frame_of(ind);
-    if (frame == nullptr)
+    if (frame == nullptr) {
         return -1;
+    }
     if (size < 0 || size > frame_data_size) {
         gerr_printf("gset_image_data", "invalid data size: %d\n", size);
         return -1;
     }
-    if (size > 0)
+    if (size > 0) {
         std::memcpy(frame->data.data(), data, static_cast<std::size_t>(size));
+    }
     frame->data_size = size;
     return 0;
 }
 
 int gget_image_data(int ind, unsigned char* data) {
     const Frame* frame = frame_of(ind);
-    if (frame == nullptr)
+    if (frame == nullptr) {
         return 0;
+    }
     std::memcpy(data, frame->data.data(), static_cast<std::size_t>(frame->data_size));
     return frame->data_size;
 }

@@ -114,13 +114,15 @@ constexpr Path paths[] = {
 int show_path(int n, const Gpt* points) {
     constexpr float short_limit = 32767.0F; // a marker may be of any size
     std::array<Gpixel, std::size(circle)> pixels{};
-    for (int i = 0; i < n; ++i)
+    for (int i = 0; i < n; ++i) {
         pixels[i] = {static_cast<std::int16_t>(hold_within(points[i].x, short_limit)),
                      static_cast<std::int16_t>(hold_within(points[i].y, short_limit))};
-    if (n == 1)
+    }
+    if (n == 1) {
         gdraw_point(Gpen::marker, pixels[0]);
-    else
+    } else {
         gdraw_lines(Gpen::marker, n, pixels.data());
+    }
     return 0;
 }
 
@@ -144,13 +146,15 @@ int mark_draw(int n, const Gpt* points) {
 void draw_marker(Gpt at, float size) {
     const double h = marker.marker_type == type_dot ? 1 : trunc_int(size / 2.0F);
     for (const Path& path : paths) {
-        if (path.type != marker.marker_type)
+        if (path.type != marker.marker_type) {
             continue;
+        }
         std::array<Gpt, std::size(circle)> points{};
         int n = 0;
-        for (const Vertex& v : path.vertices)
+        for (const Vertex& v : path.vertices) {
             points[n++] = {static_cast<float>(static_cast<double>(at.x) + v.x * h),
                            static_cast<float>(static_cast<double>(at.y) + v.y * h)};
+        }
         mark_draw(n, points.data());
     }
 }
@@ -164,8 +168,9 @@ int show_markers(int n, const Gpt* pts) {
         const Gpt at = {xW_p(pts[i].x) + 0.5F, yW_p(pts[i].y) + 0.5F};
         if (shadow > 0) {
             gdraw_set_black(Gpen::marker);
-            for (int k = 0; k < shadow; ++k)
+            for (int k = 0; k < shadow; ++k) {
                 draw_marker({at.x + static_cast<float>(k), at.y + static_cast<float>(k)}, size);
+            }
             gdraw_set_color(Gpen::marker, marker.marker_color);
         }
         draw_marker(at, size);
@@ -175,16 +180,18 @@ int show_markers(int n, const Gpt* pts) {
 
 // `unit`: device units of a marker of size 1.
 int print_markers(int n, const Gpt* pts, float unit) {
-    for (int i = 0; i < n; ++i)
+    for (int i = 0; i < n; ++i) {
         draw_marker({xW_ps(pts[i].x), yW_ps(pts[i].y)}, marker.marker_height * unit);
+    }
     return 0;
 }
 
 } // namespace
 
 int gpolymarker(int n, const Gpt* pts) {
-    if (gchk_open("gpolyline") != 0)
+    if (gchk_open("gpolyline") != 0) {
         return -1;
+    }
     const int color = marker.marker_color;
     const float width = marker.marker_width;
     switch (gget_device()) {
@@ -204,52 +211,62 @@ int gpolymarker(int n, const Gpt* pts) {
 }
 
 int gset_marker_colr_ind(int ind) {
-    if (gchk_colr("gset_marker_colr_ind", &ind) != 0)
+    if (gchk_colr("gset_marker_colr_ind", &ind) != 0) {
         return -1;
-    if (ind == marker.marker_color)
+    }
+    if (ind == marker.marker_color) {
         return 0;
+    }
     marker.marker_color = ind;
-    if (grecord(obj_marker_colr, ind))
+    if (grecord(obj_marker_colr, ind)) {
         gdraw_set_color(Gpen::marker, ind);
+    }
     return 0;
 }
 
 int gset_marker_size(float height) {
-    if (gchk_open("gset_marker_size") != 0)
+    if (gchk_open("gset_marker_size") != 0) {
         return -1;
+    }
     if (!std::isfinite(height) || height < 0.0F) {
         gerr_printf("gset_marker_size", "invalid marker size: %f\n", static_cast<double>(height));
         return -1;
     }
-    if (height == marker.marker_height)
+    if (height == marker.marker_height) {
         return 0;
+    }
     marker.marker_height = height;
     grecord(obj_marker_size, height);
     return 0;
 }
 
 int gset_marker_type(int type) {
-    if (gchk_open("gset_marker_type") != 0)
+    if (gchk_open("gset_marker_type") != 0) {
         return -1;
-    if (type == marker.marker_type)
+    }
+    if (type == marker.marker_type) {
         return 0;
+    }
     marker.marker_type = type;
     grecord(obj_marker_type, type);
     return 0;
 }
 
 int gset_marker_width(float width) {
-    if (gchk_open("gset_marker_width") != 0)
+    if (gchk_open("gset_marker_width") != 0) {
         return -1;
+    }
     if (!std::isfinite(width) || width < 0.0F) {
         gerr_printf("gset_marker_width", "invalid marker width: %f\n", static_cast<double>(width));
         return -1;
     }
-    if (width == marker.marker_width)
+    if (width == marker.marker_width) {
         return 0;
+    }
     marker.marker_width = gkept_width(width);
-    if (grecord(obj_marker_width, width))
+    if (grecord(obj_marker_width, width)) {
         gdraw_set_width(Gpen::marker, width);
+    }
     return 0;
 }
 
@@ -270,10 +287,11 @@ int ginit_marker(int type) {
 void gput_marker_state() {
     const MarkerState now = marker;
     marker = {missing_index, missing_index, -1.0F, -1.0F};
-    if (gget_color_ind(now.marker_color) != -1)
+    if (gget_color_ind(now.marker_color) != -1) {
         gset_marker_colr_ind(now.marker_color);
-    else // without a pixel no setter takes it
+    } else { // without a pixel no setter takes it
         gnew_obj(obj_marker_colr, now.marker_color, 0, nullptr);
+    }
     gset_marker_type(now.marker_type);
     gset_marker_width(now.marker_width);
     gset_marker_size(now.marker_height);
@@ -286,6 +304,7 @@ void ghold_marker_state(Ghold what) {
         return;
     }
     marker_aside = marker;
-    if (what == Ghold::begin)
+    if (what == Ghold::begin) {
         marker = {missing_index, missing_index, -1.0F, -1.0F};
+    }
 }

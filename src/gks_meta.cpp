@@ -42,8 +42,9 @@ bool is_text_open() {
 // The form of the file, the one option behind its name.
 bool decode_type(const char* option) {
     const bool cgm = stricmp(option, "cgm") == 0;
-    if (!cgm && stricmp(option, "zyr") != 0)
+    if (!cgm && stricmp(option, "zyr") != 0) {
         return false;
+    }
     gmeta_set_type(cgm ? meta_cgm : meta_text);
     return true;
 }
@@ -63,8 +64,9 @@ void put_point(const Gpt& pt, bool line_break) {
     *end++ = ',';
     end = format_fixed6(end, pt.y);
     *end++ = ' ';
-    if (line_break)
+    if (line_break) {
         end = std::copy_n(indent, sizeof indent - 1, end);
+    }
     fwrite_unlocked(text.data(), 1, static_cast<std::size_t>(end - text.data()), meta.out_file);
 }
 
@@ -90,30 +92,35 @@ int gmeta_open_ws(const char* conn_id) {
 std::FILE* gmeta_open_file(const char* name) {
     MESS_print(mess_mess, "Creating metafile: %s\n", name);
     meta.append = *name == '+';
-    if (meta.append)
+    if (meta.append) {
         ++name;
+    }
     meta.out_file = open_output(name, meta.append);
     return meta.out_file;
 }
 
 int gmeta_init_file() {
-    if (meta.meta_type == meta_cgm)
+    if (meta.meta_type == meta_cgm) {
         gcgm_begin();
-    else
+    } else {
         put_heading();
+    }
     return 0;
 }
 
 int gmeta_close_file() {
-    if (meta.out_file == nullptr)
+    if (meta.out_file == nullptr) {
         return -1;
-    if (!meta.append)
+    }
+    if (!meta.append) {
         gcgm_end();
+    }
     const int status = close_output(std::exchange(meta.out_file, nullptr));
-    if (status < 0)
+    if (status < 0) {
         gerr_printf("gmeta_close_file", "unable to write metafile\n");
-    else if (status == 0)
+    } else if (status == 0) {
         MESS_print(mess_mess, "Created metafile\n");
+    }
     return status;
 }
 
@@ -127,8 +134,9 @@ int gmeta_get_type() {
 }
 
 int gmeta_printf(const char* format, ...) {
-    if (!is_text_open())
+    if (!is_text_open()) {
         return 0;
+    }
     std::va_list args;
     va_start(args, format);
     std::vfprintf(meta.out_file, format, args);
@@ -137,8 +145,9 @@ int gmeta_printf(const char* format, ...) {
 }
 
 int gmeta_line(const char* format, ...) {
-    if (!is_text_open())
+    if (!is_text_open()) {
         return 0;
+    }
     constexpr std::size_t most = 511;
     std::va_list args;
     va_start(args, format);
@@ -149,24 +158,27 @@ int gmeta_line(const char* format, ...) {
 
 int gmeta_points(const char* keyword, int n, const Gpt* pts, int end) {
     constexpr int points_per_line = 4;
-    if (!is_text_open())
+    if (!is_text_open()) {
         return 0;
+    }
     gmeta_printf("%s %d ", keyword, n);
     for (int i = 0; i < n; ++i) {
         const bool full = (i + 1) % points_per_line == 0;
         put_point(pts[i], full && (end == 0 || i + 1 < n));
     }
-    if (end != 0 || n % points_per_line != 0)
+    if (end != 0 || n % points_per_line != 0) {
         gmeta_printf("\n");
+    }
     return 0;
 }
 
 int gmeta_polyline(int n, const Gpt* pts) {
     constexpr int end_line = 1;
-    if (meta.meta_type == meta_text)
+    if (meta.meta_type == meta_text) {
         gmeta_points("PL", n, pts, end_line);
-    else
+    } else {
         gcgm_polyline(n, pts);
+    }
     return 1;
 }
 
@@ -190,28 +202,33 @@ int gmeta_clear_region(const Glim& lim) {
 }
 
 void gmeta_attribute(const Gattribute& attribute, const Gvalues& values) {
-    if (!is_text_open())
+    if (!is_text_open()) {
         return;
+    }
     const Gcounts counts = gcount_values(attribute);
     const bool is_point = std::holds_alternative<Gset_point*>(attribute.set);
     gmeta_printf("%.*s", static_cast<int>(attribute.word.size()), attribute.word.data());
-    for (int i = 0; i < counts.integers; ++i)
+    for (int i = 0; i < counts.integers; ++i) {
         gmeta_printf(" %d", values.n[i]);
-    for (int i = 0; i < counts.reals; ++i)
+    }
+    for (int i = 0; i < counts.reals; ++i) {
         gmeta_printf(is_point && i > 0 ? ",%f" : " %f", static_cast<double>(values.f[i]));
+    }
     gmeta_printf("\n");
 }
 
 void gmeta_put_bytes(const unsigned char* bytes, std::size_t n) {
-    if (meta.meta_type == meta_cgm && meta.out_file != nullptr)
+    if (meta.meta_type == meta_cgm && meta.out_file != nullptr) {
         fwrite_unlocked(bytes, 1, n, meta.out_file);
+    }
 }
 
 int gmeta_is_output(std::FILE* file) {
     struct stat in {};
     struct stat out {};
     if (meta.out_file == nullptr || fstat(fileno(file), &in) != 0 ||
-        fstat(fileno(meta.out_file), &out) != 0)
+        fstat(fileno(meta.out_file), &out) != 0) {
         return 0;
+    }
     return S_ISREG(in.st_mode) && in.st_dev == out.st_dev && in.st_ino == out.st_ino ? 1 : 0;
 }

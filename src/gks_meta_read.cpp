@@ -40,19 +40,22 @@ public:
     }
     void skip() { ++at; }
     void skip_line() {
-        for (int c = peek(); c != end_of_file && c != '\n'; c = peek())
+        for (int c = peek(); c != end_of_file && c != '\n'; c = peek()) {
             skip();
+        }
     }
     void skip_blanks(std::string_view blanks = " \t\r\n\v\f") {
-        while (is_one_of(blanks))
+        while (is_one_of(blanks)) {
             skip();
+        }
     }
     // The characters up to one of `stop`, at most `N` - 1.
     template <std::size_t N>
     std::string_view take_until(std::string_view stop, std::array<char, N>* out) {
         std::size_t n = 0;
-        while (n + 1 < N && peek() != end_of_file && !is_one_of(stop))
+        while (n + 1 < N && peek() != end_of_file && !is_one_of(stop)) {
             (*out)[n++] = take();
+        }
         (*out)[n] = '\0';
         return {out->data(), n};
     }
@@ -62,8 +65,9 @@ public:
     }
     // A comma may stand in front of it.
     bool real(float* value) {
-        if (peek() == ',')
+        if (peek() == ',') {
             skip();
+        }
         const char* text = number("+-.0123456789eE");
         return take_float(&text, value);
     }
@@ -84,8 +88,9 @@ private:
     const char* number(std::string_view characters) {
         skip_blanks();
         std::size_t n = 0;
-        while (n + 1 < digits.size() && is_one_of(characters))
+        while (n + 1 < digits.size() && is_one_of(characters)) {
             digits[n++] = take();
+        }
         digits[n] = '\0';
         return digits.data();
     }
@@ -115,12 +120,14 @@ constexpr std::array figures = {
 
 bool read_values(Source* source, const Gcounts& counts, Gvalues* values) {
     for (int i = 0; i < counts.integers; ++i) {
-        if (!source->integer(&values->n[i]))
+        if (!source->integer(&values->n[i])) {
             return false;
+        }
     }
     for (int i = 0; i < counts.reals; ++i) {
-        if (!source->real(&values->f[i]))
+        if (!source->real(&values->f[i])) {
             return false;
+        }
     }
     return true;
 }
@@ -129,17 +136,20 @@ bool read_values(Source* source, const Gcounts& counts, Gvalues* values) {
 void play_points(Source* source, Figure figure, int count, std::vector<Gpt>* points) {
     points->clear();
     Gpt pt{};
-    for (int i = 0; i < count && source->point(&pt); ++i)
+    for (int i = 0; i < count && source->point(&pt); ++i) {
         points->push_back(pt);
+    }
     const int n = static_cast<int>(points->size());
-    if (n == 0)
+    if (n == 0) {
         return;
-    if (figure == Figure::polyline)
+    }
+    if (figure == Figure::polyline) {
         gpolyline(n, points->data());
-    else if (figure == Figure::fill_area)
+    } else if (figure == Figure::fill_area) {
         gfill_area(n, points->data());
-    else
+    } else {
         gpolymarker(n, points->data());
+    }
 }
 
 void play_text(Source* source, const Gpt& pos) {
@@ -158,33 +168,36 @@ void play(std::FILE* file) {
     for (;;) {
         source.skip_blanks();
         const std::string_view word = source.take_until(" \t\r\n\v\f", &buf);
-        if (word.empty())
+        if (word.empty()) {
             return;
+        }
         const auto* keyword = std::find_if(figures.begin(), figures.end(),
                                            [&](const Keyword& row) { return row.word == word; });
         const Figure figure = keyword != figures.end() ? keyword->figure : Figure::none;
         const Gattribute* attribute = gfind_attribute(word);
         Gvalues values;
-        if (figure == Figure::none && attribute == nullptr)
+        if (figure == Figure::none && attribute == nullptr) {
             source.skip_line();
-        else if (!read_values(&source,
-                              attribute != nullptr ? gcount_values(*attribute) : keyword->counts,
-                              &values))
+        } else if (!read_values(&source,
+                                attribute != nullptr ? gcount_values(*attribute) : keyword->counts,
+                                &values)) {
             continue; // what follows may be the next record
-        else if (figure == Figure::text)
+        } else if (figure == Figure::text) {
             play_text(&source, {values.f[0], values.f[1]});
-        else if (figure != Figure::none)
+        } else if (figure != Figure::none) {
             play_points(&source, figure, values.n[0], &points);
-        else if (attribute->read == Gread::play)
+        } else if (attribute->read == Gread::play) {
             gplay_attribute(*attribute, values);
+        }
     }
 }
 
 // Colours of the device's table, by index.
 std::array<Gcolr_rep, num_colrs> table_colors() {
     std::array<Gcolr_rep, num_colrs> colors{};
-    for (int i = 0; i < num_colrs; ++i)
+    for (int i = 0; i < num_colrs; ++i) {
         gget_color_rgb(i, &colors[i].red, &colors[i].green, &colors[i].blue);
+    }
     return colors;
 }
 
@@ -192,16 +205,18 @@ void restore_colors(const std::array<Gcolr_rep, num_colrs>& before) {
     const auto after = table_colors();
     for (int i = 0; i < num_colrs; ++i) {
         const Gcolr_rep& old = before[i];
-        if (old.red != after[i].red || old.green != after[i].green || old.blue != after[i].blue)
+        if (old.red != after[i].red || old.green != after[i].green || old.blue != after[i].blue) {
             gset_colr_rep(gget_ws_id(), i, &old);
+        }
     }
 }
 
 } // namespace
 
 int gread_metafile(const char* filename) {
-    if (gchk_open("gread_metafile") != 0)
+    if (gchk_open("gread_metafile") != 0) {
         return -1;
+    }
     // An empty name would be standard input.
     const FILE_ptr file(*filename == '\0' ? nullptr : FILE_open(filename, "r"));
     if (!file) {

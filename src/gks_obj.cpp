@@ -38,15 +38,17 @@ public:
     char* take(std::size_t size) {
         constexpr std::size_t align = alignof(drawable);
         size = (size + align - 1) / align * align;
-        if (size > block_size)
+        if (size > block_size) {
             return new_block(size);
+        }
         if (size > left) {
             const std::size_t room = held_bytes < large_page ? block_size : large_page;
             next = new_block(room);
             left = next == nullptr ? 0 : room;
         }
-        if (next == nullptr)
+        if (next == nullptr) {
             return nullptr;
+        }
         left -= size;
         return std::exchange(next, next + size);
     }
@@ -67,10 +69,12 @@ private:
         const bool large = size == large_page;
         std::unique_ptr<char, Free> block(
             static_cast<char*>(large ? std::aligned_alloc(large_page, size) : std::malloc(size)));
-        if (block == nullptr)
+        if (block == nullptr) {
             return nullptr;
-        if (large) // a hint: without large pages the block is as good
+        }
+        if (large) { // a hint: without large pages the block is as good
             static_cast<void>(madvise(block.get(), size, MADV_HUGEPAGE));
+        }
         char* start = block.get();
         try {
             blocks.push_back(std::move(block));
@@ -180,18 +184,22 @@ int ginit_objs() {
     gclear_objs();
     list.num_objects = 0;
     const char* setting = std::getenv("zyrredraw");
-    if (setting == nullptr)
+    if (setting == nullptr) {
         setting = gdraw_default("redraw");
-    if (says_no(setting))
+    }
+    if (says_no(setting)) {
         list.redraw = 0;
+    }
     return 0;
 }
 
 char* gnew_obj(int type, int values, int size, const void* data) {
-    if (++list.num_objects % heartbeat == 0)
+    if (++list.num_objects % heartbeat == 0) {
         gcheck_event();
-    if (list.redraw == 0 || list.last == nullptr)
+    }
+    if (list.redraw == 0 || list.last == nullptr) {
         return nullptr;
+    }
     const auto bytes = static_cast<std::size_t>(std::max(size, 0));
     const bool apart = sizeof(drawable) + bytes > block_size;
     char* place = list.arena.take(sizeof(drawable) + (apart ? 0 : bytes));
@@ -203,13 +211,15 @@ char* gnew_obj(int type, int values, int size, const void* data) {
     auto* object = new (place) drawable{type, values, nullptr, nullptr};
     list.last->next = object;
     list.last = object;
-    if (bytes == 0)
+    if (bytes == 0) {
         return nullptr;
+    }
     object->data = apart ? list.arena.take(bytes) : place + sizeof(drawable);
-    if (object->data == nullptr)
+    if (object->data == nullptr) {
         gerr_printf("newobj", "data malloc error\n"); // this one is left out
-    else if (data != nullptr)
+    } else if (data != nullptr) {
         std::memcpy(object->data, data, bytes);
+    }
     return object->data;
 }
 
@@ -244,15 +254,17 @@ int gget_redraw() {
 }
 
 int gobj_redraw_funcs(const drawobj* obj) {
-    if (const Gattribute* attribute = gfind_attribute(obj->type))
+    if (const Gattribute* attribute = gfind_attribute(obj->type)) {
         return gplay_record(*attribute, *obj);
+    }
     return obj->data == nullptr ? -1 : play_figure(obj);
 }
 
 int gobj_print_meta() {
     const char* name = std::getenv("METAOUT");
-    if (name == nullptr || *name == '\0')
+    if (name == nullptr || *name == '\0') {
         name = "zyr.meta";
+    }
     // Frames and "noredraw" leave the list without the picture.
     const bool in_use = list.redraw != 0 && list.root.next != nullptr;
     {
@@ -262,10 +274,12 @@ int gobj_print_meta() {
             return -1;
         }
         gmeta_init_file();
-        if (!in_use)
+        if (!in_use) {
             MESS_print(mess_warn, "gobj_print_meta: No redraw data to make metafile from\n");
-        for (const drawable* obj = list.root.next; obj != nullptr; obj = obj->next)
+        }
+        for (const drawable* obj = list.root.next; obj != nullptr; obj = obj->next) {
             gobj_redraw_funcs(obj);
+        }
         gmeta_close_file();
     }
     gcheck_event();

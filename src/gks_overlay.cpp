@@ -59,11 +59,13 @@ enum class Meaning {
 };
 
 Meaning meaning_of(const IMG_report& image) {
-    if (IMG_is_direct(image))
+    if (IMG_is_direct(image)) {
         return Meaning::direct;
+    }
     if (image.color_type == 1 && image.num_colors > 0 && image.colors != nullptr &&
-        image.depth <= 16)
+        image.depth <= 16) {
         return Meaning::index;
+    }
     const bool has_masks = (image.red | image.grn | image.blu) != 0;
     return has_masks || image.depth > 16 ? Meaning::masked : Meaning::gray;
 }
@@ -82,8 +84,9 @@ bool is_readable(const IMG_report& image) {
 // --- Colours of a record --------------------------------------------------------
 
 float masked_component(Pixel value, Pixel mask) {
-    if (mask == 0)
+    if (mask == 0) {
         return 0.0F;
+    }
     const int shift = std::countr_zero(mask);
     return static_cast<float>((value & mask) >> shift) / static_cast<float>(mask >> shift);
 }
@@ -119,8 +122,9 @@ IMG_color color_of(const IMG_report& image, Pixel value) {
 // A component under its mask: rounded at eight bits, where it then is what the
 // file says, and cut to fewer.
 Pixel under_mask(float component, Pixel mask) {
-    if (mask == 0)
+    if (mask == 0) {
         return 0;
+    }
     constexpr Pixel byte = 0xff;
     const int shift = std::countr_zero(mask);
     const Pixel most = mask >> shift;
@@ -142,8 +146,9 @@ public:
           unchanged_(gget_win_depth() <= small_depth ||
                      (meaning_of(image) == Meaning::masked && same(masks_of(image), masks_))) {
         for (Pixel value = 0; !unchanged_ && image.depth <= small_depth && value < table_size;
-             ++value)
+             ++value) {
             table_[value] = convert(value);
+        }
     }
 
     // The record's bytes are those of such an X image.
@@ -154,8 +159,9 @@ public:
     }
 
     [[nodiscard]] Pixel operator()(Pixel value) const {
-        if (unchanged_)
+        if (unchanged_) {
             return value;
+        }
         return image_.depth <= small_depth ? table_[value % table_size] : convert(value);
     }
 
@@ -185,8 +191,9 @@ void fill_ximage(const IMG_report& image, const Converter& converter, XImage* xi
             std::memcpy(out, row.data(), row.size() * sizeof(Pixel));
             continue;
         }
-        for (int x = 0; x < image.width; ++x)
+        for (int x = 0; x < image.width; ++x) {
             XPutPixel(ximage, x, y, row[x]);
+        }
     }
 }
 
@@ -203,8 +210,9 @@ long shared_pixel(const IMG_color& color) {
     cell.red = part(color.red);
     cell.green = part(color.grn);
     cell.blue = part(color.blu);
-    if (XAllocColor(gget_display(), gget_colormap(), &cell) != 0)
+    if (XAllocColor(gget_display(), gget_colormap(), &cell) != 0) {
         return static_cast<long>(cell.pixel);
+    }
     return galloc_colr(-1, color.red, color.grn, color.blu); // the map is full
 }
 
@@ -216,10 +224,11 @@ public:
     unsigned char pixel(Pixel key, const IMG_color& color) {
         long& pixel = pixels_[key];
         const int trans = static_cast<int>(trans_);
-        if (pixel < 0)
+        if (pixel < 0) {
             pixel = gis_color_near(color.red, color.grn, color.blu, trans, 1) != 0
                         ? trans_
                         : shared_pixel(color);
+        }
         return static_cast<unsigned char>(pixel);
     }
 
@@ -254,8 +263,9 @@ void map_pixels(const IMG_report& image, long trans, unsigned char* out) {
         for (const Pixel value : row) {
             Pixel key = value % table_size;
             IMG_color color = color_of(image, value);
-            if (image.depth > small_depth)
+            if (image.depth > small_depth) {
                 color = to_steps(color, &key);
+            }
             *out++ = palette.pixel(key, color);
         }
     }
@@ -265,11 +275,13 @@ void map_pixels(const IMG_report& image, long trans, unsigned char* out) {
 
 // The pixel that is not drawn: that of a colour name, or of the background.
 long transparent_pixel(const char* background) {
-    if (background == nullptr || *background == '\0')
+    if (background == nullptr || *background == '\0') {
         return gget_color_ind(-1);
+    }
     const int ind = gfind_color(background, nullptr);
-    if (ind >= 0)
+    if (ind >= 0) {
         return gget_color_ind(ind);
+    }
     XColor color{};
     if (XParseColor(gget_display(), gget_colormap(), background, &color) == 0) {
         MESS_print(mess_warn, "goverlay_image: invalid color: %s\n", background);
@@ -294,12 +306,14 @@ bool copy_part(const IMG_report& image, int width, int height, IMG_report* part)
     part->width = std::min(image.width, width);
     part->height = std::min(image.height, height);
     if (image.colors != nullptr) {
-        if (IMG_alloc_colors(part, image.num_colors) == 0)
+        if (IMG_alloc_colors(part, image.num_colors) == 0) {
             return false;
+        }
         std::copy_n(image.colors.get(), image.num_colors, part->colors.get());
     }
-    if (IMG_alloc(part) == 0)
+    if (IMG_alloc(part) == 0) {
         return false;
+    }
     const std::size_t size = static_cast<std::size_t>(part->height) * image.bytes_line;
     std::memcpy(part->data.get(), image.data.get(), size);
     return true;
@@ -312,13 +326,15 @@ Pixmap make_mask(XImage* ximage, long trans) {
     const std::size_t row_size = (static_cast<std::size_t>(ximage->width) + 7) / 8;
     const std::size_t size = row_size * ximage->height;
     const std::unique_ptr<char[]> bits(new (std::nothrow) char[size]());
-    if (bits == nullptr)
+    if (bits == nullptr) {
         return 0;
+    }
     for (int y = 0; y < ximage->height; ++y) {
         char* row = bits.get() + static_cast<std::size_t>(y) * row_size;
         for (int x = 0; x < ximage->width; ++x) {
-            if ((static_cast<Pixel>(XGetPixel(ximage, x, y)) & planes) != clear)
+            if ((static_cast<Pixel>(XGetPixel(ximage, x, y)) & planes) != clear) {
                 row[x / 8] = static_cast<char>(row[x / 8] | 1 << x % 8);
+            }
         }
     }
     return XCreateBitmapFromData(gget_display(), gget_draw_window(), bits.get(),
@@ -328,8 +344,9 @@ Pixmap make_mask(XImage* ximage, long trans) {
 
 void put_masked(XImage* ximage, long trans, int x, int y) {
     const Pixmap mask = make_mask(ximage, trans);
-    if (mask == 0)
+    if (mask == 0) {
         return;
+    }
     Display* display = gget_display();
     XSetClipMask(display, gget_root_gc(), mask);
     XSetClipOrigin(display, gget_root_gc(), x, y);
@@ -342,25 +359,30 @@ void put_masked(XImage* ximage, long trans, int x, int y) {
 } // namespace
 
 int goverlay_image_file(const char* filename, const char* background, int x, int y) {
-    if (gget_display() == nullptr || gget_draw_window() == 0)
+    if (gget_display() == nullptr || gget_draw_window() == 0) {
         return 0;
+    }
     IMG_report image;
-    if (gread_image_file(filename, &image) == 0)
+    if (gread_image_file(filename, &image) == 0) {
         return 0;
+    }
     return goverlay_image(&image, background, x, y);
 }
 
 int gsetup_image_colors(IMG_report* image, long trans) {
-    if (gget_display() == nullptr || gget_win_depth() > small_depth || !is_readable(*image))
+    if (gget_display() == nullptr || gget_win_depth() > small_depth || !is_readable(*image)) {
         return 0;
-    if (image->depth == small_depth && meaning_of(*image) == Meaning::gray)
+    }
+    if (image->depth == small_depth && meaning_of(*image) == Meaning::gray) {
         return 1; // pixels already
+    }
     IMG_report mapped;
     mapped.width = image->width;
     mapped.height = image->height;
     mapped.bytes_line = image->width;
-    if (IMG_alloc(&mapped) == 0)
+    if (IMG_alloc(&mapped) == 0) {
         return 0;
+    }
     map_pixels(*image, trans, mapped.data.get());
     image->depth = small_depth;
     image->bits_pixel = small_depth;
@@ -370,13 +392,15 @@ int gsetup_image_colors(IMG_report* image, long trans) {
 }
 
 int gset_ximage_params(IMG_report* image, XImage* ximage) {
-    if (gget_display() == nullptr || !is_readable(*image))
+    if (gget_display() == nullptr || !is_readable(*image)) {
         return 0;
+    }
     XImage* made = XCreateImage(
         gget_display(), gget_visual(), static_cast<unsigned>(gget_win_depth()), ZPixmap, 0, nullptr,
         static_cast<unsigned>(image->width), static_cast<unsigned>(image->height), 32, 0);
-    if (made == nullptr)
+    if (made == nullptr) {
         return 0;
+    }
     *ximage = *made;
     XDestroyImage(made);
     const Converter converter(*image);
@@ -387,15 +411,17 @@ int gset_ximage_params(IMG_report* image, XImage* ximage) {
     }
     const std::size_t size = static_cast<std::size_t>(ximage->bytes_per_line) * image->height;
     ximage->data = new (std::nothrow) char[size]();
-    if (ximage->data == nullptr)
+    if (ximage->data == nullptr) {
         return 0;
+    }
     fill_ximage(*image, converter, ximage);
     return 1;
 }
 
 int goverlay_image(IMG_report* image, const char* background, int x, int y) {
-    if (gget_display() == nullptr || gget_draw_window() == 0)
+    if (gget_display() == nullptr || gget_draw_window() == 0) {
         return 0;
+    }
     if (!is_readable(*image)) {
         MESS_print(mess_warn, "goverlay_image: Pixels of depth %d cannot be shown\n", image->depth);
         return 0;
@@ -406,17 +432,21 @@ int goverlay_image(IMG_report* image, const char* background, int x, int y) {
     gget_xviewport(&view);
     const int left = place(view.x, view.width, image->width, x);
     const int top = place(view.y, view.height, image->height, y);
-    if (std::max(std::abs(left), std::abs(top)) > far_away)
+    if (std::max(std::abs(left), std::abs(top)) > far_away) {
         return 1; // nothing of it can be seen
+    }
     IMG_report part;
-    if (!copy_part(*image, view.width, view.height, &part))
+    if (!copy_part(*image, view.width, view.height, &part)) {
         return 0;
+    }
     gsetup_image_colors(&part, trans);
     XImage ximage{};
-    if (gset_ximage_params(&part, &ximage) == 0)
+    if (gset_ximage_params(&part, &ximage) == 0) {
         return 0;
+    }
     put_masked(&ximage, trans, left, top);
-    if (ximage.data != reinterpret_cast<char*>(part.data.get()))
+    if (ximage.data != reinterpret_cast<char*>(part.data.get())) {
         delete[] ximage.data;
+    }
     return 1;
 }

@@ -33,8 +33,9 @@ public:
             at = more.get();
         }
         const Gpipe& p = gget_pipe();
-        for (int i = 0; at != nullptr && i < n; ++i)
+        for (int i = 0; at != nullptr && i < n; ++i) {
             at[i] = to_pixel(p, pts[i]);
+        }
     }
     const Gpixel* points() const { return at; }
 

@@ -44,12 +44,14 @@ int read_numbers(const char* text, int base, const char* separators, std::span<l
     for (long* number : out) {
         char* end = nullptr;
         const long value = std::strtol(text, &end, count == 0 ? base : 10);
-        if (end == text)
+        if (end == text) {
             return count;
+        }
         *number = value;
         ++count;
-        if (*separators == '\0' || *end != *separators)
+        if (*separators == '\0' || *end != *separators) {
             return count;
+        }
         ++separators;
         text = end + 1;
     }
@@ -62,12 +64,13 @@ WindowId read_id(const char* text) {
     WindowId id;
     long* const all[] = {&id.window, &id.pixmap, &id.width, &id.height, &id.colormap};
     const std::span<long* const> fields(all);
-    if (*text == '+')
+    if (*text == '+') {
         id.fields = read_numbers(text + 1, 10, "::x:", fields);
-    else if (strnicmp(text, "0x", 2) == 0)
+    } else if (strnicmp(text, "0x", 2) == 0) {
         id.fields = read_numbers(text + 2, 16, ":x:", fields.subspan(1));
-    else
+    } else {
         id.fields = read_numbers(text, 10, ":x:", fields.subspan(1));
+    }
     return id;
 }
 
@@ -80,10 +83,12 @@ const char* find_id_text(const char* given) {
 // The file that a text without an id names; a text with "w" first refers to a
 // loop window.
 std::string id_file(const char* text) {
-    if (*text != 'w' && *text != 'W')
+    if (*text != 'w' && *text != 'W') {
         return text;
-    if (std::isdigit(static_cast<unsigned char>(text[1])) == 0)
+    }
+    if (std::isdigit(static_cast<unsigned char>(text[1])) == 0) {
         return "zyrloop.win";
+    }
     return "zyrloop." + std::to_string(std::clamp(std::strtol(text + 1, nullptr, 10), 0L, 99999L));
 }
 
@@ -92,12 +97,14 @@ bool read_id_file(const char* text, std::string* id) {
     std::array<char, file_name_size> path{};
     const FILE_ptr file(
         FILE_open(FILE_add_path(RES_get("file_path"), id_file(text).c_str(), path.data()), "r"));
-    if (!file)
+    if (!file) {
         return false;
+    }
     std::array<char, 80> word{};
     id->clear();
-    if (std::fscanf(file.get(), "%79s", word.data()) == 1)
+    if (std::fscanf(file.get(), "%79s", word.data()) == 1) {
         *id = word.data();
+    }
     return true;
 }
 
@@ -114,8 +121,9 @@ bool is_alive(const WindowId& id) {
     XGetGeometry(gget_display(), static_cast<Drawable>(id.pixmap), &root, &x, &y, &width, &height,
                  &border, &depth);
     XWindowAttributes attributes{};
-    if (id.window != 0)
+    if (id.window != 0) {
         XGetWindowAttributes(gget_display(), static_cast<Window>(id.window), &attributes);
+    }
     return gtrap_errors(1) == 0;
 }
 
@@ -133,24 +141,28 @@ void attach(const WindowId& id) {
     d.root_height = held_side(id.height, default_height);
     gset_xsize(d.root_width, d.root_height);
     gset_xoff(0, 0);
-    if (id.fields == 5)
+    if (id.fields == 5) {
         gset_user_cmap(static_cast<Colormap>(id.colormap));
+    }
 }
 
 // The window's own title, without what its owner has put behind it. Comes
 // before attach, so that the window keeps what stands there.
 void take_title(const WindowId& id) {
-    if (id.window == 0)
+    if (id.window == 0) {
         return;
+    }
     const std::string title = gfetch_name(static_cast<Window>(id.window));
-    if (!title.empty())
+    if (!title.empty()) {
         gset_win_title(title.substr(0, title.find(" [")).c_str());
+    }
 }
 
 void send_message(char what) {
     constexpr Atom message_type = 62;
-    if (!gdisp().has_window)
+    if (!gdisp().has_window) {
         return;
+    }
     XEvent event{};
     event.xclient.type = ClientMessage;
     event.xclient.window = gget_root_window();
@@ -169,8 +181,9 @@ void wait_for_frame() {
     for (int i = 0; i < most_pauses; ++i) {
         usleep(pause_us);
         gget_win_title_extra(extra.data());
-        if (extra[0] != '+')
+        if (extra[0] != '+') {
             return;
+        }
     }
     MESS_print(mess_warn, "gopen_ws: the window does not answer\n");
 }
@@ -196,11 +209,13 @@ void set_panel(const char* text) {
     for (float& number : panel) {
         char* end = nullptr;
         const float value = std::strtof(text, &end);
-        if (end == text || !std::isfinite(value))
+        if (end == text || !std::isfinite(value)) {
             break;
+        }
         number = value;
-        if (*separators == '\0' || *end != *separators)
+        if (*separators == '\0' || *end != *separators) {
             break;
+        }
         ++separators;
         text = end + 1;
     }
@@ -231,24 +246,28 @@ void set_area(const char* text) {
     long y = 0;
     long* const fields[] = {&width, &height, &x, &y};
     const int count = read_numbers(text, 10, "x++", fields);
-    if (count < 2)
+    if (count < 2) {
         return;
+    }
     const auto w = static_cast<int>(std::clamp<long>(width, min_side, gdisp().root_width));
     const auto h = static_cast<int>(std::clamp<long>(height, min_side, gdisp().root_height));
     gset_xsize(w, h);
-    if (count == 4)
+    if (count == 4) {
         gset_xoff(static_cast<int>(std::clamp<long>(x, 0, gdisp().root_width)),
                   static_cast<int>(std::clamp<long>(y, 0, gdisp().root_height)));
+    }
 }
 
 void choose_area() {
     const char* text = gchosen_geometry();
-    if (text == nullptr)
+    if (text == nullptr) {
         return;
-    if (*text == 'P' || *text == 'p')
+    }
+    if (*text == 'P' || *text == 'p') {
         set_panel(text + 1);
-    else
+    } else {
         set_area(text);
+    }
 }
 
 // The id text of the connection's second field, read from its file if it names
@@ -271,8 +290,9 @@ std::string id_text(const char* conn_id) {
         refuse("unable to open window id file");
         return {};
     }
-    if (text.empty())
+    if (text.empty()) {
         refuse("window id not specified");
+    }
     return text;
 }
 
@@ -280,18 +300,22 @@ std::string id_text(const char* conn_id) {
 
 int gopen_pixmap(const char* conn_id) {
     gset_win_type(ws_pixmap);
-    if (gopen_display(conn_id) != 0)
+    if (gopen_display(conn_id) != 0) {
         return -1;
+    }
     gset_cache(0);
     gdisp().redraw = gset_redraw(0);
     const std::string text = id_text(conn_id);
-    if (text.empty())
+    if (text.empty()) {
         return -1;
+    }
     const WindowId id = read_id(text.c_str());
-    if (id.fields == 0 || id.pixmap == 0)
+    if (id.fields == 0 || id.pixmap == 0) {
         return refuse("window id not specified");
-    if (!is_alive(id))
+    }
+    if (!is_alive(id)) {
         return refuse("unable to open window");
+    }
     take_title(id);
     attach(id);
     gsetup_display(gget_root_window());
@@ -305,10 +329,12 @@ int gopen_pixmap(const char* conn_id) {
 }
 
 void gend_pixmap() {
-    if (!gtype_is_PIX())
+    if (!gtype_is_PIX()) {
         return;
-    if (gget_pix_mode() == ask_end)
+    }
+    if (gget_pix_mode() == ask_end) {
         send_message(ask_end);
+    }
     gset_redraw(gdisp().redraw);
 }
 

@@ -73,8 +73,9 @@ public:
     // World coordinates.
     void path(int n, const Gpt* pts) {
         const Gpipe& pipe = gget_pipe();
-        for (int i = 0; i < n; ++i)
+        for (int i = 0; i < n; ++i) {
             point(pipe_x(pipe, pts[i].x), pipe_y(pipe, pts[i].y), i == 0 ? move : line);
+        }
     }
 
     static constexpr std::string_view move = " mv\n";
@@ -83,8 +84,9 @@ public:
 
 // A grey that is no colour's own: the fixed levels of the print colours.
 void put_gray(Text& out, float level, std::string_view command) {
-    if (ps.gray_level != level)
+    if (ps.gray_level != level) {
         out.put(command);
+    }
     ps.gray_level = level;
 }
 
@@ -94,8 +96,9 @@ const PrintColor& print_color(int ind) {
 }
 
 void put_rgb(Text& out, int ind) {
-    if (ps.ps_col_ind == ind && ps.gray_level < 0.0F)
+    if (ps.ps_col_ind == ind && ps.gray_level < 0.0F) {
         return;
+    }
     out.put(print_color(ind).rgb_text.data());
     ps.gray_level = color_in_force;
     ps.ps_col_ind = ind;
@@ -108,12 +111,13 @@ void put_print_colr(Text& out, int ind) {
 
 // Lines and text: in grey output always black.
 void put_color(Text& out, int ind) {
-    if (gis_print_colr(ind))
+    if (gis_print_colr(ind)) {
         put_print_colr(out, ind);
-    else if (ps.pr_color != 0)
+    } else if (ps.pr_color != 0) {
         put_rgb(out, ind);
-    else
+    } else {
         put_gray(out, 0.0F, "0 setgray\n");
+    }
 }
 
 void put_fill_color(Text& out, int ind) {
@@ -136,14 +140,16 @@ void put_width(Text& out, int ind, float width) {
     const int factor = gprint_factor(ind);
     const int bold = factor > 1 ? factor : gget_line_print_bold();
     const float wanted = static_cast<float>(bold) * width;
-    if (wanted == ps.line_width)
+    if (wanted == ps.line_width) {
         return;
+    }
     const float dots = static_cast<float>(bold) * ps.base_width * width;
     std::array<char, 64> text{};
-    if (factor > 1)
+    if (factor > 1) {
         std::snprintf(text.data(), text.size(), "%d dot lw\n", trunc_int(dots));
-    else
+    } else {
         std::snprintf(text.data(), text.size(), "%2.1f dot lw\n", static_cast<double>(dots));
+    }
     out.put(text.data());
     ps.line_width = wanted;
 }
@@ -151,10 +157,12 @@ void put_width(Text& out, int ind, float width) {
 void put_type(Text& out, int type) {
     constexpr std::array dashes = {"[] 0 setdash\n", "[6] 0 setdash\n", "[3 6] 0 setdash\n",
                                    "[6 6 3 6] 0 setdash\n", "[2] 0 setdash\n"};
-    if (static_cast<float>(type) == ps.line_type)
+    if (static_cast<float>(type) == ps.line_type) {
         return;
-    if (type >= 1 && type <= static_cast<int>(dashes.size()))
+    }
+    if (type >= 1 && type <= static_cast<int>(dashes.size())) {
         out.put(dashes[type - 1]);
+    }
     ps.line_type = static_cast<float>(type);
 }
 
@@ -186,21 +194,25 @@ bool decode_switch(const char* option) {
 
 bool decode_option(const char* option) {
     float value = 0.0F;
-    if (const char* scale = gprint_value(option, "scale"))
+    if (const char* scale = gprint_value(option, "scale")) {
         return take_float(&scale, &value) && gps_set_scale(value) == 0;
-    if (const char* width = gprint_value(option, "lwidth"))
+    }
+    if (const char* width = gprint_value(option, "lwidth")) {
         return take_float(&width, &value) &&
                gps_set_base_width(static_cast<float>(trunc_int(value))) == 0;
+    }
     Gpage page{};
-    if (gprint_page(option, &page))
+    if (gprint_page(option, &page)) {
         return gps_set_size(page.x, page.y) == 0;
+    }
     return decode_switch(option);
 }
 
 const char* geometry_text() {
     const char* text = RES_get("geometry");
-    for (const char* env : {"zyrps_geometry", "PSGEOMETRY"})
+    for (const char* env : {"zyrps_geometry", "PSGEOMETRY"}) {
         text = text != nullptr ? text : std::getenv(env);
+    }
     return text;
 }
 
@@ -221,17 +233,19 @@ void put_heading() {
 }
 
 void put_page_setup() {
-    if (ps.pr_eps == 0)
+    if (ps.pr_eps == 0) {
         gps_printf("30 dict begin\n/saveobj save def\n");
+    }
     gps_printf("/inch {72 mul} def\n/dot {.33 mul} def\n/mv {moveto} def\n/ln {lineto} def\n"
                "/lw {setlinewidth} def\n/np {newpath} def\n/cp {closepath} def\n");
     if (ps.pr_port == 0) {
         const auto height = static_cast<double>(ps.sy);
         gps_printf("90 rotate\n");
-        if (ps.pr_eps != 0)
+        if (ps.pr_eps != 0) {
             gps_printf("0. inch -%.2f inch translate\n", height);
-        else
+        } else {
             gps_printf(".25 inch -%.2f inch translate\n", height - 0.25);
+        }
     } else if (ps.pr_eps == 0) {
         gps_printf(".25 inch .25 inch translate\n");
     }
@@ -262,8 +276,9 @@ int gps_open_ws(const char* conn_id) {
 
 std::FILE* gps_open_file(const char* name) {
     ps.out_file = gprint_open(name, &ps.append);
-    if (std::getenv("PSCOLOR") != nullptr)
+    if (std::getenv("PSCOLOR") != nullptr) {
         ps.pr_color = 1;
+    }
     return ps.out_file;
 }
 
@@ -287,8 +302,9 @@ int gps_init_file() {
         put_page_setup();
     }
     gps_printf(ps.pr_color != 0 ? "0 0 0 setrgbcolor\n" : "0 setgray\n");
-    if (!ps.append)
+    if (!ps.append) {
         gps_printf("2 setlinejoin\n");
+    }
     gps_printf("1 dot lw\n[] 0 setdash\n");
     ps.line_width = 1.0F / ps.base_width; // one dot, whatever a width of 1 is
     if (!ps.append) {
@@ -303,24 +319,28 @@ int gps_init_file() {
 }
 
 int gps_close_file() {
-    if (ps.out_file == nullptr)
+    if (ps.out_file == nullptr) {
         return -1;
+    }
     gps_printf("%%%%End of plot\n");
     // An EPS file has saved nothing and begun no dictionary that it could end.
-    if (!ps.append)
+    if (!ps.append) {
         gps_printf(ps.pr_eps != 0 ? "showpage\n%%%%EOF\n"
                                   : "saveobj restore\nshowpage\nend\n%%%%EOF\n");
+    }
     const int status = close_output(std::exchange(ps.out_file, nullptr));
-    if (status < 0)
+    if (status < 0) {
         gerr_printf("gps_close_file", "unable to write postscript file\n");
-    else if (status == 0)
+    } else if (status == 0) {
         MESS_print(mess_mess, "Created Postscript file\n");
+    }
     return status;
 }
 
 int gps_printf(const char* format, ...) {
-    if (ps.out_file == nullptr)
+    if (ps.out_file == nullptr) {
         return 0;
+    }
     std::va_list args;
     va_start(args, format);
     std::vfprintf(ps.out_file, format, args);
@@ -379,8 +399,9 @@ int gps_polyline(int n, const Gpt* pts, int color, float width, int type) {
 }
 
 int gps_fill_area(int n, const Gpt* pts, int color, int style) {
-    if (style != GSOLID)
+    if (style != GSOLID) {
         return 0;
+    }
     Text out;
     out.put("%%FA:");
     out.number(n);
@@ -406,8 +427,9 @@ float gps_begin_markers(int n, int color, float width) {
 int gps_marker_path(int n, const Gpt* pts) {
     Text out;
     out.put("np\n");
-    for (int i = 0; i < n; ++i)
+    for (int i = 0; i < n; ++i) {
         out.point(hold(pts[i].x), hold(pts[i].y), i == 0 ? Text::move : Text::line);
+    }
     out.put("stroke\n");
     return 0;
 }
@@ -432,8 +454,9 @@ int gps_glyph(int n, const Gpen_step* steps) {
         const float x = pipe_x(pipe, step.at.x);
         const float y = pipe_y(pipe, step.at.y);
         if (!step.down) {
-            if (points > 1)
+            if (points > 1) {
                 out.put(next_stroke);
+            }
             out.point(x, y, Text::move);
             points = 1;
             continue;
@@ -508,15 +531,17 @@ int gps_set_type(int type) {
 }
 
 int gps_set_base_width(float width) {
-    if (!(width >= 0.0F))
+    if (!(width >= 0.0F)) {
         return -1;
+    }
     ps.base_width = width;
     return 0;
 }
 
 int gps_set_color_rep(float red, float grn, float blu, int ind) {
-    if (ind < -1 || ind >= num_colrs)
+    if (ind < -1 || ind >= num_colrs) {
         return -1;
+    }
     PrintColor& color = ps.colors[ind < 0 ? background_colr : ind];
     const auto before = color.rgb_text;
     const double sum =
@@ -527,8 +552,9 @@ int gps_set_color_rep(float red, float grn, float blu, int ind) {
                   static_cast<double>(color.gray));
     std::snprintf(color.rgb_text.data(), color.rgb_text.size(), "%4.2f %4.2f %4.2f setrgbcolor\n",
                   static_cast<double>(red), static_cast<double>(grn), static_cast<double>(blu));
-    if (ind == ps.ps_col_ind && before != color.rgb_text)
+    if (ind == ps.ps_col_ind && before != color.rgb_text) {
         ps.ps_col_ind = missing_index; // what is in force is its old colour
+    }
     return 0;
 }
 
@@ -548,8 +574,9 @@ int gps_set_orient(int portrait) {
 
 int gps_set_scale(float scale) {
     // A scale of nothing would be an error of the printer.
-    if (!(scale >= 0.01F))
+    if (!(scale >= 0.01F)) {
         return -1;
+    }
     ps.pr_scale = scale;
     return 0;
 }

@@ -63,8 +63,9 @@ FontState font_state;
 
 // Opens a file along `file_path`; an empty name would be standard input.
 FILE_ptr open_along_path(const char* name) {
-    if (*name == '\0')
+    if (*name == '\0') {
         return nullptr;
+    }
     std::array<char, file_name_size> path{};
     return FILE_ptr(FILE_open_text(FILE_add_path(RES_get("file_path"), name, path.data())));
 }
@@ -72,8 +73,9 @@ FILE_ptr open_along_path(const char* name) {
 // --- Font list and font files -------------------------------------------------
 
 void add_font(std::string_view abbr, std::string_view name) {
-    if (font_state.num_fonts >= static_cast<int>(font_state.fonts.size()))
+    if (font_state.num_fonts >= static_cast<int>(font_state.fonts.size())) {
         return;
+    }
     FontEntry& entry = font_state.fonts[font_state.num_fonts++];
     entry = {};
     abbr.copy(entry.abbr.data(), entry.abbr.size() - 1);
@@ -83,8 +85,9 @@ void add_font(std::string_view abbr, std::string_view name) {
 std::string_view trimmed(std::string_view text) {
     constexpr std::string_view space = " \t\r\n";
     const std::size_t begin = text.find_first_not_of(space);
-    if (begin == std::string_view::npos)
+    if (begin == std::string_view::npos) {
         return {};
+    }
     return text.substr(begin, text.find_last_not_of(space) - begin + 1);
 }
 
@@ -94,8 +97,9 @@ void read_given_list(std::FILE* file) {
     std::array<char, 200> abbr{};
     std::array<char, 200> name{};
     for (int i = 0; i < most && std::fscanf(file, "%199s %199s", abbr.data(), name.data()) == 2;
-         ++i)
+         ++i) {
         add_font(abbr.data(), name.data());
+    }
 }
 
 // The list file of the system: one font a line, a short name and the rest of the
@@ -107,22 +111,26 @@ void read_default_list(std::FILE* file) {
          ++i) {
         const std::string_view text = trimmed(line.data());
         const std::size_t split = text.find_first_of(" \t");
-        if (split == std::string_view::npos)
+        if (split == std::string_view::npos) {
             continue;
+        }
         add_font(text.substr(0, split), trimmed(text.substr(split)));
     }
 }
 
 int setup_list() {
     const char* text = font_state.font_list.data();
-    if (*text == '\0')
+    if (*text == '\0') {
         text = RES_get("font_list");
+    }
     font_state.num_fonts = 0;
-    if (text == nullptr || *text == '\0')
-        text = gdraw_default("font_list");
     if (text == nullptr || *text == '\0') {
-        if (const FILE_ptr file = open_along_path("zyr.fnl"))
+        text = gdraw_default("font_list");
+    }
+    if (text == nullptr || *text == '\0') {
+        if (const FILE_ptr file = open_along_path("zyr.fnl")) {
             read_default_list(file.get());
+        }
         return 0;
     }
     if (strnicmp(text, "fi:", 3) == 0) {
@@ -148,26 +156,30 @@ bool read_file(std::FILE* file, std::string* text) {
     constexpr std::size_t most = 200000;
     std::array<char, 4096> block{};
     std::size_t n = 0;
-    while ((n = std::fread(block.data(), 1, block.size(), file)) > 0 && text->size() <= most)
+    while ((n = std::fread(block.data(), 1, block.size(), file)) > 0 && text->size() <= most) {
         text->append(block.data(), n);
+    }
     return text->size() <= most;
 }
 
 // A font of the window server; a file device has none.
 int read_server_font(const char* name) {
-    if (gdraw_load_font(name) == 0)
+    if (gdraw_load_font(name) == 0) {
         return 0;
+    }
     MESS_print(mess_warn, "read_font: unable to load font: %s\n", name);
     return -1;
 }
 
 int read_font(const char* name) {
-    if (gchk_graphics() == 0)
+    if (gchk_graphics() == 0) {
         return -1;
+    }
     gclear_font(&font_state.font);
     gdraw_free_font();
-    if (*name == '#')
+    if (*name == '#') {
         return read_server_font(name + 1);
+    }
     const FILE_ptr file = open_along_path(name);
     std::string text;
     if (!file || !read_file(file.get(), &text) || gparse_font(text, &font_state.font) != 0) {
@@ -187,15 +199,17 @@ int read_listed_font(int ind) {
 
 // Letter width in font units.
 float letter_width(unsigned char c) {
-    if (state.text_char_space > 0.0F)
+    if (state.text_char_space > 0.0F) {
         return 100.0F * state.text_char_space;
+    }
     return static_cast<float>(font_state.font.width[c]);
 }
 
 // From one letter to the next.
 float letter_step(unsigned char c) {
-    if (state.text_char_space > 0.0F)
+    if (state.text_char_space > 0.0F) {
         return (100.0F * state.text_space + 100.0F) * state.text_char_space;
+    }
     return 100.0F * state.text_space + static_cast<float>(font_state.font.width[c]);
 }
 
@@ -205,8 +219,9 @@ int sum(int a, float b) {
 
 int total_width(std::string_view text) {
     int width = 0;
-    for (const char c : text.substr(0, text.size() - 1))
+    for (const char c : text.substr(0, text.size() - 1)) {
         width = sum(width, letter_step(static_cast<unsigned char>(c)));
+    }
     width = sum(width, letter_width(static_cast<unsigned char>(text.back())));
     return trunc_int(static_cast<float>(width) * state.text_expan);
 }
@@ -266,15 +281,17 @@ public:
     }
     void line(const Gpt& p) {
         add(p);
-        if (n < longest)
+        if (n < longest) {
             return;
+        }
         flush();
         points[0] = points[longest - 1];
         n = 1;
     }
     void flush() {
-        if (n > 1)
+        if (n > 1) {
             gdraw_lines(Gpen::text, n, points.data());
+        }
         n = 0;
     }
 
@@ -288,10 +305,11 @@ private:
 int show_glyph(int n, const Gpen_step* steps) {
     ShownStroke stroke;
     for (int i = 0; i < n; ++i) {
-        if (steps[i].down)
+        if (steps[i].down) {
             stroke.line(steps[i].at);
-        else
+        } else {
             stroke.move(steps[i].at);
+        }
     }
     stroke.flush();
     return 0;
@@ -302,8 +320,9 @@ int draw_glyph(const Layout& layout, int place) {
     steps.clear();
     Gstroke s{};
     // A damaged glyph may begin with the pen down: it has no point to draw from.
-    while (gnext_stroke(font_state.font, &place, &s))
+    while (gnext_stroke(font_state.font, &place, &s)) {
         steps.push_back({glyph_point(layout, s), s.down && !steps.empty()});
+    }
     const int n = static_cast<int>(steps.size());
     switch (gget_device()) {
     case Gdevice::window:
@@ -325,10 +344,12 @@ int draw_text(const Gpt& pos, std::string_view text) {
     for (const char c : text) {
         const auto code = static_cast<unsigned char>(c);
         const int place = font_state.font.index[code];
-        if (place < 0 && code != ' ')
+        if (place < 0 && code != ' ') {
             continue;
-        if (place >= 0)
+        }
+        if (place >= 0) {
             draw_glyph(layout, place);
+        }
         layout.xo = sum(layout.xo, letter_step(code) * state.text_expan);
     }
     return 0;
@@ -338,8 +359,9 @@ int draw_text(const Gpt& pos, std::string_view text) {
 template <typename Draw> void with_shadow(Draw draw) {
     if (font_state.drop_shadow > 0) {
         gdraw_set_black(Gpen::text);
-        for (int k = 0; k < font_state.drop_shadow; ++k)
+        for (int k = 0; k < font_state.drop_shadow; ++k) {
             draw(k);
+        }
         gdraw_set_color(Gpen::text, state.text_color);
     }
     draw(0);
@@ -348,17 +370,19 @@ template <typename Draw> void with_shadow(Draw draw) {
 // A string in a font of the server, which neither scales nor turns.
 void show_server_text(const Gpt& pos, std::string_view text, const Gstring_size& size) {
     int dx = 0;
-    if (state.horiz_align == GCENTER_HOR)
+    if (state.horiz_align == GCENTER_HOR) {
         dx = -size.width / 2;
-    else if (state.horiz_align == GRIGHT_HOR)
+    } else if (state.horiz_align == GRIGHT_HOR) {
         dx = -size.width;
+    }
     int dy = 0;
-    if (state.vert_align == GTOP_VERT || state.vert_align == GCAP_VERT)
+    if (state.vert_align == GTOP_VERT || state.vert_align == GCAP_VERT) {
         dy = size.ascent;
-    else if (state.vert_align == GHALF_VERT)
+    } else if (state.vert_align == GHALF_VERT) {
         dy = size.ascent / 2;
-    else if (state.vert_align == GBOTTOM_VERT)
+    } else if (state.vert_align == GBOTTOM_VERT) {
         dy = -size.descent;
+    }
     const Gpixel at = pixel_of(pos);
     with_shadow([&](int k) { gdraw_string(at.x + dx + k, at.y + dy + k, text); });
 }
@@ -405,10 +429,12 @@ TextState unknown_state() {
 
 // The checks that all setters of a size share.
 bool valid_size(const char* func, const char* what, float value) {
-    if (gchk_open(func) != 0)
+    if (gchk_open(func) != 0) {
         return false;
-    if (std::isfinite(value) && value >= 0.0F)
+    }
+    if (std::isfinite(value) && value >= 0.0F) {
         return true;
+    }
     gerr_printf(func, "invalid %s: %f\n", what, static_cast<double>(value));
     return false;
 }
@@ -416,10 +442,12 @@ bool valid_size(const char* func, const char* what, float value) {
 } // namespace
 
 int gtext(const Gpt* pos, const char* str) {
-    if (gchk_open("gtext") != 0)
+    if (gchk_open("gtext") != 0) {
         return -1;
-    if (*str == '\0')
+    }
+    if (*str == '\0') {
         return 0;
+    }
     switch (gget_device()) {
     case Gdevice::window:
     case Gdevice::pixmap:
@@ -439,68 +467,83 @@ int gtext(const Gpt* pos, const char* str) {
 }
 
 float gtext_width(const char* str, float height) {
-    if (gchk_open("gtext_width") != 0 || *str == '\0')
+    if (gchk_open("gtext_width") != 0 || *str == '\0') {
         return 0.0F;
+    }
     return static_cast<float>(total_width(str)) * unit_of(height);
 }
 
 int gset_text_colr_ind(int ind) {
-    if (gchk_colr("gset_text_colr_ind", &ind) != 0)
+    if (gchk_colr("gset_text_colr_ind", &ind) != 0) {
         return -1;
-    if (ind == state.text_color)
+    }
+    if (ind == state.text_color) {
         return 0;
+    }
     state.text_color = ind;
-    if (grecord(obj_text_colr, ind))
+    if (grecord(obj_text_colr, ind)) {
         gdraw_set_color(Gpen::text, ind);
+    }
     return 0;
 }
 
 int gset_char_ht(float height) {
-    if (height == state.text_height)
+    if (height == state.text_height) {
         return 0;
-    if (!valid_size("gset_char_ht", "character height", height))
+    }
+    if (!valid_size("gset_char_ht", "character height", height)) {
         return -1;
+    }
     state.text_height = height;
     grecord(obj_char_ht, height);
     return 0;
 }
 
 int gset_expan(float factor) {
-    if (factor == state.text_expan)
+    if (factor == state.text_expan) {
         return 0;
-    if (!valid_size("gset_expan", "expansion factor", factor))
+    }
+    if (!valid_size("gset_expan", "expansion factor", factor)) {
         return -1;
+    }
     state.text_expan = factor;
     grecord(obj_expan, factor);
     return 0;
 }
 
 int gset_text_width(float width) {
-    if (width == state.text_width)
+    if (width == state.text_width) {
         return 0;
-    if (!valid_size("gset_text_width", "text width", width))
+    }
+    if (!valid_size("gset_text_width", "text width", width)) {
         return -1;
+    }
     state.text_width = gkept_width(width);
-    if (grecord(obj_text_width, width))
+    if (grecord(obj_text_width, width)) {
         gdraw_set_width(Gpen::text, width);
+    }
     return 0;
 }
 
 int gset_space(float space) {
-    if (space == state.text_space)
+    if (space == state.text_space) {
         return 0;
-    if (gchk_open("gset_space") != 0)
+    }
+    if (gchk_open("gset_space") != 0) {
         return -1;
+    }
     state.text_space = space;
     grecord(obj_space, space);
     return 0;
 }
 
 int gset_char_space(float space) {
-    if (space == state.text_char_space)
+    if (space == state.text_char_space) {
         return 0;
-    if (gchk_open("gset_char_space") != 0)
+    }
+    if (gchk_open("gset_char_space") != 0) {
         return -1;
+    }
     state.text_char_space = space;
     grecord(obj_char_space, space);
     return 0;
@@ -508,13 +551,16 @@ int gset_char_space(float space) {
 
 int gset_char_up_vec(const Gpt* up) {
     const bool same = up->x == state.upx && up->y == state.upy;
-    if (same && !state.up_elsewhere)
+    if (same && !state.up_elsewhere) {
         return 0;
-    if (gchk_open("gset_char_up_vec") != 0)
+    }
+    if (gchk_open("gset_char_up_vec") != 0) {
         return -1;
+    }
     const float length = std::hypot(up->x, up->y);
-    if (!std::isfinite(length) || length == 0.0F)
+    if (!std::isfinite(length) || length == 0.0F) {
         return -1; // it points nowhere
+    }
     grecord(obj_char_up, *up);
     if (gtype_is_META()) {
         state.up_elsewhere = !same;
@@ -526,10 +572,12 @@ int gset_char_up_vec(const Gpt* up) {
 }
 
 int gset_text_align(const Gtext_align* align) {
-    if (align->hor == state.horiz_align && align->ver == state.vert_align)
+    if (align->hor == state.horiz_align && align->ver == state.vert_align) {
         return 0;
-    if (gchk_open("gset_text_align") != 0)
+    }
+    if (gchk_open("gset_text_align") != 0) {
         return -1;
+    }
     state.horiz_align = align->hor;
     state.vert_align = align->ver;
     grecord(obj_text_align, *align);
@@ -547,14 +595,17 @@ int gset_text_path(int /*path*/) {
 }
 
 int gset_fontprec(const Gfontprec* font) {
-    if (font->font == state.font_ind)
+    if (font->font == state.font_ind) {
         return 0;
-    if (gchk_open("gset_fontprec") != 0)
+    }
+    if (gchk_open("gset_fontprec") != 0) {
         return -1;
+    }
     state.font_ind = font->font;
     grecord(obj_fontprec, *font);
-    if (gtype_is_META() || font_state.num_fonts == 0)
+    if (gtype_is_META() || font_state.num_fonts == 0) {
         return 0;
+    }
     if (font->font < 1 || font->font > font_state.num_fonts) {
         MESS_print(mess_warn, "gset_fontprec: invalid font id: %d\n", font->font);
         return -1;
@@ -573,11 +624,13 @@ int gsetup_fonts() {
 }
 
 int gget_font_index(const char* name) {
-    if (std::isdigit(static_cast<unsigned char>(*name)) != 0)
+    if (std::isdigit(static_cast<unsigned char>(*name)) != 0) {
         return text_int(name);
+    }
     for (int i = 0; i < font_state.num_fonts; ++i) {
-        if (stricmp(font_state.fonts[i].abbr.data(), name) == 0)
+        if (stricmp(font_state.fonts[i].abbr.data(), name) == 0) {
             return i + 1;
+        }
     }
     return 1;
 }
@@ -609,10 +662,11 @@ int ginit_text(int type) {
 void gput_text_state() {
     const TextState now = state;
     state = unknown_state();
-    if (gget_color_ind(now.text_color) != -1)
+    if (gget_color_ind(now.text_color) != -1) {
         gset_text_colr_ind(now.text_color);
-    else // without a pixel no setter takes it
+    } else { // without a pixel no setter takes it
         gnew_obj(obj_text_colr, now.text_color, 0, nullptr);
+    }
     gset_text_width(now.text_width);
     gset_char_ht(now.text_height);
     gset_expan(now.text_expan);
@@ -623,22 +677,25 @@ void gput_text_state() {
     const Gpt up = {now.upx, now.upy};
     gset_char_up_vec(&up);
     const Gfontprec font = {now.font_ind, GSTROKE_PREC};
-    if (gtype_is_META())
+    if (gtype_is_META()) {
         gset_fontprec(&font);
-    else
+    } else {
         gnew_obj(obj_fontprec, 1, sizeof font, &font); // the font in memory stays
-    state = now;                                       // also what a setter refused
+    }
+    state = now; // also what a setter refused
 }
 
 void ghold_text_state(Ghold what) {
     if (what == Ghold::restore) {
         state = state_aside;
-        if (font_state.in_memory != font_state.aside_in_memory)
+        if (font_state.in_memory != font_state.aside_in_memory) {
             read_listed_font(font_state.aside_in_memory);
+        }
         return;
     }
     state_aside = state;
     font_state.aside_in_memory = font_state.in_memory;
-    if (what == Ghold::begin)
+    if (what == Ghold::begin) {
         state = unknown_state();
+    }
 }

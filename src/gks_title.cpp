@@ -27,12 +27,15 @@ using X_bytes = std::unique_ptr<unsigned char, X_deleter>;
 
 // Bytes of the character that a first byte begins; 0 for one that begins none.
 std::size_t length_of(unsigned char first) {
-    if (first < 0x80)
+    if (first < 0x80) {
         return 1;
-    if (first >= 0xC2 && first < 0xE0)
+    }
+    if (first >= 0xC2 && first < 0xE0) {
         return 2;
-    if (first >= 0xE0 && first < 0xF0)
+    }
+    if (first >= 0xE0 && first < 0xF0) {
         return 3;
+    }
     return first >= 0xF0 && first < 0xF5 ? 4 : 0;
 }
 
@@ -42,13 +45,15 @@ std::u32string decode(std::string_view text) {
     while (!text.empty()) {
         const auto first = static_cast<unsigned char>(text[0]);
         const std::size_t length = length_of(first);
-        if (length == 0 || length > text.size())
+        if (length == 0 || length > text.size()) {
             return {};
+        }
         char32_t code = length == 1 ? first : first & (0x7FU >> length);
         for (const char c : text.substr(1, length - 1)) {
             const auto byte = static_cast<unsigned char>(c);
-            if ((byte & 0xC0U) != 0x80)
+            if ((byte & 0xC0U) != 0x80) {
                 return {};
+            }
             code = code << 6 | (byte & 0x3FU);
         }
         out.push_back(code);
@@ -60,9 +65,10 @@ std::u32string decode(std::string_view text) {
 // The same of any text: one that is not UTF-8 is Latin-1.
 std::u32string characters(std::string_view text) {
     std::u32string out = decode(text);
-    if (out.empty())
+    if (out.empty()) {
         std::transform(text.begin(), text.end(), std::back_inserter(out),
                        [](char c) { return static_cast<unsigned char>(c); });
+    }
     return out;
 }
 
@@ -76,8 +82,9 @@ std::string encode(const std::u32string& text) {
         }
         int rest = c < 0x800 ? 1 : c < 0x10000 ? 2 : 3; // bytes after the first
         add((0xF00U >> (rest + 1) & 0xFFU) | c >> (6 * rest));
-        while (rest-- > 0)
+        while (rest-- > 0) {
             add(0x80U | (c >> (6 * rest) & 0x3FU));
+        }
     }
     return out;
 }
@@ -93,20 +100,23 @@ void set_property(Atom property, Atom type, const std::string& text) {
 // all its characters.
 void set_name(Atom property, const std::u32string& name, const std::string& utf8) {
     const auto wide = [](char32_t c) { return c > last_latin1; };
-    if (std::any_of(name.begin(), name.end(), wide))
+    if (std::any_of(name.begin(), name.end(), wide)) {
         set_property(property, gwindow_atoms().utf8, utf8);
-    else
+    } else {
         set_property(property, XA_STRING, std::string(name.begin(), name.end()));
+    }
 }
 
 void show_name(const char* text, bool as_icon) {
     const std::u32string name = characters(text);
     const std::string utf8 = encode(name);
     set_name(XA_WM_NAME, name, utf8);
-    if (gtype_is_WIN()) // the owner of another window may keep but the first up to date
+    if (gtype_is_WIN()) { // the owner of another window may keep but the first up to date
         set_property(gwindow_atoms().net_name, gwindow_atoms().utf8, utf8);
-    if (as_icon)
+    }
+    if (as_icon) {
         set_name(XA_WM_ICON_NAME, name, utf8);
+    }
     XFlush(gget_display());
 }
 
@@ -116,10 +126,12 @@ void gcut_title(char* text) {
     const std::size_t size = std::strlen(text);
     for (std::size_t i = 1; i <= std::min<std::size_t>(size, 4); ++i) {
         const std::size_t length = length_of(static_cast<unsigned char>(text[size - i]));
-        if (length > i)
+        if (length > i) {
             text[size - i] = '\0';
-        if (length != 0)
+        }
+        if (length != 0) {
             return;
+        }
     }
 }
 
@@ -131,45 +143,53 @@ std::string gfetch_name(Window window) {
     unsigned long left = 0;
     unsigned char* data = nullptr;
     if (XGetWindowProperty(gget_display(), window, XA_WM_NAME, 0, most, False, AnyPropertyType,
-                           &type, &bits, &count, &left, &data) != Success)
+                           &type, &bits, &count, &left, &data) != Success) {
         return {};
+    }
     const X_bytes owner(data);
-    if (data == nullptr || bits != 8)
+    if (data == nullptr || bits != 8) {
         return {};
+    }
     return encode(characters({reinterpret_cast<const char*>(data), count}));
 }
 
 int gshow_win_title() {
-    if (!gdisp().has_window)
+    if (!gdisp().has_window) {
         return -1;
+    }
     constexpr bool as_icon = true;
     show_name(gget_win_title(), as_icon);
     return 0;
 }
 
 int gset_win_title_extra(const char* text) {
-    if (!gdisp().has_window)
+    if (!gdisp().has_window) {
         return -1;
+    }
     std::array<char, 2 * name_size> name{};
-    if (text == nullptr || *text == '\0')
+    if (text == nullptr || *text == '\0') {
         copy_text(name.data(), name.size(), gget_win_title());
-    else
+    } else {
         std::snprintf(name.data(), name.size(), "%s %s", gget_win_title(), text);
+    }
     show_name(name.data(), false);
     return 0;
 }
 
 int gget_win_title_extra(char* buf) {
     *buf = '\0';
-    if (!gdisp().has_window)
+    if (!gdisp().has_window) {
         return -1;
+    }
     gtrap_errors(0); // a foreign window may be gone
     const std::string name = gfetch_name(gget_root_window());
     gtrap_errors(1);
-    if (name.empty())
+    if (name.empty()) {
         return -1;
+    }
     const std::size_t title = encode(characters(gget_win_title())).size();
-    if (name.size() > title + 1)
+    if (name.size() > title + 1) {
         copy_text(buf, name_size, name.c_str() + title + 1);
+    }
     return 0;
 }

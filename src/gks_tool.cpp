@@ -112,8 +112,9 @@ int gopen_gks(const char* path, int /*size*/) {
 
 int gclose_gks() {
     std::FILE* file = std::exchange(kernel.err_file, nullptr);
-    if (file != nullptr && file != stderr)
+    if (file != nullptr && file != stderr) {
         std::fclose(file);
+    }
     return 0;
 }
 
@@ -131,28 +132,33 @@ int gdeactivate_ws(int /*ws_id*/) {
 
 int gopen_ws(int /*ws_id*/, const char* conn_id, Gws_type ws_type) {
     const char* print = std::getenv("zyrprint");
-    if (ws_type == ws_postscript && print != nullptr && stricmp(print, "hpgl") == 0)
+    if (ws_type == ws_postscript && print != nullptr && stricmp(print, "hpgl") == 0) {
         ws_type = ws_hpgl;
+    }
     const auto device = static_cast<Gdevice>(ws_type);
     const bool file_device = is_file_device(device);
-    if (file_device)
+    if (file_device) {
         hold_redraw();
+    }
     const int init = open_device(conn_id, device);
     if (init == init_none) {
-        if (file_device)
+        if (file_device) {
             gset_redraw(station.redraw);
+        }
         return -1;
     }
     kernel.open_graphics = 1;
     ginit_objs();
     ginit_plot(init);
-    if (gtype_is_META())
+    if (gtype_is_META()) {
         gput_state();
+    }
     gsetup_fonts(); // a missing font has been reported: the plot goes on without text
     ginit_background();
     constexpr int mode_clear = 1;
-    if (gtype_is_PIX() && gget_pix_mode() == mode_clear)
+    if (gtype_is_PIX() && gget_pix_mode() == mode_clear) {
         gclear_frame(frame_base);
+    }
     if (gtype_is_WIN_PIX()) {
         gflush();
         gcheck_event();
@@ -162,21 +168,24 @@ int gopen_ws(int /*ws_id*/, const char* conn_id, Gws_type ws_type) {
 }
 
 int gclose_ws(int /*ws_id*/) {
-    if (kernel.open_graphics == 0)
+    if (kernel.open_graphics == 0) {
         return -1;
+    }
     gclose_display();
     station.win_width = 0;
     station.win_height = 0;
-    if (is_file_device(gget_device()))
+    if (is_file_device(gget_device())) {
         gset_redraw(station.redraw);
+    }
     const int status = close_device(gget_device());
     kernel.open_graphics = 0;
     return status;
 }
 
 int gclear_ws(int /*ws_id*/, int /*flag*/) {
-    if (!gtype_is_WIN() || gclear_window() != 0)
+    if (!gtype_is_WIN() || gclear_window() != 0) {
         return 0; // a page of a file device begins with its opening
+    }
     greset_zoom();
     gclear_objs();
     gput_state();
@@ -189,8 +198,9 @@ int gchk_graphics() {
 }
 
 int gchk_open(const char* func) {
-    if (kernel.open_graphics != 0)
+    if (kernel.open_graphics != 0) {
         return 0;
+    }
     gerr_printf(func, "GKS not opened\n");
     return -1;
 }
@@ -214,8 +224,9 @@ float gkept_width(float width) {
 }
 
 void gerr_printf(const char* func, const char* format, ...) {
-    if (kernel.err_file == nullptr)
+    if (kernel.err_file == nullptr) {
         return;
+    }
     std::array<char, 80> text{};
     std::va_list args;
     va_start(args, format);
@@ -226,8 +237,9 @@ void gerr_printf(const char* func, const char* format, ...) {
 }
 
 int ginit_plot(int type) {
-    if (type == init_none)
+    if (type == init_none) {
         return -1;
+    }
     greset_text();
     greset_line();
     greset_marker();
@@ -240,8 +252,9 @@ int ginit_plot(int type) {
     ginit_fill(type);
     if (type == init_display) {
         gclear_errors();
-        if (gtype_is_PIX())
+        if (gtype_is_PIX()) {
             gset_rw_colors(0); // the colours of its owner stay
+        }
     }
     if (type == init_display || type == init_again) {
         ginit_event(type);
@@ -335,8 +348,9 @@ const char* gget_prog_name() {
 }
 
 int gset_win_title(const char* title) {
-    if (copy_text(station.win_title.data(), station.win_title.size(), title) != 0)
+    if (copy_text(station.win_title.data(), station.win_title.size(), title) != 0) {
         gcut_title(station.win_title.data());
+    }
     return gshow_win_title();
 }
 
@@ -345,8 +359,9 @@ const char* gget_win_title() {
 }
 
 int gmessage(int level, const char* text) {
-    if (!gtype_is_META())
+    if (!gtype_is_META()) {
         gnew_obj(obj_message, level, static_cast<int>(std::strlen(text)) + 1, text);
+    }
     switch (gget_device()) {
     case Gdevice::metafile:
         return gmeta_line("ME %s", text);

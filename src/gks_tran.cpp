@@ -133,8 +133,9 @@ void set_clip() {
 }
 
 bool valid(const char* func, int n) {
-    if (n >= 0 && n < num_trans)
+    if (n >= 0 && n < num_trans) {
         return true;
+    }
     gerr_printf(func, "invalid transformation number: %d\n", n);
     return false;
 }
@@ -180,8 +181,9 @@ void ghold_tran_state(Ghold what) {
         return;
     }
     tran_aside = tran;
-    if (what == Ghold::begin)
+    if (what == Ghold::begin) {
         tran.cur_trans = missing_tran;
+    }
 }
 
 int ginit_tran(int type) {
@@ -200,8 +202,9 @@ int ginit_tran(int type) {
     tran.wkvp =
         from_lim({0.0F, static_cast<float>(width - 1), 0.0F, static_cast<float>(height - 1)});
     refit();
-    if (type != size_changed)
+    if (type != size_changed) {
         set_clip();
+    }
     return 0;
 }
 
@@ -222,10 +225,12 @@ int gset_ws_vp(int ws_id, const Glim* lim) {
 }
 
 int gsel_norm_tran(int n) {
-    if (!valid("gsel_norm_tran", n))
+    if (!valid("gsel_norm_tran", n)) {
         return -1;
-    if (n == tran.cur_trans)
+    }
+    if (n == tran.cur_trans) {
         return 0;
+    }
     grecord(obj_norm_tran, n);
     tran.cur_trans = n;
     tran.cur_wn = tran.wn[n];
@@ -236,8 +241,9 @@ int gsel_norm_tran(int n) {
 }
 
 int gset_vp(int n, const Glim* lim) {
-    if (!valid("gset_vp", n))
+    if (!valid("gset_vp", n)) {
         return -1;
+    }
     grecord(obj_vp, n, *lim);
     tran.vp[n] = from_lim(*lim);
     if (n == tran.cur_trans) {
@@ -249,8 +255,9 @@ int gset_vp(int n, const Glim* lim) {
 }
 
 int gset_win(int n, const Glim* lim) {
-    if (!valid("gset_win", n))
+    if (!valid("gset_win", n)) {
         return -1;
+    }
     grecord(obj_win, n, *lim);
     tran.wn[n] = from_lim(*lim);
     if (n == tran.cur_trans) {
@@ -281,10 +288,11 @@ int gset_aspect(const Glim* vin, Glim* vout, Gaspect asp, Gcenter center) {
     const float dy = vin->y_max - vin->y_min;
     float w = dx;
     float h = dy;
-    if (asp.y / dy > asp.x / dx)
+    if (asp.y / dy > asp.x / dx) {
         w = asp.x * dy / asp.y;
-    else
+    } else {
         h = asp.y * dx / asp.x;
+    }
     const Glim in = *vin; // `vout` may be the same record
     place(in.x_min, in.x_max, w, center.x, &vout->x_min, &vout->x_max);
     place(in.y_min, in.y_max, h, center.y, &vout->y_min, &vout->y_max);
@@ -292,8 +300,9 @@ int gset_aspect(const Glim* vin, Glim* vout, Gaspect asp, Gcenter center) {
 }
 
 int gpts_in_win(int n, const Gpt* pts) {
-    if (n < 1)
+    if (n < 1) {
         return 0;
+    }
     Glim box = {pts[0].x, pts[0].x, pts[0].y, pts[0].y};
     for (int i = 1; i < n; ++i) {
         box.x_min = std::min(box.x_min, pts[i].x);
@@ -379,8 +388,9 @@ float yp_W(float y) {
 }
 
 float xW_trans(float x, int from, int to) {
-    if (!valid("xW_trans", from) || !valid("xW_trans", to))
+    if (!valid("xW_trans", from) || !valid("xW_trans", to)) {
         return x;
+    }
     const Gcoords& fw = tran.wn[from];
     const Gcoords& fv = tran.vp[from];
     const Gcoords& tw = tran.wn[to];
@@ -390,8 +400,9 @@ float xW_trans(float x, int from, int to) {
 }
 
 float yW_trans(float y, int from, int to) {
-    if (!valid("yW_trans", from) || !valid("yW_trans", to))
+    if (!valid("yW_trans", from) || !valid("yW_trans", to)) {
         return y;
+    }
     const Gcoords& fw = tran.wn[from];
     const Gcoords& fv = tran.vp[from];
     const Gcoords& tw = tran.wn[to];

@@ -55,8 +55,9 @@ const char* x_default(const char* name) {
 void place_size(XSizeHints* hints, unsigned width, unsigned height) {
     constexpr unsigned most = max_side;
     hints->flags = (hints->flags & ~PSize) | USSize;
-    if (width > most || height > most)
+    if (width > most || height > most) {
         MESS_print(mess_warn, "gopen_ws: window size cut to %d\n", max_side);
+    }
     hints->width = gwindow_side(static_cast<int>(std::min(width, most)), hints->width);
     hints->height = gwindow_side(static_cast<int>(std::min(height, most)), hints->height);
 }
@@ -67,10 +68,12 @@ void place_position(XSizeHints* hints, int x, int y, int negative) {
     Display* display = gdisp().display;
     x = std::clamp(x, -far, far);
     y = std::clamp(y, -far, far);
-    if ((negative & XNegative) != 0)
+    if ((negative & XNegative) != 0) {
         x += DisplayWidth(display, gdisp().screen) - hints->width;
-    if ((negative & YNegative) != 0)
+    }
+    if ((negative & YNegative) != 0) {
         y += DisplayHeight(display, gdisp().screen) - hints->height;
+    }
     hints->flags = (hints->flags & ~PPosition) | USPosition;
     hints->x = std::clamp(x, -far, far);
     hints->y = std::clamp(y, -far, far);
@@ -88,20 +91,24 @@ XSizeHints size_hints() {
     hints.height = gwindow_side(hints.height, default_height);
 
     const char* text = gchosen_geometry();
-    if (text == nullptr)
+    if (text == nullptr) {
         text = x_default("geometry");
+    }
     if (text != nullptr && *text != '\0') {
         int x = 0;
         int y = 0;
         unsigned width = 0;
         unsigned height = 0;
         const int found = XParseGeometry(text, &x, &y, &width, &height);
-        if (found == 0)
+        if (found == 0) {
             MESS_print(mess_warn, "gopen_ws: invalid geometry: %s\n", text);
-        if ((found & WidthValue) != 0 && (found & HeightValue) != 0)
+        }
+        if ((found & WidthValue) != 0 && (found & HeightValue) != 0) {
             place_size(&hints, width, height);
-        if ((found & XValue) != 0 && (found & YValue) != 0)
+        }
+        if ((found & XValue) != 0 && (found & YValue) != 0) {
             place_position(&hints, x, y, found);
+        }
     }
     if (gdisp_settings().fixed_size != 0) {
         hints.flags |= PMinSize | PMaxSize;
@@ -133,10 +140,12 @@ void make_window(const XSizeHints& hints) {
 
 bool starts_iconic() {
     int icon = 0;
-    if (RES_get("icon") != nullptr)
+    if (RES_get("icon") != nullptr) {
         RES_getval("icon", &icon, CV_bool);
-    if (gdisp_settings().icon != 0 || icon > 0)
+    }
+    if (gdisp_settings().icon != 0 || icon > 0) {
         return true;
+    }
     const char* text = x_default("iconic");
     return text != nullptr && stricmp(text, "on") == 0;
 }
@@ -231,18 +240,21 @@ int gset_fixed_size() {
 
 int gset_icon_bitmap(const unsigned char* bits) {
     gdisp_settings().own_icon = bits != nullptr;
-    if (bits != nullptr)
+    if (bits != nullptr) {
         std::memcpy(gdisp_settings().icon_bits.data(), bits, gdisp_settings().icon_bits.size());
+    }
     return 0;
 }
 
 int gopen_window(const char* conn_id) {
     gset_win_type(ws_window);
-    if (gopen_display(conn_id) != 0)
+    if (gopen_display(conn_id) != 0) {
         return -1;
+    }
     gset_cache(1);
-    if (is_environment("zyrinverse"))
+    if (is_environment("zyrinverse")) {
         gset_inverse(1);
+    }
     XSizeHints hints = size_hints();
     // One answer of the server is waited for, after window and pixmap.
     gtrap_errors(0);
@@ -255,8 +267,9 @@ int gopen_window(const char* conn_id) {
     gset_root_size(hints.width, hints.height);
     gset_xsize(hints.width, hints.height);
     gdisp().base_window = gsend_base(hints.width, hints.height);
-    if (gtrap_errors(1) != 0)
+    if (gtrap_errors(1) != 0) {
         return unable();
+    }
     gdisp().draw_window = gdisp().base_window;
     XClearWindow(gdisp().display, gdisp().root_window);
     gmake_cursors();

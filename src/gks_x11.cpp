@@ -20,8 +20,9 @@ Gdisp_settings disp_settings;
 // the old one stays.
 void renew_base(int width, int height) {
     const Pixmap fresh = gmake_base(width, height);
-    if (fresh == 0)
+    if (fresh == 0) {
         return;
+    }
     XCopyArea(disp.display, disp.base_window, fresh, disp.root_gc, 0, 0,
               static_cast<unsigned>(width), static_cast<unsigned>(height), 0, 0);
     XFreePixmap(disp.display, disp.base_window);
@@ -64,8 +65,9 @@ int gopen_display(const char* conn_id) {
 
 const Watoms& gwindow_atoms() {
     Watoms& atoms = disp.atoms;
-    if (atoms.protocols != None)
+    if (atoms.protocols != None) {
         return atoms;
+    }
     // The order of the record.
     std::array<std::array<char, 17>, 4> names = {
         {{"WM_PROTOCOLS"}, {"WM_DELETE_WINDOW"}, {"_NET_WM_NAME"}, {"UTF8_STRING"}}
@@ -89,8 +91,9 @@ void gsetup_display(Drawable drawable) {
     disp.root_gc = XCreateGC(disp.display, drawable, GCGraphicsExposures, &values);
     disp.fore_colr = WhitePixel(disp.display, disp.screen);
     disp.back_colr = BlackPixel(disp.display, disp.screen);
-    if (gget_inverse() != 0)
+    if (gget_inverse() != 0) {
         std::swap(disp.fore_colr, disp.back_colr);
+    }
     XSetForeground(disp.display, disp.root_gc, disp.fore_colr);
     disp.red_mask = disp.visual->red_mask;
     disp.grn_mask = disp.visual->green_mask;
@@ -107,24 +110,29 @@ int gfail_display() {
 
 int gclose_display() {
     Display* display = disp.display;
-    if (display == nullptr)
+    if (display == nullptr) {
         return 0;
+    }
     gflush_fill();
     if (gtype_is_WIN()) {
         greset_zoom();
         gdelete_all_frames();
-        if (disp.base_window != 0)
+        if (disp.base_window != 0) {
             XFreePixmap(display, disp.base_window);
-        if (disp.has_window)
+        }
+        if (disp.has_window) {
             XDestroyWindow(display, disp.root_window); // unmaps it first
+        }
     }
     gfree_pens();
     gfree_xcolr();
     gfree_cursors();
-    if (disp.icon_pixmap != 0)
+    if (disp.icon_pixmap != 0) {
         XFreePixmap(display, disp.icon_pixmap);
-    if (disp.root_gc != nullptr)
+    }
+    if (disp.root_gc != nullptr) {
         XFreeGC(display, disp.root_gc);
+    }
     gend_pixmap();
     XCloseDisplay(display); // waits for the last answer
     disp = {};
@@ -253,8 +261,9 @@ void gfill_drawable(Drawable drawable, unsigned long pixel, unsigned width, unsi
 }
 
 int gresize_window(int width, int height) {
-    if (!gtype_is_WIN() || !disp.has_window)
+    if (!gtype_is_WIN() || !disp.has_window) {
         return 0;
+    }
     const bool by_program = width > 0;
     const bool renew = by_program || width == -1;
     if (by_program) {
@@ -265,15 +274,17 @@ int gresize_window(int width, int height) {
     } else {
         const XWindowAttributes given = gwindow_attributes();
         const bool gone = given.width <= 0; // its event is still to come
-        if (gone || (given.width == disp.root_width && given.height == disp.root_height))
+        if (gone || (given.width == disp.root_width && given.height == disp.root_height)) {
             return 0;
+        }
         width = given.width;
         height = given.height;
     }
     gflush_fill();
     XClearWindow(disp.display, disp.root_window);
-    if (renew)
+    if (renew) {
         renew_base(width, height);
+    }
     gset_root_size(width, height);
     gset_win_size(width, height);
     greset_zoom();
@@ -282,19 +293,22 @@ int gresize_window(int width, int height) {
 }
 
 int gupdate_window() {
-    if (disp.root_window == 0 || disp.base_window == 0)
+    if (disp.root_window == 0 || disp.base_window == 0) {
         return -1;
+    }
     gflush_fill();
-    if (disp.has_window)
+    if (disp.has_window) {
         XCopyArea(disp.display, disp.base_window, disp.root_window, disp.root_gc, 0, 0,
                   static_cast<unsigned>(disp.root_width), static_cast<unsigned>(disp.root_height),
                   0, 0);
+    }
     return gflush();
 }
 
 int gclear_window() {
-    if (disp.base_window == 0)
+    if (disp.base_window == 0) {
         return -1;
+    }
     gflush_fill();
     gfill_drawable(disp.base_window, static_cast<unsigned long>(gget_color_ind(-1)),
                    static_cast<unsigned>(disp.root_width), static_cast<unsigned>(disp.root_height));
@@ -302,16 +316,18 @@ int gclear_window() {
 }
 
 int gflush() {
-    if (disp.display == nullptr)
+    if (disp.display == nullptr) {
         return 0;
+    }
     gflush_fill();
     XFlush(disp.display);
     return 0;
 }
 
 int gsync() {
-    if (disp.display == nullptr)
+    if (disp.display == nullptr) {
         return 0;
+    }
     gflush_fill();
     XSync(disp.display, False);
     return 0;

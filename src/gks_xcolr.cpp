@@ -38,8 +38,9 @@ bool has_masks() {
 
 // A component of 16 bits in its place in a pixel.
 unsigned long masked(unsigned value, unsigned long mask) {
-    if (mask == 0)
+    if (mask == 0) {
         return 0;
+    }
     const int bits = std::min(std::popcount(mask), 16);
     return static_cast<unsigned long>(value >> (16 - bits)) << std::countr_zero(mask);
 }
@@ -69,8 +70,9 @@ bool gdraw_take_cell(int* pixel) {
         return false;
     }
     unsigned long cell = 0;
-    if (XAllocColorCells(gget_display(), gget_colormap(), False, nullptr, 0, &cell, 1) == 0)
+    if (XAllocColorCells(gget_display(), gget_colormap(), False, nullptr, 0, &cell, 1) == 0) {
         return false;
+    }
     *pixel = static_cast<int>(cell);
     return true;
 }
@@ -137,18 +139,21 @@ int gset_local_colormap(int value) {
 int ginit_xcolr() {
     const bool local = maps.local_cmap != 0 || std::getenv("LOCAL_CMAP") != nullptr ||
                        std::getenv("zyrlocal_cmap") != nullptr;
-    if (gtype_is_WIN() && local)
+    if (gtype_is_WIN() && local) {
         maps.user_colormap =
             XCreateColormap(gget_display(), gget_root_window(), gget_visual(), AllocNone);
-    if (gtype_is_WIN() && maps.user_colormap != 0)
+    }
+    if (gtype_is_WIN() && maps.user_colormap != 0) {
         XSetWindowColormap(gget_display(), gget_root_window(), maps.user_colormap);
+    }
     gforget_pixels(true);
     return 0;
 }
 
 void gfree_xcolr() {
-    if (gtype_is_WIN() && maps.user_colormap != 0)
+    if (gtype_is_WIN() && maps.user_colormap != 0) {
         XFreeColormap(gget_display(), maps.user_colormap);
+    }
     maps.user_colormap = 0;
     maps.def_colormap = 0;
     gforget_pixels(false);

@@ -46,13 +46,15 @@ XPoint* x_points(const Gpixel* points) {
 }
 
 void set_foreground(Gpen pen, unsigned long pixel) {
-    if (gc_of(pen) != nullptr)
+    if (gc_of(pen) != nullptr) {
         XSetForeground(gget_display(), gc_of(pen), pixel);
+    }
 }
 
 void set_fill_foreground(int ind) {
-    if (draw.fill_color == ind)
+    if (draw.fill_color == ind) {
         return;
+    }
     draw.fill_color = ind;
     set_foreground(Gpen::fill, static_cast<unsigned long>(gget_color_ind(ind)));
 }
@@ -78,9 +80,10 @@ void make_gc(Gpen pen) {
 }
 
 void make_patterns() {
-    for (int i = 0; i < num_patterns; ++i)
+    for (int i = 0; i < num_patterns; ++i) {
         draw.patterns[i] =
             gmake_bitmap(gget_root_window(), gfill_pattern(i).data(), pattern_size, pattern_size);
+    }
 }
 
 // The first look of a pen besides its colours and its clip.
@@ -113,12 +116,15 @@ bool gdraw_ready() {
 
 void gdraw_init_pen(Gpen pen, int type) {
     Display* display = gget_display();
-    if (display == nullptr || type < 0 || type > 1)
+    if (display == nullptr || type < 0 || type > 1) {
         return;
-    if (type == 0)
+    }
+    if (type == 0) {
         make_gc(pen);
-    if (type == 0 && pen == Gpen::fill)
+    }
+    if (type == 0 && pen == Gpen::fill) {
         make_patterns();
+    }
     start_pen(pen);
     XSetForeground(display, gc_of(pen), WhitePixel(display, gget_screen()));
     XSetBackground(display, gc_of(pen), BlackPixel(display, gget_screen()));
@@ -128,23 +134,26 @@ void gdraw_init_pen(Gpen pen, int type) {
 }
 
 void gdraw_reset_pens() {
-    if (gget_display() == nullptr)
+    if (gget_display() == nullptr) {
         return;
+    }
     gflush_fill();
     XGCValues values{};
     values.line_width = 0;
     values.line_style = LineSolid;
     values.join_style = JoinBevel;
     for (GC gc : draw.gcs) {
-        if (gc != nullptr)
+        if (gc != nullptr) {
             XChangeGC(gget_display(), gc, GCLineWidth | GCLineStyle | GCJoinStyle, &values);
+        }
     }
 }
 
 void gfree_pens() {
     for (GC& gc : draw.gcs) {
-        if (gc != nullptr)
+        if (gc != nullptr) {
             XFreeGC(gget_display(), gc);
+        }
     }
     gdraw_free_font();
     gdel_fill_pat();
@@ -153,28 +162,32 @@ void gfree_pens() {
 
 int gdel_fill_pat() {
     for (Pixmap& pattern : draw.patterns) {
-        if (pattern != 0)
+        if (pattern != 0) {
             XFreePixmap(gget_display(), pattern);
+        }
         pattern = 0;
     }
     return 0;
 }
 
 void gdraw_set_color(Gpen pen, int ind) {
-    if (pen == Gpen::fill)
+    if (pen == Gpen::fill) {
         draw.fill_color = no_color; // it is set with the next area
-    else
+    } else {
         set_foreground(pen, static_cast<unsigned long>(gget_color_ind(ind)));
+    }
 }
 
 void gdraw_set_black(Gpen pen) {
-    if (gget_display() != nullptr)
+    if (gget_display() != nullptr) {
         set_foreground(pen, BlackPixel(gget_display(), gget_screen()));
+    }
 }
 
 void gdraw_set_width(Gpen pen, float width) {
-    if (gc_of(pen) == nullptr)
+    if (gc_of(pen) == nullptr) {
         return;
+    }
     XGCValues values{};
     values.line_width = static_cast<int>(hold_within(width, pixel_limit));
     XChangeGC(gget_display(), gc_of(pen), GCLineWidth, &values);
@@ -182,40 +195,46 @@ void gdraw_set_width(Gpen pen, float width) {
 
 void gdraw_set_dash(int type) {
     GC gc = gc_of(Gpen::line);
-    if (gc == nullptr)
+    if (gc == nullptr) {
         return;
+    }
     XGCValues values{};
     values.line_style = type == 1 ? LineSolid : LineOnOffDash;
     XChangeGC(gget_display(), gc, GCLineStyle, &values);
     const Gdash dash = gline_dash(type);
-    if (dash.count > 0)
+    if (dash.count > 0) {
         XSetDashes(gget_display(), gc, 0, dash.lengths.data(), dash.count);
+    }
 }
 
 void gdraw_set_fill_style(int style, int pattern) {
     GC gc = gc_of(Gpen::fill);
-    if (gc == nullptr)
+    if (gc == nullptr) {
         return;
+    }
     gflush_fill();
     if (style == GSOLID) {
         XSetFillStyle(gget_display(), gc, FillSolid);
     } else if (style == GPAT) {
         XSetFillStyle(gget_display(), gc, FillStippled);
         // Unset while the state is put again.
-        if (pattern >= 0 && draw.patterns[pattern] != 0)
+        if (pattern >= 0 && draw.patterns[pattern] != 0) {
             XSetStipple(gget_display(), gc, draw.patterns[pattern]);
+        }
     }
 }
 
 void gdraw_set_clip(const Gclip_rect& rect) {
     Display* display = gget_display();
-    if (display == nullptr)
+    if (display == nullptr) {
         return;
+    }
     gflush_fill();
     XRectangle clip = {rect.x, rect.y, rect.width, rect.height};
     for (GC gc : draw.gcs) {
-        if (gc != nullptr)
+        if (gc != nullptr) {
             XSetClipRectangles(display, gc, 0, 0, &clip, 1, Unsorted);
+        }
     }
 }
 
@@ -223,20 +242,23 @@ void gdraw_set_clip(const Gclip_rect& rect) {
 
 void gdraw_point(Gpen pen, Gpixel at) {
     gflush_fill();
-    if (gc_of(pen) != nullptr)
+    if (gc_of(pen) != nullptr) {
         XDrawPoint(gget_display(), gget_draw_window(), gc_of(pen), at.x, at.y);
+    }
 }
 
 void gdraw_lines(Gpen pen, int n, const Gpixel* points) {
     gflush_fill();
-    if (gc_of(pen) != nullptr)
+    if (gc_of(pen) != nullptr) {
         XDrawLines(gget_display(), gget_draw_window(), gc_of(pen), x_points(points), n,
                    CoordModeOrigin);
+    }
 }
 
 void gdraw_area(int n, const Gpixel* points, int color, bool solid) {
-    if (gc_of(Gpen::fill) == nullptr)
+    if (gc_of(Gpen::fill) == nullptr) {
         return;
+    }
     if (solid && draw.held == n && same_points(points, draw.points.data(), n)) {
         draw.held_color = color;
         return;
@@ -254,14 +276,16 @@ void gdraw_area(int n, const Gpixel* points, int color, bool solid) {
 void gflush_fill() {
     const int n = draw.held;
     draw.held = 0;
-    if (n > 0)
+    if (n > 0) {
         send_area(n, draw.points.data(), draw.held_color);
+    }
 }
 
 void gdraw_clear(const Grectangle& rect) {
     Display* display = gget_display();
-    if (display == nullptr)
+    if (display == nullptr) {
         return;
+    }
     gflush_fill();
     XSetForeground(display, gget_root_gc(), static_cast<unsigned long>(gget_color_ind(-1)));
     XFillRectangle(display, gget_draw_window(), gget_root_gc(), rect.x, rect.y,
@@ -273,23 +297,27 @@ void gdraw_clear(const Grectangle& rect) {
 
 int gdraw_load_font(const char* name) {
     Display* display = gget_display();
-    if (display != nullptr)
+    if (display != nullptr) {
         draw.font_info = XLoadQueryFont(display, name);
-    if (draw.font_info == nullptr)
+    }
+    if (draw.font_info == nullptr) {
         return -1;
+    }
     XSetFont(display, gc_of(Gpen::text), draw.font_info->fid);
     return 0;
 }
 
 void gdraw_free_font() {
-    if (draw.font_info != nullptr && gget_display() != nullptr)
+    if (draw.font_info != nullptr && gget_display() != nullptr) {
         XFreeFont(gget_display(), draw.font_info);
+    }
     draw.font_info = nullptr;
 }
 
 bool gdraw_measure(std::string_view text, Gstring_size* size) {
-    if (draw.font_info == nullptr)
+    if (draw.font_info == nullptr) {
         return false;
+    }
     *size = {XTextWidth(draw.font_info, text.data(), static_cast<int>(text.size())),
              draw.font_info->ascent, draw.font_info->descent};
     return true;
@@ -329,21 +357,24 @@ int gget_line_gc_func() {
 
 int gset_line_gc_func(int func) {
     draw.line_function = func;
-    if (gc_of(Gpen::line) != nullptr)
+    if (gc_of(Gpen::line) != nullptr) {
         XSetFunction(gget_display(), gc_of(Gpen::line), func);
+    }
     return 0;
 }
 
 int gxline(Drawable drawable, const XPoint* a, const XPoint* b) {
-    if (gc_of(Gpen::line) == nullptr)
+    if (gc_of(Gpen::line) == nullptr) {
         return -1;
+    }
     XDrawLine(gget_display(), drawable, gc_of(Gpen::line), a->x, a->y, b->x, b->y);
     return 0;
 }
 
 int gxrect(Drawable drawable, const XPoint* a, const XPoint* b) {
-    if (gc_of(Gpen::line) == nullptr)
+    if (gc_of(Gpen::line) == nullptr) {
         return -1;
+    }
     XDrawRectangle(gget_display(), drawable, gc_of(Gpen::line), std::min(a->x, b->x),
                    std::min(a->y, b->y), static_cast<unsigned>(std::abs(a->x - b->x)),
                    static_cast<unsigned>(std::abs(a->y - b->y)));

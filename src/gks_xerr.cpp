@@ -29,8 +29,9 @@ int Xerror_handler(Display* display, XErrorEvent* event) {
     // event says so.
     const bool of_window = gtype_is_WIN() && event->resourceid == gget_root_window() &&
                            (event->error_code == BadWindow || event->error_code == BadDrawable);
-    if (errors.Xerror_print == 0 || of_window)
+    if (errors.Xerror_print == 0 || of_window) {
         return 0;
+    }
     std::array<char, 80> text{};
     std::array<char, 20> number{};
     std::array<char, 60> request{};
@@ -72,14 +73,17 @@ int gget_num_error() {
 }
 
 int gtrap_errors(int print) {
-    if (gget_display() == nullptr)
+    if (gget_display() == nullptr) {
         return 0;
+    }
     // Errors of requests before this call count as before.
-    if (XLastKnownRequestProcessed(gget_display()) + 1 != XNextRequest(gget_display()))
+    if (XLastKnownRequestProcessed(gget_display()) + 1 != XNextRequest(gget_display())) {
         XSync(gget_display(), False);
+    }
     errors.Xerror_print = print;
     const int came = errors.Xerror;
-    if (print == 0)
+    if (print == 0) {
         errors.Xerror = 0;
+    }
     return print != 0 ? came : 0;
 }

@@ -37,8 +37,9 @@ using ImagePtr = std::unique_ptr<XImage, ImageDeleter>;
 template <std::size_t bytes>
 void stretch(const unsigned char* from, unsigned char* to, int width, int f) {
     for (int x = 0; x < width; from += bytes) {
-        for (const int end = std::min(x + f, width); x < end; ++x, to += bytes)
+        for (const int end = std::min(x + f, width); x < end; ++x, to += bytes) {
             std::memcpy(to, from, bytes);
+        }
     }
 }
 
@@ -123,19 +124,23 @@ struct Source {
 // A frame keeps its picture as it was drawn. A still picture is magnified where
 // it stands: a further zoom goes by what is on show.
 Source source_of(int ind, int factor) {
-    if (gget_num_images() > 0)
+    if (gget_num_images() > 0) {
         return {gget_frame_id(ind), true};
-    if (zoomed.base_image != 0 && factor > 0)
+    }
+    if (zoomed.base_image != 0 && factor > 0) {
         return {zoomed.base_image, true};
+    }
     return {gget_base_window(), zoomed.zoom == 1};
 }
 
 // Centre along an axis in pixels of the source; `click` -1 keeps the old one.
 int source_centre(bool drawn, int click, int centre, int size) {
-    if (!drawn)
+    if (!drawn) {
         return click == -1 ? size / 2 : click;
-    if (click == -1)
+    }
+    if (click == -1) {
         return centre;
+    }
     return zoomed.zoom == 1 ? click : centre + (click - size / 2) / zoomed.zoom;
 }
 
@@ -148,8 +153,9 @@ bool put_magnified(const Source& source, int cx, int cy, int zoom) {
     const auto w = static_cast<unsigned>(width);
     const auto h = static_cast<unsigned>(height);
     const ImagePtr image(XGetImage(display, source.pixmap, 0, 0, w, h, AllPlanes, ZPixmap));
-    if (!image)
+    if (!image) {
         return false;
+    }
     const int before = source.drawn ? 1 : zoomed.zoom;
     const int f = zoom / before;
     const int ox = gzoom_origin(width, cx, f);
@@ -170,16 +176,18 @@ bool put_magnified(const Source& source, int cx, int cy, int zoom) {
 int gzoom_origin(int size, int centre, int f) {
     const int shown = size / f;
     int origin = std::max(centre - shown / 2, 0);
-    if (shown + origin > size)
+    if (shown + origin > size) {
         origin = size - (size + 1) / f;
+    }
     const int begun = (size + f - 1) / f; // with the pixel that is shown in part
     return std::clamp(origin, 0, size - begun);
 }
 
 void gmagnify(XImage& image, int ox, int oy, int f) {
     constexpr std::array sizes = {32, 24, 16, 8, 4, 1};
-    if (std::find(sizes.begin(), sizes.end(), image.bits_per_pixel) == sizes.end())
+    if (std::find(sizes.begin(), sizes.end(), image.bits_per_pixel) == sizes.end()) {
         return;
+    }
     const auto row = static_cast<std::size_t>(image.bytes_per_line);
     auto* to = reinterpret_cast<unsigned char*>(image.data);
     const std::vector<unsigned char> source(to, to + row * image.height);
@@ -189,43 +197,51 @@ void gmagnify(XImage& image, int ox, int oy, int f) {
         stretch_row(image, from, to, ox, f);
         to += row;
         ++y;
-        for (const int end = std::min(y + f - 1, image.height); y < end; ++y, to += row)
+        for (const int end = std::min(y + f - 1, image.height); y < end; ++y, to += row) {
             std::memcpy(to, first, row);
+        }
     }
 }
 
 int gzoom(int ind, int x, int y, int factor, int flag) {
     const bool still = gget_num_images() == 0;
     const bool nothing_to_renew = flag != 0 && (zoomed.zoom == 1 || still);
-    if (!gtype_is_WIN() || gget_base_window() == 0 || nothing_to_renew)
+    if (!gtype_is_WIN() || gget_base_window() == 0 || nothing_to_renew) {
         return 0;
+    }
     const int zoom = new_zoom(zoomed.zoom, factor);
-    if (zoom <= 1)
+    if (zoom <= 1) {
         return zoom == 1 ? gunzoom() : 0;
+    }
     const Source source = source_of(ind, factor);
-    if (source.pixmap == 0)
+    if (source.pixmap == 0) {
         return 0;
+    }
     int width = 0;
     int height = 0;
     gget_win_size(&width, &height);
     gflush_fill();
-    if (still && zoomed.zoom == 1)
+    if (still && zoomed.zoom == 1) {
         keep_base_image(width, height);
+    }
     const int cx = source_centre(source.drawn, x, zoomed.zoom_x, width);
     const int cy = source_centre(source.drawn, y, zoomed.zoom_y, height);
-    if (!put_magnified(source, cx, cy, zoom))
+    if (!put_magnified(source, cx, cy, zoom)) {
         return 0;
+    }
     gupdate_window();
     return 1;
 }
 
 int gunzoom() {
-    if (!gtype_is_WIN() || zoomed.zoom == 1)
+    if (!gtype_is_WIN() || zoomed.zoom == 1) {
         return 0;
+    }
     const Zoom before = zoomed;
     zoomed = {};
-    if (before.base_image == 0)
+    if (before.base_image == 0) {
         return gdisplay_frame(frame_current);
+    }
     int width = 0;
     int height = 0;
     gget_win_size(&width, &height);
@@ -236,8 +252,9 @@ int gunzoom() {
 }
 
 int greset_zoom() {
-    if (zoomed.base_image != 0 && gget_display() != nullptr)
+    if (zoomed.base_image != 0 && gget_display() != nullptr) {
         XFreePixmap(gget_display(), zoomed.base_image);
+    }
     zoomed = {};
     return 0;
 }

@@ -56,8 +56,9 @@ std::array<Gpt, circle_points> circle(float x, float y, float r) {
 // A colour name of the table, for the kernel.
 int find_color(const char* name, Gcolr_rep* rep) {
     const int ind = CLR_look_up(name);
-    if (ind >= 0 && rep != nullptr)
+    if (ind >= 0 && rep != nullptr) {
         CLR_get_rgb(ind, &rep->red, &rep->green, &rep->blue);
+    }
     return ind;
 }
 
@@ -68,15 +69,18 @@ int ginq_maxview(Gws_type ws_type, float* xvp, float* yvp) {
     *xvp = 1.0F;
     *yvp = 1.0F;
     const int status = ginq_disp_space_size(ws_type, &err, &size);
-    if (status < 0)
+    if (status < 0) {
         return status;
+    }
     const Gpt s = size.coord_size;
-    if (s.x <= 0.0F || s.y <= 0.0F)
+    if (s.x <= 0.0F || s.y <= 0.0F) {
         return -1;
-    if (s.x > s.y)
+    }
+    if (s.x > s.y) {
         *yvp = s.y / s.x;
-    else
+    } else {
         *xvp = s.x / s.y;
+    }
     return 0;
 }
 
@@ -88,8 +92,9 @@ int GPH_setup(int* ws_id, Gws_type* ws_type, float asp_ratio, Glim* offset) {
     const char* conn_id = nullptr;
     RES_getval("device", &conn_id, CV_device);
     *ws_type = FLAG_get(flag_device);
-    if (*ws_type < 1)
+    if (*ws_type < 1) {
         *ws_type = FLAG_batch() > 0 ? ws_window : ws_none;
+    }
     GPH_set_win_title();
     CLR_read_table(nullptr);
     CLR_check_settings();
@@ -137,8 +142,9 @@ int GPH_end(int ws_id) {
 int GPH_reset(int* ws_id, Gws_type* ws_type, float asp_ratio, Glim* offset) {
     gclear_ws(*ws_id, 1);
     const int status = ginq_maxview(*ws_type, &plot.xvp, &plot.yvp);
-    if (status < 0)
+    if (status < 0) {
         return status;
+    }
     const Glim page = {0.0F, plot.xvp, 0.0F, plot.yvp};
     gset_ws_win(*ws_id, &page);
     gset_vp(tran_page, &page);
@@ -160,8 +166,9 @@ int GPH_panel(int* /*ws_id*/, Gws_type* /*ws_type*/, float asp_ratio, Glim* offs
                        (plot.sizey * m.y_min + plot.offy) * plot.yvp,
                        (plot.sizey + plot.offy - plot.sizey * m.y_max) * plot.yvp};
     Gaspect aspect = {asp_ratio, 1.0F};
-    if (asp_ratio == 0.0F)
+    if (asp_ratio == 0.0F) {
         aspect = {plot.sizex * plot.xvp, plot.sizey * plot.yvp};
+    }
     constexpr Gint centred = 2;
     gset_aspect(&room, offset, aspect, {centred, centred});
     for (const int n : {tran_map, tran_grid}) {
@@ -186,8 +193,9 @@ int GPH_set_win_title() {
     const char* name = RES_get("name");
     gset_prog_name(name != nullptr ? name : program.data());
     const char* title = RES_get("title");
-    if (title == nullptr && name != nullptr)
+    if (title == nullptr && name != nullptr) {
         title = *name == '+' ? name + 1 : name;
+    }
     gset_win_title(title != nullptr ? title : program.data());
     return 0;
 }
@@ -223,8 +231,9 @@ int GPH_win(int n, const Glim* lim) {
 int GPH_get_view(int n, Glim* lim) {
     int err = 0;
     Gtran tran{};
-    if (ginq_norm_tran(n, &err, &tran) != 0)
+    if (ginq_norm_tran(n, &err, &tran) != 0) {
         return -1;
+    }
     *lim = tran.vp;
     return 0;
 }
@@ -232,8 +241,9 @@ int GPH_get_view(int n, Glim* lim) {
 int GPH_get_win(int n, Glim* lim) {
     int err = 0;
     Gtran tran{};
-    if (ginq_norm_tran(n, &err, &tran) != 0)
+    if (ginq_norm_tran(n, &err, &tran) != 0) {
         return -1;
+    }
     *lim = tran.win;
     return 0;
 }
@@ -246,12 +256,15 @@ int GPH_line_attr(const Gattribs* attrib) {
         gset_linewidth(0.0F);
         return 0;
     }
-    if (attrib->color >= 0)
+    if (attrib->color >= 0) {
         gset_line_colr_ind(attrib->color);
-    if (is_set(attrib->style))
+    }
+    if (is_set(attrib->style)) {
         gset_linetype(attrib->style);
-    if (is_set(attrib->width))
+    }
+    if (is_set(attrib->width)) {
         gset_linewidth(attrib->width);
+    }
     return 0;
 }
 
@@ -260,8 +273,9 @@ int GPH_fill_attr(const Gattribs* attrib) {
         gset_fill_int_style(GSOLID);
         return 0;
     }
-    if (attrib->color >= 0)
+    if (attrib->color >= 0) {
         gset_fill_colr_ind(attrib->color);
+    }
     if (attrib->fill_pat == 0) {
         gset_fill_int_style(GSOLID);
     } else if (is_set(attrib->fill_pat)) {
@@ -276,16 +290,20 @@ int GPH_mark_attr(const Gattribs* attrib, float scale) {
         gset_marker_width(0.0F);
         return 0;
     }
-    if (attrib->color >= 0)
+    if (attrib->color >= 0) {
         gset_marker_colr_ind(attrib->color);
-    if (is_set(attrib->style))
+    }
+    if (is_set(attrib->style)) {
         gset_marker_type(attrib->style);
-    if (is_set(attrib->height))
+    }
+    if (is_set(attrib->height)) {
         gset_marker_size(attrib->height * scale);
-    else if (scale > 0.0F)
+    } else if (scale > 0.0F) {
         gset_marker_size(scale);
-    if (is_set(attrib->width))
+    }
+    if (is_set(attrib->width)) {
         gset_marker_width(attrib->width);
+    }
     return 0;
 }
 
@@ -295,13 +313,16 @@ int GPH_text_attr(const Gattribs* attrib, float scale) {
         gset_expan(1.0F);
         return -1;
     }
-    if (attrib->color >= 0)
+    if (attrib->color >= 0) {
         gset_text_colr_ind(attrib->color);
+    }
     gset_char_ht(is_set(attrib->height) ? attrib->height * scale : scale);
-    if (is_set(attrib->width))
+    if (is_set(attrib->width)) {
         gset_text_width(attrib->width);
-    if (is_set(attrib->expan))
+    }
+    if (is_set(attrib->expan)) {
         gset_expan(attrib->expan);
+    }
     if (is_set(attrib->font)) {
         const Gfontprec font = {attrib->font, GSTROKE_PREC};
         gset_fontprec(&font);

@@ -329,8 +329,9 @@ void take_options(const char* text, int first, bool (*take)(const char* option))
     char** fields = nullptr;
     parse_string(text, ',', &count, &fields);
     for (int i = first; i < count; ++i) {
-        if (*fields[i] != '\0' && !take(fields[i]))
+        if (*fields[i] != '\0' && !take(fields[i])) {
             MESS_print(mess_warn, "gopen_ws: invalid option: %s\n", fields[i]);
+        }
     }
     free_parsed_array(count, fields);
 }
@@ -343,8 +344,9 @@ std::string creation_date() {
 }
 
 void put_line(std::FILE* file, std::size_t most, const char* format, std::va_list args) {
-    if (file == nullptr)
+    if (file == nullptr) {
         return;
+    }
     std::array<char, 512> text{};
     std::vsnprintf(text.data(), std::min(most + 1, text.size()), format, args);
     std::replace_if(

@@ -23,8 +23,9 @@ float text_float(const char* text) {
 bool take_int(const char** text, int* value) {
     char* end = nullptr;
     const long n = std::strtol(*text, &end, 10);
-    if (end == *text)
+    if (end == *text) {
         return false;
+    }
     *value = static_cast<int>(std::clamp<long>(n, INT_MIN, INT_MAX));
     *text = end;
     return true;
@@ -33,8 +34,9 @@ bool take_int(const char** text, int* value) {
 bool take_float(const char** text, float* value) {
     char* end = nullptr;
     const float f = std::strtof(*text, &end);
-    if (end == *text || !std::isfinite(f))
+    if (end == *text || !std::isfinite(f)) {
         return false;
+    }
     *value = f;
     *text = end;
     return true;
@@ -42,8 +44,9 @@ bool take_float(const char** text, float* value) {
 
 bool take_char(const char** text, char c) {
     if (**text == '\0' || std::tolower(static_cast<unsigned char>(**text)) !=
-                              std::tolower(static_cast<unsigned char>(c)))
+                              std::tolower(static_cast<unsigned char>(c))) {
         return false;
+    }
     ++*text;
     return true;
 }
@@ -54,16 +57,18 @@ bool take_digits(const char** text, int width, int base, int* value) {
     for (; count < width; ++count) {
         const auto c = static_cast<unsigned char>((*text)[count]);
         int digit = 0;
-        if (std::isdigit(c))
+        if (std::isdigit(c)) {
             digit = c - '0';
-        else if (base == 16 && std::isxdigit(c))
+        } else if (base == 16 && std::isxdigit(c)) {
             digit = std::tolower(c) - 'a' + 10;
-        else
+        } else {
             break;
+        }
         n = n * base + digit;
     }
-    if (count == 0)
+    if (count == 0) {
         return false;
+    }
     *value = n;
     *text += count;
     return true;
@@ -71,7 +76,8 @@ bool take_digits(const char** text, int width, int base, int* value) {
 
 int trunc_int(float value) {
     constexpr float limit = 2.0e9F;
-    if (std::isnan(value))
+    if (std::isnan(value)) {
         return 0;
+    }
     return static_cast<int>(std::clamp(value, -limit, limit));
 }

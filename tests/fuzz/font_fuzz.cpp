@@ -15,12 +15,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     const int status = gparse_font(text, &font);
     for (int place : font.index) {
-        if (place >= 0 && status != 0)
+        if (place >= 0 && status != 0) {
             std::abort(); // a refused font has no glyphs
+        }
         Gstroke stroke{};
         while (gnext_stroke(font, &place, &stroke)) {
-            if (stroke.x < 0 || stroke.x > 127)
+            if (stroke.x < 0 || stroke.x > 127) {
                 std::abort();
+            }
         }
     }
     return 0;

@@ -22,8 +22,9 @@ std::string page() {
     ginq_norm_tran(n, &err, &tran);
     std::string text = std::to_string(n);
     for (const Glim& lim : {tran.win, tran.vp}) {
-        for (const float value : {lim.x_min, lim.x_max, lim.y_min, lim.y_max})
+        for (const float value : {lim.x_min, lim.x_max, lim.y_min, lim.y_max}) {
             text += " " + std::to_string(value);
+        }
     }
     return text;
 }
@@ -45,11 +46,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const int fd = open_output();
-    if (ftruncate(fd, 0) != 0 || pwrite(fd, data, size, 0) != static_cast<ssize_t>(size))
+    if (ftruncate(fd, 0) != 0 || pwrite(fd, data, size, 0) != static_cast<ssize_t>(size)) {
         return -1;
+    }
     const std::string before = page();
     goverlay_metafile(("/proc/self/fd/" + std::to_string(fd)).c_str());
-    if (page() != before)
+    if (page() != before) {
         std::abort();
+    }
     return 0;
 }

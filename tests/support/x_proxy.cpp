@@ -31,8 +31,9 @@ int listen_as_display(int* listener) {
         address.sin_port = htons(static_cast<std::uint16_t>(first_port + number));
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
         if (bind(*listener, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
-            listen(*listener, 1) == 0)
+            listen(*listener, 1) == 0) {
             return number;
+        }
         close(*listener);
     }
     return -1;
@@ -55,8 +56,9 @@ public:
     void take(const char* data, std::size_t size) {
         bytes_.insert(bytes_.end(), data, data + size);
         std::size_t at = 0;
-        for (std::size_t length = unit(at); length != 0; length = unit(at))
+        for (std::size_t length = unit(at); length != 0; length = unit(at)) {
             at += length;
+        }
         bytes_.erase(bytes_.begin(), bytes_.begin() + static_cast<std::ptrdiff_t>(at));
     }
 
@@ -73,15 +75,18 @@ private:
         constexpr char reply = 1;
         const std::size_t left = bytes_.size() - at;
         std::size_t length = greeted_ ? event : greeting_head;
-        if (left < length)
+        if (left < length) {
             return 0;
+        }
         const bool is_reply = greeted_ && bytes_[at] == reply;
-        if (!greeted_)
+        if (!greeted_) {
             length += std::size_t{4} * number<std::uint16_t>(at + 6);
-        else if (is_reply)
+        } else if (is_reply) {
             length += std::size_t{4} * number<std::uint32_t>(at + 4);
-        if (left < length)
+        }
+        if (left < length) {
             return 0;
+        }
         greeted_ = true;
         *replies_ += is_reply ? 1 : 0;
         return length;
@@ -99,16 +104,20 @@ void pass_on(int program, int server, int* replies) {
     std::array<char, 65536> buffer{};
     while (poll(ends.data(), ends.size(), -1) > 0) {
         for (std::size_t i = 0; i < ends.size(); ++i) {
-            if (ends[i].revents == 0)
+            if (ends[i].revents == 0) {
                 continue;
+            }
             const ssize_t size = read(ends[i].fd, buffer.data(), buffer.size());
-            if (size <= 0)
+            if (size <= 0) {
                 return;
+            }
             const auto count = static_cast<std::size_t>(size);
-            if (i == 1)
+            if (i == 1) {
                 counter.take(buffer.data(), count);
-            if (send(ends[1 - i].fd, buffer.data(), count, MSG_NOSIGNAL) != size)
+            }
+            if (send(ends[1 - i].fd, buffer.data(), count, MSG_NOSIGNAL) != size) {
                 return;
+            }
         }
     }
 }
@@ -127,8 +136,9 @@ XProxy::XProxy(const XServer& server) {
         prctl(PR_SET_PDEATHSIG, SIGKILL);
         const int up = connect_to(server.name());
         const int program = accept(listener, nullptr, nullptr);
-        if (up >= 0 && program >= 0)
+        if (up >= 0 && program >= 0) {
             pass_on(program, up, replies_);
+        }
         _exit(0);
     }
     close(listener);

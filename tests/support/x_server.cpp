@@ -42,9 +42,11 @@ int pass_over(Display*, XErrorEvent*) {
 std::string activity(int pid) {
     std::ifstream status("/proc/" + std::to_string(pid) + "/status");
     std::string all;
-    for (std::string line; std::getline(status, line);)
-        if (line.starts_with("State:") || line.find("ctxt_switches") != std::string::npos)
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with("State:") || line.find("ctxt_switches") != std::string::npos) {
             all += line + ";";
+        }
+    }
     return all;
 }
 
@@ -59,15 +61,18 @@ Picture read_drawable(Display* display, Drawable drawable, int width, int height
     const std::unique_ptr<XImage, FreeImage> image(
         XGetImage(display, drawable, 0, 0, static_cast<unsigned>(width),
                   static_cast<unsigned>(height), AllPlanes, ZPixmap));
-    if (image == nullptr)
+    if (image == nullptr) {
         return {};
+    }
     const Visual* visual = DefaultVisual(display, DefaultScreen(display));
     std::array<XColor, 256> cells{}; // of the colour map, if the pixels are numbers of such
     const bool mapped = image->depth <= 8;
-    for (std::size_t i = 0; i < cells.size(); ++i)
+    for (std::size_t i = 0; i < cells.size(); ++i) {
         cells[i].pixel = i;
-    if (mapped)
+    }
+    if (mapped) {
         XQueryColors(display, map, cells.data(), static_cast<int>(cells.size()));
+    }
     Picture picture = {width, height, {}};
     picture.rgb.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
     for (int y = 0; y < height; ++y) {
@@ -95,8 +100,9 @@ std::string text_of(int (*fetch)(Display*, Window, char**), Display* display, Wi
 bool is_plot(Display* display, Window window) {
     XClassHint hint{};
     XWindowAttributes attributes{};
-    if (XGetClassHint(display, window, &hint) == 0)
+    if (XGetClassHint(display, window, &hint) == 0) {
         return false;
+    }
     const std::unique_ptr<char, FreeX> name(hint.res_name);
     const std::unique_ptr<char, FreeX> kind(hint.res_class);
     return std::strcmp(kind.get(), "Zyr") == 0 &&
@@ -109,8 +115,9 @@ bool is_plot(Display* display, Window window) {
 bool wait_until(const std::function<bool()>& done, double seconds) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
     while (!done()) {
-        if (std::chrono::steady_clock::now() > end)
+        if (std::chrono::steady_clock::now() > end) {
             return done();
+        }
         usleep(4000);
     }
     return true;
@@ -123,8 +130,9 @@ XServer::XServer(int depth, int width, int height, int visual_class) {
     const std::string size =
         std::to_string(width) + "x" + std::to_string(height) + "x" + std::to_string(depth);
     std::array<int, 2> ends{};
-    if (pipe(ends.data()) != 0)
+    if (pipe(ends.data()) != 0) {
         return;
+    }
     pid_ = fork();
     if (pid_ == 0) {
         prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -140,8 +148,9 @@ XServer::XServer(int depth, int width, int height, int visual_class) {
     close(ends[1]);
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> ready(fdopen(ends[0], "r"), &std::fclose);
     std::array<char, 16> number{}; // of the display, when it is ready
-    if (std::fgets(number.data(), static_cast<int>(number.size()), ready.get()) != nullptr)
+    if (std::fgets(number.data(), static_cast<int>(number.size()), ready.get()) != nullptr) {
         name_ = ":" + std::to_string(std::strtol(number.data(), nullptr, 10));
+    }
 }
 
 XServer::~XServer() {
@@ -168,11 +177,13 @@ std::ostream& operator<<(std::ostream& out, const Picture& picture) {
 }
 
 int pixels_that_differ(const Picture& a, const Picture& b) {
-    if (a.width != b.width || a.height != b.height)
+    if (a.width != b.width || a.height != b.height) {
         return std::max(a.width * a.height, b.width * b.height);
+    }
     int count = 0;
-    for (std::size_t i = 0; i < a.rgb.size(); ++i)
+    for (std::size_t i = 0; i < a.rgb.size(); ++i) {
         count += a.rgb[i] != b.rgb[i] ? 1 : 0;
+    }
     return count;
 }
 
@@ -191,8 +202,9 @@ Window XUser::find_window() const {
         unsigned count = 0;
         XQueryTree(display(), DefaultRootWindow(display()), &root, &parent, &children, &count);
         const std::unique_ptr<Window, FreeX> owner(children);
-        for (unsigned i = 0; i < count && found == 0; ++i)
+        for (unsigned i = 0; i < count && found == 0; ++i) {
             found = is_plot(display(), children[i]) ? children[i] : 0;
+        }
         return found != 0;
     });
     return found;
@@ -201,13 +213,15 @@ Window XUser::find_window() const {
 bool XUser::settle(int pid) const {
     return wait_until([&] {
         const std::string before = activity(pid);
-        if (before.find("State:\tS") == std::string::npos)
+        if (before.find("State:\tS") == std::string::npos) {
             return before.empty() || before.find("State:\tZ") != std::string::npos;
+        }
         for (int i = 0; i < 6; ++i) {
             XSync(display(), False);
             usleep(5000);
-            if (activity(pid) != before)
+            if (activity(pid) != before) {
                 return false;
+            }
         }
         return true;
     });
@@ -216,8 +230,9 @@ bool XUser::settle(int pid) const {
 Picture XUser::look(Window window) const {
     XWindowAttributes attributes{};
     XSync(display(), False);
-    if (XGetWindowAttributes(display(), window, &attributes) == 0)
+    if (XGetWindowAttributes(display(), window, &attributes) == 0) {
         return {};
+    }
     return read_drawable(display(), window, attributes.width, attributes.height,
                          attributes.colormap);
 }
@@ -234,8 +249,9 @@ std::map<std::string, int> XUser::resources(Window window) const {
     int count = 0;
     XResType* types = nullptr;
     std::map<std::string, int> all;
-    if (XResQueryClientResources(display(), window, &count, &types) == 0)
+    if (XResQueryClientResources(display(), window, &count, &types) == 0) {
         return all;
+    }
     const std::unique_ptr<XResType, FreeX> owner(types);
     for (int i = 0; i < count; ++i) {
         const std::unique_ptr<char, FreeX> name(XGetAtomName(display(), types[i].resource_type));
@@ -257,9 +273,11 @@ void XUser::hold(unsigned modifiers, bool down) const {
     constexpr std::array<Key, 3> keys = {
         {{alt, XK_Alt_L}, {shift, XK_Shift_L}, {control, XK_Control_L}}
     };
-    for (const Key& key : keys)
-        if ((modifiers & key.modifier) != 0)
+    for (const Key& key : keys) {
+        if ((modifiers & key.modifier) != 0) {
             XTestFakeKeyEvent(display(), XKeysymToKeycode(display(), key.sym), down ? 1 : 0, 0);
+        }
+    }
     XSync(display(), False);
 }
 
@@ -382,8 +400,9 @@ std::vector<int> LoopWindow::serve(const std::function<void()>& busy) {
     XEvent event{};
     while (XCheckTypedWindowEvent(display, window_, ClientMessage, &event) != 0) {
         const XClientMessageEvent& message = event.xclient;
-        if (message.message_type != request_type || message.format != 8)
+        if (message.message_type != request_type || message.format != 8) {
             continue;
+        }
         codes.push_back(message.data.b[0]);
         if (codes.back() == 2) {
             XStoreName(display, window_, (std::string(loop_title) + " +").c_str());
