@@ -10,6 +10,7 @@
 #include "nids_plt.h"
 #include "nowrad.h"
 #include "rad_check.h"
+#include "rad_info.h"
 #include "rad_input.h"
 #include "rad_list.h"
 #include "region.h"
@@ -89,6 +90,18 @@ constexpr Plotter plotters[] = {
     {input_kavrad, 0, "Enter the KAVRAD filename: ",  run_kavrad},
 };
 
+// The exit code of "--info [--json] FILE...".
+int print_info(int count, char** words) {
+    const auto is_json = [](const char* word) { return std::strcmp(word, "--json") == 0; };
+    char** const files = std::stable_partition(words, words + count, is_json);
+    const int num = static_cast<int>(words + count - files);
+    if (num == 0) {
+        MESS_print(mess_error, "zyrrad: --info needs the names of files\n");
+        return exit_no_file;
+    }
+    return RAD_print_files(num, files, files != words) == 0 ? 0 : exit_no_file;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -96,9 +109,13 @@ int main(int argc, char** argv) {
         MESS_print(mess_print, "zyrrad %s\n", ZYR_version());
         ZYR_exit(0);
     }
+    // What follows "--info" are files; settings come before it.
+    char** const info = std::find_if(
+        argv, argv + argc, [](const char* word) { return std::strcmp(word, "--info") == 0; });
+    const int num_args = static_cast<int>(info - argv);
     RES_set_actions({.hour = FILE_set_time, .domain = DOM_decode});
     MESS_set_log_tools({.open = FILE_open, .close = FILE_close, .stamp = DATE_get_current_str});
-    RES_init(argc, argv, res_key.data(), res_pos.data());
+    RES_init(num_args, argv, res_key.data(), res_pos.data());
     if (FLAG_help() != 0) {
         std::array<char, file_name_size> name{};
         RES_get_progname(name.data());
@@ -106,7 +123,7 @@ int main(int argc, char** argv) {
         RES_help_print(name.data(), res_key.data(), res_pos.data());
         MESS_print(
             mess_print,
-            "Types of input: nids, lev2, lev2z, nowrad, kavrad, rrwds, rcmsite, mdr, rcm\n"
+            "Types of input: auto, nids, lev2, lev2z, nowrad, kavrad, rrwds, rcmsite, mdr, rcm\n"
             "More: zyrrad --list products|regions|colours|fonts|stations|projections|variables|"
             "options; man zyrrad\n");
         ZYR_exit(0);
@@ -114,7 +131,13 @@ int main(int argc, char** argv) {
     if (const char* kind = RES_get("--list")) {
         ZYR_exit(RAD_list(kind) == 0 ? 0 : exit_no_file);
     }
+    if (num_args < argc) {
+        ZYR_exit(print_info(argc - num_args - 1, info + 1));
+    }
     RAD_check_settings();
+    if (RAD_find_input() != 0) {
+        ZYR_exit(exit_no_file);
+    }
     RAD_cvt_in_file();
     MESS_print_prog("RADAR DATA PLOTTING");
     if (argc == 1 && isatty(STDIN_FILENO) != 0) {

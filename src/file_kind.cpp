@@ -22,6 +22,7 @@ struct Mark {
 
 // The first that fits counts.
 constexpr Mark marks[] = {
+    {0,   "\x00\xF0\x09"sv,     {"a NOWrad mosaic", "nowrad"}            },
     {28,  "BZh"sv,              {"a Level II volume", "lev2z"}           },
     {0,   "AR2V"sv,             {"a Level II volume", "lev2"}            },
     {0,   "ARCHIVE2"sv,         {"a Level II volume", "lev2"}            },
@@ -87,6 +88,33 @@ bool is_text(std::string_view text) {
     });
 }
 
+// The record of a KAVRAD mosaic: a date of columns with digits or blanks, and a
+// resolution. It has no mark.
+bool is_kavrad(std::string_view text) {
+    constexpr std::size_t record = 1996;
+    if (text.size() < record + 52) {
+        return false;
+    }
+    const std::string_view date = text.substr(record + 16, 12);
+    const bool digits = std::all_of(
+        date.begin(), date.end(), [](unsigned char c) { return c == ' ' || std::isdigit(c) != 0; });
+    return digits && std::any_of(date.begin(), date.end(),
+                                 [](unsigned char c) { return std::isdigit(c) != 0; });
+}
+
+// The header of an RRWDS image: three letters, times in tens and ones.
+bool is_rrwds(std::span<const std::uint8_t> head) {
+    const auto two_digits = [](std::uint8_t b, int most) {
+        const int value = (b >> 4) * 10 + (b & 15);
+        return (b & 15) < 10 && value >= 1 && value <= most;
+    };
+    return head.size() >= 12 + 80 &&
+           std::all_of(head.begin(), head.begin() + 3,
+                       [](std::uint8_t c) { return std::isupper(c) != 0; }) &&
+           two_digits(head[10], 31) && two_digits(head[11], 12) && (head[9] & 15) < 10 &&
+           (head[6] & 15) < 10;
+}
+
 // Code 2: the general status of a radar, in the form of a product.
 bool is_status(std::span<const std::uint8_t> head) {
     return head.size() > 20 && head[0] == 0 && head[1] == 2 && head[18] == 0xFF && head[19] == 0xFF;
@@ -113,7 +141,12 @@ FileKind file_kind(std::span<const std::uint8_t> head) {
     if (const FileKind kind = markup(text); kind.name != nullptr) {
         return kind;
     }
-    return is_text(text) ? FileKind{"a text file", nullptr} : FileKind{nullptr, nullptr};
+    if (is_text(text)) {
+        return {"a text file", nullptr};
+    }
+    return is_rrwds(head)    ? FileKind{"an RRWDS image", "rrwds"}
+           : is_kavrad(text) ? FileKind{"a KAVRAD mosaic", "kavrad"}
+                             : FileKind{nullptr, nullptr};
 }
 
 void tell_file_kind(const char* routine, std::span<const std::uint8_t> head) {

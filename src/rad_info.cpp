@@ -1,0 +1,470 @@
+// rad_info: looks into radar files without plotting them: the lines of --info,
+// and the kind of a file for "-inp auto". No state; the readers keep theirs.
+#include "rad_info.h"
+
+#include "data_file.h"
+#include "file_kind.h"
+#include "files.h"
+#include "kavrad.h"
+#include "lev2.h"
+#include "nids.h"
+#include "nids_impl.h"
+#include "nids_tables.h"
+#include "nowrad.h"
+#include "rrwds.h"
+#include "zyrcty.h"
+#include "zyrresrc.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+constexpr float site_deg = 0.05F; // a radar within so many degrees is the one of the table
+constexpr const char* auto_word = "auto";
+constexpr std::array<const char*, lev2_moments> moment_names = {"reflectivity", "velocity",
+                                                                "spectrum width"};
+
+struct Range {
+    float low = missing_f, high = missing_f;
+    void widen(float value) {
+        low = is_set(low) ? std::min(low, value) : value;
+        high = is_set(high) ? std::max(high, value) : value;
+    }
+};
+
+struct Cut {
+    LEV2_cut walked;
+    std::array<Range, lev2_moments> values;
+};
+
+struct Report {
+    std::string file;
+    std::string input; // word of `input`; empty: not known
+    std::string kind;  // in words
+    std::string product;
+    int code = missing; // of a product
+    std::string site;
+    Date date;
+    float lat = missing_f, lon = missing_f;
+    int vcp = missing;
+    float elev = missing_f;
+    Range values; // of a product
+    std::vector<Cut> cuts;
+};
+
+// --- Reading ------------------------------------------------------------------
+
+using Sites = std::vector<CTY_data>;
+
+Sites read_sites() {
+    Sites sites;
+    const int city_fd = CTY_open_file("rad.cty", nullptr);
+    CTY_data city;
+    for (int fields = CTY_read(city_fd, &city); fields >= 0; fields = CTY_read(city_fd, &city)) {
+        if (fields >= cty_fields) {
+            sites.push_back(city);
+        }
+    }
+    CTY_close(city_fd);
+    return sites;
+}
+
+// The radar at a place, by the longest of its identifiers.
+std::string site_at(const Sites& sites, float lat, float lon) {
+    std::string found;
+    for (const CTY_data& city : sites) {
+        const bool here =
+            std::fabs(city.lat - lat) < site_deg && std::fabs(city.lon - lon) < site_deg;
+        if (here && std::strlen(city.id) > found.size()) {
+            found = city.id;
+        }
+    }
+    return found;
+}
+
+void read_nids(std::FILE* file, const Sites& sites, Report* report) {
+    NIDS_info info;
+    if (NIDS_get_header(file, &info) == 0) {
+        return;
+    }
+    const NidsParams& params = nids_product(info.code).params;
+    const bool mosaic = info.src > nids_max_site;
+    report->product = info.info;
+    report->code = info.code;
+    report->date = info.date;
+    // A product that is no map has its radar's place in the description alone.
+    const NidsProdDesc& desc = nids_header().pr_desc;
+    report->lat = static_cast<float>(desc.lat) / 1000.0F;
+    report->lon = static_cast<float>(desc.lon) / 1000.0F;
+    report->site = mosaic ? "" : site_at(sites, report->lat, report->lon);
+    report->vcp = desc.vol_cov_pat;
+    if (params.elev != NidsElev::none) {
+        report->elev = info.elev;
+    }
+    if (params.show != NidsExtremes::none && !mosaic && nids_product(info.code).label != nullptr) {
+        report->values.high = info.max;
+        report->values.low = params.show == NidsExtremes::min_max ? info.nmax : missing_f;
+    }
+}
+
+// The moments of the radial at hand.
+void read_moments(Cut* cut) {
+    for (int type = 0; type < lev2_moments; ++type) {
+        if (LEV2_set_data_type(type) == 0) {
+            continue;
+        }
+        const LEV2_gates& gates = LEV2_get_gates();
+        unsigned least = ~0U;
+        unsigned most = 0;
+        for (int i = 0; i < gates.count; ++i) {
+            const unsigned word = gates.word(i);
+            if (word > 1) { // below the threshold, range folded
+                least = std::min(least, word);
+                most = std::max(most, word);
+            }
+        }
+        if (most > 0) {
+            cut->values[static_cast<std::size_t>(type)].widen(gates.value(least));
+            cut->values[static_cast<std::size_t>(type)].widen(gates.value(most));
+        }
+    }
+}
+
+void read_lev2(const std::string& name, bool packed, Report* report) {
+    LEV2_set_compress(packed ? 1 : 0);
+    if (lev2_open_volume(name.c_str()) == 0) {
+        return;
+    }
+    LEV2_info info;
+    LEV2_get_header(&info);
+    report->site = info.id;
+    report->date = info.date;
+    report->lat = info.lat;
+    report->lon = info.lon;
+    LEV2_data data;
+    while (LEV2_get_block(&data) != 0) {
+        if (data.type == lev2_radial_fixed || data.type == lev2_radial_generic) {
+            report->vcp = data.cov_patt;
+            auto cut = std::find_if(report->cuts.begin(), report->cuts.end(), [&](const Cut& row) {
+                return row.walked.num == data.elev_num;
+            });
+            if (cut == report->cuts.end() && report->cuts.size() < lev2_max_cuts) {
+                cut = report->cuts.insert(cut, Cut{});
+                cut->walked.num = data.elev_num;
+            }
+            if (cut != report->cuts.end()) {
+                read_moments(&*cut);
+            }
+        }
+        LEV2_next_block();
+    }
+    for (const LEV2_cut& walked : LEV2_get_cuts()) {
+        for (Cut& cut : report->cuts) {
+            if (cut.walked.num == walked.num) {
+                cut.walked = walked;
+            }
+        }
+    }
+    LEV2_close_file();
+}
+
+void take_domain(const Domain& domain, Report* report) {
+    report->lat = domain.clat;
+    report->lon = domain.clon;
+}
+
+void read_nowrad(std::FILE* file, Report* report) {
+    NOWRad_info info;
+    NOWRad_header(file, &info);
+    report->product = info.label;
+    report->date = info.date;
+    take_domain(info.domain, report);
+    int line = 0;
+    NOWRad_packet packet;
+    while (NOWRad_line(file, &line) != 0) {
+        while (NOWRad_get_packet(file, &packet) != 0) {
+            if (packet.value > 0.0F) {
+                report->values.widen(packet.value);
+            }
+        }
+    }
+}
+
+void read_kavrad(std::FILE* file, Report* report) {
+    KAVRAD_info info;
+    KAVRAD_header(file, &info);
+    report->product = info.label;
+    report->date = info.date;
+    take_domain(info.domain, report);
+    KAVRAD_packet packet;
+    while (KAVRAD_get_packet(file, &packet) != 0) {
+        if (packet.run != 0 && packet.value > 0.0F) {
+            report->values.widen(packet.value);
+        }
+    }
+}
+
+void read_rrwds(std::FILE* file, Report* report) {
+    NIDS_info info;
+    RRWDS_get_header(file, &info);
+    report->product = info.info;
+    report->date = info.date;
+    report->elev = info.elev;
+    const std::string label = info.info;
+    report->site = label.substr(label.find_last_of(' ') + 1);
+    take_domain(info.domain, report);
+}
+
+Report look_into(const char* name, const Sites& sites) {
+    Report report;
+    report.file = name;
+    const FILE_ptr file(FILE_open_data(name));
+    if (!file) {
+        MESS_print(mess_error, "RAD_print_files: Unable to open file:%s\n", name);
+        report.kind = "no file";
+        return report;
+    }
+    std::array<std::uint8_t, 4096> area{};
+    const FileKind kind = file_kind(FILE_head(file.get(), area));
+    report.kind = kind.name != nullptr ? kind.name : "of no kind that is known";
+    report.input = kind.input != nullptr ? kind.input : "";
+    if (report.input == "nids") {
+        read_nids(file.get(), sites, &report);
+    } else if (report.input == "lev2" || report.input == "lev2z") {
+        read_lev2(name, report.input == "lev2z", &report);
+    } else if (report.input == "nowrad") {
+        read_nowrad(file.get(), &report);
+    } else if (report.input == "kavrad") {
+        read_kavrad(file.get(), &report);
+    } else if (report.input == "rrwds") {
+        read_rrwds(file.get(), &report);
+    }
+    return report;
+}
+
+// --- Writing ------------------------------------------------------------------
+
+// "2013-05-20T20:16:34Z", as far as it is known; empty without a year.
+std::string iso_time(const Date& date) {
+    std::array<char, 80> text{};
+    if (!is_set(date.year) || !is_set(date.month) || !is_set(date.day)) {
+        return "";
+    }
+    if (!is_set(date.hour)) {
+        std::snprintf(text.data(), text.size(), "%04d-%02d-%02d", date.year, date.month, date.day);
+    } else {
+        std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02dZ", date.year,
+                      date.month, date.day, date.hour, is_set(date.min) ? date.min : 0,
+                      is_set(date.sec) ? date.sec : 0);
+    }
+    return text.data();
+}
+
+std::string number(float value, int decimals) {
+    std::array<char, 60> text{};
+    std::snprintf(text.data(), text.size(), "%.*f", decimals, static_cast<double>(value));
+    return text.data();
+}
+
+bool is_known(float value) {
+    return is_set(value) && std::isfinite(value);
+}
+
+// A JSON string: control characters and bytes beyond ASCII that are no part of a
+// well-formed UTF-8 text would not be read again.
+std::string quoted(std::string_view text) {
+    std::string out = "\"";
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (c == '"' || c == '\\') {
+            out += '\\';
+            out += c;
+        } else if (byte < 0x20 || byte >= 0x7F) {
+            std::array<char, 8> escape{};
+            std::snprintf(escape.data(), escape.size(), "\\u%04x", byte);
+            out += escape.data();
+        } else {
+            out += c;
+        }
+    }
+    return out + "\"";
+}
+
+class Object {
+public:
+    void text(const char* key, std::string_view value) {
+        if (!value.empty()) {
+            raw(key, quoted(value));
+        }
+    }
+    void count(const char* key, int value) {
+        if (is_set(value)) {
+            raw(key, std::to_string(value));
+        }
+    }
+    void real(const char* key, float value, int decimals) {
+        if (is_known(value)) {
+            raw(key, number(value, decimals));
+        }
+    }
+    void raw(const char* key, const std::string& value) {
+        body_ += (body_.empty() ? "" : ", ") + quoted(key) + ": " + value;
+    }
+    [[nodiscard]] std::string str() const { return "{" + body_ + "}"; }
+
+private:
+    std::string body_;
+};
+
+std::string list_of(const std::vector<std::string>& items) {
+    std::string out = "[";
+    for (const std::string& item : items) {
+        out += (out.size() > 1 ? ", " : "") + item;
+    }
+    return out + "]";
+}
+
+std::string json_of(const Report& report) {
+    Object object;
+    object.text("file", report.file);
+    object.text("kind", report.kind);
+    object.text("input", report.input);
+    object.text("product", report.product);
+    object.count("code", report.code);
+    object.text("site", report.site);
+    object.text("time", iso_time(report.date));
+    object.real("lat", report.lat, 4);
+    object.real("lon", report.lon, 4);
+    object.count("vcp", report.vcp);
+    object.real("elevation", report.elev, 2);
+    object.real("min", report.values.low, 2);
+    object.real("max", report.values.high, 2);
+    std::vector<std::string> cuts;
+    for (const Cut& cut : report.cuts) {
+        Object row;
+        row.count("scan", cut.walked.num);
+        row.real("elevation", cut.walked.angle, 2);
+        row.count("radials", cut.walked.radials);
+        std::vector<std::string> moments;
+        for (std::size_t i = 0; i < moment_names.size(); ++i) {
+            if (cut.walked.moments[i] > 0) {
+                Object moment;
+                moment.text("name", moment_names[i]);
+                moment.real("min", cut.values[i].low, 2);
+                moment.real("max", cut.values[i].high, 2);
+                moments.push_back(moment.str());
+            }
+        }
+        row.raw("moments", list_of(moments));
+        cuts.push_back(row.str());
+    }
+    if (!cuts.empty()) {
+        object.raw("cuts", list_of(cuts));
+    }
+    return object.str();
+}
+
+// "0.5 reflectivity -20.0 to 63.5, velocity ...".
+std::string cut_text(const Cut& cut) {
+    std::string text =
+        "scan " + std::to_string(cut.walked.num) + " " + number(cut.walked.angle, 1) + " deg";
+    for (std::size_t i = 0; i < moment_names.size(); ++i) {
+        if (cut.walked.moments[i] > 0) {
+            text += std::string(", ") + moment_names[i];
+            if (is_known(cut.values[i].low)) {
+                text += " " + number(cut.values[i].low, 1) + " to " + number(cut.values[i].high, 1);
+            }
+        }
+    }
+    return text;
+}
+
+// Time first, so that lines of several runs sort too.
+std::string line_of(const Report& report) {
+    const std::string time = iso_time(report.date);
+    std::string line = time.empty() ? "-                   " : time;
+    line += "  " + (report.site.empty() ? std::string("-   ") : report.site);
+    line += "  " + report.file + ": ";
+    line += report.product.empty() ? report.kind : report.product;
+    if (is_set(report.code)) {
+        line += " [" + std::to_string(report.code) + "]";
+    }
+    if (is_known(report.lat)) {
+        line += "; " + number(report.lat, 2) + " " + number(report.lon, 2);
+    }
+    if (is_set(report.vcp)) {
+        line += "; VCP " + std::to_string(report.vcp);
+    }
+    if (is_known(report.elev)) {
+        line += "; " + number(report.elev, 1) + " deg";
+    }
+    if (is_known(report.values.high)) {
+        line += is_known(report.values.low) ? "; " + number(report.values.low, 1) + " to "
+                                            : std::string("; up to ");
+        line += number(report.values.high, 1);
+    }
+    for (const Cut& cut : report.cuts) {
+        line += "; " + cut_text(cut);
+    }
+    return line;
+}
+
+} // namespace
+
+int RAD_print_files(int count, const char* const* files, bool json) {
+    if (MESS_check_set() == 0) {
+        MESS_set(0, mess_print | mess_error | mess_warn); // the progress of searches is no answer
+    }
+    const Sites sites = read_sites();
+    std::vector<Report> reports;
+    int known = 0;
+    for (int i = 0; i < count; ++i) {
+        reports.push_back(look_into(files[i], sites));
+        known += reports.back().input.empty() ? 0 : 1;
+    }
+    std::stable_sort(reports.begin(), reports.end(), [](const Report& a, const Report& b) {
+        return iso_time(a.date) < iso_time(b.date);
+    });
+    for (const Report& report : reports) {
+        MESS_print(mess_print, "%s\n", (json ? json_of(report) : line_of(report)).c_str());
+    }
+    return known > 0 ? 0 : -1;
+}
+
+int RAD_find_input() {
+    const char* input = RES_get("input");
+    if (input == nullptr || stricmp(input, auto_word) != 0) {
+        return 0;
+    }
+    int count = 0;
+    char** files = nullptr;
+    RES_getvals("filename", &count, &files);
+    const std::string name = count > 0 ? files[0] : "";
+    free_parsed_array(count, files);
+    if (name.empty() || FILE_is_stdio(name.c_str()) != 0) {
+        MESS_print(mess_error, "zyrrad: -inp auto needs the name of a file\n");
+        return -1;
+    }
+    const FILE_ptr file(FILE_open_data(name.c_str()));
+    if (!file) {
+        MESS_print(mess_error, "zyrrad: Unable to open file: %s\n", name.c_str());
+        return -1;
+    }
+    std::array<std::uint8_t, 4096> area{};
+    const std::span<const std::uint8_t> head = FILE_head(file.get(), area);
+    const FileKind kind = file_kind(head);
+    if (kind.input == nullptr) {
+        MESS_print(mess_error, "zyrrad: No radar file: %s\n", name.c_str());
+        tell_file_kind("zyrrad", head);
+        return -1;
+    }
+    RES_put("input", kind.input);
+    return 0;
+}
