@@ -47,7 +47,7 @@ int KAVRAD_open_file(const char* filename) {
         return 0;
     }
     KAVRAD_header(state.ifile, &state.info);
-    rad_mosaic_take(state.plot, state.info.date, state.info.label, state.info.domain);
+    rad_mosaic_take(state.plot, filename, state.info.date, state.info.label, state.info.domain);
     return 1;
 }
 
@@ -81,14 +81,11 @@ void KAVRAD_callback(int, const char* str, float x, float y) {
 }
 
 int KAVRAD_plot_summary() {
-    if (!rad_mosaic_begin(state.plot, state.info.label)) {
+    if (!rad_mosaic_begin(state.plot, state.info.label, state.info.domain)) {
         return -1;
     }
     PLT_set_callback(KAVRAD_callback);
     PLT_mess("KAVRAD Sum");
-    if (!is_set(state.info.domain.proj)) {
-        return 0; // a header that ended before it said where the image lies
-    }
     RadMosaic mosaic(state.info.domain, MAP_current(), state.plot.run_len,
                      RadMosaic::Corners::from_bottom, 1);
     const int nx = state.info.domain.nx;

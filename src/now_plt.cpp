@@ -54,7 +54,7 @@ int NOWRad_open_file(const char* filename) {
         NOWRad_close_file();
         return 0;
     }
-    rad_mosaic_take(state.plot, state.info.date, state.info.label, state.info.domain);
+    rad_mosaic_take(state.plot, filename, state.info.date, state.info.label, state.info.domain);
     return 1;
 }
 
@@ -88,14 +88,11 @@ void NOWRad_callback(int, const char* str, float x, float y) {
 }
 
 int NOWRad_plot_summary() {
-    if (!rad_mosaic_begin(state.plot, state.info.label)) {
+    if (!rad_mosaic_begin(state.plot, state.info.label, state.info.domain)) {
         return -1;
     }
     PLT_set_callback(NOWRad_callback);
     PLT_mess("NOWRad Sum");
-    if (!is_set(state.info.domain.proj)) {
-        return 0; // a header that ended before it said where the image lies
-    }
     RadMosaic mosaic(state.info.domain, MAP_current(), state.plot.run_len,
                      RadMosaic::Corners::from_top, 0);
     int number = 0;

@@ -5,6 +5,7 @@
 #include "cont.h"
 #include "files.h"
 #include "map.h"
+#include "maptran.h"
 #include "plt_tool.h"
 #include "region.h"
 
@@ -31,8 +32,9 @@ void rad_mosaic_word(RadMosaicPlot& plot, const char* word) {
     }
 }
 
-void rad_mosaic_take(RadMosaicPlot& plot, const Date& date, const char* label,
+void rad_mosaic_take(RadMosaicPlot& plot, const char* name, const Date& date, const char* label,
                      const Domain& domain) {
+    copy_text(plot.name, sizeof plot.name, name);
     DATE_make_label(&date, plot.datim);
     FILE_get_date(&plot.run.file_date);
     MESS_print(mess_mess, "Product domain: ");
@@ -56,7 +58,7 @@ int rad_mosaic_frame(const RadMosaicPlot& plot, const Date& date, int (*summary)
     return 0;
 }
 
-bool rad_mosaic_begin(const RadMosaicPlot& plot, const char* label) {
+bool rad_mosaic_begin(RadMosaicPlot& plot, const char* label, const Domain& domain) {
     if (FLAG_getplot(item_summary) == 0) {
         return false;
     }
@@ -73,6 +75,10 @@ bool rad_mosaic_begin(const RadMosaicPlot& plot, const char* label) {
     CONT_set_type(cont_fill);
     CONT_set_intrvl(5.0F);
     CONT_set_range(76.0F, 0.0F);
+    if (!is_set(domain.proj)) {
+        return false;
+    }
+    rad_check_view(plot.run, map_make(domain), MAP_current(), plot.name);
     return true;
 }
 

@@ -12,7 +12,8 @@
 
 // The state of a mosaic's plotter beside its file and header.
 struct RadMosaicPlot {
-    char datim[date_label_size] = ""; // date label of the open file
+    char name[file_name_size] = "";   // the open file
+    char datim[date_label_size] = ""; // its date label
     int run_len = 0;                  // columns of a figure; 0: by the projections
     RadWords words;
     RadRun run;
@@ -21,12 +22,13 @@ struct RadMosaicPlot {
 // Takes a word of `plot_param`: "run", or one that all plotters share.
 void rad_mosaic_word(RadMosaicPlot& plot, const char* word);
 // Labels of an open file, its messages and its bar.
-void rad_mosaic_take(RadMosaicPlot& plot, const Date& date, const char* label,
+void rad_mosaic_take(RadMosaicPlot& plot, const char* name, const Date& date, const char* label,
                      const Domain& domain);
 // A frame about the echoes, which `summary` draws.
 int rad_mosaic_frame(const RadMosaicPlot& plot, const Date& date, int (*summary)());
-// Labels and colours before the echoes. False when they are switched off.
-bool rad_mosaic_begin(const RadMosaicPlot& plot, const char* label);
+// Labels and colours before the echoes of an image on `domain`. False when they
+// are switched off, or the file ended before it said where the image lies.
+bool rad_mosaic_begin(RadMosaicPlot& plot, const char* label, const Domain& domain);
 // No domain: a mosaic is drawn on the one that the user chose.
 const Domain* rad_mosaic_domain();
 

@@ -16,6 +16,7 @@
 #include "rrwds.h"
 
 #include "cont.h"
+#include "data_file.h"
 #include "date.h"
 #include "files.h"
 #include "map.h"
@@ -53,6 +54,7 @@ constexpr int plot_levels = 52; // plot type: filled, with the key of levels
 
 struct State {
     std::FILE* ifile = nullptr;
+    char name[file_name_size] = "";
     NIDS_info rrwds_info;
     char datim[date_label_size] = "";
     Domain own; // of the open file
@@ -205,7 +207,8 @@ int RRWDS_get_header(std::FILE* ifile, NIDS_info* info) {
 }
 
 int RRWDS_open_file(const char* filename) {
-    state.ifile = FILE_open(filename, "r");
+    copy_text(state.name, sizeof state.name, filename);
+    state.ifile = FILE_open_data(filename);
     const int header = RRWDS_get_header(state.ifile, &state.rrwds_info);
     if (header == 0) {
         MESS_print(mess_warn, "RRWDS_open_file: Unable to open file:%s\n", filename);
@@ -230,7 +233,12 @@ int RRWDS_open_file(const char* filename) {
 }
 
 int RRWDS_rewind_file() {
-    return state.ifile != nullptr && std::fseek(state.ifile, header_size, SEEK_SET) == 0 ? 1 : 0;
+    if (state.ifile == nullptr) {
+        return 0;
+    }
+    std::rewind(state.ifile); // a packed file goes back to its start alone
+    std::array<std::uint8_t, header_size> header{};
+    return std::fread(header.data(), 1, header.size(), state.ifile) == header.size() ? 1 : 0;
 }
 
 int RRWDS_close_file() {
@@ -277,6 +285,7 @@ int RRWDS_plot_data() {
     PLT_label_up_right(state.datim);
     PLT_label_low_right(info.misc);
     set_colors();
+    rad_check_view(state.run, map_make(state.own), MAP_current(), state.name);
     PLT_mess("RRWDS Data");
     draw_radials(site);
     Gattribs data;

@@ -306,7 +306,10 @@ TEST_F(MosaicPlot, RunsAreDrawnInPieces) {
     EXPECT_EQ(figures(" ./run -pd ps,36,-97,41,31,.2,.2"), 25);
     EXPECT_EQ(figures(",run=7 ./run -pd ps,36,-97,41,31,.2,.2"), 4);
     EXPECT_EQ(figures(",run ./run -pd ll:0:-97,36,-97,61,41,.1,.1"), 25);
-    EXPECT_EQ(figures(" ./run -pd ps,36,-60,41,31,.2,.2"), 0) << "elsewhere";
+    const NidsPage away =
+        nids_page(dir, "-dr sum -pp nobar ./run -pd ps,36,-60,41,31,.2,.2", "nowrad");
+    EXPECT_EQ(away.figures(), 0);
+    EXPECT_NE(away.run.err.find("shows nothing of the data"), std::string::npos) << away.run.err;
     // 40 columns of 40 dBZ, then the rest of the line; three columns, the same again, and five.
     EXPECT_EQ(figures(" ./kav -pd ll:0:-96,39,-96,2561,2881,.0257812,.0171874", "kavrad"),
               1 + 4 + 252 + 1 + 1 + 1);
