@@ -80,3 +80,10 @@ struct RCM_report {
 
 // Sets everything to unset, with no report in every cell. Returns 0.
 int RCM_init(RCM_report* report);
+// Decodes the next message of a file, which is left after it. What a message
+// lacks or does not say readably stays unset.
+// Returns 1; 0 for a message without its text or its part A; -1 at the end of
+// the file.
+int RCM_read_site(std::FILE* ifile, RCM_report* report);
+// Prints a report at a level of messages. Returns 0.
+int RCM_print(unsigned level, const RCM_report* report);
