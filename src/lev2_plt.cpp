@@ -11,11 +11,14 @@
 #include "rad_fill.h"
 #include "rad_run.h"
 #include "region.h"
+#include "text_num.h"
 #include "zyrgks.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -29,6 +32,16 @@ constexpr float radial_width = 1.0F; // degrees about the azimuth, also of half 
 constexpr int first_clear = 30;      // coverage patterns of clear air
 constexpr int last_clear = 39;
 
+// Which of the scans that hold the moment is meant: by angle, and which of those
+// that the volume takes at this angle.
+struct WantedCut {
+    enum class By : std::uint8_t { number, angle, lowest, highest };
+    By by = By::number;
+    float angle = 0;
+    int repeat = 1; // 0: the last
+};
+constexpr float same_cut_deg = 0.15F; // scans so near are one cut taken again
+
 struct State {
     LEV2_info info;                   // header of the open volume
     char datim[date_label_size] = ""; // its date label
@@ -37,8 +50,9 @@ struct State {
     int scan_num = 1;                 // elevation number drawn, scan_first: not yet known
     int told_scan = missing;          // the one that was named for want of a number
     int scan_type = lev2_refl;        // moment drawn
-    bool told_variable = false;       // that `variable` names no moment
-    int range = default_range;        // size of the own domain
+    WantedCut wanted;
+    bool told_variable = false; // that `variable` names no moment
+    int range = default_range;  // size of the own domain
     RadWords words;
     RadRun run;
 };
@@ -72,8 +86,29 @@ const Moment& moment() {
     return moments[static_cast<std::size_t>(lev2.scan_type)];
 }
 
+// "0.5", "max" or "min", and then ":last" or ":2". False for any other text.
+bool take_cut(const char* text, WantedCut* wanted) {
+    if (strnicmp(text, "max", 3) == 0 || strnicmp(text, "min", 3) == 0) {
+        wanted->by = strnicmp(text, "max", 3) == 0 ? WantedCut::By::highest : WantedCut::By::lowest;
+        text += 3;
+    } else if (take_float(&text, &wanted->angle)) {
+        wanted->by = WantedCut::By::angle;
+    } else {
+        return false;
+    }
+    if (take_char(&text, ':')) {
+        if (strnicmp(text, "last", 4) == 0) {
+            wanted->repeat = 0;
+            text += 4;
+        } else if (!take_int(&text, &wanted->repeat) || wanted->repeat < 1) {
+            return false;
+        }
+    }
+    return *text == '\0' || *text == ',';
+}
+
 // Whether an item of `variable` names a moment, which is then chosen. Without a
-// number behind it the volume says which scan it is.
+// number after it the volume says which scan it is.
 bool take_item(const char* item) {
     for (std::size_t i = 0; i < moments.size(); ++i) {
         const int length = static_cast<int>(std::strlen(moments[i].word));
@@ -81,6 +116,15 @@ bool take_item(const char* item) {
             char* end = nullptr;
             const long number = std::strtol(item + length, &end, 10);
             lev2.scan_type = static_cast<int>(i);
+            lev2.wanted = {};
+            if (item[length] == '@') {
+                lev2.scan_num = scan_first;
+                if (!take_cut(item + length + 1, &lev2.wanted)) {
+                    lev2.wanted = {};
+                    MESS_print(mess_warn, "LEV2_plot: No angle in the variable:%s\n", item);
+                }
+                return true;
+            }
             lev2.scan_num = end == item + length
                                 ? scan_first
                                 : static_cast<int>(std::clamp(number, -1000000L, 1000000L));
@@ -111,6 +155,57 @@ void decode_variable() {
         MESS_print(mess_warn, "LEV2_plot: Unknown variable:%s, drawn is \"%s%d\"\n", variable,
                    moment().word, lev2.scan_num);
     }
+}
+
+// --- Cuts by meaning ------------------------------------------------------------
+
+// How far a cut is from the one wanted.
+float distance_of(const LEV2_cut& cut) {
+    switch (lev2.wanted.by) {
+    case WantedCut::By::highest:
+        return -cut.angle;
+    case WantedCut::By::lowest:
+        return cut.angle;
+    default:
+        return std::fabs(cut.angle - lev2.wanted.angle);
+    }
+}
+
+// The scan that `variable` describes, by a walk of its own over the volume, which
+// starts over afterwards. Leaves the scan open when none holds the moment.
+void find_cut() {
+    if (lev2.wanted.by == WantedCut::By::number) {
+        return;
+    }
+    LEV2_data data;
+    while (LEV2_get_block(&data) != 0) {
+        LEV2_next_block();
+    }
+    const auto type = static_cast<std::size_t>(lev2.scan_type);
+    const LEV2_cut* nearest = nullptr;
+    for (const LEV2_cut& cut : LEV2_get_cuts()) {
+        if (cut.moments[type] > 0 &&
+            (nearest == nullptr || distance_of(cut) < distance_of(*nearest) - same_cut_deg / 2)) {
+            nearest = &cut;
+        }
+    }
+    int repeat = 0;
+    int found = scan_first;
+    for (const LEV2_cut& cut : LEV2_get_cuts()) {
+        if (nearest != nullptr && cut.moments[type] > 0 &&
+            std::fabs(cut.angle - nearest->angle) <= same_cut_deg) {
+            ++repeat;
+            if (lev2.wanted.repeat == 0 || repeat <= lev2.wanted.repeat) {
+                found = cut.num;
+            }
+        }
+    }
+    if (repeat > 0 && repeat < lev2.wanted.repeat) {
+        MESS_print(mess_warn, "LEV2_plot: The volume takes this cut %d times, drawn is scan %d\n",
+                   repeat, found);
+    }
+    lev2.scan_num = found;
+    LEV2_rewind_file();
 }
 
 // --- Radials ------------------------------------------------------------------
@@ -362,6 +457,7 @@ int LEV2_plot_summary() {
     if (FLAG_getplot(item_summary) == 0) {
         return 0;
     }
+    find_cut();
     GPH_trans(tran_map);
     set_colors();
     Walk walk(lev2.domain, MAP_current());

@@ -159,6 +159,58 @@ TEST_F(Lev2Plot, FiguresLabelsAndWarnings) {
     }
 }
 
+// A low cut that the volume takes again, and one above: by angle and repetition.
+TEST_F(Lev2Plot, CutsByMeaning) {
+    const Lev2Moment refl = {
+        "REF", 2125, 250, 8, 2.0F, 66.0F, {100, 166}
+    };
+    Lev2Moment vel = refl;
+    vel.name = "VEL";
+    Bytes records;
+    const std::array<float, 5> angles = {0.53F, 0.48F, 1.3F, 0.51F, 2.4F};
+    for (int scan = 1; scan <= 5; ++scan) {
+        Lev2Radial radial;
+        radial.elev_num = scan;
+        radial.elev = angles[static_cast<std::size_t>(scan - 1)];
+        radial.moments = {refl};
+        if (scan != 1) {
+            radial.moments.push_back(vel);
+        }
+        records = nids_join({records, lev2_radial(radial)});
+    }
+    Lev2Volume volume;
+    volume.units = {records};
+    write("cuts", lev2_volume(volume, true));
+    struct Row {
+        const char* variable;
+        int scan;
+        const char* warning;
+    };
+    const Row rows[] = {
+        {"ref@0.5",       1, ""                                       },
+        {"ref@0.5:last",  4, ""                                       },
+        {"ref@0.5:2",     2, ""                                       },
+        {"ref@0.4:9",     4, "takes this cut 3 times, drawn is scan 4"},
+        {"vel@0.5",       2, ""                                       }, // scan 1 has none
+        {"VEL@1",         3, ""                                       },
+        {"ref@max",       5, ""                                       },
+        {"watch,vel@min", 2, ""                                       },
+        {"vel@60",        5, ""                                       },
+        {"vel2",          2, ""                                       },
+        {"vel@high",      2, "No angle in the variable:vel@high"      },
+        {"spect@0.5",     1, "spectrum width"                         }, // nowhere
+    };
+    for (const Row& row : rows) {
+        const NidsPage page = nids_page(
+            dir, std::string("./cuts -me warn -dr sum,text -pp nobar -va ") + row.variable,
+            "lev2z");
+        EXPECT_EQ(page.run.code, 0) << row.variable;
+        EXPECT_NE(page.text.find("Sc=" + std::to_string(row.scan) + " "), std::string::npos)
+            << row.variable << page.run.err;
+        EXPECT_NE(page.run.err.find(row.warning), std::string::npos) << page.run.err;
+    }
+}
+
 // However a volume comes, its page is the same; only what the user said about
 // it is set right. The list of its scans is for the asking.
 TEST_F(Lev2Plot, EveryWayInGivesTheSamePage) {
