@@ -35,6 +35,7 @@ constexpr int max_line_chars = 80;
 constexpr const char* level_extension = ".lvl";
 
 State contours;
+std::string unread_file; // the level file last reported as one that cannot be read
 
 // --- Levels -----------------------------------------------------------------
 
@@ -252,8 +253,6 @@ int read_level_file(const char* name) {
         file = open_level_file(std::string(name) + level_extension);
     }
     if (!file) {
-        MESS_print(mess_warn, "CONT_set_fill_colors: Unable to read contour level file: %s\n",
-                   name);
         return -1;
     }
     begin_steps();
@@ -269,6 +268,18 @@ int read_level_file(const char* name) {
     }
     finish_steps();
     return 0;
+}
+
+// Says that a level file cannot be read, once: each frame and layer asks for it.
+void report_level_file(const char* name, bool by_user) {
+    if (unread_file == name) {
+        return;
+    }
+    unread_file = name;
+    MESS_print(mess_warn, "CONT_set_fill_colors: Unable to read contour level file: %s\n", name);
+    if (by_user) {
+        MESS_print(mess_warn, "CONT_set_fill_colors: The product's own colors are taken\n");
+    }
 }
 
 int set_table_colors(int num) {
@@ -791,12 +802,14 @@ int CONT_set_fill_colors(const char* string, int flag) {
     }
     const bool is_file = count == 1 && std::strchr(entries[0], '-') == nullptr;
     const bool missing_file = is_file && read_level_file(entries[0]) != 0;
+    if (missing_file) {
+        report_level_file(entries[0], user != nullptr);
+    }
     if (!is_file) {
         set_list(count, entries);
     }
     free_parsed_array(count, entries);
     if (missing_file && user != nullptr) { // without any level no echo would be drawn
-        MESS_print(mess_warn, "CONT_set_fill_colors: The product's own colors are taken\n");
         contours.color_fill_set = 0;
         return CONT_set_fill_colors(string, 1);
     }

@@ -61,9 +61,11 @@ long count_figures(const std::string& name, NIDS_info& info) {
 }
 
 void check_product(const std::string& name, const TempDir& dir) {
-    const NidsPage page = nids_page(dir, "-pp nobar -dr sum,text,data " + name);
     NIDS_info info;
     const long expected = count_figures(name, info);
+    // A product without figures may have a table of storms, whose marks are filled too.
+    const std::string items = expected > 0 ? "sum,text,data " : "sum,text ";
+    const NidsPage page = nids_page(dir, "-pp nobar -dr " + items + name);
     const int labels = expected < 0 ? 0 : 1;
     EXPECT_EQ(page.run.code, expected < 0 ? 10 : 0) << name << "\n" << page.run.err;
     EXPECT_EQ(page.figures(), std::max(expected, 0L)) << name;

@@ -200,6 +200,7 @@ TEST_F(PixmapTest, RunsMakeTheFramesOfALoop) {
     }
     for (int i = 0; i < 3; ++i) {
         gdisplay_frame(i);
+        gsync();
         EXPECT_EQ(user->look(gget_root_window()), expected[i == 1 ? 1 : 0]) << i;
         EXPECT_EQ(user->title(gget_root_window()), "Loop [" + std::to_string(i) + "]");
     }

@@ -227,7 +227,7 @@ TEST(Plot, DumpsThatCannotBeWrittenAreReported) {
     EXPECT_NE(out.find("PLT_dump: Unable to write GIF file: picture_win.gif\n"), std::string::npos)
         << out;
     EXPECT_NE(out.find("PLT_dump: Unable to write xdump file: zyr"), std::string::npos) << out;
-    page.read(tran_page);
+    EXPECT_EXIT(page.read(tran_page), testing::ExitedWithCode(4), "") << "a script must notice";
 }
 
 namespace {
