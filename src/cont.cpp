@@ -4,6 +4,7 @@
 // has to be called first; colour names need the colour table.
 #include "cont.h"
 
+#include "cont_pal.h"
 #include "cont_state.h"
 #include "files.h"
 #include "text_num.h"
@@ -18,6 +19,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <utility>
+#include <vector>
 
 using namespace cont;
 
@@ -246,7 +249,8 @@ FILE_ptr open_level_file(const std::string& name) {
     return FILE_ptr(FILE_open_text(path));
 }
 
-// A level file by its name, or by its name without the extension.
+// A level file by its name, or by its name without the extension. Returns 0; -1
+// when it does not open.
 int read_level_file(const char* name) {
     FILE_ptr file = open_level_file(name);
     if (!file) {
@@ -255,14 +259,20 @@ int read_level_file(const char* name) {
     if (!file) {
         return -1;
     }
-    begin_steps();
+    std::vector<std::string> lines;
     char line[max_line_chars + 2] = "";
     for (int n = 0; n < max_file_lines && read_line(file.get(), line); ++n) {
         const char* text = strip(line);
-        if (*text == '\0' || *text == '@' || *text == '#') {
-            continue;
+        if (*text != '\0' && *text != '@' && *text != '#' && *text != ';') {
+            lines.emplace_back(text);
         }
-        if (CONT_decode_fill_color(text) != 0) {
+    }
+    if (!lines.empty() && cont_is_pal(lines[0])) {
+        lines = cont_pal_entries(lines, contours.quantity);
+    }
+    begin_steps();
+    for (const std::string& entry : lines) {
+        if (CONT_decode_fill_color(entry.c_str()) != 0) {
             break;
         }
     }

@@ -205,6 +205,43 @@ TEST(Cont, LevelFiles) {
     EXPECT_EQ(CONT_set_fill_colors("1:red,2:blue", 1), -1);
 }
 
+// Colour tables of other programs: gradients, solid colours, opacity, units.
+TEST(Cont, TradedColorTables) {
+    const TempDir dir;
+    const auto taken = [&](const std::string& text, const char* quantity) {
+        dir.write("table.pal", text);
+        start();
+        RES_put("file_path", dir.path().c_str());
+        CONT_set_quantity(quantity);
+        EXPECT_EQ(CONT_set_fill_colors("table.pal", 1), 0);
+        return steps();
+    };
+    EXPECT_EQ(taken("; a comment\nProduct: BR\nUnits: DBZ\nStep: 10\n"
+                    "SolidColor: 40 255 0 0\r\ncolor: 10 0 0 0 80 160 240\nColor: 20 0 0 255\n"
+                    "Color4: 30 9 9 9 128\nbad line\nColor: x\n",
+                    "reflectivity"),
+              "10:#000000[10] 11.25:#0a141e[11.25] 12.5:#14283c[12.5] 13.75:#1e3c5a[13.75] "
+              "15:#285078[15] 16.25:#326496[16.25] 17.5:#3c78b4[17.5] 18.75:#468cd2[18.75] "
+              "20:#0000ff[20] 21.25:#0101e0[21.25] 22.5:#0202c2[22.5] 23.75:#0303a3[23.75] "
+              "25:#050584[25] 26.25:#060665[26.25] 27.5:#070747[27.5] 28.75:#080828[28.75] "
+              "30:#090909[30] 31.25:#280808[31.25] 32.5:#470707[32.5] 33.75:#650606[33.75] "
+              "35:#840505[35] 36.25:#a30303[36.25] 37.5:#c20202[37.5] 38.75:#e00101[38.75] "
+              "40:#ff0000[40]");
+    // Metres a second of knots, with the folded gates of a volume in front.
+    const std::string speed = "Units: KTS\nRF: 119 0 125\nSolidColor: -100 1 2 3\n"
+                              "SolidColor: 0 4 5 6\n";
+    EXPECT_EQ(taken(speed, "velocity"), "-100:#010203[-100] 0:#040506[0]");
+    EXPECT_EQ(taken(speed, "velocity_ms"),
+              "-91:#77007d[-91] -89:none[-89] -51.4444:#010203[-51.4444] 0:#040506[0]");
+    // As many lines as there may be: the colour table holds them.
+    std::string many;
+    for (int i = 0; i < 9000; ++i) {
+        many += "Color: " + std::to_string(i) + " 1 2 " + std::to_string(i % 7) + "\n";
+    }
+    const std::string all = taken(many, nullptr);
+    EXPECT_LE(std::count(all.begin(), all.end(), ':'), 256);
+}
+
 // The level files of the data tree go by their name, and "auto" by the quantity.
 TEST(Cont, ShippedLevelFiles) {
     int files = 0;
