@@ -13,6 +13,7 @@
 #include "rad_info.h"
 #include "rad_input.h"
 #include "rad_list.h"
+#include "rarep.h"
 #include "region.h"
 #include "res_table.h"
 #include "rrwds.h"
@@ -72,6 +73,13 @@ void run_kavrad(Domain* domain) {
     }
 }
 
+void run_rcm(Domain* domain) {
+    RCM_set_date(nullptr);
+    DOM_get_region(domain, 3);
+    RCM_prompt_id();
+    RCM_plot(domain);
+}
+
 // One kind of radar file: how a typed name is read, what the user is asked, and
 // what plots it.
 struct Plotter {
@@ -82,12 +90,13 @@ struct Plotter {
 };
 
 constexpr Plotter plotters[] = {
-    {input_nids,   1, "Enter the NIDS filename: ",    run_nids  },
-    {input_lev2,   1, "Enter the Level 2 filename: ", run_lev2  },
-    {input_lev2z,  1, "Enter the Level 2 filename: ", run_lev2z },
-    {input_rrwds,  0, "Enter the RRWDS filename: ",   run_rrwds },
-    {input_nowrad, 0, "Enter the NOWRad filename: ",  run_nowrad},
-    {input_kavrad, 0, "Enter the KAVRAD filename: ",  run_kavrad},
+    {input_nids,     1, "Enter the NIDS filename: ",    run_nids  },
+    {input_lev2,     1, "Enter the Level 2 filename: ", run_lev2  },
+    {input_lev2z,    1, "Enter the Level 2 filename: ", run_lev2z },
+    {input_rrwds,    0, "Enter the RRWDS filename: ",   run_rrwds },
+    {input_nowrad,   0, "Enter the NOWRad filename: ",  run_nowrad},
+    {input_kavrad,   0, "Enter the KAVRAD filename: ",  run_kavrad},
+    {input_rcm_site, 0, "Enter the RCM filename: ",     run_rcm   },
 };
 
 // The exit code of "--info [--json] FILE...".

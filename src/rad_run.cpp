@@ -342,11 +342,17 @@ int rad_plot_nextfile(const RadPlotter& plotter, RadRun& run) {
     char name[file_name_size] = "";
     const std::int64_t seconds = FILE_set_current(nullptr, name);
     MESS_print(mess_debug, "File: %d %s\n", static_cast<int>(seconds), name);
-    if (seconds == run.fsecs || !open_next(plotter, run, name)) {
-        return 0;
+    if (seconds != run.fsecs && rad_show_next(plotter, run, name)) {
+        rad_set_date(run, nullptr);
+        run.fsecs = seconds;
     }
-    rad_set_date(run, nullptr);
-    run.fsecs = seconds;
+    return 0;
+}
+
+bool rad_show_next(const RadPlotter& plotter, RadRun& run, const char* name) {
+    if (!open_next(plotter, run, name)) {
+        return false;
+    }
     const int frames = shift_frames();
     plotter.begin();
     plotter.frame();
@@ -354,7 +360,7 @@ int rad_plot_nextfile(const RadPlotter& plotter, RadRun& run) {
     if (frames > 0) {
         gdisplay_frame(frames - 1);
     }
-    return 0;
+    return true;
 }
 
 void rad_check_view(RadRun& run, const Map& own, const Map& plot, const char* name) {

@@ -83,6 +83,9 @@ int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool 
 // Shows the newest file, as the last frame, when there is a newer one than on
 // show. Returns 0.
 int rad_plot_nextfile(const RadPlotter& plotter, RadRun& run);
+// Shows a file as the last frame; the oldest one goes. False when it does not
+// open.
+bool rad_show_next(const RadPlotter& plotter, RadRun& run, const char* name);
 
 // --- Parts of a frame ---------------------------------------------------------
 

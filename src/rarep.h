@@ -87,3 +87,37 @@ int RCM_init(RCM_report* report);
 int RCM_read_site(std::FILE* ifile, RCM_report* report);
 // Prints a report at a level of messages. Returns 0.
 int RCM_print(unsigned level, const RCM_report* report);
+
+// --- Radar Coded Messages: plotter (rcm_plt.cpp) ------------------------------
+
+// Reference date of the file selection; null: the file's date. Returns 0.
+int RCM_set_date(const Date* datim);
+// The site wanted: the resource `identifier`, else by asking. Returns 0; ends the
+// program with 10 after five answers that are no site.
+int RCM_prompt_id();
+// Returns 1; 0 after a message when the file does not open.
+int RCM_open_file(const char* filename);
+// These return 1; 0 when no file is open.
+int RCM_rewind_file();
+int RCM_close_file();
+// The whole plot on `domain`, or about the site where its `proj` is not set.
+// Returns 0; ends the program with 10 when no file has a message of the site.
+int RCM_plot(Domain* domain);
+// One frame of the message at hand. Returns 0.
+int RCM_plot_frame();
+// Its echoes. Returns 0; -1 when they are switched off.
+int RCM_plot_summary();
+// The site, its rings, and what `variable` asks for: "comp" for centroids,
+// mesocyclones and vortices, "watch". Returns 0; -1 when they are switched off.
+int RCM_plot_data(const RCM_report* report);
+// Shows the file of a minute after the last one, if it has a newer message.
+// Returns 0.
+int RCM_plot_nextfile();
+// Takes the words of `plot_param`. Returns 0.
+int RCM_plot_param();
+void RCM_callback(int type, const char* str, float x, float y);
+// Upper left corner of a site's grid on the polar map of all sites, whose boxes
+// are four cells wide. Returns 1; 0 when there is none.
+int RCM_grid_corner(float lat, float lon, float* x, float* y);
+// Gives a domain the projection and the cells of a site's grid.
+void RCM_site_domain(float lat, float lon, Domain* domain);

@@ -462,7 +462,7 @@ bool take_packet(std::string_view* bytes, unsigned type, std::string_view* text)
     ByteReader head({reinterpret_cast<const std::uint8_t*>(bytes->data()), bytes->size()});
     const unsigned mark = head.u16be();
     const unsigned found = head.u16be();
-    const std::size_t length = (mark & 0x0FFFU) * 2;
+    const std::size_t length = std::size_t{mark & 0x0FFFU} * 2;
     if (!head.ok() || found != type || length < packet_head) {
         return false;
     }
