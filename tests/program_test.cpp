@@ -181,13 +181,13 @@ TEST_F(ProgramTest, FaultsThatEndTheRun) {
              {"radial -de q,radial/x",   4,  "gopen_ws: unable to open HPGL file\n\n" + closed      },
              {"radial -de q,/dev/full",  4,  "ghpgl_close_file: unable to write HPGL file\n\n"      },
              {"radial -de p,radial/x",   4,  "gopen_ws: unable to open postscript file\n\n" + closed},
-             {"radial -inp rcmsite",     10, other + "rcmsite\n" + hint                             },
+             {"radial -inp mdr",         10, other + "mdr\n" + hint                                 },
              {"radial -inp=",            10, other + "radar summary\n" + hint                       },
              {"radial_cut -de p,x",      0,
               "NIDS_plot_summary: The product is damaged or not whole:radial_cut\n"                 },
              {"radial -dr any -de p,x",  0,
               "draw: Unknown word: any, the nearest is all\nPLT_open: Nothing to draw: any\n"       },
-             {"-if rcmsite -inp what",   10, other + "what\n" + hint                                },
+             {"-if mdr -inp what",       10, other + "what\n" + hint                                },
     }) {
         const ProgramRun result = run(row.args);
         EXPECT_EQ(result.code, row.code) << row.args;

@@ -6,6 +6,8 @@
 //   make_sample --nowrad FILE    a national mosaic; --nowrad-us the Lambert section
 //   make_sample --kavrad FILE    the same weather on the coarse KAVRAD grid
 //   make_sample --rrwds FILE     the storm as an RRWDS image
+//   make_sample --rcm FILE       the storm as a Radar Coded Message; --rcm-region of four sites
+//   make_sample --rcm-seeds DIR  small messages of every kind
 //   make_sample --mosaic-seeds DIR small mosaics of every kind
 //   make_sample --seeds DIR      small products of every kind, whole and damaged
 //   make_sample --lev2-seeds DIR small Level II volumes of every kind, the same
@@ -19,6 +21,7 @@
 #include "mosaic_writer.h"
 #include "nids_storm.h"
 #include "nids_writer.h"
+#include "rcm_writer.h"
 #include "rrwds_writer.h"
 #include "seeds.h"
 
@@ -74,6 +77,13 @@ int main(int argc, char** argv) {
     if (option == "--rrwds") {
         return write_file(argv[2], rrwds_sample()) ? 0 : 1;
     }
+    if (option == "--rcm" || option == "--rcm-region") {
+        return write_file(argv[2], option == "--rcm" ? rcm_sample(false) : rcm_region_sample()) ? 0
+                                                                                                : 1;
+    }
+    if (option == "--rcm-seeds") {
+        return write_files(argv[2], rcm_samples()) ? 0 : 1;
+    }
     if (option == "--mosaic-seeds") {
         return write_files(argv[2], nowrad_samples()) && write_files(argv[2], kavrad_samples()) ? 0
                                                                                                 : 1;
@@ -95,8 +105,9 @@ int main(int argc, char** argv) {
     }
     std::fprintf(
         stderr,
-        "usage: make_sample FILE | --super FILE | --storms FILE | --lev2 FILE | --nowrad FILE | "
-        "--nowrad-us FILE | --kavrad FILE | --rrwds FILE | --mosaic-seeds DIR | --seeds DIR | "
-        "--lev2-seeds DIR | --image-seeds KIND DIR | --overlay-seeds DIR\n");
+        "usage: make_sample FILE | --super FILE | --lev2 FILE | --storms FILE | --nowrad FILE | "
+        "--nowrad-us FILE | --kavrad FILE | --rrwds FILE | --rcm FILE | --rcm-region FILE | "
+        "--rcm-seeds DIR | --mosaic-seeds DIR | --seeds DIR | --lev2-seeds DIR | "
+        "--image-seeds KIND DIR | --overlay-seeds DIR\n");
     return 2;
 }
