@@ -323,6 +323,8 @@ bool is_control(char c) {
     return std::iscntrl(static_cast<unsigned char>(c)) != 0;
 }
 
+// The blocks of a file end with it: what follows its name in the setting, such as
+// points over the map, is drawn whatever the file's last block was.
 void process_list_file(const char* name) {
     const FILE_ptr file = open_on_path("file_path", name);
     if (!file) {
@@ -354,7 +356,9 @@ void process_list(const char* list) {
     state.blocks = Blocks::none;
     for (int i = 0; i < count; ++i) {
         if (begins(entries[i], "fi:")) {
+            const Blocks blocks = state.blocks;
             process_list_file(entries[i] + std::strlen("fi:"));
+            state.blocks = blocks;
         } else {
             MAP_process(entries[i]);
         }

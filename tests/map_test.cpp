@@ -250,6 +250,8 @@ TEST(Map, Lists) {
     EXPECT_EQ(draw_map("35,-98,.3").maps, " us_cnty.map zyr.map");
     EXPECT_EQ(draw_map("35,-98,.3", map_under).maps, " rivers.map lakes.map");
     EXPECT_EQ(draw_map("13.8,145,.4").maps, " cont.map country.map");
+    RES_put("map_file", "fi:usa.lst,us_outl.map"); // the blocks of a list end with it
+    EXPECT_EQ(draw_map("35,-98,.3").maps, " us_cnty.map zyr.map us_outl.map");
     EXPECT_TRUE(draw_map("pix,0,0,511").lines.empty()); // a page of numbers
 }
 
