@@ -114,7 +114,6 @@ bool draw_data() {
     GPH_mark_attr(&frame.data, 1.0F);
     CONT_reset_values();
     gset_marker_type(2);
-    CONT_set_quantity(nullptr); // colours that suit the data do not suit these values
     RAW_plot_init(&frame.data, frame.scale);
     rad_draw_site(nids.words, nids.info.domain.clat, nids.info.domain.clon);
     select_variables();

@@ -815,6 +815,7 @@ int RAW_plot_init(const Gattribs* attrib, float sc) {
     GPH_text_font(nullptr);
     GPH_trans(tran_map);
     CONT_init();
+    CONT_set_quantity(nullptr); // colours that suit the radar's data do not suit these values
     CONT_set_fill_colors(nullptr, 0);
     if (!is_set(CONT_get_type())) {
         CONT_set_type(cont_fill);

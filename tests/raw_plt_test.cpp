@@ -11,6 +11,7 @@
 #include "zyrresrc.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
