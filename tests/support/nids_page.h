@@ -30,6 +30,8 @@ inline NidsPage nids_page(const TempDir& dir, const std::string& args,
     }
     call.directory = dir.path();
     call.input = bytes;
+    // A run that draws nothing leaves the page of the one before.
+    std::filesystem::remove(dir.path() + "/page.ps");
     NidsPage page{run_program(ZYR_PROGRAM, call), ""};
     page.text = read_text(dir.path() + "/page.ps");
     return page;
