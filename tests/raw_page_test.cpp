@@ -27,6 +27,15 @@ TEST_F(RawPage, EveryItemType) {
     expect_golden(nids_page(dir, rows + "-mf rf:./items.raw ./precip"), "raw_items");
 }
 
+// The plot model that the data tree brings, about one station.
+TEST_F(RawPage, StationModel) {
+    const std::string model = read_text(ZYR_SOURCE_DIR "/etc/stations.raw");
+    dir.write("one.raw", model.substr(0, model.find("$\n") + 2) +
+                             "OKC 35.3 -97.3 6 310,65 -12 -15 052 -18 7 TSRA 12 3 7 9 KOKC\n");
+    const NidsPage page = nids_page(dir, rows + "-mf rf:./one.raw ./precip");
+    expect_golden(page, "raw_station");
+}
+
 // A metafile of the overlay plays to the figures of the page itself.
 TEST_F(RawPage, Metafile) {
     const std::string overlay = rows + "-mf rf:./items.raw ./precip";
@@ -39,6 +48,15 @@ TEST_F(RawPage, Metafile) {
     const auto expected = ps_ink(read("plot.ps"));
     EXPECT_GT(expected.size(), 40U);
     EXPECT_EQ(ps_ink(read("played.ps")).size(), expected.size());
+}
+
+// A plotter's page draws the overlay too: pen moves of its lines and letters.
+TEST_F(RawPage, Hpgl) {
+    const auto moves = [&](const std::string& overlay) {
+        EXPECT_EQ(nids_page(dir, rows + overlay + " -de h,plot.hpgl ./precip").run.err, "");
+        return count_text(read("plot.hpgl"), "PD") + count_text(read("plot.hpgl"), "LB");
+    };
+    EXPECT_GT(moves("-mf rf:./items.raw"), moves("-mf lalo:90") + 40);
 }
 
 // Under the data the overlay changes no grey of them, and its bar is the same.

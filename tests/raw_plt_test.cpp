@@ -221,6 +221,12 @@ TEST(RawPlot, ColoursByLevel) {
     EXPECT_EQ(color(item(31, "co=blue", "0", 15)), "blue");
     EXPECT_EQ(color(item(31, "", "0", 25)), "-");
     EXPECT_EQ(color(item(32, "", "", 25, 15)), "green");
+    // Colours that suit the data of the radar are not those of items over them.
+    RES_put("color_fill", "auto");
+    RES_put("con_interval", "");
+    CONT_set_quantity("reflectivity");
+    EXPECT_EQ(color(item(31, "co=blue", "0", -20)), "blue");
+    EXPECT_EQ(color(item(31, "", "0", 45)), "green");
 }
 
 // An overlay leaves levels, bar and fills of the plot about it as they were.
@@ -243,6 +249,91 @@ TEST(RawPlot, OverlayLeavesThePlotAlone) {
         EXPECT_EQ(CONT_get_bar(), 2);
         EXPECT_EQ(gget_fill_print_solid(), 0);
     });
+}
+
+// On every projection an item lies at its place, with the same figures, and a
+// north wind comes from where north is there, or from above where directions are
+// not turned. The satellite's inverse does not bring its directions back.
+TEST(RawPlot, EveryProjection) {
+    const TempDir dir;
+    const std::string name =
+        dir.write("a.raw", "A 41 -93 0,25:wbarb 42,-93:line -7:%1.0f 61:wx 3:cloud 0,20:vbarb\n");
+    enum class North { meridian, up, any };
+    struct Row {
+        const char* projection;
+        North north;
+    };
+    for (const auto& [projection, north] : std::initializer_list<Row>{
+             {"ll",                North::meridian},
+             {"ps",                North::meridian},
+             {"lamb:30:-97:30:60", North::meridian},
+             {"merc",              North::meridian},
+             {"la",                North::up      },
+             {"gn",                North::up      },
+             {"or",                North::up      },
+             {"mo",                North::up      },
+             {"sat:0:-75",         North::any     }
+    }) {
+        Domain domain;
+        DOM_decode((std::string(projection) + ",38,-97,41,31,.5,.5").c_str(), &domain);
+        FigurePage page(domain, ZYR_SOURCE_DIR);
+        RES_put("file_path", ZYR_SOURCE_DIR "/etc");
+        EXPECT_EQ(RAW_plot_file(name.c_str(), 0), 0);
+        Gpt at;
+        EXPECT_EQ(MAP_tran(41, -93, &at.x, &at.y), 1) << projection;
+        page.read(tran_map);
+        const auto angle = [](const Figure& line) {
+            const Gpt from = line.points[0];
+            const Gpt to = line.points[1];
+            return static_cast<double>(std::atan2(to.x - from.x, to.y - from.y)) * 180 / 3.14159265;
+        };
+        const std::vector<Figure> lines = page.lines();
+        ASSERT_EQ(lines.size(), 10U) << projection; // barb 4, line, cloud 2, arrow 3
+        EXPECT_NEAR(lines[0].points[0].x, at.x, 0.02) << projection;
+        EXPECT_NEAR(lines[0].points[0].y, at.y, 0.02) << projection;
+        if (north != North::any) {
+            EXPECT_NEAR(angle(lines[0]), north == North::up ? 0.0 : angle(lines[4]), 0.6)
+                << projection;
+        }
+        ASSERT_EQ(page.texts.size(), 1U);
+        EXPECT_EQ(page.texts[0].text, "-7");
+    }
+}
+
+// Of thousands of stations a picture shows those of its priority: more, the less
+// of the country it holds.
+TEST(RawPlot, StationsThinOut) {
+    const TempDir dir;
+    std::istringstream cities(read_text(ZYR_SOURCE_DIR "/etc/sao.cty"));
+    std::string rows;
+    std::array<std::string, 7> w;
+    for (std::string line; std::getline(cities, line);) {
+        std::istringstream words(line);
+        for (std::string& word : w) {
+            words >> word;
+        }
+        rows += w[3] + " - - 1:%1.0f\n";
+    }
+    const std::string name = dir.write("all.raw", rows);
+    const auto shown = [&](const char* text, const char* priority) {
+        Domain domain;
+        DOM_decode(text, &domain);
+        FigurePage page(domain, ZYR_SOURCE_DIR);
+        RES_put("file_path", ZYR_SOURCE_DIR "/etc");
+        RES_put("identifier", "all");
+        RES_put("stat_prior", priority);
+        DOM_set_base_prior(static_cast<float>(domain.ny - 1) * domain.dy);
+        RAW_plot_file(name.c_str(), 1);
+        page.read(tran_map);
+        return page.texts.size();
+    };
+    const char* const country = "ps,39,-97,51,31,1,1";
+    const std::size_t chosen = shown(country, "+0");
+    EXPECT_GT(chosen, 20U);
+    EXPECT_LT(chosen, 400U);
+    EXPECT_GT(shown(country, "+1"), chosen);
+    EXPECT_LT(shown(country, "1"), chosen + 1);
+    EXPECT_GT(shown(country, "9"), 2500U);
 }
 
 // A file with labels takes places from the stations of its priority.
