@@ -5,6 +5,7 @@
 #include "date.h"
 #include "file_state.h"
 #include "files.h"
+#include "name_find.h"
 #include "tools.h"
 #include "zyrresrc.h"
 
@@ -98,6 +99,15 @@ void take_result(FileState& s, const NameResult& result, const char* routine) {
     }
 }
 
+void fill_unknown(Date* date, const Date& known) {
+    for (int Date::*const field :
+         {&Date::year, &Date::month, &Date::day, &Date::hour, &Date::min}) {
+        if (!is_set(date->*field)) {
+            date->*field = known.*field;
+        }
+    }
+}
+
 void unknown_date(Date* date) {
     date->year = date->month = date->day = date->hour = date->min = missing;
 }
@@ -132,6 +142,26 @@ void check_date(FileState& s, const char* name) {
     s = before;
     if (!again) {
         unknown_date(&s.file_date);
+    }
+}
+
+// The newest file that fits an open template on a date, as a built name; one of
+// more than the least size comes first. None leaves the name with its "*".
+void look_up(const FileState& s, const NameSource& source, const Date& date, NameResult* result) {
+    const std::vector<FoundName> found = find_names(source, date);
+    const FoundName* chosen = nullptr;
+    for (const FoundName& one : found) {
+        const bool large = FILE_size(one.name.c_str()) > s.min_size;
+        if (large || chosen == nullptr) {
+            chosen = &one;
+        }
+        if (large) {
+            break;
+        }
+    }
+    if (chosen != nullptr) {
+        result->cut = copy_text(result->name, sizeof result->name, chosen->name.c_str()) != 0;
+        fill_unknown(&result->date, chosen->date);
     }
 }
 
@@ -283,7 +313,8 @@ struct Request {
     }
 
     // How many names "la[#tries]" may try; 0 if it does not stand there.
-    int read_latest() {
+    int read_latest(bool* given) {
+        *given = false;
         if (*text != 'l') {
             return 0;
         }
@@ -291,6 +322,7 @@ struct Request {
         text += *text == 'a' ? 1 : 0;
         int limit = latest_tries;
         if (*text == '#') {
+            *given = true;
             ++text;
             scan_int(&text, 4, &limit);
         }
@@ -306,15 +338,52 @@ std::string name_at(std::time_t seconds) {
     return name;
 }
 
+bool is_large(const std::string& name) {
+    const FileState& s = file_state();
+    const long size = FILE_size(name.c_str());
+    MESS_print(mess_debug, "LATE: %s\n", name.c_str());
+    const bool large = (s.rmin_size > 0 && size > s.rmin_size) || size > s.min_size;
+    if (large) {
+        MESS_print(mess_debug, "LATEST: %s %s %d\n", s.conv, name.c_str(), clamp_int(size));
+    }
+    return large;
+}
+
+// The same for an open template: the times are those of the files that there are,
+// so that the newest one is found however old it is. Without one the start stands.
+std::time_t find_latest_file(std::time_t seconds, int direction, long limit) {
+    name_at(seconds); // for the step
+    const FileState& s = file_state();
+    const long step = FILE_get_offset();
+    const std::time_t start = seconds - seconds % step;
+    NameSource source = source_of(s);
+    source.set = {};
+    std::vector<std::time_t> times;
+    for (const FoundName& found : find_names(source, {})) {
+        Date date = found.date;
+        fill_unknown(&date, {.month = 1, .day = 1, .hour = 0, .min = 0});
+        const std::time_t time = is_set(date.year) ? DATE_num_sec(&date) : start;
+        const long steps = direction * (time - start) / step;
+        if (steps >= 0 && steps < limit && (times.empty() || times.back() != time)) {
+            times.push_back(time);
+        }
+    }
+    if (direction > 0) { // they come from the newest down
+        std::reverse(times.begin(), times.end());
+    }
+    times.resize(std::min<std::size_t>(times.size(), latest_tries));
+    for (const std::time_t time : times) {
+        if (is_large(name_at(time))) {
+            return time;
+        }
+    }
+    return start;
+}
+
 // Steps through the times until a file is large enough; the last time tried stands.
 std::time_t find_latest(std::time_t seconds, int direction, int limit) {
-    const FileState& s = file_state();
     for (int i = 0; i < limit; ++i) {
-        const std::string name = name_at(seconds);
-        const long size = FILE_size(name.c_str());
-        MESS_print(mess_debug, "LATE: %s\n", name.c_str());
-        if ((s.rmin_size > 0 && size > s.rmin_size) || size > s.min_size) {
-            MESS_print(mess_debug, "LATEST: %s %s %d\n", s.conv, name.c_str(), clamp_int(size));
+        if (is_large(name_at(seconds))) {
             break;
         }
         if (i + 1 < limit) {
@@ -374,6 +443,7 @@ int ask_file(const char* prompt, char* outfile) {
             return 1;
         }
         MESS_print(mess_warn, "File not found: %s\n", s.filename);
+        FILE_explain_cut(s.filename);
     }
     ZYR_exit(10);
 }
@@ -431,6 +501,14 @@ const char* FILE_get_ext_info() {
     return file_state().ext_info;
 }
 
+void FILE_explain_cut(const char* name) {
+    const FileState& s = file_state();
+    if (*s.ext_info != '\0' && FILE_exist(name) == 0) {
+        MESS_print(mess_warn, "FILE_set_file: No file has the whole name, \"%s\" was taken off\n",
+                   s.ext_info);
+    }
+}
+
 int FILE_set_file(const char* file, char* out_file) {
     FileState& s = file_state();
     char name[file_name_size];
@@ -477,6 +555,13 @@ int FILE_set_file(const char* file, char* out_file) {
     // template leads to none.
     const bool typed = is_file(name) && (s.file_type == 1 || FILE_exist(result.name) == 0);
     const char* chosen = typed ? name : result.name;
+    if (!typed && name_is_open(s.conv) && is_set(s.file_date.year) && !is_file(chosen)) {
+        const Date date = s.file_date;
+        store_name("FILE_set_file", s.filename, chosen); // its path stands
+        s.filename_type = 1;
+        FILE_set_date(&date, out_file);
+        return 0;
+    }
     if (is_file(chosen)) {
         check_date(s, chosen);
     }
@@ -520,7 +605,10 @@ int FILE_set_date(const Date* date, char* out_file) {
     }
     NameSource source = source_of(s);
     source.path = path.c_str();
-    const NameResult result = build_name(source, wanted, s.file_date);
+    NameResult result = build_name(source, wanted, s.file_date);
+    if (name_is_open(s.conv)) {
+        look_up(s, source, wanted, &result);
+    }
     take_result(s, result, "FILE_set_date");
     copy_text(s.filename, sizeof s.filename, result.name);
     copy_text(out_file, file_name_size, result.name);
@@ -553,13 +641,16 @@ long FILE_set_current(const char* request, char* filename) {
     if (at.read_offset()) {
         at.read_sign();
     }
-    const int limit = at.read_latest();
+    bool limited = false;
+    const int limit = at.read_latest(&limited);
     if (limit > 0) {
         Date date;
         DATE_get_gmdate(&at.seconds, &date);
         MESS_print(mess_debug, "LATE:%d %d %d %d %d\n", date.month, date.day, date.hour, date.min,
                    limit);
-        at.seconds = find_latest(at.seconds, at.direction, limit);
+        at.seconds = name_is_open(file_state().conv)
+                         ? find_latest_file(at.seconds, at.direction, limited ? limit : LONG_MAX)
+                         : find_latest(at.seconds, at.direction, limit);
         at.read_sign();
     }
     trace_time("CUR2:", at.seconds);
@@ -586,8 +677,11 @@ void FILE_list_file() {
     const std::string command = "ls -x " + list_pattern(source_of(file_state()));
     MESS_print(mess_debug, "SEARCH: %s\n", command.c_str());
     std::fflush(nullptr);
-    if (std::system(command.c_str()) == -1) {
+    const int status = std::system((command + " 2>/dev/null").c_str());
+    if (status == -1) {
         MESS_print(mess_warn, "FILE_list_file: Unable to list files\n");
+    } else if (status != 0) {
+        MESS_print(mess_warn, "FILE_list_file: No file fits %s\n", file_state().conv);
     }
 }
 

@@ -500,6 +500,11 @@ void FILE_set_key(char c, const char* text) {
     fill_string(key, ' ', '_');
 }
 
+void FILE_set_file_key(const char* text) {
+    copy_text(module.state.keys.file, sizeof module.state.keys.file, text);
+    fill_string(module.state.keys.file, ' ', '_');
+}
+
 char* FILE_get_key(char c, char* buffer) {
     constexpr std::size_t size = sizeof NameKeys::text[0];
     copy_text(buffer, size, module.state.keys.text[static_cast<unsigned char>(c)]);

@@ -81,6 +81,8 @@ void FILE_set_min_size(int bytes);
 // Template keys: at most 29 characters (the buffer holds 30), blanks as "_".
 void FILE_set_key(char c, const char* text);
 char* FILE_get_key(char c, char* buffer);
+// The text of %f where the user set none: an input's name, longer than a key's.
+void FILE_set_file_key(const char* text);
 // The current file name, as one the user gave.
 void FILE_set_filename(const char* text);
 // Copies it, if a buffer is given, and returns it.
@@ -99,6 +101,9 @@ int FILE_get_file(const char* prompt, char* outfile);
 // "+" or ":" (FILE_get_ext_info, which begins with that mark).
 void FILE_set_type(int type);
 const char* FILE_get_ext_info();
+// Adds, to the message about a name that no file has, that extra text was cut off
+// what the user typed.
+void FILE_explain_cut(const char* name);
 // A typed name or request to a full name; takes the file date from it. Returns 0.
 int FILE_set_file(const char* file, char* out_file);
 // The name of a date (null: of the current file date). Returns 0; 1 when there

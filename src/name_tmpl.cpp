@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <set>
 #include <string_view>
 #include <utility>
 
@@ -39,7 +40,8 @@ constexpr PathRow path_rows[] = {
 };
 
 // Date fields: how wide they are, what lists them and what an unknown one is
-// built as. `unit` is the seconds of one step, 0 for a field that sets no step.
+// built as. `unit` is the seconds of one step, 0 for a field that sets no step;
+// `least` and `most` are what a date holds there.
 struct FieldRow {
     char letter;
     int width;
@@ -47,16 +49,17 @@ struct FieldRow {
     const char* unknown;
     int Date::*field;
     int unit;
+    int least, most;
 };
 constexpr FieldRow field_rows[] = {
-    {'Y', 4, "?[0-9]??", "0000", &Date::year,  0    },
-    {'y', 2, "[0-9]?",   "00",   &Date::year,  0    },
-    {'m', 2, "[0-9]?",   "00",   &Date::month, 0    },
-    {'b', 3, "?[a-z]?",  "xxx",  &Date::month, 0    },
-    {'d', 2, "[0-9]?",   "00",   &Date::day,   86400},
-    {'j', 3, "?[0-9]?",  "000",  &Date::day,   86400},
-    {'h', 2, "[0-9]?",   "00",   &Date::hour,  3600 },
-    {'n', 2, "[0-9]?",   "00",   &Date::min,   60   },
+    {'Y', 4, "?[0-9]??", "0000", &Date::year,  0,     0, 9999},
+    {'y', 2, "[0-9]?",   "00",   &Date::year,  0,     0, 99  },
+    {'m', 2, "[0-9]?",   "00",   &Date::month, 0,     1, 12  },
+    {'b', 3, "?[a-z]?",  "xxx",  &Date::month, 0,     1, 12  },
+    {'d', 2, "[0-9]?",   "00",   &Date::day,   86400, 1, 31  },
+    {'j', 3, "?[0-9]?",  "000",  &Date::day,   86400, 1, 366 },
+    {'h', 2, "[0-9]?",   "00",   &Date::hour,  3600,  0, 23  },
+    {'n', 2, "[0-9]?",   "00",   &Date::min,   60,    0, 59  },
 };
 
 template <class Row, std::size_t N> const Row* find_row(const Row (&rows)[N], char letter) {
@@ -114,7 +117,10 @@ struct Writer {
 };
 
 std::string_view key_text(const NameSource& source, const Directive& directive) {
-    const std::string_view key = source.keys->text[static_cast<unsigned char>(directive.letter)];
+    std::string_view key = source.keys->text[static_cast<unsigned char>(directive.letter)];
+    if (key.empty() && directive.letter == 'f') {
+        key = source.keys->file;
+    }
     return directive.has_n ? key.substr(0, static_cast<std::size_t>(directive.n)) : key;
 }
 
@@ -128,6 +134,110 @@ std::string_view resource_named(const NameSource& source, std::string_view name)
     std::snprintf(text, sizeof text, "%.*s", static_cast<int>(name.size()), name.data());
     return resource_text(source, text, "");
 }
+
+// --- Matching a name that is whole ----------------------------------------------
+
+// A whole name against an open template: what is open, and the path, is any text
+// that makes the rest fit. A place that did not fit is not tried again.
+class OpenMatcher {
+public:
+    explicit OpenMatcher(const NameSource& source_in) : source(source_in) {}
+
+    bool run(const char* conv, const char* in) {
+        if (*conv == '\0') {
+            return *in == '\0';
+        }
+        if (!tried.emplace(conv, in).second) {
+            return false;
+        }
+        if (*conv == '{' || *conv == '}') {
+            return run(conv + 1, in);
+        }
+        if (*conv != '%') {
+            return *conv == *in && run(conv + 1, in + 1);
+        }
+        Directive directive;
+        conv = read_directive(conv + 1, &directive);
+        if (const FieldRow* field = find_row(field_rows, directive.letter)) {
+            return take_field(*field, conv, in);
+        }
+        if (find_row(path_rows, directive.letter) != nullptr) {
+            return take_any(conv, in, true);
+        }
+        const std::string_view text = text_of(directive);
+        if (!text.empty() || directive.letter == '{') {
+            return std::string_view(in).starts_with(text) && run(conv, in + text.size());
+        }
+        if (directive.has_n) {
+            const auto n = static_cast<std::size_t>(directive.n);
+            return std::strcspn(in, "/") >= n && run(conv, in + n);
+        }
+        return take_any(conv, in, false);
+    }
+
+    Date date; // of the name
+
+private:
+    const NameSource& source;
+    std::set<std::pair<const char*, const char*>> tried;
+
+    // Empty: any text.
+    std::string_view text_of(const Directive& directive) const {
+        switch (directive.letter) {
+        case '%':
+            return "%";
+        case 'e':
+            return source.ext;
+        case '*':
+            return {};
+        case '{':
+            return resource_named(source, directive.name);
+        default:
+            return key_text(source, directive);
+        }
+    }
+
+    bool take_any(const char* conv, const char* in, bool slashes) {
+        for (;; ++in) {
+            if (run(conv, in)) {
+                return true;
+            }
+            if (*in == '\0' || (*in == '/' && !slashes)) {
+                return false;
+            }
+        }
+    }
+
+    bool take_field(const FieldRow& row, const char* conv, const char* in) {
+        const auto width = static_cast<std::size_t>(row.width);
+        const std::string digits(in, std::min(width, std::strlen(in)));
+        const char* at = digits.c_str();
+        int value = 0;
+        if (row.letter == 'b') {
+            value = DATE_decode_month(at);
+        } else if (std::strspn(at, "0123456789") < width || scan_int(&at, row.width, &value) == 0 ||
+                   value > row.most) {
+            return false;
+        }
+        if (digits.size() < width || value < row.least || !run(conv, in + width)) {
+            return false;
+        }
+        if (row.letter == 'y') {
+            value += value < 50 ? 2000 : 1900;
+        }
+        if (row.letter == 'j') { // what follows is taken first, the year is not
+            day_of_year = value;
+        } else {
+            date.*row.field = value;
+        }
+        if (is_set(day_of_year) && is_set(date.year)) {
+            DATE_julian_monday(date.year, day_of_year, &date.month, &date.day);
+        }
+        return true;
+    }
+
+    int day_of_year = missing;
+};
 
 // --- Matching a typed name ----------------------------------------------------
 
@@ -143,13 +253,17 @@ class Matcher {
 public:
     Matcher(const NameSource& source_in, const char* typed)
         : source(source_in), conv(source_in.conv), in(typed),
-          plain(std::strchr(typed, '/') == nullptr), out{result} {
+          plain(std::strchr(typed, '/') == nullptr), open(name_is_open(conv)),
+          bare(open && is_bare(typed)), out{result} {
         result.date = source.set;
         copy_text(result.ext, sizeof result.ext, source.ext);
     }
 
     NameResult run() {
         const char* const typed = in;
+        if (open && take_whole()) {
+            return result;
+        }
         while (*conv != '\0' && !done) {
             MESS_print(mess_trace, "FILES:%s:%s:%s:%s:%s:%d\n", source.conv, typed, conv, in,
                        result.name, where);
@@ -164,11 +278,52 @@ private:
     const char* conv; // rest of the template
     const char* in;   // rest of the input
     bool plain;       // the input names no directory
+    bool open;        // the template holds "%*"
+    bool bare;        // the input is the digits of a date for such a template
     bool braces = false;
     bool done = false;
     int where = at_start;
     NameResult result;
     Writer out;
+
+    // A name that the whole template fits is what it is, in the template's path.
+    bool take_whole() {
+        const bool full = *in == '/' || *in == '.' || *in == '~';
+        const std::string name = full ? in : std::string("./") + in;
+        OpenMatcher matcher(source);
+        if (!matcher.run(conv, name.c_str())) {
+            return false;
+        }
+        for (const FieldRow& row : field_rows) {
+            if (is_set(matcher.date.*row.field)) {
+                result.date.*row.field = matcher.date.*row.field;
+            }
+        }
+        Directive first;
+        if (!full && *conv == '%') {
+            read_directive(conv + 1, &first);
+            if (const PathRow* path = find_row(path_rows, first.letter)) {
+                out.put(resource_text(source, path->resource, "."));
+                out.put('/');
+            }
+        }
+        out.put(in);
+        for (const char* at = conv; *at != '\0';) {
+            Directive directive;
+            at = *at == '%' ? read_directive(at + 1, &directive) : at + 1;
+            const FieldRow* row = find_row(field_rows, directive.letter);
+            if (row != nullptr && row->unit != 0) {
+                record_step(*row, directive.n);
+            }
+        }
+        return true;
+    }
+
+    static bool is_bare(const char* text) {
+        const char* const slash = std::strrchr(text, '/');
+        text = slash == nullptr ? text : slash + 1;
+        return text[std::strspn(text, "0123456789_")] == '\0';
+    }
 
     // Takes what remains of the input as it is, and ends.
     void rest() {
@@ -203,6 +358,11 @@ private:
 
     void literal(char c) {
         const bool same = *in == c;
+        if (bare && where == behind_date && !same && *in != '\0') {
+            out.put(c); // between the digits
+            ++conv;
+            return;
+        }
         if (where > at_start && *in == '\0') {
             where = input_ended;
         }
@@ -242,10 +402,13 @@ private:
         case 'e':
             extension();
             break;
+        case '*':
+            any_text();
+            break;
         default: {
             const std::string_view key = key_text(source, directive);
             if (key.empty()) {
-                return rest();
+                return open ? any_text() : rest();
             }
             out.put(key);
             pass(key.size());
@@ -329,7 +492,31 @@ private:
         in += cut;
     }
 
+    // Text that the template leaves open: names that hold all of it were matched
+    // by match_open, so this is a date typed alone, or none of the template.
+    void any_text() {
+        if (bare && where < behind_date) {
+            return skip_to_date();
+        }
+        rest();
+    }
+
+    void skip_to_date() {
+        while (*conv != '\0') {
+            const char* const at = conv;
+            Directive directive;
+            conv = *at == '%' ? read_directive(at + 1, &directive) : at + 1;
+            if (find_row(field_rows, directive.letter) != nullptr) {
+                conv = at;
+                return;
+            }
+        }
+    }
+
     void extension() {
+        if (open) {
+            return any_text();
+        }
         const std::string follows(conv, std::strcspn(conv, "%{}*"));
         const char* hit = follows.empty() ? nullptr : std::strstr(in, follows.c_str());
         if (result.ext[0] != '\0') {
@@ -390,7 +577,7 @@ public:
                 at = read_directive(at, &directive);
                 apply(directive);
             } else if (c != '{' && c != '}') {
-                out.put(c == ' ' ? '_' : c);
+                put_literal(c == ' ' ? '_' : c);
             }
         }
         // What a key or a setting says makes no command of a name.
@@ -406,10 +593,22 @@ private:
     NameResult result;
     Writer out;
     const bool command = *source.conv == '|';
+    const bool open = name_is_open(source.conv); // what is not known is any text
+
+    void put_literal(char c) {
+        if (source.glob && std::strchr("*?[\\", c) != nullptr) {
+            out.put('\\');
+        }
+        out.put(c);
+    }
 
     // Text from a setting or a key: in a command it is one word for the shell.
     void put_text(std::string_view text) {
         std::string word;
+        if (source.glob) {
+            std::for_each(text.begin(), text.end(), [this](char c) { put_literal(c); });
+            return;
+        }
         if (command) {
             quote(word, text);
             text = word;
@@ -436,16 +635,27 @@ private:
             out.put('%');
             break;
         case 'e':
-            put_text(source.ext);
+            put_or_open(source.ext, "", directive);
+            break;
+        case '*':
+            put_or_open("", "", directive);
             break;
         case '{':
             put_text(*source.path != '\0' ? source.path : resource_named(source, directive.name));
             break;
-        default: {
-            const std::string_view key = key_text(source, directive);
-            put_text(key.empty() ? "0" : key);
+        default:
+            put_or_open(key_text(source, directive), "0", directive);
             break;
         }
+    }
+
+    // A text; in its absence what stands for it, in a pattern any text.
+    void put_or_open(std::string_view text, const char* absent, const Directive& directive) {
+        if (!text.empty() || !open) {
+            put_text(text.empty() ? absent : text);
+        } else {
+            out.put(directive.has_n ? std::string(static_cast<std::size_t>(directive.n), '?')
+                                    : std::string("*"));
         }
     }
 
@@ -489,7 +699,8 @@ private:
         const int value = value_of(row, n);
         result.date.*row.field = value;
         if (!is_set(value)) {
-            out.put(row.unknown);
+            out.put(open ? std::string(static_cast<std::size_t>(row.width), '?')
+                         : std::string(row.unknown));
         } else if (row.letter == 'b') {
             const char* month = DATE_month_lower(value);
             out.put(*month == '\0' ? row.unknown : month);
@@ -543,6 +754,17 @@ NameResult match_name(const NameSource& source, const char* typed) {
 
 NameResult build_name(const NameSource& source, const Date& date, const Date& start) {
     return Builder(source, date, start).run();
+}
+
+bool name_is_open(const char* conv) {
+    for (const char* at = conv; *at != '\0';) {
+        Directive directive;
+        at = *at == '%' ? read_directive(at + 1, &directive) : at + 1;
+        if (directive.letter == '*') {
+            return true;
+        }
+    }
+    return false;
 }
 
 std::string list_pattern(const NameSource& source) {

@@ -7,6 +7,9 @@
 //   C D F R G W I T M S   a path resource, "." if it is absent
 //   {name}            the value of a resource
 //   %                 a "%"
+//   *                 any text, or as many characters as the number says: such a
+//                     template is looked up (name_find.h), and there a key or an
+//                     extension that is not set is any text, too
 //   any other         a key; a number takes its first characters
 // Text in braces is put out without being compared when a typed name is
 // matched; a blank is built as "_"; "*" ends the matching of a typed name.
@@ -17,7 +20,8 @@
 #include <string>
 
 struct NameKeys {
-    char text[256][30] = {}; // by the key character
+    char text[256][30] = {};        // by the key character
+    char file[file_name_size] = ""; // of %f, unless text['f'] is set: an input's name is long
 };
 
 // What a template draws on. All pointers are the caller's and never null.
@@ -30,6 +34,7 @@ struct NameSource {
     // day -N; hour or minute -(100 a + b): multiples of b, and a more.
     Date set;
     const char* (*resource)(const char* name) = nullptr; // a setting, or null
+    bool glob = false; // build a pattern of glob(3), with its own signs quoted
 };
 
 struct NameResult {
@@ -46,6 +51,8 @@ NameResult match_name(const NameSource& source, const char* typed);
 // The name for a date. Fields of `set` go first; unknown ones give zeros. The
 // result's date is `start` with the fields that the template holds.
 NameResult build_name(const NameSource& source, const Date& date, const Date& start);
+// Whether a template holds "%*", so that its names are looked up.
+bool name_is_open(const char* conv);
 // A pattern of shell words for all names of the template: only its globs stand
 // outside quotes.
 std::string list_pattern(const NameSource& source);

@@ -73,6 +73,42 @@ TEST(Template, TypedNames) {
     }
 }
 
+// Names of real files, whole and as far as a user types them: "%*" leaves the rest
+// open until it is looked up.
+TEST(Template, OpenNames) {
+    const struct {
+        const char *conv, *typed, *name, *date;
+    } rows[] = {
+        {"%D/%*%Y%m%d_%h%n%*",    "KTLX20190715_120037_V06",                         "/dat/KTLX20190715_120037_V06",
+         "2019 7 15 12 0"                                                                                                                                                        },
+        {"%D/%*%Y%m%d_%h%n%*",    "/a/2018/KTLX20190715_1200",                       "/a/2018/KTLX20190715_1200",
+         "2019 7 15 12 0"                                                                                                                                                        },
+        {"%D/%*%Y%m%d_%h%n%*",    "0012ABCD20190715_120037",                         "/dat/0012ABCD20190715_120037",
+         "2019 7 15 12 0"                                                                                                                                                        },
+        {"%D/%s_%*%Y_%m_%d%*",    "KTLX_N0B_2022_03_30_15",                          "/dat/KTLX_N0B_2022_03_30_15",
+         "2022 3 30 - -"                                                                                                                                                         },
+        {"%D/%q_%*%y%j",          "x_n22089",                                        "/dat/x_n22089",                                                            "2022 3 30 - -" },
+        {"%D/%4*%Y%m%d",          "KTLX20190715",                                    "/dat/KTLX20190715",                                                        "2019 7 15 - -" },
+        {"%D/%4*%Y%m%d",          "KTL20190715",                                     "/dat/KTL20190715",                                                         "- - - - -"     },
+        {"%D/%*%Y%m%d_%h%n%*",    "201907151200",                                    "/dat/20190715_1200",                                                       "2019 7 15 12 0"},
+        {"%D/%*_%Y_%m_%d%*",      "20190715",                                        "/dat/2019_07_15",                                                          "2019 7 15 - -" },
+        {"%D/%*%Y%m%d%*",         "sn.last",                                         "/dat/sn.last",                                                             "- - - - -"     },
+        {"%*%*%*%*%*%*%*%*%*%*x",
+         "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa", "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa", "- - - - -"     },
+    };
+    for (const auto& row : rows) {
+        const NameResult result = match_name(source_of(row.conv), row.typed);
+        EXPECT_STREQ(result.name, row.name) << row.conv << ' ' << row.typed;
+        EXPECT_EQ(text_of(result.date), row.date) << row.conv << ' ' << row.typed;
+    }
+    NameSource source = source_of("%D/[%q]%2*_%Y%h*");
+    Date date;
+    date.year = 2019;
+    EXPECT_STREQ(build_name(source, date, {}).name, "/dat/[*]??_2019??*");
+    source.glob = true;
+    EXPECT_STREQ(build_name(source, date, {}).name, "/dat/\\[*]??_2019??\\*");
+}
+
 TEST(Template, NamesOfDates) {
     constexpr int none = missing;
     // A step of -100 rounds to multiples of 0, which count as 1.
@@ -304,6 +340,61 @@ TEST_F(Files, RelativeRequests) {
     FILE_set_name("@fixed.rad"); // no time field: every try is the same
     EXPECT_EQ(FILE_set_current("la#3", name), 1272715800 - 2 * 100000);
     EXPECT_STREQ(name, "fixed.rad");
+}
+
+TEST_F(Files, OpenTemplatesAreLookedUp) {
+    RES_put("name_conv", ZYR_SOURCE_DIR "/etc/name_conv");
+    RES_put("data_path", "in");
+    fs::create_directory("in");
+    for (const char* name :
+         {"in/KTLX20190715_115544_V06", "in/KTLX20190715_120037_V06", "in/KTLX20190715_120058_V06",
+          "in/KINX20190715_120410_V06", "in/Level2_KFTG_20190716_0001.ar2v", "in/notes.txt",
+          "in/KBMX_SDUS54_N0QBMX_201501020205", "in/LOT_N0B_2022_03_30_15_40_41",
+          "in/LOT_N0B_2022_03_30_15_46_02", "in/LSX_N0B_2022_03_30_16_00_00",
+          "in/Level3_FFC_N0Q_20140407_1805.nids", "in/KDDC_N0Q_20200817_0501.nids"}) {
+        put(name, 2000);
+    }
+    put("in/KTLX20190715_121500_V06", 10); // still arriving
+    setenv("zyrcurtime", "201907151220", 1);
+    const struct {
+        const char *kind, *request, *name;
+    } rows[] = {
+        {"lev2",               "la",                      "in/KINX20190715_120410_V06"          },
+        {"lev2_KTLX",          "la",                      "in/KTLX20190715_120058_V06"          },
+        {"lev2_KTLX",          "la#5",                    "in/*KTLX*20190715_1220*"             },
+        {"lev2_KTLX",          "la#21",                   "in/KTLX20190715_120058_V06"          },
+        {"lev2_KTLX",          "la-0:05",                 "in/KTLX20190715_115544_V06"          },
+        {"lev2_KTLX",          "#201907150000+la",        "in/KTLX20190715_115544_V06"          },
+        {"lev2_KFTG",          "la",                      "in/*KFTG*20190715_1220*"             }, // of tomorrow
+        {"lev2_KTLX",          "201907151200",            "in/KTLX20190715_120058_V06"          },
+        {"lev2",               "20190715",                "in/KINX20190715_120410_V06"          },
+        {"lev2",               "20180715",                "in/*20180715_*"                      },
+        {"lev2",               "KTLX20190715_120037_V06", "in/KTLX20190715_120037_V06"          },
+        {"nids_wmo_N0Q:s=BMX", "la",                      "in/KBMX_SDUS54_N0QBMX_201501020205"  },
+        {"nids_sec_N0B:s=LOT", "20220330",                "in/LOT_N0B_2022_03_30_15_46_02"      },
+        {"nids_sec_N0B:s=L",   "#20220331la",             "in/*L_N0B_2022_03_31_00_00*"         },
+        {"nids_min_N0Q:s=FFC", "la",                      "in/Level3_FFC_N0Q_20140407_1805.nids"},
+        {"nids_min_N0Q:s=DDC", "20200817",                "in/KDDC_N0Q_20200817_0501.nids"      },
+    };
+    for (const auto& row : rows) {
+        FILE_set_type(0);
+        EXPECT_EQ(FILE_set_name(row.kind), 1);
+        char name[file_name_size];
+        FILE_set_file(row.request, name);
+        const std::string pattern = row.name;
+        const bool open = pattern.ends_with("_*"); // how the hours are shown is free
+        EXPECT_EQ(open ? std::string(name, pattern.size() - 2) + "_*" : name, pattern)
+            << row.kind << ' ' << row.request;
+        // The plotters build a name anew from its date and must come back to it.
+        if (FILE_exist(name) == 1) {
+            Date date;
+            FILE_get_date(&date);
+            char again[file_name_size];
+            FILE_set_filename(name);
+            FILE_set_date(&date, again);
+            EXPECT_STREQ(again, name);
+        }
+    }
 }
 
 TEST_F(Files, ClockValuesNameTheLastSuchTime) {

@@ -47,7 +47,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const NameResult result = match_name(source, typed.c_str());
     const std::string path = path_of_name(conv.c_str(), result.name);
     source.path = path.c_str();
+    source.glob = digits.size() % 2 != 0;
     const NameResult built = build_name(source, result.date, Date{});
+    source.glob = false;
     if (std::strlen(built.name) >= file_name_size || std::strlen(result.name) >= file_name_size) {
         std::abort();
     }
