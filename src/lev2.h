@@ -40,7 +40,8 @@ int LEV2_open_file(const char* filename);
 int LEV2_rewind_file();
 int LEV2_close_file();
 // Reads the volume header and looks up the site; the walk starts behind it, at
-// the first radial if that was needed to know the site. A site that is not in
+// the first radial if that was needed to know the site. A volume that names none
+// has that of `identifier`, or of the file's name. A site that is not in
 // the station file has the position 38.98, -77.48, with a warning. Nothing is
 // done with no file open. The date's label is the plotter's. Returns 0.
 int LEV2_get_header(LEV2_info* info);

@@ -56,9 +56,11 @@
 #include "region.h"
 #include "tools.h"
 #include "zyrcty.h"
+#include "zyrresrc.h"
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cmath>
 #include <cstring>
 #include <string>
@@ -541,6 +543,45 @@ void tell_site(State& s, const LEV2_info& info, bool radial) {
     }
     MESS_print(mess_warn, "LEV2_get_header: Unknown site:\"%s\"%s, plotted at %.2f,%.2f\n", info.id,
                position.data(), static_cast<double>(info.lat), static_cast<double>(info.lon));
+    if (info.id[0] == '\0') {
+        MESS_print(mess_warn,
+                   "LEV2_get_header: A site in the file's name (KTLX...) is taken, or -id KTLX\n");
+    }
+}
+
+// Takes a site that the station file knows, by three letters or four.
+bool take_site(std::string_view letters, LEV2_info& info) {
+    if (letters.size() != 3 && letters.size() != 4) {
+        return false;
+    }
+    const std::string id(letters.substr(letters.size() - 3));
+    return CTY_get_loc("rad.cty", id.c_str(), &info.lat, &info.lon) == 1 &&
+           copy_text(info.id, sizeof info.id, id.c_str()) == 0;
+}
+
+// The site of a volume that names none: the user's, or that in its file's name,
+// a word of four capitals as in "KTLX19990503_235621.gz".
+bool take_told_site(const State& s, LEV2_info& info) {
+    const char* identifier = RES_get("identifier");
+    if (identifier != nullptr && take_site(identifier, info)) {
+        return true;
+    }
+    const char* const slash = std::strrchr(s.name, '/');
+    std::string_view rest = slash == nullptr ? s.name : slash + 1;
+    const auto is_letter = [](char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; };
+    const auto is_capital = [](char c) { return c >= 'A' && c <= 'Z'; };
+    while (!rest.empty()) {
+        const auto* const end = std::find_if_not(rest.begin(), rest.end(), is_letter);
+        const std::string_view word = rest.substr(0, static_cast<std::size_t>(end - rest.begin()));
+        if (word.size() == 4 && std::all_of(word.begin(), word.end(), is_capital) &&
+            take_site(word, info)) {
+            MESS_print(mess_mess, "LEV2_get_header: No site in the volume, taken by its name:%s\n",
+                       info.id);
+            return true;
+        }
+        rest.remove_prefix(std::max<std::size_t>(word.size(), 1));
+    }
+    return false;
 }
 
 LEV2_info read_header(State& s) {
@@ -576,6 +617,9 @@ LEV2_info read_header(State& s) {
         if (known()) {
             return info;
         }
+    }
+    if (info.id[0] == '\0' && take_told_site(s, info)) {
+        return info;
     }
     tell_site(s, info, radial);
     return info;

@@ -4,6 +4,7 @@
 
 #include "lev2_cuts.h"
 #include "maptran.h"
+#include "run_program.h"
 #include "zyrresrc.h"
 
 #include <cmath>
@@ -303,6 +304,50 @@ TEST_F(Lev2, Warnings) {
         }),
                        file == packed),
                   "");
+    }
+}
+
+// A volume that names no site has that of its file's name, or the user's.
+TEST_F(Lev2, SiteByNameOrIdentifier) {
+    Lev2Radial radial;
+    radial.id = "";
+    Lev2Volume made;
+    made.site = "";
+    made.units = {lev2_radial(radial)};
+    const Bytes bytes = lev2_volume(made, false);
+    const TempDir dir;
+    const struct {
+        const char *name, *identifier, *site;
+    } rows[] = {
+        {"KTLX19990503_235621", "",     "TLX"},
+        {"Level2_KFTG_2015.ar", "",     "FTG"},
+        {"x.KTLXA.KTL.ktlx",    "",     ""   },
+        {"KQQQ1999_KTLX",       "",     "TLX"}, // one that there is
+        {"KFTG1999",            "KTLX", "TLX"},
+        {"KFTG1999",            "INX",  "INX"},
+        {"KFTG1999",            "QQQ",  "FTG"},
+    };
+    for (const auto& row : rows) {
+        RES_put("identifier", row.identifier);
+        const std::string name = dir.write(row.name, {bytes.begin(), bytes.end()});
+        LEV2_open_file("/dev/null");
+        LEV2_set_compress(0);
+        MESS_set(0, mess_warn);
+        testing::internal::CaptureStderr();
+        ASSERT_EQ(lev2_open_volume(name.c_str()), 1);
+        LEV2_info info;
+        LEV2_get_header(&info);
+        LEV2_close_file();
+        MESS_set(0, 0);
+        EXPECT_STREQ(info.id, row.site) << row.name;
+        EXPECT_EQ(testing::internal::GetCapturedStderr(),
+                  *row.site != '\0'
+                      ? ""
+                      : "LEV2_get_header: Unknown site:\"\" (the volume says 35.333,-97.278), "
+                        "plotted at 38.98,-77.48\n"
+                        "LEV2_get_header: A site in the file's name (KTLX...) is taken, or -id "
+                        "KTLX\n")
+            << row.name;
     }
 }
 
