@@ -18,17 +18,19 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <vector>
 
 namespace {
 
 struct Session {
     int work_id = 1;
     Gws_type wk_type = ws_none;
-    float aspect = 1.0F;     // of the viewport, as opened
-    int dump = 0;            // kind of image dump
-    char dump_file[60] = ""; // its name convention
-    Date data_date;          // of the data in the picture
-    bool lost = false;       // an output could not be written
+    float aspect = 1.0F;            // of the viewport, as opened
+    int dump = 0;                   // kind of image dump
+    char dump_file[60] = "";        // its name convention
+    Date data_date;                 // of the data in the picture
+    std::vector<std::string> files; // the input of each frame, without directory and ending
+    bool lost = false;              // an output could not be written
 };
 Session session;
 
@@ -101,8 +103,6 @@ Date image_date() {
     return date;
 }
 
-// Writes the picture of the selected frame under the name that the dump's
-// convention gives with the key `i`.
 // The title as a part of a name. Of another program's window it is anybody's text:
 // it names no directory and no command, and means nothing to a shell.
 std::string title_for_name() {
@@ -121,12 +121,35 @@ std::string title_for_name() {
     return title;
 }
 
-void dump_image(const char* key) {
+// An ending begins with a letter: the number of "sn.0012" is none.
+void cut_ending(std::string& file) {
+    const std::size_t dot = file.rfind('.');
+    if (dot != std::string::npos && dot > 0 && dot + 1 < file.size() &&
+        std::isalpha(static_cast<unsigned char>(file[dot + 1])) != 0) {
+        file.erase(dot);
+    }
+}
+
+// The input of a frame, the one drawn last where there are none.
+const char* file_of_frame(int frame) {
+    if (session.files.empty()) {
+        return "";
+    }
+    const auto index = static_cast<std::size_t>(frame);
+    return (frame >= 0 && index < session.files.size() ? session.files[index]
+                                                       : session.files.back())
+        .c_str();
+}
+
+// Writes the picture of the selected frame under the name that the dump's
+// convention gives with the keys `i`, `p` and `f`.
+void dump_image(const char* key, int frame) {
     const Date date = image_date();
     char name[file_name_size] = "";
     char path[file_name_size] = "";
     FILE_set_name(session.dump_file);
     FILE_set_key('i', key);
+    FILE_set_file_key(file_of_frame(frame));
     FILE_set_key('p', title_for_name().c_str());
     FILE_set_date(&date, name);
     FILE_add_path(RES_get("image_path"), name, path);
@@ -146,7 +169,7 @@ void dump_image(const char* key) {
 void dump_frame(int number) {
     char key[16];
     std::snprintf(key, sizeof key, "%2.2d", number);
-    dump_image(key);
+    dump_image(key, number);
 }
 
 } // namespace
@@ -257,6 +280,29 @@ void PLT_set_data_date(const Date* date) {
     session.data_date = date == nullptr ? Date{} : *date;
 }
 
+void PLT_set_data_file(int frame, const char* name) {
+    std::string file = name;
+    if (FILE_is_stdio(name) != 0) {
+        file = "std";
+    } else if (file.starts_with('|')) {
+        file = "command";
+    }
+    file.erase(0, file.rfind('/') + 1); // npos + 1 is 0
+    if (file.ends_with(".gz")) {
+        cut_ending(file);
+    }
+    cut_ending(file);
+    const auto index = static_cast<std::size_t>(std::clamp(frame, 0, max_frames));
+    session.files.resize(std::max(session.files.size(), index + 1));
+    session.files[index] = file;
+}
+
+void PLT_shift_data_files() {
+    if (!session.files.empty()) {
+        session.files.erase(session.files.begin());
+    }
+}
+
 int PLT_dump(int frame) {
     if (session.dump == 0) {
         return -1;
@@ -272,7 +318,7 @@ int PLT_dump(int frame) {
         gselect_frame(frame);
         dump_frame(gget_cur_frame());
     } else {
-        dump_image("win");
+        dump_image("win", -1);
     }
     FILE_restore_name_conv();
     return 0;

@@ -92,6 +92,10 @@ void PLT_tell_overlaid(int pictures);
 // Image dump after each frame: kind 0 none, 1 XWD, 2 GIF, 3 native image,
 // 4 PNG, and the convention that names it (null or empty: the kind's own).
 int PLT_set_dump(int type, const char* filename);
+// The input of a frame: the key %f in the name of a dump is its name without
+// directory and ending. PLT_shift_data_files: the oldest frame has gone.
+void PLT_set_data_file(int frame, const char* name);
+void PLT_shift_data_files();
 // Date of the data in the picture: date keys in the name of a dump take from it
 // what the name of the file does not say. Null: not known.
 void PLT_set_data_date(const Date* date);

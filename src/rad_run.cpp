@@ -110,6 +110,7 @@ bool open_next(const RadPlotter& plotter, RadRun& run, const char* name) {
     if (!take_name(run.probed, name)) {
         plotter.close();
         if (plotter.open(name) == 0) {
+            FILE_explain_cut(name);
             plotter.close();
             return false;
         }
@@ -159,6 +160,7 @@ bool plot_file(const RadPlotter& plotter, RadRun& run, const char* name, int fra
     if (several) {
         gselect_frame(gcreate_frame(frame));
     }
+    PLT_set_data_file(frame, name);
     plotter.frame();
     plotter.close();
     if (several) {
@@ -299,6 +301,7 @@ bool rad_open_session(const RadPlotter& plotter, RadRun& run, const RadWords& wo
     if (opened) {
         begin_session(plotter, run, domain);
     } else {
+        FILE_explain_cut(name);
         plotter.close();
     }
     return false;
@@ -354,6 +357,10 @@ bool rad_show_next(const RadPlotter& plotter, RadRun& run, const char* name) {
         return false;
     }
     const int frames = shift_frames();
+    if (frames > 1) {
+        PLT_shift_data_files();
+    }
+    PLT_set_data_file(std::max(frames - 1, 0), name);
     plotter.begin();
     plotter.frame();
     plotter.close();

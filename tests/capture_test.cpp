@@ -338,6 +338,9 @@ TEST_F(CaptureTest, WhatCannotBeDoneIsTold) {
          "MAP_process: Images are drawn in a window alone: i.png\n"                                                             },
         {"-de p,o.ps disc -pp png=o.png",                  "PLT_dump: Images are taken of a window alone\n"
                                           "PLT_dump: Unable to write PNG file: o.png\n"},
+        {"-ba disc -of png=|false",                        "PLT_dump: Unable to write PNG file: |false\n"                       },
+        {"-ba disc -pp img=|true",                         // more than a pipe holds
+         "PLT_dump: Unable to write IMG file: |true\n"                                        },
         {"-ba disc -pp gif=/proc/o.gif",
          "Unable to open GIF file\nPLT_dump: Unable to write GIF file: /proc/o.gif\n"                                           },
     };
@@ -355,6 +358,9 @@ TEST_F(CaptureTest, ZyrshotMakesPicturesWithoutADisplay) {
     std::filesystem::copy(ZYR_SOURCE_DIR "/scripts/zyrshot", script);
     std::filesystem::create_symlink(ZYR_PROGRAM, file("zyrrad"));
     const Picture seen = picture_of("disc -ge 403x301 -cof auto -pp full");
+    for (const char* copy : {"d/disc.nids.gz", "201905202230.nids"}) {
+        dir.write(copy, read_text(file("disc")));
+    }
     struct Row {
         const char* args;
         int code;
@@ -362,20 +368,25 @@ TEST_F(CaptureTest, ZyrshotMakesPicturesWithoutADisplay) {
         const char* err;     // begins so
     };
     constexpr Row rows[] = {
-        {"-s 403x301 disc a.png -- -pp full",        0,  "a.png",  ""                           },
-        {"-s 403x301 disc a.gif -- -pp full",        0,  "a.gif",  ""                           },
-        {"-s 403x301 other disc %i.png -- -pp full", 0,  "01.png", ""                           },
-        {"none a.png",                               10, "",       "NIDS_open_file: Unable to"  },
-        {"disc a.jpg",                               2,  "",       "zyrshot: no .png or .gif"   },
-        {"-s 403 disc a.png",                        2,  "",       "zyrshot: no size: 403\n"    },
-        {"disc other a.png",                         2,  "",       "zyrshot: several files need"},
-        {"disc none/a.png",                          1,  "",       "zyrshot: no such directory" },
-        {"-x disc a.png",                            2,  "",       "zyrshot: unknown option: -x"},
+        {"-s 403x301 disc a.png -- -pp full",                   0,  "a.png",              ""                                },
+        {"-s 403x301 disc a.gif -- -pp full",                   0,  "a.gif",              ""                                },
+        {"-s 403x301 other disc %i.png -- -pp full",            0,  "01.png",             ""                                },
+        {"-s 403x301 other d/disc.nids.gz n%f.png -- -pp full", 0,  "ndisc.png",          ""                                },
+        {"-s 403x301 la l.png -- -pp full",                     0,  "l.png",              ""                                },
+        {"-s 403x301 -cu la#2 cu%f.gif -- -pp full",            0,  "cu201905202230.gif", ""                                },
+        {"disc disc same%f.png",                                4,  "",                   "zyrshot: samedisc.png is that of"},
+        {"none a.png",                                          10, "",                   "NIDS_open_file: Unable to"       },
+        {"disc a.jpg",                                          2,  "",                   "zyrshot: no .png or .gif"        },
+        {"-s 403 disc a.png",                                   2,  "",                   "zyrshot: no size: 403\n"         },
+        {"disc other a.png",                                    2,  "",                   "zyrshot: several files need"     },
+        {"disc none/a.png",                                     1,  "",                   "zyrshot: no such directory"      },
+        {"-x disc a.png",                                       2,  "",                   "zyrshot: unknown option: -x"     },
     };
     std::vector<std::unique_ptr<RunningProgram>> running; // all at once
     for (const Row& row : rows) {
         ProgramCall call;
         call.env["zyrdefault"] = ZYR_SOURCE_DIR "/etc";
+        call.env["zyrcurtime"] = "201905202231";
         call.directory = dir.path();
         std::istringstream words(row.args);
         for (std::string word; words >> word;)
@@ -392,4 +403,45 @@ TEST_F(CaptureTest, ZyrshotMakesPicturesWithoutADisplay) {
             EXPECT_EQ(read_picture(file(name), name.substr(name.size() - 3)), seen) << row.args;
         }
     }
+}
+
+// More files than a loop holds, and a disk without room for the picture.
+TEST_F(CaptureTest, ZyrshotSaysWhatItLeavesOut) {
+    const std::string script = file("zyrshot");
+    std::filesystem::copy(ZYR_SOURCE_DIR "/scripts/zyrshot", script);
+    std::filesystem::create_symlink(ZYR_PROGRAM, file("zyrrad"));
+    const auto shoot = [&](std::vector<std::string> args) {
+        ProgramCall call;
+        call.env["zyrdefault"] = ZYR_SOURCE_DIR "/etc";
+        call.env["PATH"] = file("bin") + ":/usr/bin:/bin";
+        call.directory = dir.path();
+        call.args = std::move(args);
+        return RunningProgram(script, call).wait();
+    };
+    std::vector<std::string> many(max_frames + 2, "disc");
+    many.insert(many.begin(), {"-s", "40x30"});
+    many.emplace_back("n%i.png");
+    const ProgramRun left_out = shoot(many);
+    EXPECT_EQ(left_out.code, 4);
+    EXPECT_NE(left_out.err.find("2 more files are left out\n"), std::string::npos) << left_out.err;
+    EXPECT_NE(left_out.err.find("zyrshot: not every file has its picture: 128 were written\n"),
+              std::string::npos)
+        << left_out.err;
+    EXPECT_TRUE(std::filesystem::exists(file("n000.png"))); // as wide as the last one needs
+    EXPECT_TRUE(std::filesystem::exists(file("n127.png")));
+
+    std::filesystem::permissions(
+        dir.write("bin/cp", "#!/bin/sh\nhead -c 9 \"$2\" >\"$3\"\nexit 1\n"),
+        std::filesystem::perms::owner_all);
+    dir.write("to/old.png", "old");
+    const ProgramRun full = shoot({"disc", "to/old.png"});
+    EXPECT_EQ(full.code, 1);
+    EXPECT_EQ(read_text(file("to/old.png")), "old");
+    const auto entries = std::filesystem::directory_iterator(file("to"));
+    EXPECT_EQ(std::distance(begin(entries), end(entries)), 1);
+    const std::size_t at = full.err.find("/tmp/zyrshot.");
+    ASSERT_NE(at, std::string::npos) << full.err;
+    const std::string kept = full.err.substr(at, full.err.find('\n', at) - at);
+    EXPECT_EQ(read_png(kept + "/win=disc.png").width, 1024);
+    std::filesystem::remove_all(kept);
 }
