@@ -1,6 +1,7 @@
 // zyrrad.cpp: the entry point. It reads the settings, finds out which kind of
 // radar file is asked for, gets the name of the first file and hands over to
 // the plotter of that kind, which does the rest of the run.
+#include "zyrrad.h"
 #include "date.h"
 #include "files.h"
 #include "kavrad.h"
@@ -80,6 +81,18 @@ void run_rcm(Domain* domain) {
     RCM_plot(domain);
 }
 
+// A summary is drawn on each domain that the user names, for each choice of
+// variables.
+void run_summary(Domain* domain) {
+    RAD_set_date(nullptr);
+    while (DOM_prompt_region(domain, 1) >= 1) {
+        RAD_set_prompt_variable(1);
+        while (RAD_prompt_variable() != 0) {
+            RAD_plot(domain);
+        }
+    }
+}
+
 // One kind of radar file: how a typed name is read, what the user is asked, and
 // what plots it.
 struct Plotter {
@@ -90,13 +103,14 @@ struct Plotter {
 };
 
 constexpr Plotter plotters[] = {
-    {input_nids,     1, "Enter the NIDS filename: ",    run_nids  },
-    {input_lev2,     1, "Enter the Level 2 filename: ", run_lev2  },
-    {input_lev2z,    1, "Enter the Level 2 filename: ", run_lev2z },
-    {input_rrwds,    0, "Enter the RRWDS filename: ",   run_rrwds },
-    {input_nowrad,   0, "Enter the NOWRad filename: ",  run_nowrad},
-    {input_kavrad,   0, "Enter the KAVRAD filename: ",  run_kavrad},
-    {input_rcm_site, 0, "Enter the RCM filename: ",     run_rcm   },
+    {input_nids,     1, "Enter the NIDS filename: ",    run_nids   },
+    {input_lev2,     1, "Enter the Level 2 filename: ", run_lev2   },
+    {input_lev2z,    1, "Enter the Level 2 filename: ", run_lev2z  },
+    {input_rrwds,    0, "Enter the RRWDS filename: ",   run_rrwds  },
+    {input_nowrad,   0, "Enter the NOWRad filename: ",  run_nowrad },
+    {input_kavrad,   0, "Enter the KAVRAD filename: ",  run_kavrad },
+    {input_rcm_site, 0, "Enter the RCM filename: ",     run_rcm    },
+    {input_summary,  0, "Enter the radar filename: ",   run_summary},
 };
 
 // The exit code of "--info [--json] FILE...".
@@ -153,16 +167,10 @@ int main(int argc, char** argv) {
         RAD_print_greeting();
     }
 
+    // What is of no other kind is a summary, the last row.
     const auto* plotter =
-        std::find_if(std::begin(plotters), std::end(plotters),
+        std::find_if(std::begin(plotters), std::end(plotters) - 1,
                      [](const Plotter& row) { return row.input == FLAG_get(flag_input); });
-    if (plotter == std::end(plotters)) {
-        const char* input = RES_get("input");
-        MESS_print(mess_error, "zyrrad: This build plots no input of this type: %s\n",
-                   input != nullptr && *input != '\0' ? input : "radar summary");
-        MESS_print(mess_error, "zyrrad: Name the type with -inp: nids, lev2 or lev2z\n");
-        ZYR_exit(exit_no_file);
-    }
     std::array<char, file_name_size> file{};
     FILE_set_type(plotter->type);
     FILE_get_file(plotter->prompt, file.data());

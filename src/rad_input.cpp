@@ -4,10 +4,12 @@
 #include "rad_input.h"
 
 #include "files.h"
+#include "near_word.h"
 #include "var_tool.h"
 #include "zyrresrc.h"
 
 #include <cstring>
+#include <string>
 
 namespace {
 
@@ -119,6 +121,15 @@ void set_format(const char* item) {
     }
 }
 
+void tell_unknown(const char* item) {
+    KnownWords words;
+    for (const Rule& rule : input_rules) {
+        words.push_back({rule.word});
+    }
+    MESS_print(mess_warn, "input: Unknown word: %s, the nearest is %s\n", item,
+               std::string(nearest_word(words, item)).c_str());
+}
+
 // Returns whether an item of `input` was known.
 bool read_input() {
     bool given = false;
@@ -130,6 +141,8 @@ bool read_input() {
             set_type(*rule);
             set_names(*rule, items[i]);
             given = true;
+        } else if (*items[i] != '\0') {
+            tell_unknown(items[i]);
         }
     }
     free_parsed_array(count, items);

@@ -8,6 +8,11 @@
 //   make_sample --rrwds FILE     the storm as an RRWDS image
 //   make_sample --rcm FILE       the storm as a Radar Coded Message; --rcm-region of four sites
 //   make_sample --rcm-seeds DIR  small messages of every kind
+//   make_sample --mdr FILE       the weather of the mosaics as a summary of digitised
+//                                reports; --rcm-summary of Radar Coded Messages
+//   make_sample --summary DIR    the same, and netCDF summaries
+//   make_sample --summary-seeds KIND DIR
+//                                small summaries: text or netcdf
 //   make_sample --mosaic-seeds DIR small mosaics of every kind
 //   make_sample --seeds DIR      small products of every kind, whole and damaged
 //   make_sample --lev2-seeds DIR small Level II volumes of every kind, the same
@@ -24,6 +29,7 @@
 #include "rcm_writer.h"
 #include "rrwds_writer.h"
 #include "seeds.h"
+#include "summary_writer.h"
 
 #include <cstdio>
 #include <fstream>
@@ -84,6 +90,15 @@ int main(int argc, char** argv) {
     if (option == "--rcm-seeds") {
         return write_files(argv[2], rcm_samples()) ? 0 : 1;
     }
+    if (option == "--mdr" || option == "--rcm-summary") {
+        return write_file(argv[2], summary_sample(option != "--mdr")) ? 0 : 1;
+    }
+    if (option == "--summary") {
+        return write_files(argv[2], summary_samples()) ? 0 : 1;
+    }
+    if (argc == 4 && std::string(argv[1]) == "--summary-seeds") {
+        return write_files(argv[3], summary_seeds(std::string(argv[2]) == "netcdf")) ? 0 : 1;
+    }
     if (option == "--mosaic-seeds") {
         return write_files(argv[2], nowrad_samples()) && write_files(argv[2], kavrad_samples()) ? 0
                                                                                                 : 1;
@@ -105,9 +120,11 @@ int main(int argc, char** argv) {
     }
     std::fprintf(
         stderr,
-        "usage: make_sample FILE | --super FILE | --lev2 FILE | --storms FILE | --nowrad FILE | "
+        "usage: make_sample FILE | --super FILE | --storms FILE | --lev2 FILE | --nowrad FILE | "
         "--nowrad-us FILE | --kavrad FILE | --rrwds FILE | --rcm FILE | --rcm-region FILE | "
-        "--rcm-seeds DIR | --mosaic-seeds DIR | --seeds DIR | --lev2-seeds DIR | "
-        "--image-seeds KIND DIR | --overlay-seeds DIR\n");
+        "--rcm-seeds DIR | --mdr FILE | "
+        "--rcm-summary FILE | --summary DIR | --summary-seeds KIND DIR | "
+        "--mosaic-seeds DIR | --seeds DIR | "
+        "--lev2-seeds DIR | --image-seeds KIND DIR | --overlay-seeds DIR\n");
     return 2;
 }

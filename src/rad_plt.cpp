@@ -1,0 +1,766 @@
+// rad_plt: the plotter of radar summaries: the levels as a filled contour of the
+// national grid, the reports as texts and symbols at their stations. State: the
+// open file and its grid, the report in hand, the words of `plot_param`, the
+// choice of variables, the run over the files (rad_run). The variables must be
+// chosen (RAD_prompt_variable) before the plot.
+#include "zyrrad.h"
+
+#include "cont.h"
+#include "date.h"
+#include "files.h"
+#include "map.h"
+#include "maptran.h"
+#include "near_word.h"
+#include "plt_tool.h"
+#include "rad_key.h"
+#include "rad_run.h"
+#include "region.h"
+#include "var_tool.h"
+#include "watch.h"
+#include "windbarb.h"
+#include "zyrcty.h"
+#include "zyrgks.h"
+#include "zyrgrid.h"
+#include "zyrraw.h"
+#include "zyrresrc.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <string>
+#include <string_view>
+
+namespace {
+
+constexpr int item_text = 0; // plot components
+constexpr int item_data = 7;
+constexpr int item_summary = 10;
+constexpr int plot_levels = 52; // plot types: filled, with the key of levels
+constexpr int plot_marks = 55;
+constexpr int plot_steps = 51; // by two levels
+constexpr int exit_no_memory = 3;
+constexpr int station_priority = 3;
+constexpr float km_per_nmi = 1.852F;
+constexpr int default_items = 100;
+constexpr double default_dist = 100.0; // of the circle about a station, nautical miles
+constexpr double least_dist = 10.0;
+constexpr double most_dist = 10000.0;
+constexpr char colors[] = "None,Blue,Cyan,Green,Yellow,Red,Magenta";
+
+// Where the grids lie.
+struct GridRow {
+    int type;
+    float clat, clon;
+    int nx, ny;
+    float step;
+};
+constexpr GridRow grids[] = {
+    {rad_mdr, 40.02738F, -96.1069F,  120, 90,  0.47596F},
+    {rad_rcm, 39.71121F, -97.09452F, 449, 353, 0.11899F},
+};
+
+struct State {
+    int cvt_fd = -1; // of the open file
+    RAD_info info;
+    MDR_report mdr_report;
+    RCM_report rcm_report;
+    int stat_num = 0; // of the next report
+    char var_str[res_value_size] = "";
+    int variable_prompt = 1; // 0: the variables are chosen and nothing is left to ask
+    bool var_file = false;   // the variable file was opened
+    float scale = 1.0F;
+    float plt_dist = 0.0F; // circle about each station, nautical miles; 0: none
+    bool noclar = false;   // leave out the symbols of sites in clear air
+    int num_plt = default_items;
+    Domain stored;     // whose stations are in the table
+    bool told = false; // of a variable that nobody knows
+    RadWords words;
+    RadRun run;
+};
+State state;
+
+bool is_blank_text(const char* text) {
+    return text[0] == '\0' || text[0] == ' ';
+}
+
+// --- Words ------------------------------------------------------------------------
+
+void take_word(const char* word) {
+    constexpr std::size_t dist = 4; // letters
+    constexpr std::size_t numplt = 6;
+    if (strnicmp(word, "dist", dist) == 0) {
+        const double number =
+            std::strlen(word) == dist ? default_dist : rad_word_number(word, dist);
+        // Also of what is no number.
+        state.plt_dist =
+            static_cast<float>(std::min(number > least_dist ? number : least_dist, most_dist));
+    } else if (stricmp(word, "nodist") == 0) {
+        state.plt_dist = 0.0F;
+    } else if (strnicmp(word, "numplt", numplt) == 0) {
+        state.num_plt = rad_word_int(word, numplt);
+    } else if (stricmp(word, "noclar") == 0) {
+        state.noclar = true;
+    } else if (stricmp(word, "nobar") == 0) {
+        CONT_set_bar(-2);
+    } else {
+        rad_take_word(state.words, word);
+    }
+}
+
+// --- Frames -----------------------------------------------------------------------
+
+// The date of the open file and its label, in the zone of the session.
+const Domain* take_file() {
+    FILE_get_date(&state.run.file_date);
+    const Date& date = state.info.date;
+    PLT_init_labels();
+    PLT_set_overlay(0);
+    if (is_set(date.day)) {
+        state.run.file_date = date;
+        PLT_set_data_date(&date);
+        std::array<char, date_label_size> label{};
+        DATE_make_label(&date, label.data());
+        PLT_label_up_right(label.data());
+    } else {
+        PLT_label_up_right(state.info.datim);
+    }
+    static constexpr Domain none; // it is drawn on the one that the user chose
+    return &none;
+}
+
+// The stations of the picture: another domain has others, in other places.
+void store_stations() {
+    Domain domain;
+    MAP_get_domain(&domain);
+    if (!is_set(state.stored.proj) || DOM_comp(&domain, &state.stored) == 0) {
+        CTY_store("rad.cty", cty_xy, &domain, station_priority);
+        state.stored = domain;
+    }
+}
+
+void label_variables() {
+    for (int i = 0; i < VAR_get_num(); ++i) {
+        if (VAR_is_type_PLOT(i) != 0 && VAR_is_LABEL(i) != 0) {
+            std::array<char, plt_label_size> label{};
+            VAR_make_var_form_datatype(i, label.data());
+            PLT_label_up_left(label.data());
+            if (PLT_next_overlay() == -1) {
+                break;
+            }
+        }
+    }
+    PLT_set_overlay(0);
+}
+
+int plot_frame() {
+    GPH_trans(tran_map);
+    store_stations();
+    const int label_type = PLT_get_label_type(); // each line of labels moves it on
+    label_variables();
+    RAD_plot_frame();
+    PLT_set_label_type(label_type);
+    return 0;
+}
+
+constexpr RadPlotter plotter = {
+    RAD_plot_param, RAD_open_file, RAD_close_file, take_file,
+    plot_frame,     RAD_callback,  RAD_plot,       RAD_plot_nextfile,
+};
+
+// --- The grid ---------------------------------------------------------------------
+
+// The value that a level is drawn with.
+float grid_value(signed char level) {
+    if (level == 8 || level == 9) {
+        return 1.0F;
+    }
+    return level < 0 ? 0.0F : static_cast<float>(level);
+}
+
+const GridRow* find_grid() {
+    const auto* row = std::find_if(std::begin(grids), std::end(grids),
+                                   [](const GridRow& g) { return g.type == state.info.type; });
+    return row != std::end(grids) ? row : nullptr;
+}
+
+GRD_report make_grid(const GridRow& row) {
+    GRD_report grid;
+    Domain& domain = grid.domain;
+    DOM_init(&domain);
+    domain.proj = proj_pstereo;
+    domain.plat = 90.0F;
+    domain.plon = -105.0F;
+    domain.clat = row.clat;
+    domain.clon = row.clon;
+    domain.nx = row.nx;
+    domain.ny = row.ny;
+    domain.dx = domain.dy = row.step;
+    return grid;
+}
+
+float setting(const char* name, float value) {
+    RES_getval(name, &value, CV_float);
+    return value;
+}
+
+// Levels and colours of the grid, anew for each.
+void set_levels(int type) {
+    CONT_init();
+    CONT_param_decode();
+    CONT_reset_fill_set();
+    CONT_set_quantity(nullptr);
+    CONT_set_fill_colors(colors, 0);
+    CONT_set_type(type >= 1 ? type : plot_levels);
+    CONT_set_base(setting("con_base", -0.5F));
+    CONT_set_intrvl(setting("con_interval", type == plot_steps ? 2.0F : 1.0F));
+}
+
+// --- Reports ----------------------------------------------------------------------
+
+bool is_watch(int index) {
+    return stricmp(VAR_get_name(index), "watch") == 0;
+}
+
+// The watches, when a variable asks for them. Returns whether one does not.
+bool draw_watches() {
+    bool others = false;
+    bool watches = false;
+    for (int i = 0; i < VAR_get_num(); ++i) {
+        (is_watch(i) ? watches : others) = true;
+    }
+    if (watches) {
+        WATCH_decode(&state.run.file_date);
+        WATCH_plot();
+    }
+    return others;
+}
+
+// The part of a variable's name that says what is shown.
+std::string value_name(const VAR_data& var) {
+    return {var.name, std::strcspn(var.name, "-")};
+}
+
+bool is_name(const std::string& name, const char* word) {
+    return stricmp(name.c_str(), word) == 0;
+}
+
+constexpr const char* mdr_names[] = {"city",   "stat",   "pr_typ", "pr_tt",
+                                     "pr_tnd", "echtop", "pr_amv", "pr_cmv"};
+constexpr const char* rcm_names[] = {"city", "stat", "mode", "echotop", "tvs", "meso",
+                                     "id",   "top",  "hail", "mvmt",    "spd"};
+
+template <std::size_t N> void check_names(const char* const (&names)[N]) {
+    for (int i = 0; i < VAR_get_num() && !state.told; ++i) {
+        const std::string name = value_name(VAR_get_vars()[i]);
+        const bool known =
+            is_watch(i) || std::any_of(std::begin(names), std::end(names),
+                                       [&](const char* word) { return is_name(name, word); });
+        if (known) {
+            continue;
+        }
+        KnownWords words;
+        for (const char* word : names) {
+            words.push_back({word});
+        }
+        MESS_print(mess_warn, "variable: Nothing of this kind of reports: %s, the nearest is %s\n",
+                   name.c_str(), std::string(nearest_word(words, name)).c_str());
+        state.told = true;
+    }
+}
+
+void set_text(RAW_data* data, const char* text) {
+    copy_text(data->data, sizeof data->data, text);
+}
+
+void set_values(RAW_data* data, int first, int second = missing) {
+    data->value[0] = static_cast<float>(first);
+    data->value[1] = static_cast<float>(second);
+}
+
+bool has_content(const RAW_data& data) {
+    return data.data[0] != '\0' || is_set(data.value[0]);
+}
+
+// Draws one item in the form of its variable.
+void draw_item(const VAR_data& var, RAW_data* data) {
+    if (has_content(*data) && is_set(data->x)) {
+        data->type = var.type;
+        copy_text(data->format, sizeof data->format, var.format);
+        RAW_plot_data(data);
+    }
+}
+
+RAW_data item_at(const CTY_locate& station) {
+    RAW_data data;
+    RAW_data_init(&data);
+    data.x = station.x;
+    data.y = station.y;
+    return data;
+}
+
+void draw_station(const CTY_locate& station) {
+    if (state.words.site != 0) {
+        RAW_data data = item_at(station);
+        data.type = var_type_mark;
+        set_text(&data, "plus");
+        RAW_plot_data(&data);
+    }
+}
+
+void draw_mdr_report(const CTY_locate& station) {
+    if (state.plt_dist >= static_cast<float>(least_dist)) {
+        MAP_draw_circle(station.x, station.y, state.plt_dist * km_per_nmi);
+    }
+    draw_station(station);
+    for (int i = 0; i < VAR_get_num(); ++i) {
+        const VAR_data& var = VAR_get_vars()[i];
+        RAW_data data = item_at(station);
+        if (!is_watch(i)) {
+            if (MDR_get_data(&state.mdr_report, &var, &data) == 0) {
+                return;
+            }
+            draw_item(var, &data);
+        }
+    }
+}
+
+void draw_rcm_report(const CTY_locate& station) {
+    draw_station(station);
+    for (int i = 0; i < VAR_get_num(); ++i) {
+        const VAR_data& var = VAR_get_vars()[i];
+        for (int j = 0; !is_watch(i) && j < state.num_plt; ++j) {
+            RAW_data data = item_at(station);
+            if (RCM_get_data(&state.rcm_report, j, &var, &data) == 0) {
+                break;
+            }
+            draw_item(var, &data);
+        }
+    }
+}
+
+int find_station(const char* id, CTY_locate* data) {
+    stat_XY_data station;
+    if (CTY_search(id, &station) == 0) {
+        MESS_print(mess_debug, "Not in database: %s\n", id);
+        return 0;
+    }
+    *data = station.city;
+    return 1;
+}
+
+struct Mark {
+    int number;
+    const char* text;
+};
+
+// The text of a number; `other` for one that the table lacks.
+template <std::size_t N>
+const char* text_of(const Mark (&table)[N], int number, const char* other = "") {
+    for (const Mark& row : table) {
+        if (row.number == number) {
+            return row.text;
+        }
+    }
+    return other;
+}
+
+constexpr Mark intensities[] = {
+    {1, "-" },
+    {3, "+" },
+    {4, "++"},
+    {5, "x" },
+    {6, "xx"},
+    {9, "u" },
+};
+
+// A type with the mark of its trend.
+std::string type_and_trend(const MDR_report& report) {
+    const std::string trend = report.trend;
+    std::string text = report.prec[0].type;
+    if (trend == "+") {
+        return text + "/";
+    }
+    if (trend == "-") {
+        return text + "\\";
+    }
+    if (trend == "NC") {
+        return text + "-";
+    }
+    if (trend == "NEW") {
+        return text + "*";
+    }
+    return is_blank_text(report.trend) ? text : text + trend;
+}
+
+// The place and the text of the highest top. One without a place is that of the
+// station, with a mark.
+void get_top(const MDR_tops& top, RAW_data* data) {
+    const int dir = is_set(top.dir) ? top.dir : 0;
+    const int rad = is_set(top.rad) ? top.rad : 0;
+    float x = data->x;
+    float y = data->y;
+    if (MAP_offset(data->x, data->y, static_cast<float>(dir), static_cast<float>(rad) * km_per_nmi,
+                   &x, &y) == 0) {
+        return;
+    }
+    data->x = x;
+    data->y = y;
+    std::snprintf(data->data, sizeof data->data, dir == 0 && rad == 0 ? "%d*" : "%d", top.h);
+}
+
+// The last movement of one of these types.
+void get_move(const MDR_report& report, std::string_view types, RAW_data* data) {
+    for (const MDR_move& move : report.move) {
+        if (types.find(move.type) != types.npos && is_set(move.dir) && is_set(move.spd)) {
+            set_values(data, move.dir, move.spd);
+        }
+    }
+}
+
+constexpr Mark rcm_states[] = {
+    {rcm_status_unavailable, "NA"},
+    {rcm_status_no_echoes,   "NE"},
+    {rcm_status_maintenance, "OM"},
+};
+constexpr Mark rcm_modes[] = {
+    {rcm_mode_precipitation, "P"},
+    {rcm_mode_clear_air,     "C"},
+};
+constexpr Mark hails[] = {
+    {rcm_hail_probable, "+"},
+    {rcm_hail_positive, "*"},
+};
+
+// Puts an item at its latitude and longitude; one without leaves it out.
+void put_place(float lat, float lon, RAW_data* data) {
+    float x = missing_f;
+    float y = missing_f;
+    const bool known = is_set(lat) && is_set(lon) && MAP_tran(lat, lon, &x, &y) != 0;
+    data->x = known ? x : missing_f;
+    data->y = known ? y : missing_f;
+}
+
+int get_mark(const RCM_mark* list, int count, int ind, const char* text, RAW_data* data) {
+    if (ind >= count) {
+        return 0;
+    }
+    put_place(list[ind].x, list[ind].y, data);
+    set_values(data, 1);
+    set_text(data, text);
+    return 1;
+}
+
+void get_storm(const RCM_storm& storm, const std::string& name, RAW_data* data) {
+    put_place(storm.x, storm.y, data);
+    if (is_name(name, "id")) {
+        set_values(data, 1);
+        set_text(data, storm.id);
+    } else if (is_name(name, "top")) {
+        set_values(data, storm.hgt);
+    } else if (is_name(name, "hail")) {
+        if (storm.hail > 0) {
+            set_values(data, storm.hail);
+            set_text(data, text_of(hails, storm.hail));
+        }
+    } else if (is_name(name, "mvmt")) {
+        if (is_set(storm.dir) && is_set(storm.spd)) {
+            set_values(data, storm.dir, storm.spd);
+        }
+    } else { // spd
+        set_values(data, storm.spd);
+    }
+}
+
+} // namespace
+
+int RAD_set_date(const Date* datim) {
+    rad_set_date(state.run, datim);
+    return 0;
+}
+
+int RAD_open_file(const char* filename) {
+    RAD_close_file();
+    int f_type = 0;
+    state.cvt_fd = RAD_open(filename, 0, &f_type);
+    if (state.cvt_fd < 0) {
+        MESS_print(mess_warn, "Unable to open file:%s\n", filename);
+        RAD_tell_kind("RAD_open_file");
+        return 0;
+    }
+    if (RAD_getinfo(state.cvt_fd, &state.info) == -1) {
+        MESS_print(mess_warn, "RAD_open_file: No grid of levels in the file:%s\n", filename);
+    }
+    take_file();
+    MESS_print(mess_mess, "Date: %s\n", state.info.datim);
+    if (CONT_get_bar() != -2) {
+        CONT_set_bar(1);
+    }
+    return 1;
+}
+
+int RAD_rewind_file() {
+    state.stat_num = 0;
+    return RAD_rewind(state.cvt_fd) == 0 ? 1 : 0;
+}
+
+int RAD_close_file() {
+    const bool open = RAD_close(state.cvt_fd) == 0;
+    state.cvt_fd = -1;
+    return open ? 1 : 0;
+}
+
+int RAD_plot(Domain* domain) {
+    const bool redraw = rad_open_session(plotter, state.run, state.words, domain);
+    return rad_plot_files(plotter, state.run, domain, redraw);
+}
+
+int RAD_plot_frame() {
+    MAP_draw(map_under);
+    RAD_plot_summary();
+    MAP_draw(map_over | map_plain);
+    GPH_trans(tran_map);
+    RAD_plot_data();
+    RAD_draw_label();
+    return 0;
+}
+
+int RAD_set_prompt_variable(int val) {
+    state.variable_prompt = val;
+    return 0;
+}
+
+int RAD_prompt_variable() {
+    if (!state.var_file) {
+        VAR_open_file("rad.var");
+        state.var_file = true;
+    }
+    VAR_read_menu();
+    if (state.variable_prompt == 0) {
+        return 0;
+    }
+    int result = 1;
+    const char* variable = RES_get("variable");
+    if (variable != nullptr && *variable != '\0') {
+        copy_text(state.var_str, sizeof state.var_str, variable);
+        state.variable_prompt = 0;
+    } else {
+        result = VAR_menu("\n        Variable Menu\n", "Enter the variable: ", state.var_str, 3);
+        if (FLAG_batch() != 0) {
+            state.variable_prompt = 0;
+        }
+        if (result == 0) {
+            return 0;
+        }
+        if (result < 0 && is_set(result)) {
+            ZYR_exit(0);
+        }
+    }
+    VAR_setup(nullptr, state.var_str);
+    return result;
+}
+
+int RAD_plot_summary() {
+    if (FLAG_getplot(item_summary) == 0) {
+        return -1;
+    }
+    const GridRow* const row = find_grid();
+    if (row == nullptr) {
+        return 0; // of a file without a grid
+    }
+    const int asked = FLAG_get(flag_plot_type);
+    const int type = asked < 1 ? plot_levels : asked;
+    FLAG_set(flag_plot_type, type);
+    GRD_report grid = make_grid(*row);
+    const auto size = static_cast<std::size_t>(row->nx) * static_cast<std::size_t>(row->ny);
+    const std::unique_ptr<float[]> values(new (std::nothrow) float[size]);
+    if (values == nullptr) {
+        MESS_print(mess_warn, "No memory for radar summary field\n");
+        PLT_exit(exit_no_memory);
+    }
+    for (int y = 0; y < row->ny; ++y) {
+        for (int x = 0; x < row->nx; ++x) {
+            const auto at = static_cast<std::size_t>(y) * row->nx + static_cast<std::size_t>(x);
+            values[at] = grid_value(state.info.summary[x][y]);
+        }
+    }
+    grid.grid = values.get();
+    GPH_trans(tran_map);
+    set_levels(type);
+    PLT_mess("Radar Sum");
+    CONT_draw_contour(&grid);
+    if (type == plot_levels || type == plot_marks) {
+        RAD_draw_bar();
+    }
+    GPH_trans(tran_map);
+    FLAG_set(flag_plot_type, asked);
+    return 0;
+}
+
+int RAD_plot_data() {
+    if (FLAG_getplot(item_data) == 0) {
+        return -1;
+    }
+    if (!draw_watches()) {
+        return 0;
+    }
+    const CONT_keeper levels; // of the grid, for the readout and the next frame
+    Gattribs data;
+    ATTRIB_init(&data);
+    ATTRIB_get("color_data", rad_plain_color(), &data);
+    state.scale = setting("plot_scale", 1.0F);
+    GPH_line_attr(&data);
+    RAW_plot_init(&data, state.scale);
+    CTY_locate station;
+    RAD_rewind_file();
+    int status = 0;
+    if (state.info.type == rad_mdr) {
+        check_names(mdr_names);
+        while ((status = MDR_read_report(&state.mdr_report, &station)) != -1) {
+            if (status == 1) {
+                draw_mdr_report(station);
+            }
+        }
+    } else if (state.info.type == rad_rcm) {
+        check_names(rcm_names);
+        while ((status = RCM_read_report(&state.rcm_report, &station)) != -1) {
+            if (status == 1) {
+                draw_rcm_report(station);
+            }
+        }
+    }
+    return 0;
+}
+
+int MDR_read_report(MDR_report* report, CTY_locate* data) {
+    if (MDR_read(state.cvt_fd, report, 0, &state.stat_num) == -1) {
+        return -1;
+    }
+    ++state.stat_num;
+    return find_station(report->id, data);
+}
+
+int RCM_read_report(RCM_report* report, CTY_locate* data) {
+    if (RCM_read(state.cvt_fd, report, 0, &state.stat_num) == -1) {
+        return -1;
+    }
+    ++state.stat_num;
+    return find_station(report->id, data);
+}
+
+int MDR_get_data(const MDR_report* report, const VAR_data* var, RAW_data* data) {
+    const std::string name = value_name(*var);
+    const MDR_prec& prec = report->prec[0];
+    if (is_name(name, "city")) {
+        set_text(data, report->id);
+    } else if (is_name(name, "stat")) {
+        for (const char* status : {"NA", "NE", "OM"}) {
+            if (std::strcmp(report->config, status) == 0) {
+                set_text(data, status);
+            }
+        }
+    } else if (is_name(name, "pr_typ")) {
+        if (!is_blank_text(prec.type)) {
+            set_text(data, (std::string(prec.type) + text_of(intensities, prec.intens)).c_str());
+        }
+    } else if (is_name(name, "pr_tt")) {
+        if (!is_blank_text(prec.type)) {
+            set_text(data, type_and_trend(*report).c_str());
+        }
+    } else if (is_name(name, "pr_tnd")) {
+        if (!is_blank_text(report->trend)) {
+            set_text(data, report->trend);
+        }
+    } else if (is_name(name, "echtop")) {
+        if (is_set(report->tops[0].h)) {
+            get_top(report->tops[0], data);
+        }
+    } else if (is_name(name, "pr_amv")) {
+        get_move(*report, "AL", data);
+    } else if (is_name(name, "pr_cmv")) {
+        get_move(*report, "C", data);
+    } else {
+        return 0;
+    }
+    return 1;
+}
+
+int RCM_get_data(const RCM_report* report, int ind, const VAR_data* var, RAW_data* data) {
+    const std::string name = value_name(*var);
+    const bool left_out = state.noclar && report->mode == rcm_mode_clear_air;
+    const char* text = is_name(name, "city")   ? report->id
+                       : is_name(name, "stat") ? text_of(rcm_states, report->status)
+                       : is_name(name, "mode") ? text_of(rcm_modes, report->mode)
+                                               : nullptr;
+    if (text != nullptr || is_name(name, "echotop")) {
+        if (ind > 0) {
+            return 0;
+        }
+        if (text != nullptr) {
+            set_text(data, text);
+        } else if (!left_out && is_set(report->maxt)) {
+            put_place(report->maxt_x, report->maxt_y, data);
+            set_values(data, report->maxt);
+        }
+        return 1;
+    }
+    const bool known = std::any_of(std::begin(rcm_names), std::end(rcm_names),
+                                   [&](const char* word) { return is_name(name, word); });
+    if (!known || left_out) {
+        return known ? 1 : 0;
+    }
+    if (is_name(name, "tvs")) {
+        return get_mark(report->tvs, report->num_tvs, ind, "T", data);
+    }
+    if (is_name(name, "meso")) {
+        return get_mark(report->meso, report->num_meso, ind, "M", data);
+    }
+    if (ind >= report->num_storm) {
+        return 0;
+    }
+    get_storm(report->storm[ind], name, data);
+    return 1;
+}
+
+int RAD_draw_label() {
+    PLT_labels();
+    Gattribs text;
+    ATTRIB_init(&text);
+    ATTRIB_get("color_text", rad_plain_color(), &text);
+    const bool shown = FLAG_getplot(item_text) != 0 || CONT_get_bar() >= 1;
+    if (FLAG_getplot(item_data) == 0 || VAR_get_num() < 1 || !shown || text.color < 0 ||
+        stricmp(VAR_get_name(0), "amv") != 0) {
+        return 0;
+    }
+    // How long the arrow of 25 knots is.
+    Glim view{};
+    PLT_get_view(&view);
+    const float s = (view.y_max - view.y_min) * (0.05F * state.scale);
+    const float x = view.x_max - 0.01F - s;
+    const float y = view.y_min - 0.018F;
+    GPH_trans(tran_page);
+    GPH_line_attr(&text);
+    WIND_vect(x, y, 270.0F, 1.0F, s, 1.0F);
+    GPH_text_attr(&text, 0.015F);
+    GPH_text_align(GRIGHT_HOR, GHALF_VERT);
+    GPH_printf(x - 0.01F, y, "Area Movement: 25 knts");
+    GPH_trans(tran_map);
+    return 0;
+}
+
+int RAD_plot_nextfile() {
+    return rad_plot_nextfile(plotter, state.run);
+}
+
+int RAD_plot_param() {
+    return rad_decode_words(take_word);
+}
+
+void RAD_callback(int, const char* str, float x, float y) {
+    PLT_print_location(str, x, y);
+    PLT_plot_zoom(str, x, y);
+    PLT_plot_resize(str, x, y);
+    RAD_flash_levels(str, x, y);
+}
