@@ -16,6 +16,7 @@
 #include "zyrresrc.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <random>
@@ -363,6 +364,33 @@ TEST(Summary, HeadersClaimMoreThanThereIs) {
         Bytes large = whole;
         std::fill_n(large.begin() + static_cast<std::ptrdiff_t>(at), 4, 0x7F);
         EXPECT_LE(read_bytes(large).reports.size(), 3U) << at;
+    }
+}
+
+// The other kind of netCDF file, made by another program, reads the same; what is
+// changed in it is found by its sums.
+TEST(Summary, Netcdf4) {
+    if (std::system("command -v nccopy >/dev/null") != 0) {
+        GTEST_SKIP() << "no nccopy";
+    }
+    const auto level = [](int row, int column) { return (row * column) % 7; };
+    const TempDir dir;
+    for (const bool turned : {false, true}) {
+        const Bytes classic = netcdf_classic(summary_stations(level, turned));
+        const std::string name = dir.write("classic", {classic.begin(), classic.end()});
+        const std::string other = dir.path() + "/other";
+        ASSERT_EQ(std::system(("nccopy -k nc4 " + name + " " + other).c_str()), 0);
+        const Read read = read_file(other);
+        EXPECT_EQ(read.type, 11);
+        EXPECT_EQ(read.reports, read_file(name).reports);
+        EXPECT_EQ(levels(read.info), levels(read_file(name).info));
+        const std::string whole = read_text(other);
+        std::mt19937 random(7);
+        for (int i = 0; i < 60; ++i) {
+            Bytes changed(whole.begin(), whole.end());
+            changed[random() % 6000] ^= static_cast<std::uint8_t>(1 + random() % 255);
+            EXPECT_LE(read_bytes(changed).reports.size(), whole.size());
+        }
     }
 }
 
