@@ -89,6 +89,29 @@ bool is_text(std::string_view text) {
     });
 }
 
+// A line "RCM" and three or four letters near the start. Its body may look like a
+// NIDS product.
+bool is_rcm(std::string_view text) {
+    constexpr std::size_t heading = 100;
+    constexpr std::string_view word = "RCM";
+    const auto letter = [&](std::size_t at) {
+        return at < text.size() && std::isupper(static_cast<unsigned char>(text[at])) != 0;
+    };
+    for (std::size_t at = text.find(word); at < heading; at = text.find(word, at + 1)) {
+        std::size_t end = at + word.size();
+        while (letter(end)) {
+            ++end;
+        }
+        const std::size_t letters = end - at - word.size();
+        const bool line = at == 0 || text[at - 1] == '\n';
+        const bool ends = end < text.size() && (text[end] == '\r' || text[end] == '\n');
+        if (line && ends && letters >= 3 && letters <= 4) {
+            return true;
+        }
+    }
+    return false;
+}
+
 // The record of a KAVRAD mosaic: a date of columns with digits or blanks, and a
 // resolution. It has no mark.
 bool is_kavrad(std::string_view text) {
@@ -132,6 +155,9 @@ FileKind file_kind(std::span<const std::uint8_t> head) {
         if (text.size() >= mark.at && text.substr(mark.at).starts_with(mark.bytes)) {
             return mark.kind;
         }
+    }
+    if (is_rcm(text)) {
+        return {"a Radar Coded Message", "rcmsite"};
     }
     if (NIDS_is_product(head) != 0) {
         return {"a NIDS product", "nids"};

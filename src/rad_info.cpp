@@ -11,6 +11,7 @@
 #include "nids_impl.h"
 #include "nids_tables.h"
 #include "nowrad.h"
+#include "rarep.h"
 #include "rrwds.h"
 #include "zyrcty.h"
 #include "zyrresrc.h"
@@ -20,6 +21,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -222,6 +224,30 @@ void read_rrwds(std::FILE* file, Report* report) {
     take_domain(info.domain, report);
 }
 
+// The first message; the label names the sites of all.
+void read_rcm(std::FILE* file, const Sites& sites, Report* report) {
+    constexpr int most_sites = 20; // in the label
+    const auto message = std::make_unique<RCM_report>();
+    std::string others;
+    for (int count = 0; count < most_sites && RCM_read_site(file, message.get()) >= 0; ++count) {
+        if (count > 0) {
+            others += (others.empty() ? "s, also of " : ", ") + std::string(message->id);
+            continue;
+        }
+        report->site = message->id;
+        report->date = message->date;
+        report->lat = message->lat;
+        report->lon = message->lon;
+        for (const CTY_data& city : sites) {
+            if (report->site == city.id) {
+                report->lat = city.lat;
+                report->lon = city.lon;
+            }
+        }
+    }
+    report->product = "Radar Coded Message" + others;
+}
+
 Report look_into(const char* name, const Sites& sites) {
     Report report;
     report.file = name;
@@ -245,6 +271,8 @@ Report look_into(const char* name, const Sites& sites) {
         read_kavrad(file.get(), &report);
     } else if (report.input == "rrwds") {
         read_rrwds(file.get(), &report);
+    } else if (report.input == "rcmsite") {
+        read_rcm(file.get(), sites, &report);
     }
     return report;
 }

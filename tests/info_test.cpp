@@ -2,6 +2,7 @@
 #include "lev2_writer.h"
 #include "mosaic_writer.h"
 #include "nids_page.h"
+#include "rcm_writer.h"
 #include "reference.h"
 #include "rrwds_writer.h"
 
@@ -21,6 +22,8 @@ protected:
         write("now", nowrad_samples()[0].second);
         write("kav", kavrad_samples()[0].second);
         write("rrwds", rrwds_file({}, [](int, int bin) { return bin % 7; }));
+        write("rcm", rcm_samples()[0].second);
+        write("region", rcm_region_sample());
         dir.write("page", "<html><body>Not found</body></html>");
         dir.write("with \"quotes\"\x01", "");
     }
@@ -94,6 +97,10 @@ TEST_F(Info, OneLineAFileInTheOrderOfTimes) {
     }
     EXPECT_NE(run.out.find("KTLX  radial: Base reflectivity (Dbz) [19]"), std::string::npos)
         << run.out;
+    EXPECT_NE(info({"region"})
+                  .out.find("FDR  region: Radar Coded Messages, also of TLX, INX, VNX; 34.36 -98.98"),
+              std::string::npos)
+        << info({"region"}).out;
     EXPECT_NE(run.out.find("scan 1 0.5 deg, reflectivity"), std::string::npos) << run.out;
 }
 
@@ -123,14 +130,15 @@ TEST_F(Info, JsonCanBeReadAgain) {
 
 TEST_F(Info, TheKindOfAFileIsFound) {
     const std::vector<std::pair<const char*, const char*>> rows = {
-        {"radial", "nids"  },
-        {"volume", "lev2z" },
-        {"now",    "nowrad"},
-        {"kav",    "kavrad"},
-        {"rrwds",  "rrwds" },
+        {"radial", "nids"   },
+        {"volume", "lev2z"  },
+        {"now",    "nowrad" },
+        {"kav",    "kavrad" },
+        {"rrwds",  "rrwds"  },
+        {"rcm",    "rcmsite"},
     };
     for (const auto& [file, input] : rows) {
-        const std::string args = std::string("-dr sum -pd ps,36,-97,41,31,.2,.2 ./") + file;
+        const std::string args = std::string("-dr sum -id TLX -pd ps,36,-97,41,31,.2,.2 ./") + file;
         const NidsPage found = nids_page(dir, args, "auto");
         const NidsPage told = nids_page(dir, args, input);
         EXPECT_EQ(found.run.code, 0) << file << found.run.err;
