@@ -246,7 +246,7 @@ void draw_echoes(const Grid& grid) {
     for (int row = 0; row < rcm_cells; ++row) {
         strip.begin();
         for (int column = 0; column < rcm_cells; ++column) {
-            const int level = rcm.report.echo[column][row];
+            const auto level = rcm.report.echo[column][row];
             const Gattribs* look = fills.get(static_cast<float>(level > highest_level ? 0 : level));
             if (look != nullptr) {
                 strip.add(column, 1, 1, *look);

@@ -97,9 +97,10 @@ TEST_F(Info, OneLineAFileInTheOrderOfTimes) {
     }
     EXPECT_NE(run.out.find("KTLX  radial: Base reflectivity (Dbz) [19]"), std::string::npos)
         << run.out;
-    EXPECT_NE(info({"region"})
-                  .out.find("FDR  region: Radar Coded Messages, also of TLX, INX, VNX; 34.36 -98.98"),
-              std::string::npos)
+    EXPECT_NE(
+        info({"region"})
+            .out.find("FDR  region: Radar Coded Messages, also of TLX, INX, VNX; 34.36 -98.98"),
+        std::string::npos)
         << info({"region"}).out;
     EXPECT_NE(run.out.find("scan 1 0.5 deg, reflectivity"), std::string::npos) << run.out;
 }
