@@ -12,13 +12,6 @@
 constexpr int num_cursors = 9;
 constexpr int icon_size = 48;
 constexpr int icon_bytes = icon_size * icon_size / 8;
-constexpr int default_width = 640;
-constexpr int default_height = 512;
-// Sides of a window and its pixmap. One pixel has no shape; 8192 is beyond any
-// screen, and a square of it takes the server 256 MB.
-constexpr int min_side = 2;
-constexpr int max_side = 8192;
-
 // Atoms that are no constants of the protocol, asked for in one go at the opening.
 struct Watoms {
     Atom protocols = None;
@@ -27,24 +20,15 @@ struct Watoms {
     Atom utf8 = None;
 };
 
-// What lasts as long as the connection. gclose_display gives every id back.
+// What an X display has besides gscreen(), as long as the connection lasts.
+// gclose_display gives every id back.
 struct Gdisp {
     Display* display = nullptr;
     int screen = 0;
     Visual* visual = nullptr;
-    int depth = 0;
     Window root_window = 0; // the plot's window; without one, on type 6, the pixmap
     bool has_window = false;
-    Pixmap base_window = 0;   // the backing pixmap; foreign on type 6
-    Drawable draw_window = 0; // base_window or a frame's pixmap
-    GC root_gc = nullptr;     // for copies and clears; its foreground is fore_colr
-    unsigned long fore_colr = 0;
-    unsigned long back_colr = 0;
-    unsigned long red_mask = 0;
-    unsigned long grn_mask = 0;
-    unsigned long blu_mask = 0;
-    int root_width = default_width;
-    int root_height = default_height;
+    GC root_gc = nullptr; // for copies and clears; its foreground is fore_colr
     Pixmap icon_pixmap = 0;
     std::array<Cursor, num_cursors> cursors{}; // type 1 alone
     int cursor = 0;                            // number of the one in force
@@ -74,8 +58,6 @@ void gsetup_display(Drawable drawable);
 const char* gchosen_geometry();
 // Closes what is open and leaves no workstation. Returns -1.
 int gfail_display();
-// A side of a window held within its limits; `usual` for 0 or less.
-int gwindow_side(int side, int usual);
 void gset_root_size(int width, int height);
 XWindowAttributes gwindow_attributes();
 // A pixmap in the background's pixel; 0 if the server has no room for it.

@@ -1,12 +1,12 @@
-// gks_loop.cpp: frames and the loop over them. A frame is a pixmap on the server
-// of the size of the drawing area: a step of the loop copies it to the base
-// pixmap and that to the window, and no pixel passes through the program. State:
-// the table of frames and how the loop runs through it. Without a display every
-// call returns at once.
+// gks_loop: frames and the loop over them. A frame is a picture of the display
+// (on an X server a pixmap) of the size of the drawing area: a step of the loop
+// copies it to the base picture and that to the window, and no pixel of a server
+// passes through the program. State: the table of frames and how the loop runs
+// through it. Without a display every call returns at once.
 
 #include "gks_loop.h"
 
-#include "gks_x11.h"
+#include "gks_draw.h"
 #include "zyr.h"
 
 #include <algorithm>
@@ -20,7 +20,7 @@ constexpr unsigned mess_frames = 0xF000000;
 constexpr float start_delay = 0.5F;
 
 struct Frame {
-    Pixmap pixmap = 0;
+    Gpicture pixmap = 0;
     float delay = start_delay; // seconds on show
     int data_size = 0;         // bytes in use of `data`
     std::array<unsigned char, frame_data_size> data{};
@@ -41,7 +41,7 @@ struct Loop {
 Loop loop;
 
 bool has_window() {
-    return gget_display() != nullptr && gget_draw_window() != 0;
+    return gdraw_is_open() && gget_draw_window() != 0;
 }
 
 int frame_number(int ind) {
@@ -57,7 +57,7 @@ Frame* frame_of(int ind) {
     return number >= 0 && number < max_frames ? &loop.images[number] : nullptr;
 }
 
-void set_pixmap(int ind, Pixmap pixmap) {
+void set_pixmap(int ind, Gpicture pixmap) {
     Frame* frame = frame_of(ind);
     if (ind == frame_base) {
         gset_base_window(pixmap);
@@ -74,11 +74,9 @@ Grectangle drawing_area() {
     return area;
 }
 
-Pixmap new_pixmap() {
+Gpicture new_pixmap() {
     const Grectangle area = drawing_area();
-    return XCreatePixmap(
-        gget_display(), gget_base_window(), static_cast<unsigned>(area.x + area.width),
-        static_cast<unsigned>(area.y + area.height), static_cast<unsigned>(gget_win_depth()));
+    return gdraw_make_picture(area.x + area.width, area.y + area.height);
 }
 
 // Drawing into a frame that goes away goes on in the base pixmap.
@@ -90,7 +88,7 @@ void free_pixmap(Frame& frame) {
     if (gget_draw_window() == frame.pixmap) {
         gset_draw_window(0);
     }
-    XFreePixmap(gget_display(), frame.pixmap);
+    gdraw_free_picture(frame.pixmap);
     frame.pixmap = 0;
 }
 
@@ -108,7 +106,7 @@ void remove_entry(int ind) {
     if (!only) {
         free_pixmap(images[ind]); // the pixmap of an only frame serves the next one
     }
-    const Pixmap kept = only ? images[ind].pixmap : 0;
+    const Gpicture kept = only ? images[ind].pixmap : 0;
     std::move(images.begin() + ind + 1, images.end(), images.begin() + ind);
     images.back() = {};
     if (only) {
@@ -165,7 +163,7 @@ int gcreate_frame(int ind) {
 }
 
 int gclear_frame(int ind) {
-    const Pixmap pixmap = gget_frame_id(ind);
+    const Gpicture pixmap = gget_frame_id(ind);
     if (!has_window() || pixmap == 0) {
         return 0;
     }
@@ -174,12 +172,8 @@ int gclear_frame(int ind) {
         greset_zoom(); // what was magnified is gone
     }
     const int pixel = gget_color_ind(-1);
-    const Grectangle area = drawing_area();
-    XSetForeground(gget_display(), gget_root_gc(),
-                   pixel == -1 ? gget_back_pixel() : static_cast<unsigned>(pixel));
-    XFillRectangle(gget_display(), pixmap, gget_root_gc(), area.x, area.y,
-                   static_cast<unsigned>(area.width), static_cast<unsigned>(area.height));
-    XSetForeground(gget_display(), gget_root_gc(), gget_fore_pixel());
+    gdraw_fill_picture(pixmap, drawing_area(),
+                       pixel == -1 ? gget_back_pixel() : static_cast<unsigned>(pixel));
     return 0;
 }
 
@@ -192,7 +186,7 @@ int gselect_frame(int ind) {
     if (ind == frame_base) {
         return gset_draw_window(0);
     }
-    const Pixmap pixmap = gget_frame_id(ind);
+    const Gpicture pixmap = gget_frame_id(ind);
     if (pixmap == 0) {
         return -1;
     }
@@ -225,13 +219,13 @@ int gdisplay_frame(int ind) {
 }
 
 int gswitch_frame(int ind1, int ind2) {
-    const Pixmap first = gget_frame_id(ind1);
-    const Pixmap second = gget_frame_id(ind2);
+    const Gpicture first = gget_frame_id(ind1);
+    const Gpicture second = gget_frame_id(ind2);
     if (!has_window() || first == 0 || second == 0) {
         return 0;
     }
     gflush_fill();
-    const Drawable draw = gget_draw_window();
+    const Gpicture draw = gget_draw_window();
     set_pixmap(ind1, second);
     set_pixmap(ind2, first);
     if (draw == first) {
@@ -243,16 +237,12 @@ int gswitch_frame(int ind1, int ind2) {
 }
 
 int gcopy_frame(int dest, int src) {
-    const Pixmap to = gget_frame_id(dest);
-    const Pixmap from = gget_frame_id(src);
+    const Gpicture to = gget_frame_id(dest);
+    const Gpicture from = gget_frame_id(src);
     if (!has_window() || to == 0 || from == 0) {
         return 0;
     }
-    gflush_fill();
-    const Grectangle area = drawing_area();
-    XCopyArea(gget_display(), from, to, gget_root_gc(), area.x, area.y,
-              static_cast<unsigned>(area.width), static_cast<unsigned>(area.height), area.x,
-              area.y);
+    gdraw_copy_picture(from, to, drawing_area());
     return 0;
 }
 
@@ -271,9 +261,7 @@ int gdelete_frame(int ind) {
     const bool on_show = loop.cur_image == ind;
     remove_entry(ind);
     if (loop.num_images == 0) {
-        if (ghas_window()) {
-            XClearWindow(gget_display(), gget_root_window());
-        }
+        gdraw_blank();
         gset_win_title_extra("");
     }
     if (loop.cur_image == loop.num_images) {
@@ -286,7 +274,7 @@ int gdelete_frame(int ind) {
 }
 
 int gdelete_all_frames() {
-    if (gget_display() == nullptr) {
+    if (!gdraw_is_open()) {
         return 0;
     }
     for (Frame& frame : loop.images) {
@@ -303,7 +291,7 @@ int gget_cur_frame() {
     return loop.cur_image;
 }
 
-Pixmap gget_frame_id(int ind) {
+Gpicture gget_frame_id(int ind) {
     if (ind == frame_base) {
         return gget_base_window();
     }
@@ -311,7 +299,7 @@ Pixmap gget_frame_id(int ind) {
     return frame != nullptr ? frame->pixmap : 0;
 }
 
-int gset_frame_id(int ind, Pixmap pixmap) {
+int gset_frame_id(int ind, Gpicture pixmap) {
     set_pixmap(ind, pixmap);
     return 0;
 }

@@ -1,12 +1,11 @@
-// gks_overlay.cpp: lays an image over the plot, its background transparent, on
+// gks_overlay: lays an image over the plot, its background transparent, on
 // displays of any depth. Owns nothing. Needs a display and its draw window;
-// pictures of the window are taken in gks_img.cpp.
-//
-// An image goes through three forms: the record as its file gave it; the
-// pixels of this display, as an X image; and a bitmap that has a bit for each
-// pixel to be drawn.
+// pictures of the window are taken in gks_img.cpp. The record as its file gave it
+// becomes one of pixels of this display, which the display puts in its place.
 
-#include "gks_x11.h"
+#include "gks_overlay.h"
+
+#include "gks_draw.h"
 #include "img_pixel.h"
 
 #include <algorithm>
@@ -40,12 +39,6 @@ Masks display_masks() {
             static_cast<Pixel>(gget_blu_mask())};
 }
 
-// The bits of a pixel that count.
-Pixel display_planes() {
-    const int depth = gget_win_depth();
-    return depth >= 32 ? ~Pixel{0} : (Pixel{1} << depth) - 1;
-}
-
 bool same(const Masks& a, const Masks& b) {
     return a.red == b.red && a.grn == b.grn && a.blu == b.blu;
 }
@@ -73,12 +66,6 @@ Meaning meaning_of(const IMG_report& image) {
 Masks masks_of(const IMG_report& image) {
     return (image.red | image.grn | image.blu) != 0 ? Masks{image.red, image.grn, image.blu}
                                                     : usual_masks;
-}
-
-// Whether the record holds all its pixels, in a layout that can be read.
-bool is_readable(const IMG_report& image) {
-    return image.data != nullptr && image.width > 0 && image.height > 0 && image.depth > 0 &&
-           IMG_line_pixels(image) >= image.width;
 }
 
 // --- Colours of a record --------------------------------------------------------
@@ -138,65 +125,6 @@ Pixel pixel_of_color(const IMG_color& color, const Masks& masks) {
            under_mask(color.blu, masks.blu);
 }
 
-// Turns the values of a record into pixels of this display.
-class Converter {
-public:
-    explicit Converter(const IMG_report& image)
-        : image_(image), masks_(display_masks()),
-          unchanged_(gget_win_depth() <= small_depth ||
-                     (meaning_of(image) == Meaning::masked && same(masks_of(image), masks_))) {
-        for (Pixel value = 0; !unchanged_ && image.depth <= small_depth && value < table_size;
-             ++value) {
-            table_[value] = convert(value);
-        }
-    }
-
-    // The record's bytes are those of such an X image.
-    [[nodiscard]] bool fits(const XImage& ximage) const {
-        const int bits = image_.bits_pixel;
-        const bool order = bits == 8 || (image_.byte_order == 1) == (ximage.byte_order == MSBFirst);
-        return unchanged_ && bits >= 8 && bits == ximage.bits_per_pixel && order;
-    }
-
-    [[nodiscard]] Pixel operator()(Pixel value) const {
-        if (unchanged_) {
-            return value;
-        }
-        return image_.depth <= small_depth ? table_[value % table_size] : convert(value);
-    }
-
-private:
-    // A grey level goes to all components on a display of 16 bits too: the level in
-    // both bytes would show green and blue.
-    [[nodiscard]] Pixel convert(Pixel value) const {
-        return pixel_of_color(color_of(image_, value), masks_);
-    }
-
-    const IMG_report& image_;
-    Masks masks_;
-    bool unchanged_; // the record holds pixels of this display
-    std::array<Pixel, table_size> table_{};
-};
-
-void fill_ximage(const IMG_report& image, const Converter& converter, XImage* ximage) {
-    const bool direct =
-        ximage->bits_per_pixel == 32 &&
-        (ximage->byte_order == MSBFirst) == (std::endian::native == std::endian::big);
-    std::vector<Pixel> row(static_cast<std::size_t>(image.width));
-    for (int y = 0; y < image.height; ++y) {
-        IMG_row_values(image, y, image.width, row.data());
-        std::transform(row.begin(), row.end(), row.begin(), converter);
-        if (direct) {
-            char* out = ximage->data + static_cast<std::size_t>(y) * ximage->bytes_per_line;
-            std::memcpy(out, row.data(), row.size() * sizeof(Pixel));
-            continue;
-        }
-        for (int x = 0; x < image.width; ++x) {
-            XPutPixel(ximage, x, y, row[x]);
-        }
-    }
-}
-
 // --- Pixels of a display with a colour map --------------------------------------
 
 // A shared cell: the table's next free index would be a cell that the plot
@@ -204,14 +132,13 @@ void fill_ximage(const IMG_report& image, const Converter& converter, XImage* xi
 long shared_pixel(const IMG_color& color) {
     constexpr float full = 65535.0F;
     const auto part = [](float value) {
-        return static_cast<unsigned short>(std::clamp(value, 0.0F, 1.0F) * full);
+        return static_cast<std::uint16_t>(std::clamp(value, 0.0F, 1.0F) * full);
     };
-    XColor cell{};
-    cell.red = part(color.red);
-    cell.green = part(color.grn);
-    cell.blue = part(color.blu);
-    if (XAllocColor(gget_display(), gget_colormap(), &cell) != 0) {
-        return static_cast<long>(cell.pixel);
+    constexpr int refused = -1;
+    const int pixel =
+        gdraw_share_pixel({part(color.red), part(color.grn), part(color.blu)}, refused);
+    if (pixel != refused) {
+        return pixel;
     }
     return galloc_colr(-1, color.red, color.grn, color.blu); // the map is full
 }
@@ -282,13 +209,12 @@ long transparent_pixel(const char* background) {
     if (ind >= 0) {
         return gget_color_ind(ind);
     }
-    XColor color{};
-    if (XParseColor(gget_display(), gget_colormap(), background, &color) == 0) {
+    Gcolr_levels color{};
+    if (!gdraw_parse_color(background, &color)) {
         MESS_print(mess_warn, "goverlay_image: invalid color: %s\n", background);
         return gget_color_ind(-1);
     }
-    XAllocColor(gget_display(), gget_colormap(), &color);
-    return static_cast<long>(color.pixel);
+    return gdraw_share_pixel(color, 0);
 }
 
 constexpr int far_away = 30000; // places of a server have 16 bits
@@ -319,47 +245,42 @@ bool copy_part(const IMG_report& image, int width, int height, IMG_report* part)
     return true;
 }
 
-// A bitmap of the pixels that differ from the transparent one.
-Pixmap make_mask(XImage* ximage, long trans) {
-    const Pixel planes = display_planes();
-    const Pixel clear = static_cast<Pixel>(trans) & planes;
-    const std::size_t row_size = (static_cast<std::size_t>(ximage->width) + 7) / 8;
-    const std::size_t size = row_size * ximage->height;
-    const std::unique_ptr<char[]> bits(new (std::nothrow) char[size]());
-    if (bits == nullptr) {
-        return 0;
-    }
-    for (int y = 0; y < ximage->height; ++y) {
-        char* row = bits.get() + static_cast<std::size_t>(y) * row_size;
-        for (int x = 0; x < ximage->width; ++x) {
-            if ((static_cast<Pixel>(XGetPixel(ximage, x, y)) & planes) != clear) {
-                row[x / 8] = static_cast<char>(row[x / 8] | 1 << x % 8);
-            }
-        }
-    }
-    return XCreateBitmapFromData(gget_display(), gget_draw_window(), bits.get(),
-                                 static_cast<unsigned>(ximage->width),
-                                 static_cast<unsigned>(ximage->height));
-}
-
-void put_masked(XImage* ximage, long trans, int x, int y) {
-    const Pixmap mask = make_mask(ximage, trans);
-    if (mask == 0) {
-        return;
-    }
-    Display* display = gget_display();
-    XSetClipMask(display, gget_root_gc(), mask);
-    XSetClipOrigin(display, gget_root_gc(), x, y);
-    XPutImage(display, gget_draw_window(), gget_root_gc(), ximage, 0, 0, x, y,
-              static_cast<unsigned>(ximage->width), static_cast<unsigned>(ximage->height));
-    XSetClipMask(display, gget_root_gc(), None);
-    XFreePixmap(display, mask);
-}
-
 } // namespace
 
+bool gimage_is_readable(const IMG_report& image) {
+    return image.data != nullptr && image.width > 0 && image.height > 0 && image.depth > 0 &&
+           IMG_line_pixels(image) >= image.width;
+}
+
+Gimage_pixels::Gimage_pixels(const IMG_report& image)
+    : image_(&image),
+      unchanged_(gget_win_depth() <= small_depth ||
+                 (meaning_of(image) == Meaning::masked && same(masks_of(image), display_masks()))) {
+    const bool tabled = !unchanged_ && image.depth <= small_depth;
+    for (Pixel value = 0; tabled && value < table_.size(); ++value) {
+        table_[value] = convert(value);
+    }
+}
+
+void Gimage_pixels::row(int y, std::vector<std::uint32_t>* out) const {
+    out->resize(static_cast<std::size_t>(image_->width));
+    IMG_row_values(*image_, y, image_->width, out->data());
+    if (unchanged_) {
+        return;
+    }
+    for (Pixel& value : *out) {
+        value = image_->depth <= small_depth ? table_[value % table_.size()] : convert(value);
+    }
+}
+
+// A grey level goes to all components on a display of 16 bits too: the level in
+// both bytes would show green and blue.
+std::uint32_t Gimage_pixels::convert(std::uint32_t value) const {
+    return pixel_of_color(color_of(*image_, value), display_masks());
+}
+
 int goverlay_image_file(const char* filename, const char* background, int x, int y) {
-    if (gget_display() == nullptr || gget_draw_window() == 0) {
+    if (!gdraw_is_open() || gget_draw_window() == 0) {
         return 0;
     }
     IMG_report image;
@@ -370,7 +291,7 @@ int goverlay_image_file(const char* filename, const char* background, int x, int
 }
 
 int gsetup_image_colors(IMG_report* image, long trans) {
-    if (gget_display() == nullptr || gget_win_depth() > small_depth || !is_readable(*image)) {
+    if (!gdraw_is_open() || gget_win_depth() > small_depth || !gimage_is_readable(*image)) {
         return 0;
     }
     if (image->depth == small_depth && meaning_of(*image) == Meaning::gray) {
@@ -391,38 +312,11 @@ int gsetup_image_colors(IMG_report* image, long trans) {
     return 1;
 }
 
-int gset_ximage_params(IMG_report* image, XImage* ximage) {
-    if (gget_display() == nullptr || !is_readable(*image)) {
-        return 0;
-    }
-    XImage* made = XCreateImage(
-        gget_display(), gget_visual(), static_cast<unsigned>(gget_win_depth()), ZPixmap, 0, nullptr,
-        static_cast<unsigned>(image->width), static_cast<unsigned>(image->height), 32, 0);
-    if (made == nullptr) {
-        return 0;
-    }
-    *ximage = *made;
-    XDestroyImage(made);
-    const Converter converter(*image);
-    if (converter.fits(*ximage)) {
-        ximage->data = reinterpret_cast<char*>(image->data.get());
-        ximage->bytes_per_line = image->bytes_line;
-        return 1;
-    }
-    const std::size_t size = static_cast<std::size_t>(ximage->bytes_per_line) * image->height;
-    ximage->data = new (std::nothrow) char[size]();
-    if (ximage->data == nullptr) {
-        return 0;
-    }
-    fill_ximage(*image, converter, ximage);
-    return 1;
-}
-
 int goverlay_image(IMG_report* image, const char* background, int x, int y) {
-    if (gget_display() == nullptr || gget_draw_window() == 0) {
+    if (!gdraw_is_open() || gget_draw_window() == 0) {
         return 0;
     }
-    if (!is_readable(*image)) {
+    if (!gimage_is_readable(*image)) {
         MESS_print(mess_warn, "goverlay_image: Pixels of depth %d cannot be shown\n", image->depth);
         return 0;
     }
@@ -440,13 +334,5 @@ int goverlay_image(IMG_report* image, const char* background, int x, int y) {
         return 0;
     }
     gsetup_image_colors(&part, trans);
-    XImage ximage{};
-    if (gset_ximage_params(&part, &ximage) == 0) {
-        return 0;
-    }
-    put_masked(&ximage, trans, left, top);
-    if (ximage.data != reinterpret_cast<char*>(part.data.get())) {
-        delete[] ximage.data;
-    }
-    return 1;
+    return gdraw_put_image(&part, trans, left, top);
 }

@@ -1,4 +1,4 @@
-// gks_pixmap.cpp: workstation type 6, a drawable of a window that another
+// gks_pixmap: workstation type 6, a drawable of a window that another
 // program keeps open, so that a series of short runs can feed frames into one
 // window. The id of the drawable comes by the connection text, the environment
 // or a file; the state is that of the display (gks_disp.h).
@@ -134,12 +134,13 @@ int held_side(long side, int usual) {
 void attach(const WindowId& id) {
     Gdisp& d = gdisp();
     d.has_window = id.window != 0;
-    d.base_window = static_cast<Pixmap>(id.pixmap);
-    d.draw_window = d.base_window;
-    d.root_window = d.has_window ? static_cast<Window>(id.window) : d.base_window;
-    d.root_width = held_side(id.width, default_width);
-    d.root_height = held_side(id.height, default_height);
-    gset_xsize(d.root_width, d.root_height);
+    Gscreen& screen = gscreen();
+    screen.base_window = static_cast<Pixmap>(id.pixmap);
+    screen.draw_window = screen.base_window;
+    d.root_window = d.has_window ? static_cast<Window>(id.window) : screen.base_window;
+    screen.root_width = held_side(id.width, default_width);
+    screen.root_height = held_side(id.height, default_height);
+    gset_xsize(screen.root_width, screen.root_height);
     gset_xoff(0, 0);
     if (id.fields == 5) {
         gset_user_cmap(static_cast<Colormap>(id.colormap));
@@ -232,8 +233,8 @@ void set_panel(const char* text) {
         oy = 1.0F - (oy + 1.0F) / sy;
     }
     Grectangle area{};
-    place_part({sx, ox}, gdisp().root_width, &area.x, &area.width);
-    place_part({sy, oy}, gdisp().root_height, &area.y, &area.height);
+    place_part({sx, ox}, gscreen().root_width, &area.x, &area.width);
+    place_part({sy, oy}, gscreen().root_height, &area.y, &area.height);
     gset_xsize(area.width, area.height);
     gset_xoff(area.x, area.y);
 }
@@ -249,12 +250,12 @@ void set_area(const char* text) {
     if (count < 2) {
         return;
     }
-    const auto w = static_cast<int>(std::clamp<long>(width, min_side, gdisp().root_width));
-    const auto h = static_cast<int>(std::clamp<long>(height, min_side, gdisp().root_height));
+    const auto w = static_cast<int>(std::clamp<long>(width, min_side, gscreen().root_width));
+    const auto h = static_cast<int>(std::clamp<long>(height, min_side, gscreen().root_height));
     gset_xsize(w, h);
     if (count == 4) {
-        gset_xoff(static_cast<int>(std::clamp<long>(x, 0, gdisp().root_width)),
-                  static_cast<int>(std::clamp<long>(y, 0, gdisp().root_height)));
+        gset_xoff(static_cast<int>(std::clamp<long>(x, 0, gscreen().root_width)),
+                  static_cast<int>(std::clamp<long>(y, 0, gscreen().root_height)));
     }
 }
 

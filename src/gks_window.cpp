@@ -1,4 +1,4 @@
-// gks_window.cpp: opens the plot's own window, workstation type 1: its place and
+// gks_window: opens the plot's own window, workstation type 1: its place and
 // size, what the window manager is told, its pixmap. The state is that of the
 // display (gks_disp.h).
 
@@ -133,7 +133,7 @@ void make_window(const XSizeHints& hints) {
     gdisp().root_window = XCreateWindow(
         gdisp().display, RootWindow(gdisp().display, gdisp().screen), hints.x, hints.y,
         static_cast<unsigned>(hints.width), static_cast<unsigned>(hints.height), border,
-        gdisp().depth, InputOutput, gdisp().visual,
+        gscreen().depth, InputOutput, gdisp().visual,
         CWBackPixel | CWBorderPixel | CWBackingStore | CWEventMask | CWColormap, &values);
     gdisp().has_window = true;
 }
@@ -266,11 +266,11 @@ int gopen_window(const char* conn_id) {
     ginit_xcolr();
     gset_root_size(hints.width, hints.height);
     gset_xsize(hints.width, hints.height);
-    gdisp().base_window = gsend_base(hints.width, hints.height);
+    gscreen().base_window = gsend_base(hints.width, hints.height);
     if (gtrap_errors(1) != 0) {
         return unable();
     }
-    gdisp().draw_window = gdisp().base_window;
+    gscreen().draw_window = gscreen().base_window;
     XClearWindow(gdisp().display, gdisp().root_window);
     gmake_cursors();
     return 0;

@@ -1,4 +1,4 @@
-// gks_x11.cpp: the connection to the display and the window at work. Owns the
+// gks_x11: the connection to the display and the window at work. Owns the
 // state of both (gks_disp.h), which gks_window.cpp and gks_pixmap.cpp fill in at
 // the opening. Everything is drawn into a pixmap, which gupdate_window and
 // exposures copy to the window.
@@ -23,11 +23,11 @@ void renew_base(int width, int height) {
     if (fresh == 0) {
         return;
     }
-    XCopyArea(disp.display, disp.base_window, fresh, disp.root_gc, 0, 0,
+    XCopyArea(disp.display, gscreen().base_window, fresh, disp.root_gc, 0, 0,
               static_cast<unsigned>(width), static_cast<unsigned>(height), 0, 0);
-    XFreePixmap(disp.display, disp.base_window);
-    disp.base_window = fresh;
-    disp.draw_window = fresh;
+    XFreePixmap(disp.display, gscreen().base_window);
+    gscreen().base_window = fresh;
+    gscreen().draw_window = fresh;
 }
 
 } // namespace
@@ -56,9 +56,15 @@ int gopen_display(const char* conn_id) {
                    name.empty() ? "DISPLAY is not set" : name.c_str());
         return gfail_display();
     }
+    gdraw_use(&gx_display());
     disp.screen = DefaultScreen(disp.display);
-    disp.depth = DefaultDepth(disp.display, disp.screen);
     disp.visual = DefaultVisual(disp.display, disp.screen);
+    Gscreen& screen = gscreen();
+    screen.depth = DefaultDepth(disp.display, disp.screen);
+    screen.true_color = disp.visual->c_class == TrueColor;
+    screen.red_mask = disp.visual->red_mask;
+    screen.grn_mask = disp.visual->green_mask;
+    screen.blu_mask = disp.visual->blue_mask;
     gset_def_cmap(DefaultColormap(disp.display, disp.screen));
     return 0;
 }
@@ -89,15 +95,12 @@ void gsetup_display(Drawable drawable) {
     XGCValues values{};
     values.graphics_exposures = False; // nobody waits for the events of a copy
     disp.root_gc = XCreateGC(disp.display, drawable, GCGraphicsExposures, &values);
-    disp.fore_colr = WhitePixel(disp.display, disp.screen);
-    disp.back_colr = BlackPixel(disp.display, disp.screen);
+    gscreen().fore_colr = WhitePixel(disp.display, disp.screen);
+    gscreen().back_colr = BlackPixel(disp.display, disp.screen);
     if (gget_inverse() != 0) {
-        std::swap(disp.fore_colr, disp.back_colr);
+        std::swap(gscreen().fore_colr, gscreen().back_colr);
     }
-    XSetForeground(disp.display, disp.root_gc, disp.fore_colr);
-    disp.red_mask = disp.visual->red_mask;
-    disp.grn_mask = disp.visual->green_mask;
-    disp.blu_mask = disp.visual->blue_mask;
+    XSetForeground(disp.display, disp.root_gc, gscreen().fore_colr);
 }
 
 // --- Closing ------------------------------------------------------------------
@@ -108,17 +111,13 @@ int gfail_display() {
     return -1;
 }
 
-int gclose_display() {
+void XDisplay::close() {
     Display* display = disp.display;
-    if (display == nullptr) {
-        return 0;
-    }
-    gflush_fill();
     if (gtype_is_WIN()) {
         greset_zoom();
         gdelete_all_frames();
-        if (disp.base_window != 0) {
-            XFreePixmap(display, disp.base_window);
+        if (gscreen().base_window != 0) {
+            XFreePixmap(display, gscreen().base_window);
         }
         if (disp.has_window) {
             XDestroyWindow(display, disp.root_window); // unmaps it first
@@ -136,7 +135,6 @@ int gclose_display() {
     gend_pixmap();
     XCloseDisplay(display); // waits for the last answer
     disp = {};
-    return 0;
 }
 
 // --- Settings and inquiries ---------------------------------------------------
@@ -164,73 +162,18 @@ bool ghas_window() {
 void glose_window() {
     gfree_cursors();
     disp.has_window = false;
-    disp.root_window = disp.base_window;
-}
-
-Pixmap gget_base_window() {
-    return disp.base_window;
-}
-
-int gset_base_window(Pixmap id) {
-    gflush_fill();
-    disp.base_window = id;
-    return 0;
-}
-
-Drawable gget_draw_window() {
-    return disp.draw_window;
-}
-
-int gset_draw_window(Drawable id) {
-    gflush_fill();
-    disp.draw_window = id != 0 ? id : disp.base_window;
-    return 0;
+    disp.root_window = gscreen().base_window;
 }
 
 GC gget_root_gc() {
     return disp.root_gc;
 }
 
-unsigned long gget_red_mask() {
-    return disp.red_mask;
-}
-
-unsigned long gget_grn_mask() {
-    return disp.grn_mask;
-}
-
-unsigned long gget_blu_mask() {
-    return disp.blu_mask;
-}
-
-unsigned long gget_fore_pixel() {
-    return disp.fore_colr;
-}
-
-unsigned long gget_back_pixel() {
-    return disp.back_colr;
-}
-
-int gget_win_depth() {
-    constexpr int file_depth = 10; // marks that no display is in use
-    return disp.display != nullptr ? disp.depth : file_depth;
-}
-
-int gget_root_size(int* width, int* height) {
-    *width = disp.root_width;
-    *height = disp.root_height;
-    return disp.display != nullptr ? 0 : -1;
-}
-
 // --- The window at work -------------------------------------------------------
 
-int gwindow_side(int side, int usual) {
-    return side <= 0 ? usual : std::clamp(side, min_side, max_side);
-}
-
 void gset_root_size(int width, int height) {
-    disp.root_width = width;
-    disp.root_height = height;
+    gscreen().root_width = width;
+    gscreen().root_height = height;
 }
 
 XWindowAttributes gwindow_attributes() {
@@ -243,8 +186,8 @@ Pixmap gsend_base(int width, int height) {
     const auto w = static_cast<unsigned>(width);
     const auto h = static_cast<unsigned>(height);
     const Pixmap pixmap =
-        XCreatePixmap(disp.display, disp.root_window, w, h, static_cast<unsigned>(disp.depth));
-    gfill_drawable(pixmap, disp.back_colr, w, h);
+        XCreatePixmap(disp.display, disp.root_window, w, h, static_cast<unsigned>(gscreen().depth));
+    gfill_drawable(pixmap, gscreen().back_colr, w, h);
     return pixmap;
 }
 
@@ -257,7 +200,7 @@ Pixmap gmake_base(int width, int height) {
 void gfill_drawable(Drawable drawable, unsigned long pixel, unsigned width, unsigned height) {
     XSetForeground(disp.display, disp.root_gc, pixel);
     XFillRectangle(disp.display, drawable, disp.root_gc, 0, 0, width, height);
-    XSetForeground(disp.display, disp.root_gc, disp.fore_colr);
+    XSetForeground(disp.display, disp.root_gc, gscreen().fore_colr);
 }
 
 int gresize_window(int width, int height) {
@@ -274,7 +217,8 @@ int gresize_window(int width, int height) {
     } else {
         const XWindowAttributes given = gwindow_attributes();
         const bool gone = given.width <= 0; // its event is still to come
-        if (gone || (given.width == disp.root_width && given.height == disp.root_height)) {
+        if (gone ||
+            (given.width == gscreen().root_width && given.height == gscreen().root_height)) {
             return 0;
         }
         width = given.width;
@@ -292,43 +236,26 @@ int gresize_window(int width, int height) {
     return 1;
 }
 
-int gupdate_window() {
-    if (disp.root_window == 0 || disp.base_window == 0) {
-        return -1;
-    }
-    gflush_fill();
+// --- What the drawing asks of the window ------------------------------------------
+
+void XDisplay::show() {
     if (disp.has_window) {
-        XCopyArea(disp.display, disp.base_window, disp.root_window, disp.root_gc, 0, 0,
-                  static_cast<unsigned>(disp.root_width), static_cast<unsigned>(disp.root_height),
-                  0, 0);
+        XCopyArea(disp.display, gscreen().base_window, disp.root_window, disp.root_gc, 0, 0,
+                  static_cast<unsigned>(gscreen().root_width),
+                  static_cast<unsigned>(gscreen().root_height), 0, 0);
     }
-    return gflush();
 }
 
-int gclear_window() {
-    if (disp.base_window == 0) {
-        return -1;
+void XDisplay::blank() {
+    if (disp.has_window) {
+        XClearWindow(disp.display, disp.root_window);
     }
-    gflush_fill();
-    gfill_drawable(disp.base_window, static_cast<unsigned long>(gget_color_ind(-1)),
-                   static_cast<unsigned>(disp.root_width), static_cast<unsigned>(disp.root_height));
-    return 0;
 }
 
-int gflush() {
-    if (disp.display == nullptr) {
-        return 0;
-    }
-    gflush_fill();
+void XDisplay::flush() {
     XFlush(disp.display);
-    return 0;
 }
 
-int gsync() {
-    if (disp.display == nullptr) {
-        return 0;
-    }
-    gflush_fill();
+void XDisplay::sync() {
     XSync(disp.display, False);
-    return 0;
 }

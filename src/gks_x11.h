@@ -4,7 +4,7 @@
 // null and the ids 0.
 #pragma once
 
-#include "gks.h"
+#include "gks_draw.h"
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
@@ -18,16 +18,7 @@ Window gget_root_window(); // the plot's window, not the screen's
 bool ghas_window();        // whether there is one, not the pixmap alone
 // The window is gone from the server: the plot goes on in the pixmap.
 void glose_window();
-Pixmap gget_base_window(); // its backing pixmap
-int gset_base_window(Pixmap id);
-Drawable gget_draw_window();       // where primitives draw
-int gset_draw_window(Drawable id); // 0: the base pixmap
 GC gget_root_gc();
-unsigned long gget_red_mask();
-unsigned long gget_grn_mask();
-unsigned long gget_blu_mask();
-unsigned long gget_fore_pixel();
-unsigned long gget_back_pixel();
 // Errors counted by the handler.
 int gget_num_error();
 Atom gget_close_atom(); // of the window manager's wish that the window closes
@@ -58,12 +49,54 @@ GC gget_text_gc();
 // Frees the contexts, the patterns and the server's font.
 void gfree_pens();
 
-// --- Frames and events ----------------------------------------------------------
+// --- Events -------------------------------------------------------------------
 
-Pixmap gget_frame_id(int ind);
-int gset_frame_id(int ind, Pixmap pixmap);
 int gprocess_x11_event(XEvent* event);
 
-// --- Images (gks_img.cpp) -------------------------------------------------------
+// --- Images (gks_ximage.cpp) -------------------------------------------------------
 
 int gset_ximage_params(IMG_report* image, XImage* ximage);
+
+// --- The X server's side of gks_draw.h ------------------------------------------
+
+// Pens, figures and pictures are in gks_xdraw.cpp, images in gks_ximage.cpp,
+// colours in gks_xcolr.cpp, the window in gks_x11.cpp.
+class XDisplay final : public Gdisplay {
+public:
+    [[nodiscard]] bool has_pen(Gpen pen) const override;
+    void init_pen(Gpen pen, int type) override;
+    void reset_pens() override;
+    void set_color(Gpen pen, int ind) override;
+    void set_black(Gpen pen) override;
+    void set_width(Gpen pen, int width) override;
+    void set_dash(int type) override;
+    void set_fill_style(int style, int pattern) override;
+    void set_clip(const Gclip_rect& rect) override;
+    void point(Gpen pen, Gpixel at) override;
+    void lines(Gpen pen, int n, const Gpixel* points) override;
+    void area(int n, const Gpixel* points, int color) override;
+    Gpicture make_picture(int width, int height) override;
+    void free_picture(Gpicture picture) override;
+    void fill_picture(Gpicture picture, const Grectangle& rect, unsigned long pixel) override;
+    void copy_picture(Gpicture from, Gpicture to, const Grectangle& rect) override;
+    int put_image(IMG_report* image, long trans, int x, int y) override;
+    int take_image(IMG_report* image) override;
+    [[nodiscard]] bool keeps_frames() const override;
+    void show() override;
+    void blank() override;
+    void flush() override;
+    void sync() override;
+    void close() override;
+    bool parse_color(const char* text, Gcolr_levels* levels) override;
+    bool take_cell(int* pixel) override;
+    void store_cell(int pixel, const Gcolr_levels& levels) override;
+    int share_pixel(const Gcolr_levels& levels, int otherwise) override;
+    int share_levels(Gcolr_levels* levels) override;
+    Gcolr_levels screen_levels(bool white) override;
+    const char* default_of(const char* name) override;
+    int load_font(const char* name) override;
+    void free_font() override;
+    bool measure(std::string_view text, Gstring_size* size) override;
+    void string(int x, int y, std::string_view text) override;
+};
+Gdisplay& gx_display();

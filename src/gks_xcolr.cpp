@@ -5,8 +5,6 @@
 #include "gks_draw.h"
 #include "gks_x11.h"
 
-#include <algorithm>
-#include <bit>
 #include <cstdlib>
 
 namespace {
@@ -31,44 +29,9 @@ Gcolr_levels levels_of(const XColor& color) {
     return {color.red, color.green, color.blue};
 }
 
-// On such a screen the pixels tell their colours: no request is spent on them.
-bool has_masks() {
-    return gget_visual() != nullptr && gget_visual()->c_class == TrueColor;
-}
-
-// A component of 16 bits in its place in a pixel.
-unsigned long masked(unsigned value, unsigned long mask) {
-    if (mask == 0) {
-        return 0;
-    }
-    const int bits = std::min(std::popcount(mask), 16);
-    return static_cast<unsigned long>(value >> (16 - bits)) << std::countr_zero(mask);
-}
-
-unsigned long masked_pixel(const Gcolr_levels& levels) {
-    return gget_color_rgb_Xval(levels.red, levels.grn, levels.blu);
-}
-
-// What a server says of a pixel's component.
-std::uint16_t shown_component(unsigned long pixel, unsigned long mask) {
-    if (mask == 0) {
-        return 0;
-    }
-    const unsigned long most = mask >> std::countr_zero(mask);
-    return static_cast<std::uint16_t>(((pixel & mask) >> std::countr_zero(mask)) * 0xFFFF / most);
-}
-
-Gcolr_levels shown_levels(unsigned long pixel) {
-    return {shown_component(pixel, gget_red_mask()), shown_component(pixel, gget_grn_mask()),
-            shown_component(pixel, gget_blu_mask())};
-}
-
 } // namespace
 
-bool gdraw_take_cell(int* pixel) {
-    if (has_masks()) {
-        return false;
-    }
+bool XDisplay::take_cell(int* pixel) {
     unsigned long cell = 0;
     if (XAllocColorCells(gget_display(), gget_colormap(), False, nullptr, 0, &cell, 1) == 0) {
         return false;
@@ -77,28 +40,20 @@ bool gdraw_take_cell(int* pixel) {
     return true;
 }
 
-void gdraw_store_cell(int pixel, const Gcolr_levels& levels) {
+void XDisplay::store_cell(int pixel, const Gcolr_levels& levels) {
     XColor color = x_color(levels);
     color.pixel = static_cast<unsigned long>(pixel);
     XStoreColor(gget_display(), gget_colormap(), &color);
 }
 
-int gdraw_share_pixel(const Gcolr_levels& levels, int otherwise) {
-    if (has_masks()) {
-        return static_cast<int>(masked_pixel(levels));
-    }
+int XDisplay::share_pixel(const Gcolr_levels& levels, int otherwise) {
     XColor color = x_color(levels);
     color.pixel = static_cast<unsigned long>(otherwise); // what a refusal leaves
     XAllocColor(gget_display(), gget_colormap(), &color);
     return static_cast<int>(color.pixel);
 }
 
-int gdraw_share_levels(Gcolr_levels* levels) {
-    if (has_masks()) {
-        const unsigned long pixel = masked_pixel(*levels);
-        *levels = shown_levels(pixel);
-        return static_cast<int>(pixel);
-    }
+int XDisplay::share_levels(Gcolr_levels* levels) {
     XColor color = x_color(*levels);
     XAllocColor(gget_display(), gget_colormap(), &color);
     XQueryColor(gget_display(), gget_colormap(), &color);
@@ -106,10 +61,7 @@ int gdraw_share_levels(Gcolr_levels* levels) {
     return static_cast<int>(color.pixel);
 }
 
-Gcolr_levels gdraw_screen_levels(bool white) {
-    if (has_masks()) { // black and white are what they are on any such screen
-        return white ? Gcolr_levels{0xFFFF, 0xFFFF, 0xFFFF} : Gcolr_levels{};
-    }
+Gcolr_levels XDisplay::screen_levels(bool white) {
     XColor color{};
     color.pixel = white ? WhitePixel(gget_display(), gget_screen())
                         : BlackPixel(gget_display(), gget_screen());
@@ -117,16 +69,11 @@ Gcolr_levels gdraw_screen_levels(bool white) {
     return levels_of(color);
 }
 
-bool gdraw_parse_color(const char* text, Gcolr_levels* levels) {
+bool XDisplay::parse_color(const char* text, Gcolr_levels* levels) {
     XColor color{};
     const bool found = XParseColor(gget_display(), gget_colormap(), text, &color) != 0;
     *levels = levels_of(color);
     return found;
-}
-
-unsigned long gget_color_rgb_Xval(unsigned red, unsigned grn, unsigned blu) {
-    return masked(red, gget_red_mask()) | masked(grn, gget_grn_mask()) |
-           masked(blu, gget_blu_mask());
 }
 
 // --- Colour maps --------------------------------------------------------------

@@ -1,11 +1,7 @@
 // gks_xdraw: the drawing of gks_draw.h through Xlib. Owns the graphics contexts
-// of the four pens, the pattern bitmaps, the area held back and a font of the
-// server if one was asked for. ginit_plot (from gopen_ws) makes the pens by
-// gdraw_init_pen; the closing of the display frees them.
-//
-// A display shows the last area only when it must (gflush_fill): an area with
-// the same corners in pixels hides it, and fine radials fall on the same pixels
-// again and again.
+// of the four pens, the pattern bitmaps and a font of the server if one was asked
+// for. ginit_plot (from gopen_ws) makes the pens by gdraw_init_pen; the closing of
+// the display frees them.
 
 #include "gks_draw.h"
 
@@ -27,13 +23,9 @@ struct XDraw {
     std::array<Pixmap, num_patterns> patterns{};
     int fill_color = no_color;        // index whose pixel is the fill pen's foreground
     XFontStruct* font_info = nullptr; // a font of the server for texts
-
-    // The area held back; `held` 0: none.
-    int held = 0; // points
-    int held_color = 0;
-    std::array<Gpixel, 5> points{};
 };
 XDraw draw;
+XDisplay x_display;
 
 GC& gc_of(Gpen pen) {
     return draw.gcs[static_cast<std::size_t>(pen)];
@@ -59,19 +51,6 @@ void set_fill_foreground(int ind) {
     set_foreground(Gpen::fill, static_cast<unsigned long>(gget_color_ind(ind)));
 }
 
-void send_area(int n, const Gpixel* points, int color) {
-    set_fill_foreground(color);
-    XPoint* at = x_points(points);
-    XFillPolygon(gget_display(), gget_draw_window(), gc_of(Gpen::fill), at, n, Nonconvex,
-                 CoordModeOrigin);
-    XDrawLines(gget_display(), gget_draw_window(), gc_of(Gpen::fill), at, n, CoordModeOrigin);
-}
-
-bool same_points(const Gpixel* a, const Gpixel* b, int n) {
-    return std::equal(a, a + n, b,
-                      [](const Gpixel& p, const Gpixel& q) { return p.x == q.x && p.y == q.y; });
-}
-
 // Lines and fills belong to the window, the others to what is drawn on.
 void make_gc(Gpen pen) {
     const bool on_window = pen == Gpen::line || pen == Gpen::fill;
@@ -94,7 +73,6 @@ void start_pen(Gpen pen) {
         gset_line_gc_func(GXcopy);
         break;
     case Gpen::fill:
-        gflush_fill();
         draw.fill_color = no_color;
         XSetFillStyle(gget_display(), gc, FillSolid);
         break;
@@ -108,17 +86,18 @@ void start_pen(Gpen pen) {
 
 } // namespace
 
-// --- Pens ---------------------------------------------------------------------
-
-bool gdraw_ready() {
-    return gc_of(Gpen::fill) != nullptr;
+Gdisplay& gx_display() {
+    return x_display;
 }
 
-void gdraw_init_pen(Gpen pen, int type) {
+// --- Pens ---------------------------------------------------------------------
+
+bool XDisplay::has_pen(Gpen pen) const {
+    return gc_of(pen) != nullptr;
+}
+
+void XDisplay::init_pen(Gpen pen, int type) {
     Display* display = gget_display();
-    if (display == nullptr || type < 0 || type > 1) {
-        return;
-    }
     if (type == 0) {
         make_gc(pen);
     }
@@ -128,16 +107,9 @@ void gdraw_init_pen(Gpen pen, int type) {
     start_pen(pen);
     XSetForeground(display, gc_of(pen), WhitePixel(display, gget_screen()));
     XSetBackground(display, gc_of(pen), BlackPixel(display, gget_screen()));
-    Gclip_rect clip{};
-    gget_xviewport(&clip);
-    gdraw_set_clip(clip);
 }
 
-void gdraw_reset_pens() {
-    if (gget_display() == nullptr) {
-        return;
-    }
-    gflush_fill();
+void XDisplay::reset_pens() {
     XGCValues values{};
     values.line_width = 0;
     values.line_style = LineSolid;
@@ -155,7 +127,7 @@ void gfree_pens() {
             XFreeGC(gget_display(), gc);
         }
     }
-    gdraw_free_font();
+    x_display.free_font();
     gdel_fill_pat();
     draw = {};
 }
@@ -170,7 +142,7 @@ int gdel_fill_pat() {
     return 0;
 }
 
-void gdraw_set_color(Gpen pen, int ind) {
+void XDisplay::set_color(Gpen pen, int ind) {
     if (pen == Gpen::fill) {
         draw.fill_color = no_color; // it is set with the next area
     } else {
@@ -178,26 +150,18 @@ void gdraw_set_color(Gpen pen, int ind) {
     }
 }
 
-void gdraw_set_black(Gpen pen) {
-    if (gget_display() != nullptr) {
-        set_foreground(pen, BlackPixel(gget_display(), gget_screen()));
-    }
+void XDisplay::set_black(Gpen pen) {
+    set_foreground(pen, BlackPixel(gget_display(), gget_screen()));
 }
 
-void gdraw_set_width(Gpen pen, float width) {
-    if (gc_of(pen) == nullptr) {
-        return;
-    }
+void XDisplay::set_width(Gpen pen, int width) {
     XGCValues values{};
-    values.line_width = static_cast<int>(hold_within(width, pixel_limit));
+    values.line_width = width;
     XChangeGC(gget_display(), gc_of(pen), GCLineWidth, &values);
 }
 
-void gdraw_set_dash(int type) {
+void XDisplay::set_dash(int type) {
     GC gc = gc_of(Gpen::line);
-    if (gc == nullptr) {
-        return;
-    }
     XGCValues values{};
     values.line_style = type == 1 ? LineSolid : LineOnOffDash;
     XChangeGC(gget_display(), gc, GCLineStyle, &values);
@@ -207,12 +171,8 @@ void gdraw_set_dash(int type) {
     }
 }
 
-void gdraw_set_fill_style(int style, int pattern) {
+void XDisplay::set_fill_style(int style, int pattern) {
     GC gc = gc_of(Gpen::fill);
-    if (gc == nullptr) {
-        return;
-    }
-    gflush_fill();
     if (style == GSOLID) {
         XSetFillStyle(gget_display(), gc, FillSolid);
     } else if (style == GPAT) {
@@ -224,97 +184,81 @@ void gdraw_set_fill_style(int style, int pattern) {
     }
 }
 
-void gdraw_set_clip(const Gclip_rect& rect) {
-    Display* display = gget_display();
-    if (display == nullptr) {
-        return;
-    }
-    gflush_fill();
+void XDisplay::set_clip(const Gclip_rect& rect) {
     XRectangle clip = {rect.x, rect.y, rect.width, rect.height};
     for (GC gc : draw.gcs) {
         if (gc != nullptr) {
-            XSetClipRectangles(display, gc, 0, 0, &clip, 1, Unsorted);
+            XSetClipRectangles(gget_display(), gc, 0, 0, &clip, 1, Unsorted);
         }
     }
 }
 
 // --- Figures ------------------------------------------------------------------
 
-void gdraw_point(Gpen pen, Gpixel at) {
-    gflush_fill();
-    if (gc_of(pen) != nullptr) {
-        XDrawPoint(gget_display(), gget_draw_window(), gc_of(pen), at.x, at.y);
-    }
+void XDisplay::point(Gpen pen, Gpixel at) {
+    XDrawPoint(gget_display(), gget_draw_window(), gc_of(pen), at.x, at.y);
 }
 
-void gdraw_lines(Gpen pen, int n, const Gpixel* points) {
-    gflush_fill();
-    if (gc_of(pen) != nullptr) {
-        XDrawLines(gget_display(), gget_draw_window(), gc_of(pen), x_points(points), n,
-                   CoordModeOrigin);
-    }
+void XDisplay::lines(Gpen pen, int n, const Gpixel* points) {
+    XDrawLines(gget_display(), gget_draw_window(), gc_of(pen), x_points(points), n,
+               CoordModeOrigin);
 }
 
-void gdraw_area(int n, const Gpixel* points, int color, bool solid) {
-    if (gc_of(Gpen::fill) == nullptr) {
-        return;
-    }
-    if (solid && draw.held == n && same_points(points, draw.points.data(), n)) {
-        draw.held_color = color;
-        return;
-    }
-    gflush_fill();
-    if (!solid || n > static_cast<int>(draw.points.size())) {
-        send_area(n, points, color);
-        return;
-    }
-    std::copy_n(points, n, draw.points.begin());
-    draw.held = n;
-    draw.held_color = color;
+void XDisplay::area(int n, const Gpixel* points, int color) {
+    set_fill_foreground(color);
+    XPoint* at = x_points(points);
+    XFillPolygon(gget_display(), gget_draw_window(), gc_of(Gpen::fill), at, n, Nonconvex,
+                 CoordModeOrigin);
+    XDrawLines(gget_display(), gget_draw_window(), gc_of(Gpen::fill), at, n, CoordModeOrigin);
 }
 
-void gflush_fill() {
-    const int n = draw.held;
-    draw.held = 0;
-    if (n > 0) {
-        send_area(n, draw.points.data(), draw.held_color);
-    }
+// --- Pictures -------------------------------------------------------------------
+
+Gpicture XDisplay::make_picture(int width, int height) {
+    return XCreatePixmap(gget_display(), gget_base_window(), static_cast<unsigned>(width),
+                         static_cast<unsigned>(height), static_cast<unsigned>(gget_win_depth()));
 }
 
-void gdraw_clear(const Grectangle& rect) {
-    Display* display = gget_display();
-    if (display == nullptr) {
-        return;
-    }
-    gflush_fill();
-    XSetForeground(display, gget_root_gc(), static_cast<unsigned long>(gget_color_ind(-1)));
-    XFillRectangle(display, gget_draw_window(), gget_root_gc(), rect.x, rect.y,
+void XDisplay::free_picture(Gpicture picture) {
+    XFreePixmap(gget_display(), picture);
+}
+
+void XDisplay::fill_picture(Gpicture picture, const Grectangle& rect, unsigned long pixel) {
+    XSetForeground(gget_display(), gget_root_gc(), pixel);
+    XFillRectangle(gget_display(), picture, gget_root_gc(), rect.x, rect.y,
                    static_cast<unsigned>(rect.width), static_cast<unsigned>(rect.height));
-    XSetForeground(display, gget_root_gc(), gget_fore_pixel());
+    XSetForeground(gget_display(), gget_root_gc(), gget_fore_pixel());
+}
+
+void XDisplay::copy_picture(Gpicture from, Gpicture to, const Grectangle& rect) {
+    XCopyArea(gget_display(), from, to, gget_root_gc(), rect.x, rect.y,
+              static_cast<unsigned>(rect.width), static_cast<unsigned>(rect.height), rect.x,
+              rect.y);
+}
+
+bool XDisplay::keeps_frames() const {
+    return true;
 }
 
 // --- Texts in a font of the server ----------------------------------------------
 
-int gdraw_load_font(const char* name) {
-    Display* display = gget_display();
-    if (display != nullptr) {
-        draw.font_info = XLoadQueryFont(display, name);
-    }
+int XDisplay::load_font(const char* name) {
+    draw.font_info = XLoadQueryFont(gget_display(), name);
     if (draw.font_info == nullptr) {
         return -1;
     }
-    XSetFont(display, gc_of(Gpen::text), draw.font_info->fid);
+    XSetFont(gget_display(), gc_of(Gpen::text), draw.font_info->fid);
     return 0;
 }
 
-void gdraw_free_font() {
-    if (draw.font_info != nullptr && gget_display() != nullptr) {
+void XDisplay::free_font() {
+    if (draw.font_info != nullptr) {
         XFreeFont(gget_display(), draw.font_info);
     }
     draw.font_info = nullptr;
 }
 
-bool gdraw_measure(std::string_view text, Gstring_size* size) {
+bool XDisplay::measure(std::string_view text, Gstring_size* size) {
     if (draw.font_info == nullptr) {
         return false;
     }
@@ -323,9 +267,8 @@ bool gdraw_measure(std::string_view text, Gstring_size* size) {
     return true;
 }
 
-void gdraw_string(int px, int py, std::string_view text) {
-    gflush_fill();
-    XDrawString(gget_display(), gget_draw_window(), gc_of(Gpen::text), px, py, text.data(),
+void XDisplay::string(int x, int y, std::string_view text) {
+    XDrawString(gget_display(), gget_draw_window(), gc_of(Gpen::text), x, y, text.data(),
                 static_cast<int>(text.size()));
 }
 
@@ -381,7 +324,6 @@ int gxrect(Drawable drawable, const XPoint* a, const XPoint* b) {
     return 0;
 }
 
-const char* gdraw_default(const char* name) {
-    return gget_display() != nullptr ? XGetDefault(gget_display(), gget_prog_name(), name)
-                                     : nullptr;
+const char* XDisplay::default_of(const char* name) {
+    return XGetDefault(gget_display(), gget_prog_name(), name);
 }
