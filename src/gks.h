@@ -194,6 +194,10 @@ int gmessage(int level, const char* text);
 
 // What gopen_ws does for types 1 and 6. Returns 0, or -1 after a report.
 int gopen_window(const char* conn_id);
+// 1: the plot ends in image files, so that the display in memory serves it where no
+// other answers.
+int gset_image_run(int value);
+bool gis_image_run();
 int gopen_pixmap(const char* conn_id);
 // Gives back what the two opened; called by gclose_ws.
 int gclose_display();
@@ -259,6 +263,8 @@ int gcopy_frame(int dest, int src);
 int gdelete_frame(int ind); // 1 done, 0 refused
 int gdelete_all_frames();
 int gget_num_images();
+// Whether frames stay. Else, in memory, each takes the place of the one before.
+bool gkeeps_frames();
 int gget_cur_frame(); // -1: none on show
 int gset_looping(int value);
 int gget_looping();

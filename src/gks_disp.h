@@ -54,8 +54,6 @@ Gdisp_settings& gdisp_settings();
 int gopen_display(const char* conn_id);
 // Makes root_gc for the drawable and fills in pixels and masks of the screen.
 void gsetup_display(Drawable drawable);
-// The resource, unless gset_geometry gave one; null if neither did.
-const char* gchosen_geometry();
 // Closes what is open and leaves no workstation. Returns -1.
 int gfail_display();
 void gset_root_size(int width, int height);

@@ -332,7 +332,7 @@ int gdraw_take_image(IMG_report* image) {
     return draw.side != nullptr ? draw.side->take_image(image) : 0;
 }
 
-bool gdraw_keeps_frames() {
+bool gkeeps_frames() {
     return draw.side == nullptr || draw.side->keeps_frames();
 }
 

@@ -89,8 +89,6 @@ int gdraw_put_image(IMG_report* image, long trans, int x, int y);
 int gdraw_take_image(IMG_report* image);
 // What the window shows goes, until something is shown again.
 void gdraw_blank();
-// Whether frames stay: else all of them are one picture, the one drawn last.
-bool gdraw_keeps_frames();
 
 Gpicture gget_base_window();
 int gset_base_window(Gpicture id);
@@ -209,6 +207,9 @@ void gdraw_use(Gdisplay* side);
 
 // --- The display in memory (gks_mdraw.cpp) ------------------------------------------------
 
+// The geometry asked for: the resource, unless gset_geometry gave one; null if
+// neither did (gks_window.cpp).
+const char* gchosen_geometry();
 // Whether the connection text names it.
 bool gnames_memory(const char* conn_id);
 // Opens it as a window of the geometry asked for. Returns 0, or -1 after a report.

@@ -51,10 +51,15 @@ int frame_number(int ind) {
     return ind == frame_current ? loop.cur_image : ind;
 }
 
+// The place of a frame in the table: where frames do not stay all have the first.
+int place_of(int number) {
+    return gkeeps_frames() ? number : std::min(number, 0);
+}
+
 // The table's entry of a reference; null when there is none.
 Frame* frame_of(int ind) {
-    const int number = frame_number(ind);
-    return number >= 0 && number < max_frames ? &loop.images[number] : nullptr;
+    const int place = place_of(frame_number(ind));
+    return place >= 0 && place < max_frames ? &loop.images[place] : nullptr;
 }
 
 void set_pixmap(int ind, Gpicture pixmap) {
@@ -94,7 +99,7 @@ void free_pixmap(Frame& frame) {
 
 // All frames but the last, which has a pause of its own.
 void set_delays(float delay) {
-    for (int i = 0; i < loop.num_images - 1; ++i) {
+    for (int i = 0; i < std::min(loop.num_images, max_frames) - 1; ++i) {
         loop.images[i].delay = delay;
     }
 }
@@ -139,20 +144,24 @@ int gcreate_frame(int ind) {
     if (ind < 0) {
         ind = loop.num_images;
     }
-    if (ind >= max_frames) {
+    if (place_of(ind) >= max_frames) {
         gerr_printf("gcreate_frame", "no room for frame %d: at most %d frames\n", ind, max_frames);
         return -1;
     }
-    Frame& frame = loop.images[ind];
+    Frame& frame = loop.images[place_of(ind)];
     if (frame.pixmap == 0) {
         frame.pixmap = new_pixmap();
     }
+    if (frame.pixmap == 0) {
+        gerr_printf("gcreate_frame", "no memory for frame %d\n", ind);
+        return -1;
+    }
     gclear_frame(ind);
     if (ind > 0) {
-        loop.images[ind - 1].delay = loop.loop_delay;
+        loop.images[place_of(ind - 1)].delay = loop.loop_delay;
     }
-    if (loop.num_images < max_frames) {
-        loop.images[loop.num_images].delay = loop.loop_pause;
+    if (place_of(loop.num_images) < max_frames) {
+        loop.images[place_of(loop.num_images)].delay = loop.loop_pause;
     }
     gflush();
     MESS_print(mess_frames, "Created frame: %d-%ld\n", ind, static_cast<long>(frame.pixmap));

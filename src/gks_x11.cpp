@@ -49,6 +49,9 @@ int gopen_display(const char* conn_id) {
     const std::string name = XDisplayName(count > 0 && *fields[0] != '\0' ? fields[0] : nullptr);
     free_parsed_array(count, fields);
     disp.display = XOpenDisplay(name.c_str());
+    if (disp.display == nullptr && gtype_is_WIN() && gis_image_run()) {
+        return gfail_display(); // the display in memory takes its place
+    }
     if (disp.display == nullptr) {
         MESS_print(mess_warn, "gopen_ws: unable to connect to display\n");
         MESS_print(mess_warn,

@@ -182,6 +182,7 @@ int PLT_open(float aspect) {
         warn_of_parts();
         return -1;
     }
+    gset_image_run(session.dump != 0 ? 1 : 0);
     GPH_setup(&session.work_id, &session.wk_type, aspect, view);
     return 0;
 }
@@ -244,7 +245,7 @@ void PLT_lost_output() {
 }
 
 bool PLT_has_room(int frame) {
-    return frame < max_frames || !gtype_is_WIN_PIX();
+    return frame < max_frames || !gtype_is_WIN_PIX() || !gkeeps_frames();
 }
 
 void PLT_tell_overlaid(int pictures) {
