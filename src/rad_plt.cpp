@@ -45,6 +45,9 @@ constexpr int exit_no_memory = 3;
 constexpr int station_priority = 3;
 constexpr float km_per_nmi = 1.852F;
 constexpr int default_items = 100;
+// Marks, texts and circles of a file; a country full of storms has some thousands.
+// One text may take 6 KB of a page.
+constexpr int most_items = 40000;
 constexpr double default_dist = 100.0; // of the circle about a station, nautical miles
 constexpr double least_dist = 10.0;
 constexpr double most_dist = 10000.0;
@@ -76,6 +79,7 @@ struct State {
     bool noclar = false;   // leave out the symbols of sites in clear air
     int num_plt = default_items;
     Domain stored;     // whose stations are in the table
+    int items = 0;     // drawn of the open file
     bool told = false; // of a variable that nobody knows
     RadWords words;
     RadRun run;
@@ -280,13 +284,23 @@ void set_values(RAW_data* data, int first, int second = missing) {
     data->value[1] = static_cast<float>(second);
 }
 
+// Counts an item. False when there were too many.
+bool take_item() {
+    if (state.items == most_items) {
+        MESS_print(mess_error, "RAD_plot_data: More than %d items: the rest is left out\n",
+                   most_items);
+        PLT_lost_output();
+    }
+    return state.items++ < most_items;
+}
+
 bool has_content(const RAW_data& data) {
     return data.data[0] != '\0' || is_set(data.value[0]);
 }
 
 // Draws one item in the form of its variable.
 void draw_item(const VAR_data& var, RAW_data* data) {
-    if (has_content(*data) && is_set(data->x)) {
+    if (has_content(*data) && is_set(data->x) && take_item()) {
         data->type = var.type;
         copy_text(data->format, sizeof data->format, var.format);
         RAW_plot_data(data);
@@ -302,7 +316,7 @@ RAW_data item_at(const CTY_locate& station) {
 }
 
 void draw_station(const CTY_locate& station) {
-    if (state.words.site != 0) {
+    if (state.words.site != 0 && take_item()) {
         RAW_data data = item_at(station);
         data.type = var_type_mark;
         set_text(&data, "plus");
@@ -311,7 +325,7 @@ void draw_station(const CTY_locate& station) {
 }
 
 void draw_mdr_report(const CTY_locate& station) {
-    if (state.plt_dist >= static_cast<float>(least_dist)) {
+    if (state.plt_dist >= static_cast<float>(least_dist) && take_item()) {
         MAP_draw_circle(station.x, station.y, state.plt_dist * km_per_nmi);
     }
     draw_station(station);
@@ -615,17 +629,20 @@ int RAD_plot_data() {
     RAW_plot_init(&data, state.scale);
     CTY_locate station;
     RAD_rewind_file();
+    state.items = 0;
     int status = 0;
     if (state.info.type == rad_mdr) {
         check_names(mdr_names);
-        while ((status = MDR_read_report(&state.mdr_report, &station)) != -1) {
+        while (state.items <= most_items &&
+               (status = MDR_read_report(&state.mdr_report, &station)) != -1) {
             if (status == 1) {
                 draw_mdr_report(station);
             }
         }
     } else if (state.info.type == rad_rcm) {
         check_names(rcm_names);
-        while ((status = RCM_read_report(&state.rcm_report, &station)) != -1) {
+        while (state.items <= most_items &&
+               (status = RCM_read_report(&state.rcm_report, &station)) != -1) {
             if (status == 1) {
                 draw_rcm_report(station);
             }

@@ -561,6 +561,19 @@ TEST_F(SummaryPlot, SequencesAndWords) {
     EXPECT_GT(ink("-pp site"), ink(""));
 }
 
+// A file of many reports ends in a page of bounded size, a message and 4.
+TEST_F(SummaryPlot, PagesAreBounded) {
+    std::string many = head + "SDUS41\n+ 50 055\n1\n+\nSDXX STATION\n";
+    for (int i = 0; i < 41000; ++i) {
+        many += "TLX NE\n";
+    }
+    write("many", bytes_of(many));
+    const NidsPage got = page("-va city::text -dr data ./many");
+    EXPECT_EQ(got.run.code, 4);
+    EXPECT_NE(got.run.err.find("More than 40000 items"), std::string::npos) << got.run.err;
+    EXPECT_EQ(count_text(got.text, "%%TE:"), got.text.empty() ? 0 : 40000);
+}
+
 TEST_F(SummaryPlot, Menus) {
     struct Row {
         const char* args;
