@@ -140,6 +140,18 @@ public:
         at_ += static_cast<std::size_t>(end - digits.data());
         return true;
     }
+    // A number from 0 on, with or without a fraction.
+    bool real(float* value) {
+        skip_space();
+        const char* begin = text_.data() + at_;
+        const auto [end, error] =
+            std::from_chars(begin, text_.data() + text_.size(), *value, std::chars_format::fixed);
+        if (error != std::errc() || !(*value >= 0.0F)) {
+            return false;
+        }
+        at_ += static_cast<std::size_t>(end - begin);
+        return true;
+    }
 
 private:
     std::string_view text_;
@@ -255,19 +267,18 @@ void read_aviation(Text text, Watch* watch) {
 
 // "AXIS..75 STATUTE MILES EAST AND WEST OF LINE.."
 bool read_axis(Text& text, Watch* watch) {
-    int miles = 0;
-    if (!text.after("AXIS..") || !text.number(&miles)) {
+    float miles = 0.0F;
+    if (!text.after("AXIS..") || !text.real(&miles)) {
         return false;
     }
-    text.up_to(" \t\r\n"); // a fraction of a mile, "STATUTE"
-    text.word();
-    text.word();
+    text.word(); // "STATUTE"
+    text.word(); // "MILES"
     const std::string_view side = text.word();
     watch->w_dir = side == "EITHER"  ? Axis::either
                    : side == "EAST"  ? Axis::east
                    : side == "NORTH" ? Axis::north
                                      : Axis::unknown;
-    watch->width = static_cast<float>(miles) * km_per_mile;
+    watch->width = miles * km_per_mile;
     MESS_print(mess_detail, "   Width:%1.0f %.*s ", static_cast<double>(watch->width),
                static_cast<int>(side.size()), side.data());
     return watch->width <= most_km;
@@ -473,8 +484,9 @@ void settle_end(Watch& watch, std::size_t which) {
         MESS_print(mess_mess, "Using: %s\n", other.id);
         end = other;
     } else {
-        MESS_print(mess_warn, "WATCH_decode_file: Station not found: %s in watch %d\n", other.id,
-                   watch.num);
+        const char* const first = which == 0 ? " 1" : "";
+        MESS_print(mess_warn, "WATCH_decode_file: Station%s not found: %s in watch %d\n", first,
+                   other.id, watch.num);
     }
 }
 

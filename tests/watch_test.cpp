@@ -177,7 +177,7 @@ TEST(Watch, BoxesLieAsTheirAxisSays) {
     expect(c[0], okc, 40 * mile, 0, "north of the first end");
     expect(c[2], adm, -40 * mile, 10 * mile, "south of the second end");
     // To either side of a line along a meridian.
-    c = box("AXIS..50 STATUTE MILES EITHER SIDE OF LINE..\n"
+    c = box("AXIS..50.0 STATUTE MILES EITHER SIDE OF LINE..\n"
             "OKC/OKLAHOMA CITY OK/ - 90S OKC/OKLAHOMA CITY OK/\n");
     expect(c[0], okc, 0, 50 * mile, "left, looking south");
     expect(c[2], okc, -90 * mile, -50 * mile, "right of the other end");
@@ -220,6 +220,33 @@ TEST(Watch, RealBulletinsLieOnTheirOutlines) {
         }
     }
     EXPECT_EQ(boxes, 4);
+}
+
+// Ten megabytes of bulletins without an end, of words without one, and of stations,
+// and bulletins cut at every byte: what is whole counts.
+TEST(Watch, HostileTexts) {
+    const std::string good = bulletin("201858", day_times);
+    constexpr std::size_t size = 10'000'000;
+    const auto many = [&](const std::string& part) {
+        std::string all;
+        for (all.reserve(size + part.size()); all.size() < size;) {
+            all += part;
+        }
+        return all;
+    };
+    const std::string head = "SPC AWW 201858\n" + day_times + "\n";
+    for (const std::string& text :
+         {std::string(size, 'A'), many("AWW 201858 WW 1 "), head + many("AXIS.."),
+          head + "AXIS..60 STATUTE MILES EAST AND WEST OF LINE.." + many("30N"), many(head)}) {
+        EXPECT_EQ(drawn(text + "\n" + good, during).labels, "S53|to 2Z|") << text.substr(0, 99);
+    }
+    const TempDir dir;
+    const Date date = *DATE_to_struct(2013, 5, 20, 12, 0);
+    MESS_set(0, 0);
+    for (std::size_t length = 0; length < good.size(); ++length) {
+        const std::string name = dir.write("cut", good.substr(0, length));
+        EXPECT_EQ(WATCH_decode_file(name.c_str(), &date, during), 1) << length;
+    }
 }
 
 TEST(Watch, TableIsFullAfterTwenty) {
