@@ -435,7 +435,11 @@ int gps_marker_path(int n, const Gpt* pts) {
 }
 
 int gps_begin_text(const Gpt& pos, const char* str, int color, float width) {
-    gps_comment("%%%%TE:%f %f %s", static_cast<double>(pos.x), static_cast<double>(pos.y), str);
+    std::array<char, fixed6_size> x{};
+    std::array<char, fixed6_size> y{};
+    format_fixed6(x.data(), pos.x);
+    format_fixed6(y.data(), pos.y);
+    gps_comment("%%%%TE:%s %s %s", x.data(), y.data(), str);
     Text out;
     put_width(out, color, width);
     put_color(out, color);

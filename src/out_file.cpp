@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cerrno>
 #include <climits>
 #include <csignal>
@@ -347,10 +346,12 @@ void put_line(std::FILE* file, std::size_t most, const char* format, std::va_lis
     if (file == nullptr) {
         return;
     }
-    std::array<char, 512> text{};
-    std::vsnprintf(text.data(), std::min(most + 1, text.size()), format, args);
-    std::replace_if(
-        text.begin(), text.begin() + std::strlen(text.data()),
-        [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');
-    std::fprintf(file, "%s\n", text.data());
+    std::array<char, 512> text; // a page has one for each of its texts: not cleared
+    const std::size_t size = std::min(most + 1, text.size() - 1);
+    const int wanted = std::vsnprintf(text.data(), size, format, args);
+    const std::size_t length = std::min(static_cast<std::size_t>(std::max(wanted, 0)), size - 1);
+    const auto is_control = [](unsigned char c) { return c < ' ' || c == 0x7F; };
+    std::replace_if(text.begin(), text.begin() + length, is_control, ' ');
+    text[length] = '\n';
+    std::fwrite(text.data(), 1, length + 1, file);
 }

@@ -19,6 +19,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -415,13 +416,18 @@ void drop_zero(char* text) {
     }
 }
 
+constexpr const char* whole_number = "%1.0f"; // as most formats are: without printf
+
 void number_text(const char* format, float value, char* out, std::size_t size) {
     char plain[sizeof RAW_attribs::format + 1] = "";
     const bool no_zero = format[0] == '%' && format[1] == 'z';
     copy_text(plain, sizeof plain, format + (no_zero ? 1 : 0));
     plain[0] = no_zero ? '%' : plain[0];
-    if (!is_number_format(plain)) {
-        copy_text(plain, sizeof plain, "%1.0f");
+    if (std::strcmp(plain, whole_number) == 0 || !is_number_format(plain)) {
+        const auto [end, error] =
+            std::to_chars(out, out + size - 1, value, std::chars_format::fixed, 0);
+        *(error == std::errc() ? end : out) = '\0';
+        return;
     }
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral" // is_number_format has seen it
