@@ -11,6 +11,7 @@
 #include "files.h"
 #include "map.h"
 #include "maptran.h"
+#include "near_word.h"
 #include "nids_draw.h"
 #include "nids_pages.h"
 #include "nids_tables.h"
@@ -24,7 +25,10 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <numbers>
+#include <string>
+#include <string_view>
 
 namespace {
 
@@ -37,6 +41,7 @@ struct State {
     int plt_strong = 0;               // plot only strong storms
     bool any_drawn = false;           // of the symbology block of this frame
     RadWords words;
+    bool told_variable = false; // that `variable` names what no plotter knows
     RadRun run;
 };
 State nids;
@@ -78,6 +83,61 @@ Gattribs attributes(const char* resource, const char* otherwise) {
     return attrib;
 }
 
+// What the plotters know by `variable`: one list serves the runs of several kinds
+// of file, so that a word of another plotter is no mistake.
+constexpr KnownWord variables[] = {
+    {"comp" },
+    {"track"},
+    {"table"},
+    {"watch"},
+    {"none" },
+    {"id"   },
+    {"tvs"  },
+    {"meso" },
+    {"posh" },
+    {"poh"  },
+    {"hsize"},
+    {"vil"  },
+    {"dbzm" },
+    {"dbzht"},
+    {"top"  },
+    {"dir"  },
+    {"spd"  },
+    {"mvmt" },
+ // moments of Level II
+    {"ref",   true},
+    {"vel",       true},
+    {"spect",true},
+ // reports of summaries and coded messages
+    {"city"},
+    {"stat"      },
+    {"mode"      },
+    {"hail"},
+    {"pr_typ"},
+    {"pr_tt"      },
+    {"pr_tnd"      },
+    {"pr_amv"},
+    {"pr_cmv"},
+    {"echtop"      },
+    {"echotop"      },
+};
+
+// Warns once of a variable that no plotter knows.
+void check_variables() {
+    KnownWords words(std::begin(variables), std::end(variables));
+    for (int i = 0; i < VAR_get_num() && !nids.told_variable; ++i) {
+        const char* name = VAR_get_name(i);
+        const std::string_view word(name, std::strcspn(name, "-"));
+        if (word.empty() || is_known_word(words, word)) {
+            continue;
+        }
+        nids.told_variable = true;
+        VAR_add_names(&words);
+        MESS_print(mess_warn, "NIDS_plot: Unknown variable: %s, the nearest is %s\n", name,
+                   std::string(nearest_word(words, word)).c_str());
+    }
+}
+
 // Decodes the variables by which storms are plotted. A product that is nothing
 // but its table is not left an empty map where none is asked for.
 void select_variables() {
@@ -86,6 +146,7 @@ void select_variables() {
     const bool table_alone =
         !nids.any_drawn && nids_product(nids.info.code).table != NidsTable::list;
     VAR_setup(asked ? "nids.var" : nullptr, asked ? variable : table_alone ? "comp,track" : "");
+    check_variables();
 }
 
 bool is_selected(const char* name) {

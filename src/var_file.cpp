@@ -316,6 +316,12 @@ const char* VAR_lookup(const char* name) {
     return nullptr;
 }
 
+void VAR_add_names(KnownWords* words) {
+    for (const Entry& entry : state.entries) {
+        words->push_back({entry.abbr.c_str()});
+    }
+}
+
 int VAR_read_menu() {
     state.menu = {};
     state.menu[0] = {"Return to previous menu", "back", 0, {1}};

@@ -20,6 +20,7 @@
 // layer packs both ends as one * 1000 + other.
 #pragma once
 
+#include "near_word.h"
 #include "zyr.h"
 
 #include <cstddef>
@@ -171,6 +172,8 @@ int VAR_make_var_form_datatype(int index, char* text);
 int VAR_open_file(const char* name);
 // Definition of a name (case counts), blanks removed; null if there is none.
 const char* VAR_lookup(const char* name);
+// Adds the names that the open file defines; they last as long as it is open.
+void VAR_add_names(KnownWords* words);
 // Fills the menu from the open file. Returns the number of entries after the
 // way back, at most 49.
 int VAR_read_menu();

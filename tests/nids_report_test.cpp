@@ -12,6 +12,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <map>
 #include <numbers>
@@ -84,6 +85,32 @@ TEST(NidsReport, LinesOfLists) {
     };
     for (const Row& row : rows) {
         EXPECT_EQ(list_line(row.line, row.list), row.expected) << row.line;
+    }
+}
+
+// Rows cut at every byte, and with a number in every place: what is said before the
+// cut is what the whole row says, or nothing.
+TEST(NidsReport, RowsCutAtEveryByte) {
+    const std::string row =
+        "    M0  309/  8 TVS    13   30/ 40/ 0.75    30  65 10.2 >18.1  226/ 16  ";
+    for (std::size_t length = 0; length <= row.size(); ++length) {
+        const std::string cut = list_line(row.substr(0, length), NidsList::full);
+        EXPECT_TRUE(cut.empty() || cut.starts_with("M0 309/")) << length << " " << cut;
+        list_line(row.substr(0, length) + std::string(10000, '9'), NidsList::full);
+        list_line(row.substr(0, length) + std::string(10000, '9'), NidsList::brief);
+    }
+    for (const NidsTable table :
+         {NidsTable::tracks, NidsTable::hail, NidsTable::vortices, NidsTable::mesocyclones}) {
+        for (const char* label : {"STORM ID", "AZ/RAN", "FCST MVT", "DBZM HGT", "POSH/POH",
+                                  "MAX HAIL SIZE", "TYPE STID", "AZ    RAN", "CIR STMID"}) {
+            NidsColumns columns;
+            for (std::size_t length = 0; length < 60; ++length) {
+                const std::string text = std::string(label) + std::string(length, '/');
+                nids_column_line(table, text.c_str(), &columns);
+            }
+            nids_column_line(table, (label + std::string(10000, '8')).c_str(), &columns);
+            EXPECT_LT(std::strlen(columns[0].id), sizeof columns[0].id) << label;
+        }
     }
 }
 
