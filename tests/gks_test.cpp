@@ -70,8 +70,10 @@ TEST(Kernel, BadValuesLeaveTheOldStateAndName) {
         {[] { return gset_fill_style_ind(20); },   "gset_fill_style_ind: invalid style index: 20"    },
         {[] { return gsel_norm_tran(6); },         "gsel_norm_tran: invalid transformation number: 6"},
     };
-    for (const auto& [call, report] : cases)
-        EXPECT_EQ(report_of([&] { EXPECT_EQ(call(), -1); }), std::string(report) + "\n\n");
+    for (const auto& row : cases) {
+        EXPECT_EQ(report_of([&row] { EXPECT_EQ(row.first(), -1); }),
+                  std::string(row.second) + "\n\n");
+    }
     EXPECT_EQ(gget_line_colr(), 1);
     int err = 0;
     int n = -1;

@@ -54,7 +54,7 @@ TEST(Lev2PlotReal, EveryMomentOfEveryScanIsDrawnWhole) {
     if (!std::filesystem::exists(data) || !std::filesystem::exists(ZYR_PROGRAM)) {
         GTEST_SKIP() << "no real volumes or no program";
     }
-#ifdef __SANITIZE_ADDRESS__
+#ifdef ZYR_SANITIZED
     constexpr std::size_t stride = 40;
 #else
     constexpr std::size_t stride = 5;

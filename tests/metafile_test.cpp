@@ -262,7 +262,7 @@ TEST(RedrawList, HoldsAProductAndGivesItBack) {
     EXPECT_EQ(gget_objs_bytes(), 0U);
 }
 
-#ifndef __SANITIZE_ADDRESS__ // it reserves more than any limit
+#ifndef ZYR_SANITIZED // it reserves more than any limit
 TEST(RedrawList, EndsWithTheMemory) {
     gopen_gks(nullptr, 0);
     gset_redraw(1);

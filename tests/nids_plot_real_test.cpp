@@ -87,7 +87,7 @@ TEST_P(NidsReal, EveryProductIsDrawnWhole) {
     if (!std::filesystem::exists(data) || !std::filesystem::exists(ZYR_PROGRAM)) {
         GTEST_SKIP() << "no real products or no program";
     }
-#ifdef __SANITIZE_ADDRESS__
+#ifdef ZYR_SANITIZED
     constexpr int stride = 4;
 #else
     constexpr int stride = 1;

@@ -302,7 +302,7 @@ TEST_F(WindowTest, ReplotsHoldNothingBack) {
     user->resize(window, 121, 91); // new pixmaps for old ones
     settle();
     EXPECT_EQ(user->resources(window), held);
-#ifndef __SANITIZE_ADDRESS__
+#ifndef ZYR_SANITIZED
     EXPECT_LT(resident_kb(program->pid()) - memory_kb, 1000);
 #endif
     leave();
