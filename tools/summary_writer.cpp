@@ -111,7 +111,8 @@ void append(Bytes& out, const std::string& text) {
     std::array<char, 120> text{};
     std::va_list values;
     va_start(values, format);
-    std::vsnprintf(text.data(), text.size(), format, values);
+    std::vsnprintf(text.data(), text.size(), format, // NOLINT(clang-analyzer-valist.Uninitialized)
+                   values);
     va_end(values);
     return text.data();
 }
