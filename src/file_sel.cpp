@@ -138,7 +138,7 @@ void check_date(FileState& s, const char* name) {
     s.filename_type = 1;
     char built[file_name_size];
     const bool none = FILE_set_date(&before.file_date, built) != 0;
-    const bool again = !none && same_file(built, name);
+    const bool again = !none && (same_file(built, name) || std::strcmp(built, name) == 0);
     s = before;
     if (!again) {
         unknown_date(&s.file_date);
@@ -562,7 +562,7 @@ int FILE_set_file(const char* file, char* out_file) {
         FILE_set_date(&date, out_file);
         return 0;
     }
-    if (is_file(chosen)) {
+    if (is_file(chosen) || *s.ext_info != '\0') { // one that was cut is reported once
         check_date(s, chosen);
     }
     if (typed || !is_set(s.file_date.year)) {

@@ -4,12 +4,15 @@
 
 #include "cont.h"
 #include "data_file.h"
+#include "file_kind.h"
 #include "files.h"
 #include "maptran.h"
 #include "plt_tool.h"
 #include "rad_mosaic.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 
 namespace {
 
@@ -48,9 +51,12 @@ int NOWRad_open_file(const char* filename) {
         MESS_print(mess_error, "NOWRad_open_file: Unable to open file: %s\n", filename);
         return 0;
     }
+    std::array<std::uint8_t, 512> area{};
+    const auto head = FILE_head(state.ifile, area);
     NOWRad_header(state.ifile, &state.info);
     if (!NOWRad_is_one()) {
         MESS_print(mess_error, "NOWRad_open_file: Not a NOWrad file: %s\n", filename);
+        tell_file_kind("NOWRad_open_file", head);
         NOWRad_close_file();
         return 0;
     }

@@ -103,22 +103,29 @@ void set_type(const Rule& rule) {
     }
 }
 
-void set_names(const Rule& rule, const char* item) {
+// Returns whether the files have a convention.
+bool set_names(const Rule& rule, const char* item) {
+    bool found = true;
     if (rule.entry != nullptr) {
-        FILE_set_name(*rule.entry == '\0' ? item : rule.entry);
+        found = FILE_set_name(*rule.entry == '\0' ? item : rule.entry) != 0;
     }
     if (rule.model != nullptr) {
         VAR_set_model_str(rule.model);
     }
+    return found;
 }
 
-void set_format(const char* item) {
-    if (std::strstr(item, "zyr") != nullptr) {
+// Returns whether the item names a format.
+bool set_format(const char* item) {
+    const bool native = std::strstr(item, "zyr") != nullptr;
+    const bool netcdf = std::strstr(item, "nc") != nullptr || std::strstr(item, "cdf") != nullptr;
+    if (native) {
         FLAG_set(flag_format, format_native);
     }
-    if (std::strstr(item, "nc") != nullptr || std::strstr(item, "cdf") != nullptr) {
+    if (netcdf) {
         FLAG_set(flag_format, format_netcdf);
     }
+    return native || netcdf;
 }
 
 void tell_unknown(const char* item) {
@@ -149,6 +156,24 @@ bool read_input() {
     return given;
 }
 
+bool is_lev2(int type) {
+    return type == input_lev2 || type == input_lev2z;
+}
+
+// Reports an item of `in_file` that does not fit what is read: files of another
+// type, or a word that nothing knows.
+void check_item(const char* item, const Rule& rule, bool given, bool found) {
+    const int type = FLAG_get(flag_input);
+    if (is_set(rule.type) && rule.type != type && !(is_lev2(rule.type) && is_lev2(type))) {
+        MESS_print(mess_warn, "in_file: %s names files of another type than the input\n", item);
+    } else if (&rule == &any_in_file && !given && *item != '@' && !found) {
+        MESS_print(mess_warn,
+                   "in_file: Unknown word: %s; without -inp radar summaries are read, the type of "
+                   "a file is found by -inp auto\n",
+                   item);
+    }
+}
+
 } // namespace
 
 int RAD_cvt_in_file() {
@@ -167,8 +192,9 @@ int RAD_cvt_in_file() {
         if (!given) {
             set_type(*rule);
         }
-        set_names(*rule, items[i]);
-        set_format(items[i]);
+        const bool found = set_names(*rule, items[i]);
+        const bool format = set_format(items[i]);
+        check_item(items[i], *rule, given, found || format);
     }
     free_parsed_array(count, items);
     return 0;

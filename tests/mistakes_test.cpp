@@ -109,6 +109,28 @@ constexpr Mistake mistakes[] = {
      "tz: No hours from UTC: CST, times stay in UTC; a zone is *",
      "page.ps"},
     {"radial -pp tz:UTC,tz=-CST:-6", 0, "", "page.ps"},
+    // Files, and what they are said to be.
+    {"2013-x.nids", 10,
+     "NIDS_open_file: Unable to open file:./2013\n"
+     "FILE_set_file: No file has the whole name, \"-x.nids\" was taken off\n",
+     "!page.ps"},
+    {"list", 0, "FILE_list_file: No file fits %D/%Y%m%d%h%n.nids\n", "!page.ps"},
+    {"radial -if kavrad", 0, "in_file: kavrad names files of another type than the input\n",
+     "page.ps"},
+    {"radial -if nids_wmo_N0Q:s=TLX", 0, "", "page.ps"},
+    {"radial -inp nowrad -pd us", 10,
+     "NOWRad_open_file: Not a NOWrad file: ./radial\n"
+     "NOWRad_open_file: It looks like a NIDS product, read with -inp nids\n",
+     "!page.ps"},
+    // Files without end.
+    {"radial -mf mf:/dev/zero", 0, "FILE_open_text: Text ends after 64 MB: /dev/zero\n",
+     "page.ps"},
+    {"radial -mf fi:/dev/zero -dr map", 0,
+     "MAP_draw: No map list, or one that is too long: /dev/zero\n*", "page.ps"},
+    {"radial -pd id:/dev/zero:KTLX", 0,
+     "FILE_open_text: Text ends after 64 MB: /dev/zero\nDOM_decode: Invalid plot domain\n*",
+     "page.ps"},
+    {"/dev/zero#1", 10, "NIDS_open_file: Unable to read file:/dev/zero\n*", "!page.ps"},
     // Help comes before all of it.
     {"radial -h -pdd us -pp pscolour -de png,o.png", 0, "", "!o.png"},
 };
