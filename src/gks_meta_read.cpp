@@ -218,7 +218,7 @@ int gread_metafile(const char* filename) {
         return -1;
     }
     // An empty name would be standard input.
-    const FILE_ptr file(*filename == '\0' ? nullptr : FILE_open(filename, "r"));
+    const FILE_ptr file(*filename == '\0' ? nullptr : FILE_open_bounded(filename));
     if (!file) {
         MESS_print(mess_warn, "gread_metafile: Unable to open image file: %s\n", filename);
         return -1;

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace {
 
@@ -138,10 +139,10 @@ Gpt image(const NIDS_frame& frame, float x, float y) {
     return p;
 }
 
-void draw_vectors(const NIDS_frame& frame) {
+void draw_vectors(const NIDS_frame& frame, long& room) {
     GPH_line_attr(&frame.grid);
     NIDS_vector_data vector;
-    while (NIDS_get_vector(frame.ifile, &vector) > 0) {
+    for (; room > 0 && NIDS_get_vector(frame.ifile, &vector) > 0; --room) {
         const Gpt from = image(frame, vector.x1, vector.y1);
         const Gpt to = image(frame, vector.x2, vector.y2);
         if (rad_is_place(from) && rad_is_place(to)) {
@@ -150,9 +151,10 @@ void draw_vectors(const NIDS_frame& frame) {
     }
 }
 
-void draw_winds(const NIDS_frame& frame, RadFills& fills) {
+void draw_winds(const NIDS_frame& frame, RadFills& fills, long& room) {
     NIDS_wind_data wind;
-    while (NIDS_get_wind(frame.ifile, &wind) > 0) {
+    constexpr int strokes = 8; // of a barb, each as much as a figure
+    for (; room > 0 && NIDS_get_wind(frame.ifile, &wind) > 0; room -= strokes) {
         const Gpt p = image(frame, wind.x, wind.y);
         const Gattribs* attrib = fills.get(wind.val);
         if (attrib != nullptr && attrib->color >= 0 && rad_is_place(p)) {
@@ -163,7 +165,7 @@ void draw_winds(const NIDS_frame& frame, RadFills& fills) {
     }
 }
 
-void draw_text(const NIDS_frame& frame) {
+void draw_text(const NIDS_frame& frame, long& room) {
     NIDS_text_data text;
     NIDS_get_text(frame.ifile, &text);
     const Gpt p = image(frame, text.x, text.y);
@@ -171,6 +173,7 @@ void draw_text(const NIDS_frame& frame) {
     GPH_text_align(GLEFT_HOR, GCAP_VERT);
     if (frame.data.color >= 0 && rad_is_place(p)) {
         gtext(&p, text.data);
+        room -= static_cast<long>(2 * std::strlen(text.data)); // a letter has several strokes
     }
 }
 
@@ -187,14 +190,14 @@ bool draw_packet(const NIDS_frame& frame, RadFills& fills, int type, long& room)
         break;
     case nids_packet_vector:
     case nids_packet_vector_val:
-        draw_vectors(frame);
+        draw_vectors(frame, room);
         break;
     case nids_packet_wind:
-        draw_winds(frame, fills);
+        draw_winds(frame, fills, room);
         break;
     case nids_packet_text:
     case nids_packet_text_val:
-        draw_text(frame);
+        draw_text(frame, room);
         break;
     default: // passed over by the reader
         return false;

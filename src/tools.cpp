@@ -135,6 +135,8 @@ int number_of(const char* prefix, std::size_t prefix_length, int digits) {
 } // namespace
 
 int fgetnline(std::FILE* stream, char* buffer, int n) {
+    constexpr long longest = 64L << 20; // a line without end, as of /dev/zero, is the end
+    long passed = 0;
     int length = 0;
     int c = std::getc(stream);
     if (c == EOF) {
@@ -144,6 +146,10 @@ int fgetnline(std::FILE* stream, char* buffer, int n) {
     for (; c != EOF && c != '\n'; c = std::getc(stream)) {
         if (length < n) {
             buffer[length++] = static_cast<char>(c);
+        }
+        if (++passed > longest) {
+            buffer[0] = '\0';
+            return -1;
         }
     }
     buffer[length] = '\0';

@@ -314,3 +314,25 @@ TEST_F(Outputs, WhatIsEndlessOrHugeEnds) {
         expect_old(args);
     }
 }
+
+// Few bytes may ask for any number of figures: they are cut, and told.
+TEST_F(Outputs, FiguresOfAProductAreBounded) {
+    NidsSample sample;
+    sample.code = 19;
+    sample.thres = {0x8002, 5, 10, 15, 20, 25, 30, 35, 40, 45, 50, 55, 60, 65, 70, 75};
+    const std::vector<Bytes> radials(360, Bytes(460, 0xF5)); // runs of 15 bins
+    const Bytes packet = nids_radial_packet(0xAF1F, 15 * 460, radials);
+    sample.layers = {nids_join({packet, packet, packet, packet})};
+    const Bytes bytes = nids_message(sample);
+    ProgramCall call;
+    call.env["zyrdefault"] = ZYR_SOURCE_DIR "/etc";
+    call.args = {"-inp", "nids", "-me",
+                 "warn", "-de",  "p,/dev/null",
+                 "-dr",  "sum",  dir.write("many", {bytes.begin(), bytes.end()})};
+    call.timeout_s = 300;
+    const ProgramRun run = run_program(ZYR_PROGRAM, call);
+    EXPECT_EQ(run.code, 4);
+    EXPECT_NE(run.err.find("NIDS_plot: More figures than any product has, cut: "),
+              std::string::npos)
+        << run.err;
+}
