@@ -98,6 +98,7 @@ TEST_F(Outputs, FilesOfAnotherKindLeaveThePage) {
     const std::string cut = product.substr(0, 60); // short of its radar
     const auto looks = [](const std::string& kind) { return " It looks like " + kind + "\n"; };
     const std::string none = ", which no -inp reads";
+    const std::string mdr = ", read with -inp mdr";
     const std::string unknown = " Its bytes are of no kind that is known\n";
     struct Row {
         const char* input;
@@ -111,8 +112,8 @@ TEST_F(Outputs, FilesOfAnotherKindLeaveThePage) {
         {"lev2",  product,                                looks("a NIDS product, read with -inp nids")    },
         {"lev2z", "Not Found\n",                          looks("a text file" + none)                     },
         {"lev2z", "",                                     looks("an empty file" + none)                   },
-        {"nids",  netcdf,                                 looks("a netCDF file" + none)                   },
-        {"nids",  "\x89HDF\r\n\x1a\n",                    looks("a netCDF or HDF5 file" + none)           },
+        {"nids",  netcdf,                                 looks("a netCDF file" + mdr)                    },
+        {"nids",  "\x89HDF\r\n\x1a\n",                    looks("a netCDF or HDF5 file" + mdr)            },
         {"nids",  bzip2,                                  looks("a file packed by bzip2" + none)          },
         {"nids",  zeros,                                  unknown                                         },
         {"nids",  noise(5000),                            unknown                                         },
