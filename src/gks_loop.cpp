@@ -205,7 +205,7 @@ int gselect_frame(int ind) {
 }
 
 int gdisplay_frame(int ind) {
-    if (!has_window() || ind >= max_frames) {
+    if (!has_window() || place_of(ind) >= max_frames) {
         return -1;
     }
     loop.cur_image = std::max(loop.cur_image, 0);

@@ -34,6 +34,10 @@ void set_pixel(const Gcanvas& canvas, const Gink& ink, int x, int y) {
     }
 }
 
+bool same_place(Gpixel a, Gpixel b) {
+    return a.x == b.x && a.y == b.y;
+}
+
 bool is_inside(const Gbox& box, int x, int y) {
     return x >= box.x1 && x < box.x2 && y >= box.y1 && y < box.y2;
 }
@@ -222,7 +226,7 @@ template <class Put> void walk(const Thin& line, const Gbox& clip, int first, in
 
 // All of a solid segment but its last pixel, with nothing to ask on the way.
 void draw_free(const Gcanvas& canvas, std::uint32_t pixel, const Thin& line) {
-    const int row = canvas.width;
+    const std::ptrdiff_t row = canvas.width;
     const std::ptrdiff_t x = line.steep ? line.across : line.at;
     const std::ptrdiff_t y = line.steep ? line.at : line.across;
     std::uint32_t* p = canvas.pixels + y * row + x;
@@ -242,18 +246,23 @@ void draw_free(const Gcanvas& canvas, std::uint32_t pixel, const Thin& line) {
 
 void thin_solid(const Gcanvas& canvas, const Gink& ink, std::span<const Gpixel> points) {
     const Gbox& clip = canvas.clip;
+    bool seen = true; // both ends of the last segment
     for (std::size_t i = 0; i + 1 < points.size(); ++i) {
         const Gpixel a = points[i];
         const Gpixel b = points[i + 1];
         const Thin line(a, b);
-        if (ink.pattern == nullptr && is_inside(clip, a.x, a.y) && is_inside(clip, b.x, b.y)) {
+        seen = ink.pattern == nullptr && is_inside(clip, a.x, a.y) && is_inside(clip, b.x, b.y);
+        if (seen) {
             draw_free(canvas, ink.pixel, line);
         } else {
             walk(line, clip, 0, line.len,
                  [&](int /*k*/, int x, int y) { set_pixel(canvas, ink, x, y); });
         }
     }
-    graster_point(canvas, ink, points.back());
+    // The server takes the end of a closed line for drawn, though it be one pixel.
+    if (!seen || !same_place(points.front(), points.back())) {
+        graster_point(canvas, ink, points.back());
+    }
 }
 
 // Whether pixel number `k` of a polyline is on.
@@ -475,11 +484,8 @@ void wide_segment(const Gcanvas& canvas, const Gink& ink, int width, Gpixel a, G
 void join(const Gcanvas& canvas, const Gink& ink, int width, Face left, Face right) {
     const double turn =
         -static_cast<double>(left.dx) * right.dy + static_cast<double>(right.dx) * left.dy;
-    if (width == 1) {
-        const bool same_way = (left.dx >= 0) == (right.dx <= 0);
-        if (!same_way && turn != 0.0) {
-            graster_point(canvas, ink, left.at);
-        }
+    if (width == 1 && turn != 0.0) {
+        graster_point(canvas, ink, left.at);
         return;
     }
     if (turn == 0.0) {
@@ -504,10 +510,6 @@ void join(const Gcanvas& canvas, const Gink& ink, int width, Face left, Face rig
     figure.add({0.0, 0.0}, {left.dy, -left.dx, 0.0}, left.at);
     figure.add({left.xa, left.ya}, bevel, left.at);
     fill_convex(canvas, ink, figure);
-}
-
-bool same_place(Gpixel a, Gpixel b) {
-    return a.x == b.x && a.y == b.y;
 }
 
 void wide_solid(const Gcanvas& canvas, const Gink& ink, const Gstroke& stroke,
@@ -548,7 +550,8 @@ void wide_solid(const Gcanvas& canvas, const Gink& ink, const Gstroke& stroke,
 struct Dash_state {
     const Gdash& dash;
     int index = 0;
-    int offset = 0; // of the dash, gone by
+    int offset = 0;        // of the dash, gone by
+    bool ended_on = false; // the segment before, in its last pixel
 
     [[nodiscard]] bool on() const { return index % 2 == 0; }
     [[nodiscard]] int length() const { return dash.lengths[index]; }
@@ -613,12 +616,12 @@ void dashed_segment(const Gcanvas& canvas, const Gink& ink, int width, Gpixel a,
         corners[right] = {rdy, -rdx};
         corners[bottom] = {-rdy, rdx};
         slopes[right].k = 0.0;
-        slopes[left].k = corners[left].x * static_cast<double>(slopes[left].dy) -
-                         corners[left].y * static_cast<double>(slopes[left].dx);
+        slopes[left].k += static_cast<double>(dx) * dx + static_cast<double>(dy) * dy;
         figure.corner_base.fill(b);
         figure.slope_base.fill(b);
         fill_convex(canvas, ink, figure);
     }
+    state->ended_on = state->on();
     remain = static_cast<int>(remain - rest);
     if (remain == 0) {
         state->next();
@@ -653,7 +656,7 @@ void wide_dashed(const Gcanvas& canvas, const Gink& ink, const Gstroke& stroke,
             join(canvas, ink, stroke.width, left, before);
         }
         before = right;
-        before_on = state.on();
+        before_on = state.ended_on;
         drawn = true;
     }
     if (drawn && closed && first_on && before_on) {
