@@ -4,6 +4,7 @@
 // STRING, is Latin-1. No state: the title in force is kept in gks_tool.cpp.
 
 #include "gks_disp.h"
+#include "gks_utf8.h"
 #include "zyr.h"
 
 #include <X11/Xatom.h>
@@ -25,26 +26,12 @@ struct X_deleter {
 };
 using X_bytes = std::unique_ptr<unsigned char, X_deleter>;
 
-// Bytes of the character that a first byte begins; 0 for one that begins none.
-std::size_t length_of(unsigned char first) {
-    if (first < 0x80) {
-        return 1;
-    }
-    if (first >= 0xC2 && first < 0xE0) {
-        return 2;
-    }
-    if (first >= 0xE0 && first < 0xF0) {
-        return 3;
-    }
-    return first >= 0xF0 && first < 0xF5 ? 4 : 0;
-}
-
 // The characters of a text; empty where it is not UTF-8.
 std::u32string decode(std::string_view text) {
     std::u32string out;
     while (!text.empty()) {
         const auto first = static_cast<unsigned char>(text[0]);
-        const std::size_t length = length_of(first);
+        const std::size_t length = utf8_length(first);
         if (length == 0 || length > text.size()) {
             return {};
         }
@@ -121,19 +108,6 @@ void show_name(const char* text, bool as_icon) {
 }
 
 } // namespace
-
-void gcut_title(char* text) {
-    const std::size_t size = std::strlen(text);
-    for (std::size_t i = 1; i <= std::min<std::size_t>(size, 4); ++i) {
-        const std::size_t length = length_of(static_cast<unsigned char>(text[size - i]));
-        if (length > i) {
-            text[size - i] = '\0';
-        }
-        if (length != 0) {
-            return;
-        }
-    }
-}
 
 std::string gfetch_name(Window window) {
     constexpr long most = 256; // of four bytes

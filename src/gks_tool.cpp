@@ -5,8 +5,10 @@
 #include "gks.h"
 #include "gks_draw.h"
 #include "gks_tran.h"
+#include "gks_utf8.h"
 #include "zyr.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdarg>
 #include <cstdlib>
@@ -345,6 +347,19 @@ int gset_prog_name(const char* name) {
 
 const char* gget_prog_name() {
     return station.prog_name.data();
+}
+
+void gcut_title(char* text) {
+    const std::size_t size = std::strlen(text);
+    for (std::size_t i = 1; i <= std::min<std::size_t>(size, 4); ++i) {
+        const std::size_t length = utf8_length(static_cast<unsigned char>(text[size - i]));
+        if (length > i) {
+            text[size - i] = '\0';
+        }
+        if (length != 0) {
+            return;
+        }
+    }
 }
 
 int gset_win_title(const char* title) {
