@@ -17,8 +17,11 @@
 #include "zyrresrc.h"
 
 #include <array>
+#include <bit>
 #include <cstdarg>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -58,6 +61,40 @@ struct Printer {
 };
 Printer ps;
 
+// One of the coordinates of a path. Cells have sides along the axes, and figures
+// end where they begin: the number of the first point, and the one written last,
+// are copied where they come again.
+class Coordinate {
+public:
+    // `out` has room for fixed2_size characters. Returns the end of the text.
+    char* put(char* out, float value) {
+        const auto bits = std::bit_cast<std::uint32_t>(value);
+        for (const Written* known : {&last_, &first_}) {
+            if (known->size != 0 && known->bits == bits) {
+                std::memcpy(out, known->text.data(), known->text.size());
+                return out + known->size;
+            }
+        }
+        char* end = format_fixed2(out, value);
+        const auto size = static_cast<std::size_t>(end - out);
+        if (size <= last_.text.size()) {
+            Written& written = first_.size == 0 ? first_ : last_;
+            written.bits = bits;
+            written.size = size;
+            std::memcpy(written.text.data(), out, size);
+        }
+        return end;
+    }
+
+private:
+    struct Written {
+        std::uint32_t bits = 0; // of the value
+        std::size_t size = 0;   // 0: none
+        std::array<char, 16> text{};
+    };
+    Written first_, last_;
+};
+
 // The text of one primitive.
 class Text : public OutText {
 public:
@@ -73,8 +110,14 @@ public:
     // World coordinates.
     void path(int n, const Gpt* pts) {
         const Gpipe& pipe = gget_pipe();
+        Coordinate x;
+        Coordinate y;
         for (int i = 0; i < n; ++i) {
-            point(pipe_x(pipe, pts[i].x), pipe_y(pipe, pts[i].y), i == 0 ? move : line);
+            make_room(std::size_t{2} * fixed2_size + 1);
+            char* p = x.put(place(), pipe_x(pipe, pts[i].x));
+            *p++ = ' ';
+            advance(y.put(p, pipe_y(pipe, pts[i].y)));
+            put(i == 0 ? move : line);
         }
     }
 
