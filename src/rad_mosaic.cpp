@@ -207,6 +207,28 @@ const Gpt& RadMosaic::corner(int line, int column) {
     return p;
 }
 
+// Counts a figure asked for. False when there were too many.
+bool RadMosaic::has_room() {
+    if (asked_ < most_asked && drawn_ < rad_most_figures) {
+        ++asked_;
+        return true;
+    }
+    if (asked_ <= most_asked) {
+        asked_ = most_asked + 1; // reported
+        MESS_print(mess_warn, "RadMosaic: More figures than any mosaic has, cut\n");
+        PLT_lost_output();
+    }
+    return false;
+}
+
+// Whether the box about a figure meets the window.
+bool RadMosaic::in_view(const std::array<Gpt, 5>& figure) const {
+    const MAP_limits& lim = plot_.limits;
+    const auto [left, right] = std::minmax({figure[0].x, figure[1].x, figure[2].x, figure[3].x});
+    const auto [low, high] = std::minmax({figure[0].y, figure[1].y, figure[2].y, figure[3].y});
+    return left <= lim.x_max && right >= lim.x_min && low <= lim.y_max && high >= lim.y_min;
+}
+
 void RadMosaic::draw(int line, int column, int run, float value) {
     if (!rows_.holds(line) || line < 0 || line >= own_.domain.ny) {
         return;
@@ -222,17 +244,29 @@ void RadMosaic::draw(int line, int column, int run, float value) {
     if (from < columns_.first) {
         from += (columns_.first - from) / chunk_ * chunk_;
     }
-    for (; from < end && from < columns_.end;) {
-        const int to = std::min(from + chunk_, end);
-        const Gpt& left_top = corner(line, from);
-        const Gpt& left_low = corner(line + 1, from);
-        const Gpt& right_low = corner(line + 1, to);
-        const Gpt& right_top = corner(line, to);
-        from = to;
+    if (from >= std::min(end, columns_.end)) {
+        return;
+    }
+    Gpt right_top = corner(line, from);
+    Gpt right_low = corner(line + 1, from);
+    while (from < end && from < columns_.end && has_room()) {
+        const Gpt left_top = right_top;
+        const Gpt left_low = right_low;
+        from = std::min(from + chunk_, end);
+        right_top = corner(line, from);
+        right_low = corner(line + 1, from);
         if (!rad_is_place(left_top) || !rad_is_place(left_low) || !rad_is_place(right_low) ||
             !rad_is_place(right_top)) {
             continue;
         }
+        const std::array<Gpt, 5> figure =
+            corners_ == Corners::from_top
+                ? std::array<Gpt, 5>{left_top, left_low, right_low, right_top, left_top}
+                : std::array<Gpt, 5>{left_low, left_top, right_top, right_low, left_low};
+        if (!in_view(figure)) {
+            continue;
+        }
+        ++drawn_;
         if (look_ == nullptr || look_copy_.color != look->color ||
             look_copy_.fill_pat != look->fill_pat) {
             look_copy_ = {};
@@ -241,10 +275,6 @@ void RadMosaic::draw(int line, int column, int run, float value) {
             look_ = &look_copy_;
             GPH_fill_attr(look_);
         }
-        const std::array<Gpt, 5> figure =
-            corners_ == Corners::from_top
-                ? std::array<Gpt, 5>{left_top, left_low, right_low, right_top, left_top}
-                : std::array<Gpt, 5>{left_low, left_top, right_top, right_low, left_low};
         gfill_area(static_cast<int>(figure.size()), figure.data());
     }
 }

@@ -46,6 +46,8 @@ public:
     RadMosaic& operator=(const RadMosaic&) = delete;
 
     // A run of columns of one value. Columns and lines outside the image are left out.
+    // Packed bytes can ask for any number of figures: what exceeds the largest real
+    // mosaic is cut with a message.
     void draw(int line, int column, int run, float value);
 
 private:
@@ -60,7 +62,12 @@ private:
         [[nodiscard]] bool holds(int i) const { return i >= first && i < end; }
     };
 
+    // Figures that the finest mosaic can ask for: each cell of a fine KAVRAD.
+    static constexpr long most_asked = 30000000;
+
     void find_window();
+    bool has_room();
+    [[nodiscard]] bool in_view(const std::array<Gpt, 5>& figure) const;
     void look_at(float x, float y, std::array<double, 4>* box, bool* whole) const;
     const Gpt& corner(int line, int column);
 
@@ -72,6 +79,7 @@ private:
     Range rows_{0, 0}, columns_{0, 0}; // that may meet the window
     std::array<Edge, 2> edges_;
     RadFills fills_;
+    long asked_ = 0, drawn_ = 0;     // figures
     const Gattribs* look_ = nullptr; // in force
     Gattribs look_copy_;
 };

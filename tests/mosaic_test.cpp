@@ -12,6 +12,8 @@
 #include "nids_page.h"
 #include "rad_mosaic.h"
 #include "region.h"
+#include "zyrgks.h"
+#include "zyrresrc.h"
 
 #include <algorithm>
 #include <array>
@@ -391,6 +393,24 @@ TEST(Mosaic, NothingInTheWindowIsLeftOut) {
         EXPECT_LE(count(some, 0.1F), wanted) << row.center;
         EXPECT_LT(some.size(), all.size()) << row.center;
     }
+}
+
+// Few bytes can ask for thousands of millions of figures.
+TEST(Mosaic, AFloodOfFiguresIsCut) {
+    RES_put("file_path", ZYR_SOURCE_DIR "/etc");
+    CLR_read_table(nullptr);
+    CONT_reset_fill_set();
+    CONT_set_fill_colors("0:red,50:blue", 1);
+    Domain image;
+    ASSERT_EQ(DOM_decode("ll:0:-97,36,-97,65535,65535,.0001,.0001", &image), 1);
+    testing::internal::CaptureStderr();
+    RES_conv_data("warn", nullptr, CV_mess);
+    RadMosaic mosaic(image, map_make(image), 1, RadMosaic::Corners::from_top, 0);
+    for (int line = 0; line < 60; ++line) {
+        mosaic.draw(line, 0, 65535, 20.0F);
+    }
+    EXPECT_EQ(count_text(testing::internal::GetCapturedStderr(), "More figures than any mosaic"),
+              1);
 }
 
 TEST_F(MosaicPlot, SeriesAndDamage) {
