@@ -6,25 +6,22 @@
 #include "plt_tool.h"
 
 #include "bare_client.h"
-#include "cont.h"
 #include "files.h"
+#include "gks_x11.h"
 #include "map.h"
 #include "maptran.h"
 #include "nids.h"
 #include "nids_plt.h"
 #include "nids_writer.h"
+#include "redraw_areas.h"
 #include "region.h"
 #include "run_program.h"
 #include "zyrgks.h"
 #include "zyrresrc.h"
 
-#include "gks_pix.h"
-#include "gks_x11.h"
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -92,42 +89,11 @@ void plot(const std::string& product, Domain domain) {
     gsync();
 }
 
-// The areas of the plot that the redraw list holds, in pixels.
-Polygons recorded() {
-    const TempDir dir;
-    const std::string name = dir.path() + "/list";
-    setenv("METAOUT", name.c_str(), 1);
-    gobj_print_meta();
-    Polygons all;
-    std::ifstream in(name);
-    unsigned long color = 0;
-    for (std::string word; in >> word;) {
-        int n = 0;
-        if (word == "TR" && in >> n) {
-            gsel_norm_tran(n);
-        } else if (word == "FA_CLR" && in >> n) {
-            color = static_cast<unsigned long>(gget_color_ind(n));
-            ++all.records;
-        } else if (word == "FA" && in >> n) {
-            Gpt at{};
-            char comma = 0;
-            for (int i = 0; i < n && in >> at.x >> comma >> at.y; ++i) {
-                const Gpixel pixel = pixel_of(at);
-                all.points.push_back({pixel.x, pixel.y});
-            }
-            all.counts.push_back(n);
-            all.pixels.push_back(color);
-            ++all.records;
-        }
-    }
-    return all;
-}
-
 // --- Measures ---------------------------------------------------------------------
 
 void measure_plot(const XServer& server, const std::string& product, const Domain& domain) {
     plot(product, domain);
-    Polygons all = recorded();
+    Polygons all = redraw_areas();
     const BareClient bare(server);
     std::printf("a full product of 360 by 460 bins: %zu areas in the list\n", all.counts.size());
     const auto [ours, floor] = least_ms(
