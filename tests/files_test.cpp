@@ -398,19 +398,22 @@ TEST_F(Files, OpenTemplatesAreLookedUp) {
 }
 
 TEST_F(Files, ClockValuesNameTheLastSuchTime) {
-    setenv("zyrcurtime", "201005010640", 1);
     constexpr int none = missing;
     const struct {
+        const char* now;
         int month, day, hour, min;
         const char* name;
     } rows[] = {
-        {none, none, 12,   none, "201004301240"},
-        {none, none, none, 50,   "201005010550"},
-        {7,    none, none, none, "200907010640"},
-        {4,    1,    4,    5,    "201004010405"},
-        {none, none, -6,   none, "201005010640"},
+        {"201005010640", none, none, 12,   none, "201004301240"},
+        {"201005010640", none, none, none, 50,   "201005010550"},
+        {"201005010640", 7,    none, none, none, "200907010640"},
+        {"201005010640", 4,    1,    4,    5,    "201004010405"},
+        {"201005010640", none, none, -6,   none, "201005010640"},
+        {"201001100640", none, 29,   none, none, "200912290640"},
+        {"201003010640", none, none, 7,    none, "201002280740"},
     };
     for (const auto& row : rows) {
+        setenv("zyrcurtime", row.now, 1);
         const Date set = date_of(missing, row.month, row.day, row.hour, row.min);
         FILE_set_time(&set);
         FILE_set_name("@%Y%m%d%h%n");

@@ -112,6 +112,16 @@ TEST(Transformations, PipelineClampAndInverse) {
     EXPECT_FLOAT_EQ(xW_ps(0.0F), 0.4F * 377.0F) << "a new size keeps the windows";
 }
 
+TEST(Transformations, ANewViewportIsClipped) {
+    PsPage page;
+    const Glim vp = {0.2F, 0.6F, 0.1F, 0.3F};
+    gset_vp(0, &vp);
+    const std::string text = page.drawn();
+    EXPECT_NE(text.find("np\n114.90 57.40 mv\n114.90 172.60 ln\n345.10 172.60 ln"),
+              std::string::npos)
+        << text;
+}
+
 TEST(Transformations, ClipRectangles) {
     gset_win_type(ws_window);
     gset_xsize(640, 512);

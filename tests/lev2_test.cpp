@@ -109,6 +109,17 @@ TEST_F(Lev2, SameRadialsInEveryPacking) {
     }
 }
 
+TEST_F(Lev2, GenericRadialsHaveTwoWidths) {
+    for (const bool half : {false, true}) {
+        Lev2Radial radial;
+        radial.type = 31;
+        radial.half_degree = half;
+        LEV2_data d;
+        dump_one(radial, d);
+        EXPECT_EQ(d.az_space, half ? 0.5F : 1.0F);
+    }
+}
+
 TEST_F(Lev2, FixedRadial) {
     Lev2Radial radial;
     radial.type = 1;

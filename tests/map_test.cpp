@@ -29,7 +29,8 @@ struct Picture {
     std::vector<PsLine> lines;
     int fills = 0;
     std::string maps; // names on the status line
-    Glim window{};    // in plot coordinates
+    std::string texts;
+    Glim window{}; // in plot coordinates
 
     // Distance of the nearest segment from the origin.
     double nearest() const {
@@ -80,6 +81,9 @@ Picture draw(const std::string& place, const std::function<void()>& body) {
         if (!figure.filled) {
             out.lines.push_back(figure.points);
         }
+    }
+    for (const FigureText& text : page.texts) {
+        out.texts += text.text + " ";
     }
     for (const std::string& message : page.messages) {
         out.maps += message.starts_with("Map: ") ? message.substr(4) : "";
@@ -286,6 +290,15 @@ TEST(Map, NoLineCrossesThePicture) {
         RES_put("map_file", "lalo:10"); // has longer steps
         EXPECT_LT(draw_map(text).longest(), 0.35) << text;
     }
+}
+
+// Letters of the hemispheres, where the lines enter on the left and at the bottom.
+TEST(Map, LettersOfTheGrid) {
+    RES_put("map_file", "gone");
+    MAP_latlon(10, 20, 0, 0);
+    const auto letters = [](const char* domain) { return draw_map(domain, map_under).texts; };
+    EXPECT_EQ(letters("lat,-3,-5,51,31,1,1"), "EQ 10N 10S PM 20E 20W ");
+    EXPECT_EQ(letters("lat,-33,150,31,21,1,1"), "30S 40S 140E 160E ");
 }
 
 TEST(Map, Grids) {

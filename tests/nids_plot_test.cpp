@@ -34,7 +34,7 @@ TEST_F(NidsPlot, GoldenPages) {
         {"nids_radial",   "radial",  "-dr data,sum,bord -pp site,dist=50:100"           },
         {"nids_digital",  "digital", "-dr sum,text"                                     },
         {"nids_raster",   "raster",  "-dr sum -pp nobar"                                },
-        {"nids_precip",   "precip",  "-dr sum -pp nobar"                                },
+        {"nids_precip",   "precip",  "-dr sum -pp nobar -cof=-60:5:8"                   },
         {"nids_wind",     "wind",    "-dr sum"                                          },
         {"nids_symbols",  "symbols", "-dr sum -pp nobar"                                },
         {"nids_mercator", "radial",  "-dr sum -pp nobar -pd merc,35.3,-97.3,41,31,.1,.1"},

@@ -167,6 +167,25 @@ TEST(NidsHeader, LabelLineAndDomain) {
                 "Composite reflectivity (Dbz)|Md=pr Res=0.5 Mx=50|540|600x460 4");
 }
 
+// Composites come on a Lambert map of two true latitudes, velocities in metres a second.
+TEST(NidsHeader, MapOfCompositesAndKnots) {
+    NidsSample s;
+    s.code = 103;
+    s.src = 10000;
+    s.layers = {nids_radial_packet(16, 230, {Bytes{0}})};
+    NIDS_info info;
+    walk(nids_message(s), &info);
+    const Domain& d = info.domain;
+    EXPECT_EQ((std::array{d.param[0], d.param[1], d.param[2], d.plat}),
+              (std::array{33.0F, 45.0F, 1.0F, 90.0F}));
+    s.code = 99;
+    s.src = 1;
+    s.thres = {-635, 5, 254};
+    walk(nids_message(s), &info);
+    EXPECT_NEAR(info.thres[0], -63.5 * 1.944, 1e-3);
+    EXPECT_NEAR(info.thres[1], 0.5 * 1.944, 1e-4);
+}
+
 TEST(NidsStream, EveryWrapperAndCompressionGivesTheSameWalk) {
     NidsSample s;
     s.thres = {-320, 5, 254};

@@ -129,7 +129,7 @@ Bytes nids_page_packets(const std::vector<std::string>& lines, const std::vector
     }
     Bytes out = nids_words({10, static_cast<int>(vectors.size()) + 2, 2});
     put(out, vectors);
-    for (std::size_t i = 0; i < lines.size(); i++) {
+    for (std::size_t i = 0; i < lines.size(); ++i) {
         put(out, nids_text_packet(8, 1, 0, line_step * static_cast<int>(i) + 1, lines[i]));
     }
     return out;
