@@ -33,8 +33,6 @@ namespace {
 constexpr auto res_key = res_listed<true>();
 constexpr auto res_pos = res_listed<false>();
 
-constexpr int exit_no_file = 10;
-
 void run_nids(Domain* domain) {
     NIDS_set_ext_info(FILE_get_ext_info());
     NIDS_set_date(nullptr);
@@ -120,9 +118,9 @@ int print_info(int count, char** words) {
     const int num = static_cast<int>(words + count - files);
     if (num == 0) {
         MESS_print(mess_error, "zyrrad: --info needs the names of files\n");
-        return exit_no_file;
+        return end_file;
     }
-    return RAD_print_files(num, files, files != words) == 0 ? 0 : exit_no_file;
+    return RAD_print_files(num, files, files != words) == 0 ? 0 : end_file;
 }
 
 } // namespace
@@ -152,14 +150,14 @@ int main(int argc, char** argv) {
         ZYR_exit(0);
     }
     if (const char* kind = RES_get("--list")) {
-        ZYR_exit(RAD_list(kind) == 0 ? 0 : exit_no_file);
+        ZYR_exit(RAD_list(kind) == 0 ? 0 : end_file);
     }
     if (num_args < argc) {
         ZYR_exit(print_info(argc - num_args - 1, info + 1));
     }
     RAD_check_settings();
     if (RAD_find_input() != 0) {
-        ZYR_exit(exit_no_file);
+        ZYR_exit(end_file);
     }
     RAD_cvt_in_file();
     MESS_print_prog("RADAR DATA PLOTTING");

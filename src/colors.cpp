@@ -8,6 +8,8 @@
 #include "files.h"
 #include "near_word.h"
 #include "res_table.h"
+#include "text_list.h"
+#include "text_scan.h"
 
 #include <algorithm>
 #include <array>
@@ -135,12 +137,6 @@ float unit_range(float v) {
 
 float component(int byte) {
     return unit_range(static_cast<float>(byte) / 255.0F);
-}
-
-void skip_blanks(const char** text) {
-    while (std::isspace(static_cast<unsigned char>(**text)) != 0) {
-        ++*text;
-    }
 }
 
 // Three components of `width` digits; how many there were. A decimal one may
@@ -364,16 +360,14 @@ bool has_names() {
 
 // Reads the files of a list one after another. Returns whether one of them opened.
 bool read_tables(const char* names, bool count_fills) {
-    int count = 0;
-    char** files = nullptr;
-    parse_string(names, ',', &count, &files);
+    const TextList files(names, ',');
     bool first_file = true;
-    for (int i = 0; i < count; ++i) {
-        if (*files[i] == '\0') {
+    for (const char* name : files) {
+        if (*name == '\0') {
             continue; // would be standard input
         }
         std::array<char, file_name_size> path{};
-        FILE_add_path(RES_get("file_path"), files[i], path.data());
+        FILE_add_path(RES_get("file_path"), name, path.data());
         const FILE_ptr file(FILE_open_text(path.data()));
         if (!file) {
             MESS_print(mess_warn, "CLR_read_table: Unable to open color table: %s\n", path.data());
@@ -387,7 +381,6 @@ bool read_tables(const char* names, bool count_fills) {
         }
         first_file = false;
     }
-    free_parsed_array(count, files);
     return !first_file;
 }
 
@@ -457,7 +450,7 @@ int CLR_look_up(const char* name) {
     if (*name == '#') {
         return add_numeric(name);
     }
-    return std::isdigit(static_cast<unsigned char>(*name)) != 0 ? text_int(name) : -1;
+    return is_digit(*name) ? text_int(name) : -1;
 }
 
 int CLR_get_ind(const char* name) {
@@ -475,17 +468,13 @@ int CLR_check_settings() {
             row.type == RES_color_table || row.type == RES_color_fill) {
             continue;
         }
-        int count = 0;
-        char** items = nullptr;
-        RES_getvals(row.def, &count, &items);
-        for (int i = 0; i < count; ++i) {
-            const std::string name(items[i], std::strcspn(items[i], ":"));
+        for (const char* item : RES_items(row.def)) {
+            const std::string name(item, std::strcspn(item, ":"));
             // A number of its own is not put into the table before it is used.
             if (name.find('=') == std::string::npos && !name.starts_with('#')) {
                 CLR_get_ind(name.c_str());
             }
         }
-        free_parsed_array(count, items);
     }
     return 0;
 }
@@ -510,7 +499,7 @@ int ATTR_parse_fill_pat(const char* str) {
 
 int ATTR_parse_marker(const char* str) {
     for (const Word& word : markers) {
-        if (strnicmp(str, word.text, static_cast<int>(std::strlen(word.text))) == 0) {
+        if (begins(str, word.text)) {
             return word.value;
         }
     }

@@ -7,7 +7,9 @@
 #include "cont_pal.h"
 #include "cont_state.h"
 #include "files.h"
+#include "text_list.h"
 #include "text_num.h"
+#include "text_scan.h"
 #include "zyrgrid.h"
 #include "zyrresrc.h"
 
@@ -115,7 +117,7 @@ void finish_steps() {
 bool leading_number(const char* text, float* value, const char** end) {
     const char* digits = text + (*text == '-' || *text == '+' ? 1 : 0);
     digits += *digits == '.' ? 1 : 0;
-    if (std::isdigit(static_cast<unsigned char>(*digits)) == 0) {
+    if (!is_digit(*digits)) {
         return false;
     }
     char* behind = nullptr;
@@ -800,9 +802,8 @@ int CONT_set_fill_colors(const char* string, int flag) {
     contours.color_fill_set = 1;
     clear_extent();
 
-    int count = 0;
-    char** entries = nullptr;
-    if (list == nullptr || parse_string(list, ',', &count, &entries) != 0) {
+    const TextList entries(list, ',');
+    if (entries.count() == 0) {
         const int num = CLR_get_num_fill();
         if (num > 0) {
             return set_table_colors(num);
@@ -810,15 +811,14 @@ int CONT_set_fill_colors(const char* string, int flag) {
         set_list(static_cast<int>(std::size(fill_name)), fill_name);
         return 0;
     }
-    const bool is_file = count == 1 && std::strchr(entries[0], '-') == nullptr;
+    const bool is_file = entries.count() == 1 && std::strchr(entries[0], '-') == nullptr;
     const bool missing_file = is_file && read_level_file(entries[0]) != 0;
     if (missing_file) {
         report_level_file(entries[0], user != nullptr);
     }
     if (!is_file) {
-        set_list(count, entries);
+        set_list(entries.count(), entries.begin());
     }
-    free_parsed_array(count, entries);
     if (missing_file && user != nullptr) { // without any level no echo would be drawn
         contours.color_fill_set = 0;
         return CONT_set_fill_colors(string, 1);
@@ -936,14 +936,9 @@ void CONT_add_param_words(KnownWords* known) {
 }
 
 int CONT_param_decode() {
-    int count = 0;
-    char** words = nullptr;
-    RES_getvals("plot_param", &count, &words);
-    for (int i = 0; i < count; ++i) {
-        decode_param(words[i]);
-    }
-    if (words != nullptr) {
-        free_parsed_array(count, words);
+    const TextList words = RES_items("plot_param");
+    for (const char* word : words) {
+        decode_param(word);
     }
     return 0;
 }

@@ -10,6 +10,7 @@
 #include "maptran.h"
 #include "plt_tool.h"
 #include "region.h"
+#include "text_scan.h"
 #include "zyrgrid.h"
 #include "zyrresrc.h"
 
@@ -533,13 +534,12 @@ bool is_number_format(const char* text) {
     }
     ++text;
     text += std::strspn(text, "-+ #0");
-    for (int digits = 0; std::isdigit(static_cast<unsigned char>(*text)) != 0 && digits < 2;
-         digits++) {
+    for (int digits = 0; is_digit(*text) && digits < 2; digits++) {
         ++text;
     }
     if (*text == '.') {
         ++text;
-        text += std::isdigit(static_cast<unsigned char>(*text)) != 0 ? 1 : 0;
+        text += is_digit(*text) ? 1 : 0;
     }
     return *text != '\0' && std::strchr("feEgG", *text) != nullptr && text[1] == '\0';
 }

@@ -4,6 +4,7 @@
 #include "cont.h"
 
 #include "cont_state.h"
+#include "text_list.h"
 #include "text_num.h"
 #include "zyrresrc.h"
 
@@ -36,14 +37,9 @@ void take_base(const char* word, bool forced, float* high, float* low) {
 }
 
 void take_bases(bool forced, float* high, float* low) {
-    int count = 0;
-    char** words = nullptr;
-    RES_getvals("con_base", &count, &words);
-    for (int i = 0; i < count; ++i) {
-        take_base(words[i], forced, high, low);
-    }
-    if (words != nullptr) {
-        free_parsed_array(count, words);
+    const TextList words = RES_items("con_base");
+    for (const char* word : words) {
+        take_base(word, forced, high, low);
     }
 }
 

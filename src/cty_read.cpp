@@ -14,6 +14,7 @@
 #include "zyrcty.h"
 
 #include "files.h"
+#include "text_scan.h"
 #include "tools.h"
 
 #include <algorithm>
@@ -39,10 +40,6 @@ File file;
 
 bool is_open(int fd) {
     return file.stream != nullptr && fd == file.fd;
-}
-
-bool is_blank(char c) {
-    return std::isspace(static_cast<unsigned char>(c)) != 0;
 }
 
 // Cursor of one line; each call passes blanks and takes one field.
@@ -83,7 +80,7 @@ void read_flags(const char* text, CTY_data* city) {
         ++text;
     }
     city->prior = unset_priority;
-    if (std::isdigit(static_cast<unsigned char>(*text)) != 0) {
+    if (is_digit(*text)) {
         city->prior = *text++ - '0';
     }
     if (*text == '*') {

@@ -6,6 +6,7 @@
 #include "files.h"
 #include "maptran.h"
 #include "table.h"
+#include "text_scan.h"
 #include "tools.h"
 #include "zyrresrc.h"
 
@@ -116,25 +117,9 @@ int enter_station(Picture& s, const CTY_data& city, float x, float y) {
 
 // The selection strings of the resource `identifier`; "all" selects nothing.
 struct Selection {
-    int count = 0;
-    char** ids = nullptr;
-
-    Selection() {
-        RES_getvals("identifier", &count, &ids);
-        if (ids == nullptr || (count == 1 && stricmp(ids[0], "all") == 0)) {
-            free_parsed_array(count, ids);
-            ids = nullptr;
-            count = 0;
-        }
-    }
-    Selection(const Selection&) = delete;
-    Selection& operator=(const Selection&) = delete;
-    ~Selection() { free_parsed_array(count, ids); }
+    TextList ids = RES_items("identifier");
+    int count = ids.count() == 1 && stricmp(ids[0], "all") == 0 ? 0 : ids.count();
 };
-
-bool is_digit(char c) {
-    return std::isdigit(static_cast<unsigned char>(c)) != 0;
-}
 
 bool all_digits(std::string_view text) {
     return std::all_of(text.begin(), text.end(), is_digit);
@@ -194,7 +179,7 @@ constexpr Keyword keywords[] = {
 // The keyword that a string begins with, or null.
 const Keyword* find_keyword(const char* text) {
     for (const Keyword& k : keywords) {
-        if (strnicmp(text, k.text, static_cast<int>(std::strlen(k.text))) == 0) {
+        if (begins(text, k.text)) {
             return &k;
         }
     }
@@ -408,7 +393,7 @@ int CTY_store(const char* city_file, int type, const Domain* domain, int prior) 
         float x = 0;
         float y = 0;
         if (fields < cty_fields || city.prior > limit ||
-            CTY_data_cmp(selection.count, selection.ids, &city) == -1 ||
+            CTY_data_cmp(selection.count, selection.ids.begin(), &city) == -1 ||
             MAP_tran(city.lat, city.lon, &x, &y) == 0 || MAP_in_grid_domain(x, y) == 0) {
             continue;
         }

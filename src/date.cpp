@@ -3,6 +3,7 @@
 // record that DATE_to_struct hands out.
 #include "date.h"
 
+#include "text_scan.h"
 #include "tools.h"
 
 #include <algorithm>
@@ -112,12 +113,6 @@ int* field_of(Date* date, char name) {
         return &date->sec;
     default:
         return &date->day;
-    }
-}
-
-void skip_blanks(const char** text) {
-    while (std::isspace(static_cast<unsigned char>(**text)) != 0) {
-        ++*text;
     }
 }
 

@@ -6,6 +6,7 @@
 #include "file_state.h"
 #include "files.h"
 #include "name_find.h"
+#include "text_scan.h"
 #include "tools.h"
 #include "zyrresrc.h"
 
@@ -47,14 +48,6 @@ int clamp_int(long value) {
     return static_cast<int>(std::clamp<long>(value, -INT_MAX, INT_MAX));
 }
 
-bool begins(const char* text, const char* word) {
-    return std::strncmp(text, word, std::strlen(word)) == 0;
-}
-
-bool is_digit(char c) {
-    return std::isdigit(static_cast<unsigned char>(c)) != 0;
-}
-
 // Whether the name stands for a file of that very name, one that lies there.
 bool is_file(const char* name) {
     return FILE_is_stdio(name) == 0 && FILE_exist(name) != 0 && FILE_is_dir(name) == 0;
@@ -62,7 +55,7 @@ bool is_file(const char* name) {
 
 // A relative request, unless it is plainly the name of a file.
 bool is_request(const char* name) {
-    const bool asks = begins(name, "la") || begins(name, "cu");
+    const bool asks = begins_exactly(name, "la") || begins_exactly(name, "cu");
     return asks && !(std::strpbrk(name, "/.") != nullptr && is_file(name));
 }
 
@@ -403,7 +396,7 @@ void settle_current(const char* request, char* outfile) {
     }
     if (FILE_exist(s.filename) == 0) {
         MESS_print(mess_warn, "File not found: %s\n", s.filename);
-        ZYR_exit(10);
+        ZYR_exit(end_file);
     }
     MESS_print(mess_mess, "Current filename: %s\n", s.filename);
 }
@@ -417,7 +410,7 @@ void take_answer(const char* answer) {
         FILE_set_file(answer, s.filename);
         return;
     }
-    FILE_set_current(begins(answer, "cu") ? answer + 2 : answer, s.filename);
+    FILE_set_current(begins_exactly(answer, "cu") ? answer + 2 : answer, s.filename);
     MESS_print(mess_mess, "Current filename: %s\n", s.filename);
 }
 
@@ -445,7 +438,7 @@ int ask_file(const char* prompt, char* outfile) {
         MESS_print(mess_warn, "File not found: %s\n", s.filename);
         FILE_explain_cut(s.filename);
     }
-    ZYR_exit(10);
+    ZYR_exit(end_file);
 }
 
 // Hours and minutes of "hours:minutes" in seconds; the minutes take the sign.
@@ -469,11 +462,8 @@ int span_of(const char* text) {
 
 int FILE_get_file(const char* prompt, char* outfile) {
     FileState& s = file_state();
-    char** names = nullptr;
-    int count = 0;
-    if (RES_getvals("filename", &count, &names) > 0) {
+    if (const TextList names = RES_items("filename"); names.count() > 0) {
         const std::string first = names[0];
-        free_parsed_array(count, names);
         if (first == "list") {
             FILE_list_file();
             ZYR_exit(0);
@@ -539,7 +529,7 @@ int FILE_set_file(const char* file, char* out_file) {
         return 0;
     }
     if (*name == '#' || is_request(name)) {
-        FILE_set_current(begins(name, "cu") ? name + 2 : name, out_file);
+        FILE_set_current(begins_exactly(name, "cu") ? name + 2 : name, out_file);
         MESS_print(mess_mess, "Current filename: %s\n", out_file);
         return 0;
     }

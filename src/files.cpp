@@ -14,6 +14,7 @@
 
 #include "date.h"
 #include "file_state.h"
+#include "text_list.h"
 #include "tools.h"
 #include "zyrresrc.h"
 
@@ -354,11 +355,9 @@ int FILE_make_dir(const char* path, int drop) {
     if (parent.empty() || stat_of(parent.c_str(), &info)) {
         return 1;
     }
-    char** part = nullptr;
-    int count = 0;
-    parse_string(name.c_str(), '/', &count, &part);
+    const TextList part(name.c_str(), '/');
     std::string directory;
-    for (int i = 0; i < count - drop; ++i) {
+    for (int i = 0; i < part.count() - drop; ++i) {
         if (*part[i] != '\0') {
             directory += part[i];
             directory += '/';
@@ -367,7 +366,6 @@ int FILE_make_dir(const char* path, int drop) {
             directory += '/';
         }
     }
-    free_parsed_array(count, part);
     return 0;
 }
 

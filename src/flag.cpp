@@ -8,10 +8,7 @@
 namespace {
 
 constexpr int num_flags = 30;
-constexpr int num_switches = 13;
-constexpr int last_label = 6;  // switches 1 to 6 are the six labels
-constexpr int any_label = 0;   // derived: sum of 1 to 6
-constexpr int any_at_all = 12; // derived: sum of 0 to 11
+constexpr int num_switches = part_any + 1;
 
 constexpr std::array<long, num_flags> unset_flags() noexcept {
     std::array<long, num_flags> all{};
@@ -90,16 +87,16 @@ int FLAG_setplot(int index, int value) {
     }
     auto& plot_it = state.plot_it;
     plot_it[index] = value;
-    if (index == any_at_all) {
+    if (index == part_any) {
         plot_it.fill(value);
     }
-    if (index == any_label) {
-        for (int i = 0; i <= last_label; ++i) {
+    if (index == part_text) {
+        for (int i = 0; i <= part_low_right; ++i) {
             plot_it[i] = value;
         }
     }
-    plot_it[any_label] = sum(plot_it, any_label + 1, last_label);
-    plot_it[any_at_all] = sum(plot_it, any_label, any_at_all - 1);
+    plot_it[part_text] = sum(plot_it, part_text + 1, part_low_right);
+    plot_it[part_any] = sum(plot_it, part_text, part_any - 1);
     return 0;
 }
 

@@ -7,6 +7,7 @@
 #include "zyr.h"
 
 #include "files.h"
+#include "text_scan.h"
 #include "zyrresrc.h"
 
 #include <unistd.h>
@@ -86,7 +87,7 @@ std::string id_file(const char* text) {
     if (*text != 'w' && *text != 'W') {
         return text;
     }
-    if (std::isdigit(static_cast<unsigned char>(text[1])) == 0) {
+    if (!is_digit(text[1])) {
         return "zyrloop.win";
     }
     return "zyrloop." + std::to_string(std::clamp(std::strtol(text + 1, nullptr, 10), 0L, 99999L));
@@ -285,8 +286,7 @@ std::string id_text(const char* conn_id) {
         refuse("window parameters not specified");
         return {};
     }
-    const bool is_id =
-        !text.empty() && (text[0] == '+' || std::isdigit(static_cast<unsigned char>(text[0])) != 0);
+    const bool is_id = !text.empty() && (text[0] == '+' || is_digit(text[0]));
     if (!text.empty() && !is_id && !read_id_file(std::string(text).c_str(), &text)) {
         refuse("unable to open window id file");
         return {};

@@ -12,6 +12,7 @@
 #include "zyr.h"
 
 #include "files.h"
+#include "text_scan.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
@@ -624,7 +625,7 @@ int gsetup_fonts() {
 }
 
 int gget_font_index(const char* name) {
-    if (std::isdigit(static_cast<unsigned char>(*name)) != 0) {
+    if (is_digit(*name)) {
         return text_int(name);
     }
     for (int i = 0; i < font_state.num_fonts; ++i) {

@@ -4,6 +4,7 @@
 // exposures copy to the window.
 
 #include "gks_disp.h"
+#include "text_list.h"
 #include "text_num.h"
 #include "zyr.h"
 
@@ -41,13 +42,11 @@ Gdisp_settings& gdisp_settings() {
 }
 
 int gopen_display(const char* conn_id) {
-    int count = 0;
-    char** fields = nullptr;
-    parse_string(conn_id, ',', &count, &fields);
+    const TextList fields(conn_id, ',');
     ginstall_error_handlers();
     disp = {};
-    const std::string name = XDisplayName(count > 0 && *fields[0] != '\0' ? fields[0] : nullptr);
-    free_parsed_array(count, fields);
+    const std::string name =
+        XDisplayName(fields.count() > 0 && *fields[0] != '\0' ? fields[0] : nullptr);
     disp.display = XOpenDisplay(name.c_str());
     if (disp.display == nullptr && gtype_is_WIN() && gis_image_run()) {
         return gfail_display(); // the display in memory takes its place

@@ -13,7 +13,6 @@
 
 namespace {
 
-constexpr int exit_display_lost = 4;
 constexpr int most_errors = 25;
 
 struct ErrorState {
@@ -42,14 +41,14 @@ int Xerror_handler(Display* display, XErrorEvent* event) {
     MESS_print(mess_warn, "X11 error: %s in %s\n", text.data(), request.data());
     if (++errors.num_error == most_errors) {
         MESS_print(mess_error, "X11 error: too many errors\n");
-        std::exit(exit_display_lost);
+        std::exit(end_output);
     }
     return 0;
 }
 
 int XerrorIO_handler(Display* /*display*/) {
     MESS_print(mess_error, "Fatal X11 Error\n");
-    std::exit(exit_display_lost);
+    std::exit(end_output);
 }
 
 } // namespace

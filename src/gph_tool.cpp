@@ -6,16 +6,15 @@
 #include "zyrresrc.h"
 
 #include "files.h"
+#include "units.h"
 
 #include <array>
 #include <cmath>
 #include <cstdarg>
-#include <numbers>
 
 namespace {
 
 constexpr const char* error_file = "zyrgks.err";
-constexpr int exit_no_device = 4;
 constexpr int circle_points = 37; // every 10 degrees, the start twice
 
 struct PlotState {
@@ -33,7 +32,7 @@ struct PlotState {
 PlotState plot;
 
 double radians(double deg) {
-    return deg * std::numbers::pi / 180.0;
+    return deg * deg_to_rad;
 }
 
 std::array<Gpt, 5> rectangle(float x1, float y1, float x2, float y2) {
@@ -118,11 +117,11 @@ int GPH_begin(int* ws_id, const char* conn_id, Gws_type* ws_type) {
         if (gopen_gks(nullptr, 10000) != 0) {
             MESS_print(mess_error, "GPH_begin: Error opening Kernel System\n");
             gemergency_close_gks();
-            ZYR_exit(exit_no_device);
+            ZYR_exit(end_output);
         }
         if (gopen_ws(*ws_id, conn_id, *ws_type) != 0) {
             MESS_print(mess_error, "GPH_begin: Error opening workstation\n");
-            ZYR_exit(exit_no_device);
+            ZYR_exit(end_output);
         }
     }
     plot.ws_open = true;

@@ -5,6 +5,7 @@
 #include "img_pixel.h"
 
 #include "files.h"
+#include "text_scan.h"
 
 #include <algorithm>
 #include <array>
@@ -37,9 +38,8 @@ const IMG_kind* IMG_find_dump(int dump) {
 }
 
 const IMG_kind* IMG_find_word(const char* text) {
-    const auto* row = std::find_if(kinds.begin(), kinds.end(), [&](const IMG_kind& kind) {
-        return strnicmp(text, kind.word, static_cast<int>(std::strlen(kind.word))) == 0;
-    });
+    const auto* row = std::find_if(kinds.begin(), kinds.end(),
+                                   [&](const IMG_kind& kind) { return begins(text, kind.word); });
     return row == kinds.end() ? nullptr : row;
 }
 

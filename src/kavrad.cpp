@@ -15,6 +15,7 @@
 #include "byte_source.h"
 #include "map_proj.h"
 #include "region.h"
+#include "text_scan.h"
 
 #include <array>
 #include <cctype>
@@ -48,7 +49,7 @@ int two_columns(const char* at) {
     int value = 0;
     bool any = false;
     for (int i = 0; i < 2; ++i) {
-        if (std::isdigit(static_cast<unsigned char>(at[i])) != 0) {
+        if (is_digit(at[i])) {
             value = value * 10 + (at[i] - '0');
             any = true;
         } else if (at[i] != ' ') {

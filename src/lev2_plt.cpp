@@ -26,7 +26,6 @@
 namespace {
 
 constexpr int default_range = 460;   // grid steps of 0.54 nautical miles
-constexpr int item_summary = 10;     // plot component
 constexpr int scan_first = -9999;    // the lowest scan that holds the moment
 constexpr float radial_width = 1.0F; // degrees about the azimuth, also of half degree radials
 constexpr int first_clear = 30;      // coverage patterns of clear air
@@ -454,7 +453,7 @@ int LEV2_plot_nextfile() {
 int LEV2_plot_summary() {
     PLT_set_callback(LEV2_callback);
     decode_variable();
-    if (FLAG_getplot(item_summary) == 0) {
+    if (FLAG_getplot(part_summary) == 0) {
         return 0;
     }
     find_cut();

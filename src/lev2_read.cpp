@@ -55,6 +55,7 @@
 #include "nids.h"
 #include "region.h"
 #include "tools.h"
+#include "units.h"
 #include "zyrcty.h"
 #include "zyrresrc.h"
 
@@ -106,7 +107,6 @@ constexpr int max_day = 2932896; // 31 December 9999
 constexpr std::uint32_t ms_per_day = 86400000;
 
 constexpr float step_nmi = 0.54F; // of the plot domain
-constexpr double nmi_to_km = 1.852;
 constexpr float max_range = 100000.0F;
 
 // --- State --------------------------------------------------------------------
@@ -707,7 +707,7 @@ int LEV2_get_domain(float clat, float clon, float range, Domain* domain) {
     domain->plon = domain->clon = clon;
     domain->ny = static_cast<int>(2 * steps + 1);
     domain->nx = static_cast<int>(3 * steps + 1);
-    domain->dx = static_cast<float>(map_stereo_factor(clat) * (step_nmi * nmi_to_km) / 100.0);
+    domain->dx = static_cast<float>(map_stereo_factor(clat) * (step_nmi * km_per_nmi) / 100.0);
     domain->dy = domain->dx;
     return 0;
 }

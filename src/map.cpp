@@ -7,6 +7,8 @@
 #include "files.h"
 #include "maptran.h"
 #include "plt_tool.h"
+#include "text_list.h"
+#include "text_scan.h"
 #include "zyr.h"
 #include "zyrgks.h"
 #include "zyrraw.h"
@@ -20,7 +22,6 @@
 
 namespace {
 
-constexpr int plot_map = 8;             // plot component of FLAG_getplot
 constexpr std::size_t entry_size = 256; // of one word of a map list
 
 // What region blocks have come to, in the order of a list.
@@ -44,10 +45,6 @@ State state;
 const char* get_or_null(const char* resource) {
     const char* text = RES_get(resource);
     return text == nullptr || *text == '\0' ? nullptr : text;
-}
-
-bool begins(const char* text, const char* word) {
-    return strnicmp(text, word, static_cast<int>(std::strlen(word))) == 0;
 }
 
 // Reads a number and moves `*at` behind it. False, with both as they were, if
@@ -350,20 +347,17 @@ void process_list_file(const char* name) {
 }
 
 void process_list(const char* list) {
-    int count = 0;
-    char** entries = nullptr;
-    parse_string(list, ',', &count, &entries);
+    const TextList entries(list, ',');
     state.blocks = Blocks::none;
-    for (int i = 0; i < count; ++i) {
-        if (begins(entries[i], "fi:")) {
+    for (const char* entry : entries) {
+        if (begins(entry, "fi:")) {
             const Blocks blocks = state.blocks;
-            process_list_file(entries[i] + std::strlen("fi:"));
+            process_list_file(entry + std::strlen("fi:"));
             state.blocks = blocks;
         } else {
-            MAP_process(entries[i]);
+            MAP_process(entry);
         }
     }
-    free_parsed_array(count, entries);
 }
 
 // The list for a domain without any: one file serves North America, two the
@@ -404,7 +398,7 @@ int MAP_setup(const Domain* domain) {
 }
 
 int MAP_draw(int flag) {
-    if (FLAG_getplot(plot_map) == 0) {
+    if (FLAG_getplot(part_map) == 0) {
         return -1;
     }
     state.over = flag;

@@ -5,6 +5,8 @@
 #include "zyr.h"
 
 #include "date.h"
+#include "text_list.h"
+#include "text_scan.h"
 
 #include <algorithm>
 #include <array>
@@ -74,10 +76,6 @@ constexpr LogWord log_words[] = {
     {"fi",  "a",     out_log    },
 };
 
-bool starts_with(const char* text, const char* word) {
-    return strnicmp(text, word, static_cast<int>(std::strlen(word))) == 0;
-}
-
 // The text behind a keyword and its one separator character.
 const char* value_behind(const char* text, const char* word) {
     text += std::strlen(word);
@@ -94,9 +92,8 @@ unsigned fill_below(unsigned mask) {
 
 // Mask of a keyword such as "warn" or "debugb"; 0 if nothing matches.
 unsigned level_mask(const char* text) {
-    const auto* row = std::find_if(std::begin(groups), std::end(groups), [&](const Group& group) {
-        return starts_with(text, group.keyword);
-    });
+    const auto* row = std::find_if(std::begin(groups), std::end(groups),
+                                   [&](const Group& group) { return begins(text, group.keyword); });
     if (row == std::end(groups)) {
         return 0;
     }
@@ -141,7 +138,7 @@ void open_log(const char* name, const char* mode) {
 // Returns whether the item names a log.
 bool set_log(const char* item) {
     const auto* row = std::find_if(std::begin(log_words), std::end(log_words),
-                                   [&](const LogWord& log) { return starts_with(item, log.word); });
+                                   [&](const LogWord& log) { return begins(item, log.word); });
     if (row == std::end(log_words)) {
         return false;
     }
@@ -182,7 +179,7 @@ void set_item(const char* item) {
         state.page = page_never;
     } else if (stricmp(item, "page") == 0) {
         state.page = page_lines;
-    } else if (starts_with(item, "line")) {
+    } else if (begins(item, "line")) {
         const char* text = value_behind(item, "line");
         int number = 0;
         std::from_chars(text, text + std::strlen(text), number);
@@ -237,14 +234,11 @@ int MESS_print_prog(const char* title) {
 }
 
 int MESS_set_str(const char* text) {
-    int count = 0;
-    char** items = nullptr;
-    parse_string(text, ',', &count, &items);
+    const TextList items(text, ',');
     ++state.mess_set;
-    for (int i = 0; i < count; ++i) {
-        set_item(items[i]);
+    for (const char* item : items) {
+        set_item(item);
     }
-    free_parsed_array(count, items);
     return 0;
 }
 

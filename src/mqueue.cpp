@@ -209,7 +209,7 @@ void MQ_disable_alarm() {
 
 void MQ_intrp() {
     MESS_print(mess_warn, "Queue not responding!!\n");
-    ZYR_exit(7);
+    ZYR_exit(end_loop);
 }
 
 void MQ_set_timeout(int seconds) {

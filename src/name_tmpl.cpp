@@ -4,6 +4,7 @@
 #include "name_tmpl.h"
 
 #include "date.h"
+#include "text_scan.h"
 #include "tools.h"
 
 #include <algorithm>
@@ -77,7 +78,7 @@ struct Directive {
 
 // Reads the directive behind a "%" and returns what follows it.
 const char* read_directive(const char* at, Directive* directive) {
-    if (std::isdigit(static_cast<unsigned char>(*at)) != 0) {
+    if (is_digit(*at)) {
         scan_int(&at, any_width, &directive->n);
         directive->n = std::clamp(directive->n, 1, max_number);
         directive->has_n = true;

@@ -15,7 +15,6 @@
 
 namespace {
 
-constexpr int item_summary = 10;   // plot component of the packets
 constexpr int raster_chunk = 10;   // cells of a raster figure on the product's own projection
 constexpr float barb_size = 20.0F; // plot units
 constexpr float text_height = 8.0F;
@@ -222,7 +221,7 @@ int NIDS_draw_packets(const NIDS_frame& frame) {
         if (type == nids_packet_raster_alt) {
             type = nids_packet_raster;
         }
-        if (is_summary(type) && FLAG_getplot(item_summary) == 0) {
+        if (is_summary(type) && FLAG_getplot(part_summary) == 0) {
             skip_packet(frame, type);
             any = true;
         } else {

@@ -12,6 +12,7 @@
 #include "files.h"
 #include "plt_tool.h"
 #include "region.h"
+#include "text_list.h"
 #include "zyrresrc.h"
 
 #include <string>
@@ -23,18 +24,15 @@ constexpr char default_convention[] = "nids_grd_zyr";
 } // namespace
 
 int NIDS_grd_out_file() {
-    int count = 0;
-    char** names = nullptr;
     int found = 0;
-    RES_getvals("out_file", &count, &names);
-    for (int i = 0; i < count && found == 0; ++i) {
+    const TextList names = RES_items("out_file");
+    for (int i = 0; i < names.count() && found == 0; ++i) {
         if (strnicmp(names[i], "zyr", 3) == 0) {
             const std::string convention = std::string(names[i]).substr(3);
             FILE_set_name(convention.size() < 2 ? default_convention : convention.c_str() + 1);
             found = 1;
         }
     }
-    free_parsed_array(count, names);
     return found;
 }
 

@@ -28,6 +28,7 @@
 #include "nids_tables.h"
 #include "region.h"
 #include "tools.h"
+#include "units.h"
 
 #include <algorithm>
 #include <array>
@@ -61,8 +62,6 @@ constexpr char collective_mark[] = "** SDUS97";
 constexpr int mess_header_rest = 16; // bytes behind the code
 constexpr int prod_desc_size = 102;
 
-constexpr double feet_to_m = 0.3048;
-constexpr double nmi_to_km = 1.852;
 constexpr double ms_to_knots = 1.944;
 
 // Taken for a size that is not known.
@@ -342,7 +341,7 @@ void set_sizes(NIDS_info& info, const NidsProdDesc& desc) {
 
 // Plot units (100 km) of a length at the centre of a polar stereographic map.
 float plot_length(const Domain& domain, float length_nmi) {
-    return static_cast<float>(map_stereo_factor(domain.clat) * (length_nmi * nmi_to_km) / 100.0);
+    return static_cast<float>(map_stereo_factor(domain.clat) * (length_nmi * km_per_nmi) / 100.0);
 }
 
 bool is_length(float v) {
@@ -374,7 +373,7 @@ void finish_domain(NIDS_info& info, unsigned level) {
             domain.dx = plot_length(domain, default_bin_nmi);
         }
         if (!is_length(domain.dx)) { // a centre without map factor
-            domain.dx = static_cast<float>(default_bin_nmi * nmi_to_km / 100.0);
+            domain.dx = static_cast<float>(default_bin_nmi * km_per_nmi / 100.0);
         }
         domain.dy = domain.dx;
     } else {
@@ -509,7 +508,7 @@ NIDS_info make_info(const NidsHeader& header) {
     DOM_init(&info.domain);
     info.domain.clat = static_cast<float>(desc.lat / 1000.0);
     info.domain.clon = static_cast<float>(desc.lon / 1000.0);
-    info.alt = static_cast<float>(desc.height * feet_to_m);
+    info.alt = static_cast<float>(desc.height * m_per_foot);
     set_resolution(info);
     set_sizes(info, desc);
     // Bytes of another kind are refused as a whole.

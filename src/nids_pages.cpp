@@ -9,6 +9,7 @@
 #include "nids_report.h"
 #include "rad_fill.h"
 #include "region.h"
+#include "units.h"
 #include "var_tool.h"
 #include "windbarb.h"
 #include "zyrraw.h"
@@ -19,7 +20,6 @@
 
 namespace {
 
-constexpr double km_per_nmi = 1.852;
 constexpr float page_shift = 50.0F; // a page lies below the one before it
 constexpr float page_text = 7.0F;   // heights on the page
 constexpr float page_barb = 20.0F;

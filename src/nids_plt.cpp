@@ -18,6 +18,7 @@
 #include "plt_tool.h"
 #include "rad_run.h"
 #include "region.h"
+#include "units.h"
 #include "var_tool.h"
 #include "zyrraw.h"
 #include "zyrresrc.h"
@@ -26,7 +27,6 @@
 #include <cmath>
 #include <cstring>
 #include <iterator>
-#include <numbers>
 #include <string>
 #include <string_view>
 
@@ -45,8 +45,6 @@ struct State {
     RadRun run;
 };
 State nids;
-
-constexpr int item_data = 7; // plot component
 
 void decode_word(const char* word) {
     if (stricmp(word, "strong") == 0) {
@@ -243,7 +241,7 @@ int NIDS_plot_summary() {
 }
 
 int NIDS_plot_data() {
-    const bool wanted = FLAG_getplot(item_data) != 0;
+    const bool wanted = FLAG_getplot(part_data) != 0;
     const bool any = wanted && draw_data();
     if (!nids.any_drawn && !any) {
         MESS_print(mess_warn, "NIDS_plot: Nothing of this product is drawn: %s\n", nids.info.info);
@@ -277,7 +275,7 @@ int NIDS_print_loc_elev(const char* str, float x, float y, float slat, float slo
     MAP_tran(slat, slon, &sx, &sy);
     MAP_untran(x, y, &lat, &lon);
     const double r = std::hypot(x - sx, y - sy) / MAP_factor(slat, slon);
-    const double angle = (90.0 + selev) * std::numbers::pi / 180.0;
+    const double angle = (90.0 + selev) * deg_to_rad;
     const double height =
         std::sqrt(r * r + earth_radius * earth_radius - 2 * r * earth_radius * std::cos(angle)) -
         earth_radius;

@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr int item_summary = 10; // plot component
-
 void move(Gpt& p, double dx, double dy) {
     p.x = static_cast<float>(p.x + dx);
     p.y = static_cast<float>(p.y + dy);
@@ -17,7 +15,7 @@ void move(Gpt& p, double dx, double dy) {
 } // namespace
 
 int NIDS_plot_WEDGE(Gpt* pts, const WEDGE_info* wedge, float radius, float intens) {
-    if (FLAG_getplot(item_summary) == 0) {
+    if (FLAG_getplot(part_summary) == 0) {
         return -1;
     }
     const double r = radius;

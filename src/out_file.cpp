@@ -10,6 +10,7 @@
 
 #include "date.h"
 #include "files.h"
+#include "text_list.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
@@ -183,15 +184,12 @@ bool is_input(const char* path) {
         return false;
     }
     bool found = FILE_is_input(path) != 0;
-    int count = 0;
-    char** names = nullptr;
-    RES_getvals("filename", &count, &names);
-    for (int i = 0; i < count && !found; ++i) {
+    const TextList names = RES_items("filename");
+    for (int i = 0; i < names.count() && !found; ++i) {
         std::array<char, file_name_size> name{};
         found = stat(FILE_add_user_path(names[i], name.data()), &typed) == 0 &&
                 typed.st_dev == file.st_dev && typed.st_ino == file.st_ino;
     }
-    free_parsed_array(count, names);
     if (found) {
         MESS_print(mess_error, "open_output: The output is an input of the run: %s\n", path);
     }
@@ -324,15 +322,12 @@ void give_up_outputs() {
 }
 
 void take_options(const char* text, int first, bool (*take)(const char* option)) {
-    int count = 0;
-    char** fields = nullptr;
-    parse_string(text, ',', &count, &fields);
-    for (int i = first; i < count; ++i) {
+    const TextList fields(text, ',');
+    for (int i = first; i < fields.count(); ++i) {
         if (*fields[i] != '\0' && !take(fields[i])) {
             MESS_print(mess_warn, "gopen_ws: invalid option: %s\n", fields[i]);
         }
     }
-    free_parsed_array(count, fields);
 }
 
 std::string creation_date() {

@@ -10,6 +10,8 @@
 #include "zyrresrc.h"
 
 #include "cont.h"
+#include "text_list.h"
+#include "text_scan.h"
 
 #include <algorithm>
 #include <array>
@@ -49,12 +51,12 @@ struct Position {
 };
 constexpr std::array<Position, plt_positions> positions = {
     {
-     {"ul", 1, GLEFT_HOR, true, false},
-     {"uc", 2, GCENTER_HOR, true, false},
-     {"ur", 3, GRIGHT_HOR, true, false},
-     {"ll", 4, GLEFT_HOR, false, true},
-     {"lc", 5, GCENTER_HOR, false, true},
-     {"lr", 6, GRIGHT_HOR, false, false},
+     {"ul", part_up_left, GLEFT_HOR, true, false},
+     {"uc", part_up_center, GCENTER_HOR, true, false},
+     {"ur", part_up_right, GRIGHT_HOR, true, false},
+     {"ll", part_low_left, GLEFT_HOR, false, true},
+     {"lc", part_low_center, GCENTER_HOR, false, true},
+     {"lr", part_low_right, GRIGHT_HOR, false, false},
      }
 };
 
@@ -142,7 +144,7 @@ void set_entry(const char* entry, std::array<bool, plt_positions>& fixed) {
             continue;
         }
         const char* rest = entry + 2;
-        const bool digit = std::isdigit(static_cast<unsigned char>(*rest)) != 0;
+        const bool digit = is_digit(*rest);
         if (rest[digit ? 1 : 0] != ':') {
             return;
         }
@@ -156,14 +158,11 @@ void set_entry(const char* entry, std::array<bool, plt_positions>& fixed) {
 
 std::array<bool, plt_positions> read_entries() {
     std::array<bool, plt_positions> fixed{};
-    int count = 0;
-    char** entries = nullptr;
-    RES_getvals("label", &count, &entries);
-    for (int i = 0; i < count; ++i) {
+    const TextList entries = RES_items("label");
+    for (const char* entry : entries) {
         PLT_set_overlay(0);
-        set_entry(entries[i], fixed);
+        set_entry(entry, fixed);
     }
-    free_parsed_array(count, entries);
     return fixed;
 }
 
@@ -400,13 +399,13 @@ int PLT_labels() {
     GPH_line_attr(&attrib);
 
     const float room = room_below(layout);
-    if (PLT_get_border() != 0 && FLAG_getplot(11) != 0) {
+    if (PLT_get_border() != 0 && FLAG_getplot(part_border) != 0) {
         GPH_border(&layout.view);
     }
     if (room < 0.005F) {
         return -1;
     }
-    if (FLAG_getplot(0) == 0) {
+    if (FLAG_getplot(part_text) == 0) {
         return 0;
     }
     set_lines(&layout, room);

@@ -12,6 +12,7 @@
 #include "map.h"
 #include "maptran.h"
 #include "region.h"
+#include "text_list.h"
 #include "text_num.h"
 #include "zyrcty.h"
 #include "zyrgks.h"
@@ -347,13 +348,10 @@ void decode_output(const char* word) {
 }
 
 void decode_list(const char* resource, void (*decode)(const char*)) {
-    int count = 0;
-    char** list = nullptr;
-    RES_getvals(resource, &count, &list);
-    for (int i = 0; i < count; ++i) {
-        decode(list[i]);
+    const TextList list = RES_items(resource);
+    for (const char* item : list) {
+        decode(item);
     }
-    free_parsed_array(count, list);
 }
 
 } // namespace

@@ -34,23 +34,22 @@ struct Session {
 };
 Session session;
 
-constexpr int type_none = 99;  // plot type that draws nothing
-constexpr int exit_device = 4; // a file device lost a part of its page
+constexpr int type_none = 99; // plot type that draws nothing
 
 void go_to_background() {
     if (ZYR_back_proc() == 0) {
-        ZYR_exit(1);
+        ZYR_exit(end_batch);
     }
 }
 
 bool nothing_to_draw() {
-    return FLAG_getplot(12) == 0 || FLAG_get(flag_plot_type) == type_none;
+    return FLAG_getplot(part_any) == 0 || FLAG_get(flag_plot_type) == type_none;
 }
 
 // A list of parts that names none leaves no picture, which only "none" asks for.
 void warn_of_parts() {
     const char* parts = RES_get("draw");
-    if (FLAG_getplot(12) == 0 && parts != nullptr && stricmp(parts, "none") != 0) {
+    if (FLAG_getplot(part_any) == 0 && parts != nullptr && stricmp(parts, "none") != 0) {
         MESS_print(mess_warn, "PLT_open: Nothing to draw: %s\n", parts);
     }
 }
@@ -226,7 +225,7 @@ int PLT_close() {
     const int status = GPH_end(session.work_id);
     PLT_init_labels();
     if (status != 0 || session.lost) { // a script must not go on with half a page
-        ZYR_exit(exit_device);
+        ZYR_exit(end_output);
     }
     if (FLAG_batch() != 0 && writes) {
         go_to_background();

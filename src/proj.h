@@ -9,14 +9,15 @@
 
 #include "map_proj.h"
 
+#include "units.h"
+
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
 
 namespace proj {
 
-constexpr double pi = 3.1415926535898;
-constexpr double rad = pi / 180.0; // radians per degree
+constexpr double rad = deg_to_rad; // radians per degree
 constexpr double deg = 180.0 / pi; // degrees per radian
 
 // The earth, in 100 km: sphere, equator and pole of the ellipsoid.

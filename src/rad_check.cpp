@@ -9,6 +9,8 @@
 #include "plt_tool.h"
 #include "rad_run.h"
 #include "res_table.h"
+#include "text_list.h"
+#include "text_scan.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
@@ -90,23 +92,16 @@ const char* device_name(int type) {
 
 // Each item of a list that is split at commas.
 template <typename Take> void each_item(const char* resource, Take take) {
-    int count = 0;
-    char** items = nullptr;
-    RES_getvals(resource, &count, &items);
-    for (int i = 0; i < count; ++i) {
-        if (*items[i] != '\0') {
-            take(items[i]);
+    const TextList items = RES_items(resource);
+    for (const char* item : items) {
+        if (*item != '\0') {
+            take(item);
         }
     }
-    free_parsed_array(count, items);
 }
 
 char lower(char c) {
     return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-}
-
-bool is_digit(char c) {
-    return std::isdigit(static_cast<unsigned char>(c)) != 0;
 }
 
 // --- Options ------------------------------------------------------------------

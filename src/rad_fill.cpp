@@ -4,15 +4,14 @@
 
 #include "cont.h"
 #include "region.h"
+#include "units.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <numbers>
 
 namespace {
 
-constexpr double deg_to_rad = std::numbers::pi / 180.0;
 constexpr float overlap_deg = 0.01F; // by which radials cover the next one's edge
 
 } // namespace

@@ -471,11 +471,8 @@ int RAD_find_input() {
     if (input == nullptr || stricmp(input, auto_word) != 0) {
         return 0;
     }
-    int count = 0;
-    char** files = nullptr;
-    RES_getvals("filename", &count, &files);
-    const std::string name = count > 0 ? files[0] : "";
-    free_parsed_array(count, files);
+    const TextList files = RES_items("filename");
+    const std::string name = files.count() > 0 ? files[0] : "";
     if (name.empty() || FILE_is_stdio(name.c_str()) != 0) {
         MESS_print(mess_error, "zyrrad: -inp auto needs the name of a file\n");
         return -1;

@@ -5,6 +5,8 @@
 
 #include "files.h"
 #include "near_word.h"
+#include "text_list.h"
+#include "text_scan.h"
 #include "var_tool.h"
 #include "zyrresrc.h"
 
@@ -76,7 +78,7 @@ constexpr Rule any_in_file = {How::holds, "", missing, missing, itself, nullptr}
 bool fits(const Rule& rule, const char* item) {
     switch (rule.how) {
     case How::starts:
-        return strnicmp(item, rule.word, static_cast<int>(std::strlen(rule.word))) == 0;
+        return begins(item, rule.word);
     case How::equals:
         return stricmp(item, rule.word) == 0;
     case How::holds:
@@ -140,19 +142,16 @@ void tell_unknown(const char* item) {
 // Returns whether an item of `input` was known.
 bool read_input() {
     bool given = false;
-    int count = 0;
-    char** items = nullptr;
-    RES_getvals("input", &count, &items);
-    for (int i = 0; i < count; ++i) {
-        if (const Rule* rule = find_rule(input_rules, items[i])) {
+    const TextList items = RES_items("input");
+    for (const char* item : items) {
+        if (const Rule* rule = find_rule(input_rules, item)) {
             set_type(*rule);
-            set_names(*rule, items[i]);
+            set_names(*rule, item);
             given = true;
-        } else if (*items[i] != '\0') {
-            tell_unknown(items[i]);
+        } else if (*item != '\0') {
+            tell_unknown(item);
         }
     }
-    free_parsed_array(count, items);
     return given;
 }
 
@@ -181,21 +180,18 @@ int RAD_cvt_in_file() {
     FLAG_set(flag_input, input_summary);
     VAR_set_model_str("mdr");
     const bool given = read_input();
-    int count = 0;
-    char** items = nullptr;
-    RES_getvals("in_file", &count, &items);
-    for (int i = 0; i < count; ++i) {
-        const Rule* rule = find_rule(in_file_rules, items[i]);
+    const TextList items = RES_items("in_file");
+    for (const char* item : items) {
+        const Rule* rule = find_rule(in_file_rules, item);
         if (rule == nullptr) {
             rule = &any_in_file;
         }
         if (!given) {
             set_type(*rule);
         }
-        const bool found = set_names(*rule, items[i]);
-        const bool format = set_format(items[i]);
-        check_item(items[i], *rule, given, found || format);
+        const bool found = set_names(*rule, item);
+        const bool format = set_format(item);
+        check_item(item, *rule, given, found || format);
     }
-    free_parsed_array(count, items);
     return 0;
 }

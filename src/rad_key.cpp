@@ -41,7 +41,7 @@ void blink(int color) {
 
 int RAD_draw_bar() {
     key = {};
-    if (CONT_get_bar() == -2 || (FLAG_getplot(0) == 0 && CONT_get_bar() < 1)) {
+    if (CONT_get_bar() == -2 || (FLAG_getplot(part_text) == 0 && CONT_get_bar() < 1)) {
         return -1;
     }
     GPH_trans(tran_page);

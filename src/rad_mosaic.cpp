@@ -17,7 +17,6 @@ namespace {
 constexpr char colors[] =
     "-100:off,5:blue,10:lblue,15:cyan,20:lcyan,25:green,30:lgreen,35:brown,40:yellow,45:red,"
     "50:lred,55:magenta,60:lmagenta,65:dgray,70:lgray,75:white";
-constexpr int item_summary = 10; // plot component
 constexpr int chunk_alike = 10;
 constexpr int samples = 48; // of the window, each way
 
@@ -59,7 +58,7 @@ int rad_mosaic_frame(const RadMosaicPlot& plot, const Date& date, int (*summary)
 }
 
 bool rad_mosaic_begin(RadMosaicPlot& plot, const char* label, const Domain& domain) {
-    if (FLAG_getplot(item_summary) == 0) {
+    if (FLAG_getplot(part_summary) == 0) {
         return false;
     }
     GPH_trans(tran_map);

@@ -15,6 +15,7 @@
 #include "rad_key.h"
 #include "rad_run.h"
 #include "region.h"
+#include "units.h"
 #include "var_tool.h"
 #include "watch.h"
 #include "windbarb.h"
@@ -35,15 +36,10 @@
 
 namespace {
 
-constexpr int item_text = 0; // plot components
-constexpr int item_data = 7;
-constexpr int item_summary = 10;
 constexpr int plot_levels = 52; // plot types: filled, with the key of levels
 constexpr int plot_marks = 55;
 constexpr int plot_steps = 51; // by two levels
-constexpr int exit_no_memory = 3;
 constexpr int station_priority = 3;
-constexpr float km_per_nmi = 1.852F;
 constexpr int default_items = 100;
 // Marks, texts and circles of a file; a country full of storms has some thousands.
 // One text may take 6 KB of a page.
@@ -326,7 +322,7 @@ void draw_station(const CTY_locate& station) {
 
 void draw_mdr_report(const CTY_locate& station) {
     if (state.plt_dist >= static_cast<float>(least_dist) && take_item()) {
-        MAP_draw_circle(station.x, station.y, state.plt_dist * km_per_nmi);
+        MAP_draw_circle(station.x, station.y, state.plt_dist * km_per_nmi_f);
     }
     draw_station(station);
     for (int i = 0; i < VAR_get_num(); ++i) {
@@ -416,8 +412,8 @@ void get_top(const MDR_tops& top, RAW_data* data) {
     const int rad = is_set(top.rad) ? top.rad : 0;
     float x = data->x;
     float y = data->y;
-    if (MAP_offset(data->x, data->y, static_cast<float>(dir), static_cast<float>(rad) * km_per_nmi,
-                   &x, &y) == 0) {
+    if (MAP_offset(data->x, data->y, static_cast<float>(dir),
+                   static_cast<float>(rad) * km_per_nmi_f, &x, &y) == 0) {
         return;
     }
     data->x = x;
@@ -577,7 +573,7 @@ int RAD_prompt_variable() {
 }
 
 int RAD_plot_summary() {
-    if (FLAG_getplot(item_summary) == 0) {
+    if (FLAG_getplot(part_summary) == 0) {
         return -1;
     }
     const GridRow* const row = find_grid();
@@ -592,7 +588,7 @@ int RAD_plot_summary() {
     const std::unique_ptr<float[]> values(new (std::nothrow) float[size]);
     if (values == nullptr) {
         MESS_print(mess_warn, "No memory for radar summary field\n");
-        PLT_exit(exit_no_memory);
+        PLT_exit(end_memory);
     }
     for (int y = 0; y < row->ny; ++y) {
         for (int x = 0; x < row->nx; ++x) {
@@ -614,7 +610,7 @@ int RAD_plot_summary() {
 }
 
 int RAD_plot_data() {
-    if (FLAG_getplot(item_data) == 0) {
+    if (FLAG_getplot(part_data) == 0) {
         return -1;
     }
     if (!draw_watches()) {
@@ -746,8 +742,8 @@ int RAD_draw_label() {
     Gattribs text;
     ATTRIB_init(&text);
     ATTRIB_get("color_text", rad_plain_color(), &text);
-    const bool shown = FLAG_getplot(item_text) != 0 || CONT_get_bar() >= 1;
-    if (FLAG_getplot(item_data) == 0 || VAR_get_num() < 1 || !shown || text.color < 0 ||
+    const bool shown = FLAG_getplot(part_text) != 0 || CONT_get_bar() >= 1;
+    if (FLAG_getplot(part_data) == 0 || VAR_get_num() < 1 || !shown || text.color < 0 ||
         stricmp(VAR_get_name(0), "amv") != 0) {
         return 0;
     }

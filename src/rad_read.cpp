@@ -26,6 +26,7 @@
 #include "file_kind.h"
 #include "files.h"
 #include "text_num.h"
+#include "text_scan.h"
 
 #include <algorithm>
 #include <array>
@@ -92,26 +93,12 @@ bool next_line() {
     return true;
 }
 
-bool begins(const char* line, std::string_view word) {
-    return std::strncmp(line, word.data(), word.size()) == 0;
-}
-
 // Of text types: past the magic line.
 void to_start() {
     state.at = 0;
     state.has_line = false;
     if (state.file_type == rad_type_zyrrad) {
         next_line();
-    }
-}
-
-bool is_blank(char c) {
-    return std::isspace(static_cast<unsigned char>(c)) != 0;
-}
-
-void skip_blanks(const char** at) {
-    while (is_blank(**at)) {
-        ++*at;
     }
 }
 
@@ -217,7 +204,7 @@ int read_grid(RAD_info* info) {
     Section section;
     while (next_line()) {
         const char* line = state.line.data();
-        if (begins(line, "SDUS") || begins(line, "RCM")) {
+        if (begins_exactly(line, "SDUS") || begins_exactly(line, "RCM")) {
             section = {};
             section.type = *line == 'S' ? rad_mdr : rad_rcm;
             if (section.type == rad_rcm && !is_set(info->type)) {
@@ -466,7 +453,7 @@ void take_record_line(const char* line, RCM_report* report) {
 
 // To the line that begins the next record.
 bool find_record() {
-    while (!state.has_line || !begins(state.line.data(), "**")) {
+    while (!state.has_line || !begins_exactly(state.line.data(), "**")) {
         state.has_line = next_line();
         if (!state.has_line) {
             return false;
@@ -911,7 +898,7 @@ int RAD_rewind(int cvt_fd) {
         return 0;
     }
     while (next_line()) {
-        if (begins(state.line.data(), "SDXX STATION")) {
+        if (begins_exactly(state.line.data(), "SDXX STATION")) {
             state.list = state.at;
             return 0;
         }

@@ -9,6 +9,8 @@
 #include "map.h"
 #include "maptran.h"
 #include "region.h"
+#include "text_list.h"
+#include "units.h"
 #include "watch.h"
 #include "zyrgks.h"
 #include "zyrresrc.h"
@@ -23,8 +25,6 @@ namespace {
 constexpr float default_ring_nmi = 100.0F;
 constexpr int default_clutter = 25;
 constexpr int refresh_seconds = 60;
-constexpr int exit_no_file = 10;
-constexpr float km_per_nmi = 1.852F;
 
 // --- Words of plot_param ------------------------------------------------------
 
@@ -209,13 +209,10 @@ int shift_frames() {
 } // namespace
 
 int rad_decode_words(void (*decode_word)(const char* word)) {
-    int count = 0;
-    char** words = nullptr;
-    RES_getvals("plot_param", &count, &words);
-    for (int i = 0; i < count; ++i) {
-        decode_word(words[i]);
+    const TextList words = RES_items("plot_param");
+    for (const char* word : words) {
+        decode_word(word);
     }
-    free_parsed_array(count, words);
     return 0;
 }
 
@@ -324,11 +321,11 @@ int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool 
         } else if (plot_file(plotter, run, name, frame, domain)) {
             ++frame;
         } else if (FILE_get_num_file() == 0 && !redraw) {
-            PLT_exit(exit_no_file);
+            PLT_exit(end_file);
         }
     }
     if (frame == 0 && !redraw) { // of several files none opens
-        PLT_exit(exit_no_file);
+        PLT_exit(end_file);
     }
     PLT_tell_overlaid(frame);
     PLT_tell_left_out(left_out);
@@ -399,7 +396,7 @@ void rad_draw_site(const RadWords& words, float lat, float lon) {
     }
     for (std::size_t i = 0; words.rings[0] != 0.0F && i < words.rings.size(); ++i) {
         if (words.rings[i] != 0.0F) {
-            MAP_draw_circle(x, y, words.rings[i] * km_per_nmi);
+            MAP_draw_circle(x, y, words.rings[i] * km_per_nmi_f);
         }
     }
 }

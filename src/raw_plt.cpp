@@ -9,7 +9,10 @@
 #include "maptran.h"
 #include "plt_tool.h"
 #include "region.h"
+#include "text_list.h"
 #include "text_num.h"
+#include "text_scan.h"
+#include "units.h"
 #include "var_tool.h"
 #include "windbarb.h"
 #include "wx_symb.h"
@@ -30,7 +33,6 @@ namespace {
 constexpr int plot_type_none = 99; // flag 11: nothing is drawn
 constexpr float column = 0.012F;   // offsets of the position words, window heights
 constexpr float row = 0.02F;
-constexpr float km_per_nmi = 1.852F;
 
 // A format as it was laid over `base`: a file's columns come with few formats,
 // again and again.
@@ -297,10 +299,6 @@ int take_part(const char* part, RAW_attribs* attr) {
 
 // --- Words of plot_param -------------------------------------------------------------
 
-bool begins(const char* word, const char* prefix) {
-    return strnicmp(word, prefix, static_cast<int>(std::strlen(prefix))) == 0;
-}
-
 // What stands from the sixth character on.
 const char* from_sixth(const char* word) {
     return std::strlen(word) > 5 ? word + 5 : "";
@@ -334,32 +332,26 @@ void take_word(const char* word, RAW_attribs* attr) {
 }
 
 void RAW_plot_param() {
-    int count = 0;
-    char** words = nullptr;
-    RES_getvals("plot_param", &count, &words);
-    for (int i = 0; i < count; ++i) {
-        take_word(words[i], &state.base);
+    const TextList words = RES_items("plot_param");
+    for (const char* word : words) {
+        take_word(word, &state.base);
     }
-    free_parsed_array(count, words);
 }
 
 // "con_base": ">N" the least value drawn, and the base; "<N" the largest; N the base.
 void take_base() {
-    int count = 0;
-    char** items = nullptr;
-    RES_getvals("con_base", &count, &items);
+    const TextList items = RES_items("con_base");
     RAW_attribs& base = state.base;
-    for (int i = 0; i < count; ++i) {
-        const char mark = items[i][0];
-        const char* number = items[i] + (mark == '<' || mark == '>' ? 1 : 0);
+    for (const char* item : items) {
+        const char mark = item[0];
+        const char* number = item + (mark == '<' || mark == '>' ? 1 : 0);
         take_limit(number, mark == '<' ? &base.max : &base.base);
         base.min = mark == '>' ? base.base : base.min;
     }
-    if (count > 0) {
+    if (items.count() > 0) {
         CONT_set_base(base.base);
         CONT_set_cutoff(base.max, base.min);
     }
-    free_parsed_array(count, items);
 }
 
 void take_interval() {
@@ -503,8 +495,8 @@ void draw_barb(const Item& item, float dot, float calm, float offset) {
 void draw_vector(const Item& item) {
     const float* wind = item.data.value;
     if (wind[1] > 0.0F) {
-        WIND_vect_map(item.at.x, item.at.y, wind[0], wind[1] * km_per_nmi / 100.0F, item.cur.scale,
-                      1.0F);
+        WIND_vect_map(item.at.x, item.at.y, wind[0], wind[1] * km_per_nmi_f / 100.0F,
+                      item.cur.scale, 1.0F);
     }
 }
 
@@ -513,7 +505,7 @@ void draw_track(const Item& item) {
     if (wind[1] > 0.0F && is_set(wind[0])) {
         const float factor = MAP_factor(MAP_get_clat(), MAP_get_clon());
         WIND_track(item.at.x, item.at.y, MAP_dir_adj(wind[0], item.at.x, item.at.y),
-                   2.0F * factor * wind[1] * km_per_nmi / 100.0F, 0.1F * item.size, 4, 0);
+                   2.0F * factor * wind[1] * km_per_nmi_f / 100.0F, 0.1F * item.size, 4, 0);
     }
 }
 
@@ -672,8 +664,7 @@ struct FilePlot {
     bool labels;         // a plot of its own, not an overlay
     bool stored = false; // the station table holds the stations wanted
     bool table = false;  // there is a station table
-    int num_ids = 0;     // `identifier`
-    char** ids = nullptr;
+    TextList ids = RES_items("identifier");
 };
 
 // Place of a row on the plot. False if it has none.
@@ -749,11 +740,11 @@ void fill_item(const FilePlot& plot, const RAW_report& report, RAW_data* data) {
 }
 
 bool is_selected(const FilePlot& plot, const RAW_report& report) {
-    const bool all = plot.num_ids == 1 && stricmp(plot.ids[0], "all") == 0;
-    return !plot.labels || all || CTY_ids_cmp(plot.num_ids, plot.ids, report.id) == 1;
+    const bool all = plot.ids.count() == 1 && stricmp(plot.ids[0], "all") == 0;
+    return !plot.labels || all || CTY_ids_cmp(plot.ids.count(), plot.ids.begin(), report.id) == 1;
 }
 
-void plot_rows(FilePlot plot) {
+void plot_rows(FilePlot& plot) {
     const int proj = MAP_get_proj();
     const bool each = plot.field == RAW_selector(raw_each);
     RAW_report report;
@@ -807,7 +798,7 @@ int RAW_init_attrib(RAW_attribs* attr) {
 }
 
 int RAW_plot_init(const Gattribs* attrib, float sc) {
-    if (FLAG_getplot(12) == 0 || FLAG_get(flag_plot_type) == plot_type_none) {
+    if (FLAG_getplot(part_any) == 0 || FLAG_get(flag_plot_type) == plot_type_none) {
         return -1;
     }
     state = {};
@@ -869,7 +860,7 @@ int RAW_parse_format(RAW_attribs* attr, const char* fmt) {
 }
 
 int RAW_plot_data(const RAW_data* data) {
-    if (FLAG_getplot(7) == 0 || FLAG_get(flag_plot_type) == plot_type_none) {
+    if (FLAG_getplot(part_data) == 0 || FLAG_get(flag_plot_type) == plot_type_none) {
         return -1;
     }
     RAW_attribs cur = state.base;
@@ -918,7 +909,6 @@ int RAW_plot_file(const char* file, int label) {
     float scale = 1.0F;
     RES_getval("plot_scale", &scale, CV_float);
     FilePlot plot{raw_fd, field, format, label != 0};
-    RES_getvals("identifier", &plot.num_ids, &plot.ids);
     if (RAW_plot_init(&attr, scale) == 0) {
         gset_fill_print_solid(1);
         Domain domain;
@@ -936,7 +926,6 @@ int RAW_plot_file(const char* file, int label) {
         plot_rows(plot);
         gset_fill_print_solid(print_solid);
     }
-    free_parsed_array(plot.num_ids, plot.ids);
     RAW_close(raw_fd);
     return 0;
 }

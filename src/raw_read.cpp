@@ -5,6 +5,7 @@
 #include "date.h"
 #include "files.h"
 #include "text_num.h"
+#include "text_scan.h"
 #include "tools.h"
 
 #include <algorithm>
@@ -44,10 +45,6 @@ int selector_number(const char* selector) {
     const bool number =
         !std::less<>{}(selector, first) && std::less<>{}(selector, first + state.selectors.size());
     return number ? static_cast<int>(selector - first) : missing;
-}
-
-bool is_blank(char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
 // Cursor of one row; a word ends at a blank or at the end.
@@ -301,8 +298,7 @@ void decode_value(const RAW_file& raw, int ind, RAW_report* report, const char* 
     if (value == end || (end - value == 1 && *value == '-')) {
         return;
     }
-    const bool number =
-        *value == '-' || *value == '.' || std::isdigit(static_cast<unsigned char>(*value)) != 0;
+    const bool number = *value == '-' || *value == '.' || is_digit(*value);
     const char* at = value;
     if (number && read_number(&at, end, &report->value[0]) && at != end && *at == ',') {
         ++at;

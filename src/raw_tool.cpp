@@ -3,6 +3,7 @@
 #include "zyrraw.h"
 
 #include "files.h"
+#include "text_scan.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
@@ -45,7 +46,7 @@ std::size_t name_length(const std::string& text) {
 
 // The selector of a field text; null for a number that is too large.
 const char* selector_of(const std::string& field) {
-    if (std::isdigit(static_cast<unsigned char>(field[0])) == 0) {
+    if (!is_digit(field[0])) {
         return field.c_str();
     }
     const char* at = field.c_str();

@@ -30,11 +30,8 @@
 namespace {
 
 constexpr char colors[] = "None,Blue,Cyan,Green,Yellow,Red,Magenta";
-constexpr int highest_level = 6; // 7 and 8 stand for echoes beyond the range of levels
-constexpr int item_data = 7;     // plot components
-constexpr int item_summary = 10;
-constexpr int answers = 5; // at the prompt for the site
-constexpr int exit_no_site = 10;
+constexpr int highest_level = 6;        // 7 and 8 stand for echoes beyond the range of levels
+constexpr int answers = 5;              // at the prompt for the site
 constexpr int most_messages = 100000;   // of a file, before it counts as endless
 constexpr std::size_t named_sites = 60; // letters of a message that lists them
 
@@ -368,7 +365,7 @@ int RCM_prompt_id() {
         }
     }
     MESS_print(mess_error, "RCM_prompt_id: No station: -id names one, as -id TLX\n");
-    ZYR_exit(exit_no_site);
+    ZYR_exit(end_file);
     return -1;
 }
 
@@ -427,7 +424,7 @@ int RCM_plot_summary() {
     set_colors();
     const Grid grid = site_grid();
     PLT_mess("RCM Sum");
-    if (FLAG_getplot(item_summary) == 0) {
+    if (FLAG_getplot(part_summary) == 0) {
         return -1;
     }
     rad_check_view(rcm.run, grid.own, grid.plot, rcm.name);
@@ -438,7 +435,7 @@ int RCM_plot_summary() {
 }
 
 int RCM_plot_data(const RCM_report* report) {
-    if (FLAG_getplot(item_data) == 0) {
+    if (FLAG_getplot(part_data) == 0) {
         return -1;
     }
     const CONT_keeper levels; // of the echoes: they are those of the bar and the readout

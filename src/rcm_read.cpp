@@ -40,6 +40,7 @@
 #include "byte_reader.h"
 #include "date.h"
 #include "scanp.h"
+#include "text_scan.h"
 
 #include <algorithm>
 #include <cmath>
@@ -64,10 +65,6 @@ constexpr std::size_t packet_head = 4;
 
 bool is_upper(char c) {
     return c >= 'A' && c <= 'Z';
-}
-
-bool is_digit(char c) {
-    return c >= '0' && c <= '9';
 }
 
 bool is_white(char c) {

@@ -19,6 +19,8 @@
 
 #include "files.h"
 #include "map_proj.h"
+#include "text_list.h"
+#include "text_scan.h"
 #include "tools.h"
 #include "zyrcty.h"
 #include "zyrresrc.h"
@@ -26,7 +28,6 @@
 namespace {
 
 constexpr const char* default_file = "zyr.reg";
-constexpr int invalid_domain_exit = 43;
 constexpr const char* not_a_domain = "is no domain";
 constexpr int menu_rows = 23;
 constexpr int file_rows = 20; // rows 1 to 19 may come from a file
@@ -158,27 +159,6 @@ Regions state;
 
 // --- Text ---------------------------------------------------------------------
 
-// The fields of a text, split at one delimiter.
-class Fields {
-public:
-    Fields(const char* text, char delimiter) { parse_string(text, delimiter, &count_, &array_); }
-    ~Fields() {
-        if (array_ != nullptr) {
-            free_parsed_array(count_, array_);
-        }
-    }
-    Fields(const Fields&) = delete;
-    Fields& operator=(const Fields&) = delete;
-
-    int count() const { return array_ == nullptr ? 0 : count_; }
-    char** array() const { return array_; }
-    const char* operator[](int i) const { return array_[i]; }
-
-private:
-    int count_ = 0;
-    char** array_ = nullptr;
-};
-
 // Reads the number that the text begins with. Returns false if there is none
 // or it is no finite number.
 bool read_float(const char* text, float* value) {
@@ -205,10 +185,6 @@ float float_or_zero(const char* text) {
 int truncate(float value) {
     constexpr float limit = 2.0e9F;
     return static_cast<int>(std::fmax(-limit, std::fmin(limit, value)));
-}
-
-bool begins(const char* text, const char* prefix) {
-    return strnicmp(text, prefix, static_cast<int>(std::strlen(prefix))) == 0;
 }
 
 // --- Region files ---------------------------------------------------------------
@@ -280,7 +256,7 @@ bool read_row(std::FILE* file, FileRow* row) {
 // --- Fields of a domain string ----------------------------------------------------
 
 bool fit_proj(const char* field, Domain* domain) {
-    const Fields words(field, ':');
+    const TextList words(field, ':');
     const int count = words.count();
     domain->proj = count > 0 ? DOM_proj_str(words[0]) : -1;
     if (domain->proj == -1) {
@@ -435,9 +411,9 @@ void complete(const Shape& shape, Domain* domain) {
     }
 }
 
-bool try_shape(const Shape& shape, const Fields& fields, Domain* domain) {
+bool try_shape(const Shape& shape, const TextList& fields, Domain* domain) {
     const int* k = shape.kinds;
-    if (DOM_set_params(fields.count(), fields.array(), domain, k[0], k[1], k[2], k[3], k[4], k[5],
+    if (DOM_set_params(fields.count(), fields.begin(), domain, k[0], k[1], k[2], k[3], k[4], k[5],
                        k[6], k[7]) != 0) {
         return false;
     }
@@ -446,7 +422,7 @@ bool try_shape(const Shape& shape, const Fields& fields, Domain* domain) {
     return true;
 }
 
-int decode_fields(const Fields& fields, Domain* domain) {
+int decode_fields(const TextList& fields, Domain* domain) {
     if (fields.count() > 0 && std::strcmp(fields[0], "size") == 0 &&
         try_shape(size_shape, fields, domain)) {
         return dom_by_value;
@@ -470,7 +446,7 @@ int decode(const char* str, Domain* domain) {
         return dom_invalid;
     }
     ++state.depth;
-    const Fields fields(str, ',');
+    const TextList fields(str, ',');
     MESS_print(mess_debug, "******** PARSING DOMAIN: %d %s\n", fields.count(), str);
     const int result = decode_fields(fields, domain);
     --state.depth;
@@ -540,7 +516,7 @@ int decode_required(const char* text, Domain* domain) {
     if (is_set(result) && fault != nullptr) {
         MESS_print(mess_error, "Invalid domain\n");
         MESS_print(mess_error, "\"%s\" %s\n", text, fault);
-        ZYR_exit(invalid_domain_exit);
+        ZYR_exit(end_domain);
     }
     state.prompt_region = 0;
     return result;

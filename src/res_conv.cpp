@@ -3,6 +3,9 @@
 // point hands in what decodes them (RES_set_actions).
 #include "zyrresrc.h"
 
+#include "text_list.h"
+#include "text_scan.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cmath>
@@ -59,21 +62,19 @@ constexpr Keyword file_params[] = {
     {"app",    2},
 };
 
-constexpr int switch_border = 11;
-constexpr int switch_all = 12;
 constexpr Keyword draw_switches[] = {
-    {"text",    0            },
-    {"text_ul", 1            },
-    {"text_uc", 2            },
-    {"text_ur", 3            },
-    {"text_ll", 4            },
-    {"text_lc", 5            },
-    {"text_lr", 6            },
-    {"data",    7            },
-    {"map",     8            },
-    {"grid",    9            },
-    {"sum",     10           },
-    {"bord",    switch_border},
+    {"text",    part_text      },
+    {"text_ul", part_up_left   },
+    {"text_uc", part_up_center },
+    {"text_ur", part_up_right  },
+    {"text_ll", part_low_left  },
+    {"text_lc", part_low_center},
+    {"text_lr", part_low_right },
+    {"data",    part_data      },
+    {"map",     part_map       },
+    {"grid",    part_grid      },
+    {"sum",     part_summary   },
+    {"bord",    part_border    },
 };
 
 constexpr Keyword bool_words[] = {
@@ -96,10 +97,6 @@ int clamp_int(long value) {
         std::clamp<long>(value, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
 }
 
-bool is_digit(char c) {
-    return std::isdigit(static_cast<unsigned char>(c)) != 0;
-}
-
 void set_plot_type(const char* text) {
     if (const Keyword* row = find_word(plot_types, text)) {
         FLAG_set(flag_plot_type, row->value);
@@ -118,29 +115,26 @@ void set_draw_item(const char* item) {
         ++item;
     }
     if (stricmp(item, "none") == 0) {
-        FLAG_setplot(switch_all, 0);
+        FLAG_setplot(part_any, 0);
     } else if (stricmp(item, "all") == 0) {
-        FLAG_setplot(switch_all, 1);
+        FLAG_setplot(part_any, 1);
     } else if (const Keyword* row = find_word(draw_switches, item)) {
         FLAG_setplot(row->value, on);
-        if (row->value == 0) { // "text" takes the border along
-            FLAG_setplot(switch_border, on);
+        if (row->value == part_text) { // "text" takes the border along
+            FLAG_setplot(part_border, on);
         }
     }
 }
 
 // A plain list names what is drawn; one that begins with a sign edits the default.
 void set_draw(const char* text) {
-    int count = 0;
-    char** items = nullptr;
-    parse_string(text, ',', &count, &items);
-    if (count > 0 && *items[0] != '+' && *items[0] != '-') {
+    const TextList items(text, ',');
+    if (items.count() > 0 && *items[0] != '+' && *items[0] != '-') {
         FLAG_resetplot(0);
     }
-    for (int i = 0; i < count; ++i) {
-        set_draw_item(items[i]);
+    for (const char* item : items) {
+        set_draw_item(item);
     }
-    free_parsed_array(count, items);
 }
 
 // Fields of the text of `hour`.
@@ -232,16 +226,13 @@ void store_path(const char* value, char** out) {
 }
 
 void store_device(const char* value, const char** out) {
-    int count = 0;
-    char** items = nullptr;
-    parse_string(value, ',', &count, &items);
-    FLAG_set(flag_device, count > 0 ? RES_set_device(items[0]) : 1);
+    const TextList items(value, ',');
+    FLAG_set(flag_device, items.count() > 0 ? RES_set_device(items[0]) : 1);
     const char* rest = value != nullptr ? std::strchr(value, ',') : nullptr;
     const bool empty_id = FLAG_get(flag_device) == 6 && rest != nullptr && rest[1] == ',';
-    if (count > 1 || empty_id) { // an id that a script left empty is not one left out
+    if (items.count() > 1 || empty_id) { // an id that a script left empty is not one left out
         *out = rest + 1;
     }
-    free_parsed_array(count, items);
 }
 
 // The conversions that store. Returns 1 if `cvt` is one of them.

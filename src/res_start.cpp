@@ -7,6 +7,8 @@
 #include "res_list.h"
 #include "res_table.h"
 #include "res_window.h"
+#include "text_list.h"
+#include "text_scan.h"
 
 #include <algorithm>
 #include <array>
@@ -88,12 +90,8 @@ std::vector<std::string> search_list() {
     if (list == nullptr) {
         return data_tree_search();
     }
-    int count = 0;
-    char** items = nullptr;
-    parse_string(list, ':', &count, &items);
-    std::vector<std::string> places(items, items + count);
-    free_parsed_array(count, items);
-    return places;
+    const TextList items(list, ':');
+    return {items.begin(), items.end()};
 }
 
 // `given`: the list was given as an option, not found in the environment or built in.
@@ -185,14 +183,6 @@ Option read_option(int i, int argc, char** argv) {
     return option;
 }
 
-bool begins(const char* text, const char* start) {
-    return std::strncmp(text, start, std::strlen(start)) == 0;
-}
-
-bool begins_any_case(const char* text, const char* start) {
-    return strnicmp(text, start, static_cast<int>(std::strlen(start))) == 0;
-}
-
 // `name` and `default` decide which defaults apply: they are taken first.
 // Returns whether `default` was given.
 bool scan_pseudo(int argc, char** argv) {
@@ -203,10 +193,11 @@ bool scan_pseudo(int argc, char** argv) {
         }
         const Option option = read_option(i, argc, argv);
         const char* name = option.name.data();
-        if (option.value != nullptr && begins("name", name)) {
+        if (option.value != nullptr && begins_exactly("name", name)) {
             RES_new(missing, "name", option.value, CV_string);
             DEF_name(option.value);
-        } else if (option.value != nullptr && (begins(name, "default") || begins(name, "df"))) {
+        } else if (option.value != nullptr &&
+                   (begins_exactly(name, "default") || begins_exactly(name, "df"))) {
             RES_new(missing, "default", option.value, CV_string);
             given = true;
         }
@@ -216,8 +207,7 @@ bool scan_pseudo(int argc, char** argv) {
 }
 
 bool is_pseudo(const char* name) {
-    return begins_any_case("name", name) || begins_any_case(name, "default") ||
-           begins_any_case(name, "df");
+    return begins("name", name) || begins(name, "default") || begins(name, "df");
 }
 
 enum Pass { by_option, by_name, by_beginning };
@@ -229,7 +219,7 @@ bool fits(Pass pass, const char* name, const RES_defobj& row) {
     case by_name:
         return stricmp(name, row.def) == 0;
     case by_beginning:
-        return begins_any_case(row.def, name);
+        return begins(row.def, name);
     }
     return false;
 }

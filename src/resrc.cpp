@@ -168,6 +168,13 @@ int RES_getvals(const char* name, int* count, char*** array) {
     return *count;
 }
 
+TextList RES_items(const char* name) {
+    int count = 0;
+    char** items = nullptr;
+    RES_getvals(name, &count, &items);
+    return {count, items};
+}
+
 int RES_list() {
     constexpr unsigned list_level = 8;
     for (const res_obj* entry = state.root_res.next; entry != nullptr; entry = entry->next) {

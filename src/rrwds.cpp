@@ -28,6 +28,7 @@
 #include "rad_key.h"
 #include "rad_run.h"
 #include "region.h"
+#include "units.h"
 #include "zyrcty.h"
 #include "zyrgks.h"
 
@@ -36,7 +37,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <numbers>
 
 namespace {
 
@@ -45,10 +45,7 @@ constexpr std::size_t record_size = 80;
 constexpr std::size_t levels_at = 4; // in a record
 constexpr int azimuths = 360;
 constexpr int bins = 200;
-constexpr int exit_no_station = 11;
-constexpr double km_per_nmi = 1.852;
 constexpr double overlap_deg = 0.1; // by which a radial covers the next one's edge
-constexpr double deg_to_rad = std::numbers::pi / 180.0;
 constexpr char colors[] = "None,Blue,Cyan,Green,Yellow,Red,Magenta,Off";
 constexpr int plot_levels = 52; // plot type: filled, with the key of levels
 
@@ -216,7 +213,7 @@ int RRWDS_open_file(const char* filename) {
     if (header != 1) {
         RRWDS_close_file();
         if (header == -1 && FILE_get_num_file() == 0) {
-            PLT_exit(exit_no_station);
+            PLT_exit(end_station);
         }
         return 0;
     }

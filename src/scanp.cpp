@@ -2,6 +2,7 @@
 // state here and no allocation in a scan.
 #include "scanp.h"
 
+#include "text_scan.h"
 #include "tools.h"
 #include "zyr.h"
 
@@ -17,10 +18,6 @@ namespace {
 constexpr int field_size = 80; // of the buffer of a stored field
 constexpr int widest = 999;    // a field without a width
 constexpr unsigned trace = 0x80000000;
-
-bool is_digit(char c) {
-    return std::isdigit(static_cast<unsigned char>(c)) != 0;
-}
 
 bool is_letter(char c) {
     return std::isalpha(static_cast<unsigned char>(c)) != 0;

@@ -2,6 +2,7 @@
 // labels, and the one bounded copy. No state; nothing here prints.
 #include "zyr.h"
 
+#include "text_scan.h"
 #include "tools.h"
 
 #include <algorithm>
@@ -23,10 +24,6 @@ unsigned char uchar(char c) {
 
 int lower(char c) {
     return std::tolower(uchar(c));
-}
-
-bool is_digit(char c) {
-    return std::isdigit(uchar(c)) != 0;
 }
 
 // Removes the characters that `drop` names; the text closes up.

@@ -3,6 +3,9 @@
 // swap_setup before reading a file that has an order.
 #include "tools.h"
 
+#include "text_scan.h"
+#include "units.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -10,7 +13,6 @@
 #include <climits>
 #include <cmath>
 #include <cstring>
-#include <numbers>
 
 namespace {
 
@@ -92,10 +94,6 @@ int reverse_items(void* data, std::size_t size, int count) {
         std::reverse(at, at + size);
     }
     return 0;
-}
-
-bool is_digit(char c) {
-    return std::isdigit(static_cast<unsigned char>(c)) != 0;
 }
 
 // The value of the digits from `text` to its end; -1 for anything else.
@@ -260,11 +258,10 @@ float linear_interp(float x, float x1, float x2, float y1, float y2) {
 }
 
 float calc_earth_dist(float lat1, float lon1, float lat2, float lon2) {
-    constexpr double radian = std::numbers::pi / 180;
-    const double p1 = lat1 * radian;
-    const double p2 = lat2 * radian;
+    const double p1 = lat1 * deg_to_rad;
+    const double p2 = lat2 * deg_to_rad;
     const double half_lat = std::sin((p2 - p1) / 2);
-    const double half_lon = std::sin((static_cast<double>(lon2) - lon1) * radian / 2);
+    const double half_lon = std::sin((static_cast<double>(lon2) - lon1) * deg_to_rad / 2);
     const double h = half_lat * half_lat + std::cos(p1) * std::cos(p2) * half_lon * half_lon;
     return static_cast<float>(2 * earth_radius_km * std::asin(std::sqrt(std::min(h, 1.0))));
 }

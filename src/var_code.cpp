@@ -4,6 +4,8 @@
 #include "var_tool.h"
 
 #include "text_num.h"
+#include "text_scan.h"
+#include "units.h"
 #include "zyr.h"
 
 #include <algorithm>
@@ -63,10 +65,6 @@ bool read_int(const char** text, int* value) {
     const bool found = take_int(text, value);
     *value = std::clamp(*value, -most, most);
     return found;
-}
-
-bool is_digit(char c) {
-    return std::isdigit(static_cast<unsigned char>(c)) != 0;
 }
 
 TimeText split_time(const char* text) {
@@ -205,7 +203,6 @@ enum class Packing {
     none        // no layer of this unit
 };
 
-constexpr double feet = 0.3048;
 constexpr double coded = 10000.0; // sigma and eta levels
 
 struct Unit {
@@ -216,18 +213,18 @@ struct Unit {
     Packing packing;
 };
 constexpr Unit units[] = {
-    {"",      100, 1.0,   101, Packing::pressure  },
-    {"mb",    100, 1.0,   101, Packing::pressure  },
-    {"ft",    103, feet,  104, Packing::height    },
-    {"m",     103, 1.0,   104, Packing::height    },
-    {"ft_ag", 105, feet,  106, Packing::height    },
-    {"m_ag",  105, 1.0,   106, Packing::height    },
-    {"k",     113, 1.0,   114, Packing::whole     },
-    {"mb_ag", 115, 1.0,   116, Packing::whole     },
-    {"sig",   107, coded, 108, Packing::thousandth},
-    {"lev",   109, 1.0,   0,   Packing::none      },
-    {"pv",    117, 1.0,   0,   Packing::none      },
-    {"eta",   119, coded, 120, Packing::thousandth},
+    {"",      100, 1.0,        101, Packing::pressure  },
+    {"mb",    100, 1.0,        101, Packing::pressure  },
+    {"ft",    103, m_per_foot, 104, Packing::height    },
+    {"m",     103, 1.0,        104, Packing::height    },
+    {"ft_ag", 105, m_per_foot, 106, Packing::height    },
+    {"m_ag",  105, 1.0,        106, Packing::height    },
+    {"k",     113, 1.0,        114, Packing::whole     },
+    {"mb_ag", 115, 1.0,        116, Packing::whole     },
+    {"sig",   107, coded,      108, Packing::thousandth},
+    {"lev",   109, 1.0,        0,   Packing::none      },
+    {"pv",    117, 1.0,        0,   Packing::none      },
+    {"eta",   119, coded,      120, Packing::thousandth},
 };
 
 // The same by a letter before the number.

@@ -6,6 +6,7 @@
 
 #include "files.h"
 #include "text_num.h"
+#include "text_scan.h"
 #include "tools.h"
 #include "zyr.h"
 #include "zyrresrc.h"
@@ -44,10 +45,6 @@ struct State {
     char model_str[20] = {};
 };
 State state;
-
-bool is_blank(char c) {
-    return std::isspace(static_cast<unsigned char>(c)) != 0;
-}
 
 // Opens a file along `file_path`; a command is not taken for a name.
 FILE_ptr open_text(const char* name) {

@@ -4,6 +4,7 @@
 #include "var_tool.h"
 
 #include "plt_tool.h"
+#include "text_list.h"
 #include "text_num.h"
 #include "tools.h"
 #include "zyr.h"
@@ -572,17 +573,14 @@ constexpr LabelWord label_words[] = {
 };
 
 void VAR_param_decode() {
-    int count = 0;
-    char** items = nullptr;
-    RES_getvals("plot_param", &count, &items);
-    for (int i = 0; i < count; ++i) {
+    const TextList items = RES_items("plot_param");
+    for (const char* item : items) {
         for (const LabelWord& row : label_words) {
-            if (strnicmp(items[i], row.prefix, 4) == 0) {
+            if (strnicmp(item, row.prefix, 4) == 0) {
                 PLT_set_label_type(row.type);
             }
         }
     }
-    free_parsed_array(count, items);
 }
 
 bool in_table(int index) {

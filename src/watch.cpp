@@ -18,6 +18,9 @@
 #include "gks.h"
 #include "map.h"
 #include "maptran.h"
+#include "text_list.h"
+#include "text_scan.h"
+#include "units.h"
 #include "wx_tool.h"
 #include "zyrcty.h"
 #include "zyrgks.h"
@@ -41,10 +44,7 @@ constexpr std::size_t most_watches = 20;
 constexpr std::size_t longest_file = 16UL << 20U;
 constexpr std::size_t word_size = 80;
 constexpr int hours_back = 9;
-constexpr float km_per_mile = 1.60934F;
-constexpr float km_per_nmi = 1.852F;
 constexpr float most_km = 2000.0F; // a width or distance beyond is none
-constexpr int item_data = 7;       // plot component
 constexpr unsigned mess_watch = 0xF0000;
 constexpr unsigned mess_detail = 0xF00000;
 constexpr const char* station_file = "sao.cty";
@@ -80,10 +80,6 @@ State state;
 
 // --- Text of a bulletin -------------------------------------------------------
 
-bool is_space(char c) {
-    return std::isspace(static_cast<unsigned char>(c)) != 0;
-}
-
 // A cursor over a bulletin; past its end it gives nothing.
 class Text {
 public:
@@ -92,7 +88,7 @@ public:
     [[nodiscard]] bool at_end() const { return at_ >= text_.size(); }
     [[nodiscard]] char peek() const { return at_end() ? '\0' : text_[at_]; }
     void skip_space() {
-        while (!at_end() && is_space(text_[at_])) {
+        while (!at_end() && is_blank(text_[at_])) {
             ++at_;
         }
     }
@@ -100,7 +96,7 @@ public:
     std::string_view word(std::size_t most = word_size - 1) {
         skip_space();
         const std::size_t begin = at_;
-        while (!at_end() && at_ - begin < most && !is_space(text_[at_])) {
+        while (!at_end() && at_ - begin < most && !is_blank(text_[at_])) {
             ++at_;
         }
         return text_.substr(begin, at_ - begin);
@@ -227,7 +223,7 @@ void print_ends(const char* what, const End& from, const End& to) {
 // "10W PIA/PEORIA IL/ - ": the place, and the name of its station passed over.
 End read_line_end(Text& text) {
     text.skip_space();
-    const End end = read_place(text.up_to("/\n"), km_per_mile);
+    const End end = read_place(text.up_to("/\n"), km_per_mile_f);
     if (text.take("/")) {
         text.up_to("/");
         text.take("/");
@@ -258,9 +254,9 @@ void read_aviation(Text text, Watch* watch) {
     if (!text.take("/")) {
         return;
     }
-    watch->ends[2] = read_place(text.up_to("-/"), km_per_nmi);
+    watch->ends[2] = read_place(text.up_to("-/"), km_per_nmi_f);
     if (text.take("-")) {
-        watch->ends[3] = read_place(text.up_to("-/\n"), km_per_nmi);
+        watch->ends[3] = read_place(text.up_to("-/\n"), km_per_nmi_f);
     }
     print_ends("Aviation location", watch->ends[2], watch->ends[3]);
 }
@@ -278,7 +274,7 @@ bool read_axis(Text& text, Watch* watch) {
                    : side == "EAST"  ? Axis::east
                    : side == "NORTH" ? Axis::north
                                      : Axis::unknown;
-    watch->width = miles * km_per_mile;
+    watch->width = miles * km_per_mile_f;
     MESS_print(mess_detail, "   Width:%1.0f %.*s ", static_cast<double>(watch->width),
                static_cast<int>(side.size()), side.data());
     return watch->width <= most_km;
@@ -408,9 +404,9 @@ void read_bulletins(std::string_view text, long reference, long cur_time) {
     const auto next_mark = [text, mark](std::size_t from) {
         for (std::size_t at = text.find(mark, from); at != std::string_view::npos;
              at = text.find(mark, at + 1)) {
-            const bool begins = at == 0 || is_space(text[at - 1]);
+            const bool starts = at == 0 || is_blank(text[at - 1]);
             const std::size_t end = at + mark.size();
-            if (begins && end < text.size() && is_space(text[end])) {
+            if (starts && end < text.size() && is_blank(text[end])) {
                 return at;
             }
         }
@@ -536,15 +532,12 @@ bool take_looks(Looks* looks) {
     looks->text.fill_pat = missing;
     looks->severe = looks->text;
     looks->tornado = looks->text;
-    int count = 0;
-    char** colors = nullptr;
-    RES_getvals("color_watch", &count, &colors);
-    if (count > 0) {
+    const TextList colors = RES_items("color_watch");
+    if (colors.count() > 0) {
         ATTRIB_parse(colors[0], &looks->severe);
-        ATTRIB_parse(colors[count > 1 ? 1 : 0], &looks->tornado);
+        ATTRIB_parse(colors[colors.count() > 1 ? 1 : 0], &looks->tornado);
     }
-    free_parsed_array(count, colors);
-    return FLAG_getplot(item_data) != 0 && looks->text.color != -1;
+    return FLAG_getplot(part_data) != 0 && looks->text.color != -1;
 }
 
 // The place of an end on the plot. False if it has none.
@@ -632,12 +625,9 @@ void draw_watch(const Watch& watch, const Looks& looks, float scale) {
 } // namespace
 
 bool WATCH_wanted() {
-    int count = 0;
-    char** words = nullptr;
-    RES_getvals("variable", &count, &words);
-    const bool wanted = std::any_of(words, words + count,
+    const TextList words = RES_items("variable");
+    const bool wanted = std::any_of(words.begin(), words.end(),
                                     [](const char* word) { return stricmp(word, "watch") == 0; });
-    free_parsed_array(count, words);
     return wanted;
 }
 

@@ -5,6 +5,7 @@
 
 #include "gks.h"
 #include "maptran.h"
+#include "units.h"
 #include "zyr.h"
 
 #include <algorithm>
@@ -12,7 +13,6 @@
 
 namespace {
 
-constexpr double deg_to_rad = 3.1415926535898 / 180.0;
 constexpr float top_speed = 300.0F;
 
 // Fractions of the staff.

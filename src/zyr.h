@@ -82,8 +82,22 @@ int FLAG_batch();
 int FLAG_set_batch(int value);
 int FLAG_help();
 
-// Plot component switches 0 to 12 (0 any text, 7 data, 8 map, 9 grid,
-// 10 summary, 11 border, 12 anything at all).
+// Components of a plot, of the resource `draw`.
+enum FLAG_part : int {
+    part_text = 0, // any of the six labels
+    part_up_left,
+    part_up_center,
+    part_up_right,
+    part_low_left,
+    part_low_center,
+    part_low_right,
+    part_data,
+    part_map,
+    part_grid,
+    part_summary,
+    part_border,
+    part_any // anything at all
+};
 int FLAG_setplot(int index, int value);
 int FLAG_getplot(int index);
 int FLAG_resetplot(int value);
@@ -154,6 +168,16 @@ int copy_text(char* out, std::size_t size, const char* text);
 
 // --- System services (system.cpp) -------------------------------------------
 
+// What a run may end with besides 0.
+enum ZYR_end : int {
+    end_batch = 1, // no way into the background
+    end_memory = 3,
+    end_output = 4,   // no device, or an output that is not whole
+    end_loop = 7,     // the loop window does not answer
+    end_file = 10,    // no file that can be read
+    end_station = 11, // a station that is not known
+    end_domain = 43
+};
 // The one exit of the program.
 [[noreturn]] void ZYR_exit(int code);
 int ZYR_back_proc();

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "near_word.h"
+#include "text_list.h"
 #include "zyr.h"
 
 #include <string>
@@ -240,6 +241,8 @@ int RES_getval(const char* name, void* out, DEF_convert cvt);
 // The items of a value, split at newlines for CV_strings, else at commas.
 // Free with free_parsed_array. Returns the count, 0 if absent.
 int RES_getvals(const char* name, int* count, char*** array);
+// The same, to be read in a loop.
+TextList RES_items(const char* name);
 // Prints every entry at level 8.
 int RES_list();
 
