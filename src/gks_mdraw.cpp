@@ -7,6 +7,7 @@
 #include "gks_draw.h"
 #include "gks_overlay.h"
 #include "gks_raster.h"
+#include "text_scan.h"
 #include "zyr.h"
 #include "zyrresrc.h"
 
@@ -570,10 +571,6 @@ int read_side(const char** text) {
     const long value = std::strtol(*text, &end, 10);
     *text = end;
     return static_cast<int>(std::clamp<long>(value, 0, max_side + 1L));
-}
-
-bool is_digit(char c) {
-    return std::isdigit(static_cast<unsigned char>(c)) != 0;
 }
 
 // "WxH", a place after it being nothing to this display. False if it is neither

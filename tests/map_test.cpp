@@ -28,9 +28,9 @@ using PsLine = std::vector<Gpt>;
 struct Picture {
     std::vector<PsLine> lines;
     int fills = 0;
-    std::string maps; // names on the status line
-    std::string texts;
-    Glim window{}; // in plot coordinates
+    std::string maps;  // names on the status line
+    std::string texts; // a "|" after one at the left edge
+    Glim window{};     // in plot coordinates
 
     // Distance of the nearest segment from the origin.
     double nearest() const {
@@ -83,7 +83,7 @@ Picture draw(const std::string& place, const std::function<void()>& body) {
         }
     }
     for (const FigureText& text : page.texts) {
-        out.texts += text.text + " ";
+        out.texts += text.text + (text.pos.x < out.window.x_min + 1 ? "| " : " ");
     }
     for (const std::string& message : page.messages) {
         out.maps += message.starts_with("Map: ") ? message.substr(4) : "";
@@ -297,8 +297,8 @@ TEST(Map, LettersOfTheGrid) {
     RES_put("map_file", "gone");
     MAP_latlon(10, 20, 0, 0);
     const auto letters = [](const char* domain) { return draw_map(domain, map_under).texts; };
-    EXPECT_EQ(letters("lat,-3,-5,51,31,1,1"), "EQ 10N 10S PM 20E 20W ");
-    EXPECT_EQ(letters("lat,-33,150,31,21,1,1"), "30S 40S 140E 160E ");
+    EXPECT_EQ(letters("lat,-3,-5,51,31,1,1"), "EQ| 10N| 10S| PM 20E 20W ");
+    EXPECT_EQ(letters("lat,-33,150,31,21,1,1"), "30S| 40S| 140E 160E ");
 }
 
 TEST(Map, Grids) {
