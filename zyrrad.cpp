@@ -9,6 +9,7 @@
 #include "lev2_plt.h"
 #include "nids.h"
 #include "nids_plt.h"
+#include "no_memory.h"
 #include "nowrad.h"
 #include "rad_check.h"
 #include "rad_info.h"
@@ -126,6 +127,7 @@ int print_info(int count, char** words) {
 } // namespace
 
 int main(int argc, char** argv) {
+    ZYR_watch_memory([](const char* message) { MESS_print(mess_error, "%s", message); });
     if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {
         MESS_print(mess_print, "zyrrad %s\n", ZYR_version());
         ZYR_exit(0);

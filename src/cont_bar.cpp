@@ -134,7 +134,9 @@ int CONT_draw_bar(int orient, const char* label) {
     GPH_fill_attr(nullptr);
     GPH_line_attr(nullptr);
     if (text.color >= 0) {
-        gset_line_colr_ind(text.color);
+        Gattribs frame = state().ln_cont_attr; // its width and style
+        frame.color = text.color;
+        GPH_line_attr(&frame);
         GPH_rect(lim.x_min, lim.y_max,
                  lim.x_min + static_cast<float>(state().num_cont) * bar.bar_inc, middle());
     }

@@ -5,6 +5,7 @@
 
 #include "files.h"
 #include "maptran.h"
+#include "no_memory.h"
 #include "table.h"
 #include "text_scan.h"
 #include "tools.h"
@@ -79,8 +80,8 @@ void* make_block(const Picture& s, const CTY_data& city) {
     if (s.block_size <= 0) {
         return nullptr;
     }
-    void* block = std::calloc(1, static_cast<std::size_t>(s.block_size));
-    if (block != nullptr && s.enter != nullptr) {
+    void* block = ZYR_need(std::calloc(1, static_cast<std::size_t>(s.block_size)));
+    if (s.enter != nullptr) {
         s.enter(&city, block);
     }
     return block;

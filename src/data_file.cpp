@@ -6,6 +6,7 @@
 #include "data_file.h"
 
 #include "files.h"
+#include "no_memory.h"
 #include "unpack.h"
 
 #include <algorithm>
@@ -55,7 +56,7 @@ std::size_t unpack(Source& s, std::uint8_t* to, std::size_t size) {
     zs.avail_out = static_cast<uInt>(std::min<std::size_t>(size, 1U << 30));
     const std::size_t room = zs.avail_out;
     while (zs.avail_out > 0 && !s.broken && !s.ended) {
-        const int status = feed(s) ? inflate(&zs, Z_NO_FLUSH) : Z_BUF_ERROR;
+        const int status = feed(s) ? zlib_status(inflate(&zs, Z_NO_FLUSH)) : Z_BUF_ERROR;
         if (status == Z_STREAM_END) {
             s.ended = !next_member(s);
         } else {
@@ -81,7 +82,7 @@ void start(Source& s) {
     }
     s.zs.reset(new z_stream{});
     constexpr int gzip_window = 16 + MAX_WBITS;
-    s.broken = inflateInit2(s.zs.get(), gzip_window) != Z_OK;
+    s.broken = zlib_status(inflateInit2(s.zs.get(), gzip_window)) != Z_OK;
     std::copy_n(s.head.begin(), s.head_bytes, s.piece.begin());
     s.zs->next_in = s.piece.data();
     s.zs->avail_in = static_cast<uInt>(s.head_bytes);
@@ -158,10 +159,8 @@ std::FILE* FILE_open_data(const char* name) {
     start(*source);
     std::FILE* const stream =
         fopencookie(source.get(), "r", {read_source, nullptr, seek_source, close_source});
-    if (stream != nullptr) {
-        static_cast<void>(source.release()); // it is the stream's now
-    }
-    return stream;
+    static_cast<void>(source.release()); // it is the stream's now
+    return ZYR_need(stream);
 }
 
 std::span<const std::uint8_t> FILE_head(std::FILE* file, std::span<std::uint8_t> area) {

@@ -704,6 +704,10 @@ void FILE_first(const Date* date) {
     }
     run.first_date = *date;
     run.num_hour = FILE_num_hour();
+    if (run.numfile == 1 && !is_set(file_state().file_date.year) &&
+        FILE_exist(file_state().filename) != 0) {
+        run.num_hour = 0; // a file without a date in its name is all of the run
+    }
     run.skip = FILE_get_skip();
     run.offset = FILE_get_offset();
     if (run.skip > 0 && run.skip / run.offset > 0) {
@@ -735,6 +739,10 @@ int FILE_get_next(char* file) {
     }
     run.nsecs += run.offset;
     return 1;
+}
+
+int FILE_is_span() {
+    return run_state.numfile <= 1 && run_state.num_hour != 0 ? 1 : 0;
 }
 
 int FILE_get_num_file() {

@@ -14,6 +14,7 @@
 
 #include "date.h"
 #include "file_state.h"
+#include "no_memory.h"
 #include "text_list.h"
 #include "tools.h"
 #include "zyrresrc.h"
@@ -102,17 +103,22 @@ std::FILE* open_bounded(const char* name, bool whole) {
     std::FILE* stream = fopencookie(
         bounded.get(), "r",
         {.read = read_bounded, .write = nullptr, .seek = nullptr, .close = close_bounded});
-    if (stream == nullptr) {
-        FILE_close(inner);
-        return nullptr;
-    }
     static_cast<void>(bounded.release()); // close_bounded has it
-    return stream;
+    return ZYR_need(stream);
 }
 
 bool stat_of(const char* name, struct stat* info) {
     char path[file_name_size];
     return stat(FILE_add_user_path(name, path), info) == 0;
+}
+
+// An opened file with its buffer: the library would take a file without memory for
+// one at its end. Without memory for file or buffer the run ends.
+std::FILE* with_buffer(std::FILE* file) {
+    if (file == nullptr ? errno == ENOMEM : std::setvbuf(file, nullptr, _IOFBF, BUFSIZ) != 0) {
+        ZYR_no_memory();
+    }
+    return file;
 }
 
 void note_input(std::FILE* file) {
@@ -256,7 +262,7 @@ std::FILE* FILE_open(const char* name, const char* mode) {
     }
     if (*name == '|') {
         std::fflush(nullptr);
-        std::FILE* pipe = popen(name + 1, reads ? "r" : "w");
+        std::FILE* pipe = with_buffer(popen(name + 1, reads ? "r" : "w"));
         if (pipe != nullptr) {
             module.pipes.push_back(pipe);
         }
@@ -267,7 +273,7 @@ std::FILE* FILE_open(const char* name, const char* mode) {
     if (*mode == 'w' || *mode == 'a') {
         FILE_make_dir(path, 1);
     }
-    std::FILE* const file = std::fopen(path, mode);
+    std::FILE* const file = with_buffer(std::fopen(path, mode));
     if (reads && file != nullptr) {
         note_input(file);
     }

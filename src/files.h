@@ -125,6 +125,7 @@ int FILE_num_hour(); // seconds of `num_hour`, negative back in time
 int FILE_get_skip(); // seconds between frames that `num_hour` wants
 void FILE_first(const Date* date);
 int FILE_get_next(char* file); // 1 and a name; 0 at the end
+int FILE_is_span();            // 1 if the names are those of a span of hours
 int FILE_get_num_file();       // not 0 for several frames
 // Move one step from the start of the run and give that name. Return 1.
 int FILE_next_file(char* file);

@@ -12,6 +12,7 @@
 #include "gks_attr.h"
 #include "gks_draw.h"
 #include "gks_tran.h"
+#include "no_memory.h"
 #include "zyr.h"
 
 #include <algorithm>
@@ -70,17 +71,14 @@ private:
         std::unique_ptr<char, Free> block(
             static_cast<char*>(large ? std::aligned_alloc(large_page, size) : std::malloc(size)));
         if (block == nullptr) {
+            ZYR_note_no_memory();
             return nullptr;
         }
         if (large) { // a hint: without large pages the block is as good
             static_cast<void>(madvise(block.get(), size, MADV_HUGEPAGE));
         }
         char* start = block.get();
-        try {
-            blocks.push_back(std::move(block));
-        } catch (const std::bad_alloc&) {
-            return nullptr;
-        }
+        blocks.push_back(std::move(block));
         held_bytes += size;
         return start;
     }

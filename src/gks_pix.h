@@ -4,6 +4,7 @@
 
 #include "gks_draw.h"
 #include "gks_tran.h"
+#include "no_memory.h"
 
 #include <array>
 #include <memory>
@@ -29,6 +30,7 @@ public:
     // Null points when there is no memory for them.
     PixelFigure(int n, const Gpt* pts) {
         if (n > few) {
+            const ZYR_own_report report;
             more.reset(new (std::nothrow) Gpixel[n]);
             at = more.get();
         }

@@ -7,6 +7,7 @@
 #include "gks_overlay.h"
 #include "gks_x11.h"
 #include "img_pixel.h"
+#include "no_memory.h"
 
 #include <algorithm>
 #include <bit>
@@ -218,6 +219,7 @@ float color_value(unsigned short component) {
 void take_table(IMG_report* image, const XWindowAttributes& window) {
     const int count = window.visual->map_entries;
     image->color_type = 1;
+    const ZYR_own_report report;
     const std::unique_ptr<XColor[]> entries(new (std::nothrow) XColor[count]);
     if (entries == nullptr) {
         MESS_print(mess_warn, "gget_image: Unable to allocate memory for Xcolors\n");

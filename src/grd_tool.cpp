@@ -3,6 +3,7 @@
 #include "zyrgrid.h"
 
 #include "map_proj.h"
+#include "no_memory.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -17,7 +18,11 @@ std::size_t num_points(const GRD_report& grid) {
 }
 
 float* new_array(std::size_t count) {
-    return static_cast<float*>(std::calloc(count, sizeof(float)));
+    auto* const block = static_cast<float*>(std::calloc(count, sizeof(float)));
+    if (block == nullptr) {
+        ZYR_note_no_memory();
+    }
+    return block;
 }
 
 // Latitude and longitude of every point, north row first.

@@ -16,6 +16,7 @@
 #include "out_file.h"
 #include "region.h"
 #include "text_num.h"
+#include "unpack.h"
 
 #include <algorithm>
 #include <array>
@@ -262,7 +263,7 @@ bool skip_headers(std::FILE* file, const std::string& flags) {
 // Inflates stream after stream.
 class Unpacker {
 public:
-    Unpacker() { active = inflateInit(&stream) == Z_OK; }
+    Unpacker() { active = zlib_status(inflateInit(&stream)) == Z_OK; }
     ~Unpacker() { inflateEnd(&stream); }
     Unpacker(const Unpacker&) = delete;
     Unpacker& operator=(const Unpacker&) = delete;
@@ -273,7 +274,7 @@ public:
         stream.next_in = in;
         stream.avail_in = static_cast<uInt>(n);
         while (active && stream.avail_in > 0 && stream.avail_out > 0) {
-            const int status = inflate(&stream, Z_SYNC_FLUSH);
+            const int status = zlib_status(inflate(&stream, Z_SYNC_FLUSH));
             if (status == Z_STREAM_END) {
                 inflateReset(&stream);
             } else if (status != Z_OK) {

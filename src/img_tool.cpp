@@ -2,6 +2,7 @@
 // are in img_native, gif, png and xdump, their table in img_kind.
 #include "zyrimg.h"
 
+#include "no_memory.h"
 #include "region.h"
 
 #include <algorithm>
@@ -37,12 +38,14 @@ int IMG_alloc(IMG_report* image) {
             img_most_pixels) {
         return 0;
     }
+    const ZYR_own_report report;
     image->data.reset(new (std::nothrow) unsigned char[num_bytes(*image)]());
     return image->data != nullptr ? 1 : 0;
 }
 
 int IMG_alloc_colors(IMG_report* image, int count) {
     const bool possible = count > 0 && count <= img_most_colors;
+    const ZYR_own_report report;
     image->colors.reset(possible ? new (std::nothrow) IMG_color[static_cast<std::size_t>(count)]()
                                  : nullptr);
     image->num_colors = image->colors != nullptr ? count : 0;

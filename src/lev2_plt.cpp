@@ -379,7 +379,7 @@ void draw_site() {
     GPH_line_attr(nullptr); // the last line of the map may be wide
     GPH_line_attr(&data);
     GPH_mark_attr(&data, 1.0F);
-    rad_draw_site(lev2.words, lev2.info.lat, lev2.info.lon);
+    rad_draw_site(lev2.words, data, lev2.info.lat, lev2.info.lon);
 }
 
 void set_labels(const Walk& walk) {

@@ -139,7 +139,7 @@ bool open_unit(Stream& s) {
         return false;
     }
     s.bz.reset(new bz_stream{});
-    if (BZ2_bzDecompressInit(s.bz.get(), 0, 0) != BZ_OK) {
+    if (bzip2_status(BZ2_bzDecompressInit(s.bz.get(), 0, 0)) != BZ_OK) {
         s.end = Lev2End::damaged;
         return false;
     }
@@ -164,7 +164,7 @@ std::size_t bunzip_step(Stream& s) {
     bz.avail_in = static_cast<unsigned>(given);
     bz.next_out = reinterpret_cast<char*>(areas.out.data() + s.osize);
     bz.avail_out = static_cast<unsigned>(room);
-    const int status = BZ2_bzDecompress(&bz);
+    const int status = bzip2_status(BZ2_bzDecompress(&bz));
     const std::size_t used = given - bz.avail_in;
     consume(s.source, used);
     s.unit_left -= static_cast<std::int64_t>(used);

@@ -16,6 +16,7 @@
 #include "map_wrap.h"
 
 #include "maptran.h"
+#include "no_memory.h"
 
 #include <algorithm>
 #include <array>
@@ -189,6 +190,7 @@ public:
             return usual_.data();
         }
         if (count > size_) {
+            const ZYR_own_report report; // the caller does
             large_.reset(new (std::nothrow) Gpt[static_cast<std::size_t>(count) + 1]);
             size_ = large_ ? count : 0;
         }

@@ -175,13 +175,13 @@ void unread_output(Stream& s) {
 int start_inflate(Stream& s) {
     s.zs.reset(new z_stream{});
     s.file_type = type_zlib;
-    return inflateInit(s.zs.get()) == Z_OK ? 1 : 0;
+    return zlib_status(inflateInit(s.zs.get())) == Z_OK ? 1 : 0;
 }
 
 int start_bunzip(Stream& s) {
     s.bz.reset(new bz_stream{});
     s.file_type = type_bzip2;
-    return BZ2_bzDecompressInit(s.bz.get(), 0, 0) == BZ_OK ? 1 : 0;
+    return bzip2_status(BZ2_bzDecompressInit(s.bz.get(), 0, 0)) == BZ_OK ? 1 : 0;
 }
 
 // Looks at the next two bytes for the start of a compressed stream. All that
@@ -227,7 +227,7 @@ int inflate_output(Stream& s) {
     zs.avail_in = static_cast<uInt>(s.iavail);
     zs.next_out = s.out.data();
     zs.avail_out = buffer_size;
-    s.zstat = inflate(&zs, Z_PARTIAL_FLUSH);
+    s.zstat = zlib_status(inflate(&zs, Z_PARTIAL_FLUSH));
     s.osize = s.oavail = buffer_size - static_cast<int>(zs.avail_out);
     s.optr = 0;
     if (s.iavail == 0 && s.oavail == 0) {
@@ -253,7 +253,7 @@ int bunzip_output(Stream& s, FILE* ifile) {
         }
         bz.next_in = reinterpret_cast<char*>(s.in.data() + s.iptr);
         bz.avail_in = static_cast<unsigned>(s.iavail);
-        s.zstat = BZ2_bzDecompress(&bz);
+        s.zstat = bzip2_status(BZ2_bzDecompress(&bz));
         s.iavail = static_cast<int>(bz.avail_in);
         s.iptr = s.isize - s.iavail;
     } while (s.zstat == BZ_OK && bz.avail_out == buffer_size && !at_end);

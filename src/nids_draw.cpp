@@ -144,7 +144,7 @@ void draw_vectors(const NIDS_frame& frame, long& room) {
     for (; room > 0 && NIDS_get_vector(frame.ifile, &vector) > 0; --room) {
         const Gpt from = image(frame, vector.x1, vector.y1);
         const Gpt to = image(frame, vector.x2, vector.y2);
-        if (rad_is_place(from) && rad_is_place(to)) {
+        if (frame.grid.color >= 0 && rad_is_place(from) && rad_is_place(to)) {
             GPH_line(from.x, from.y, to.x, to.y);
         }
     }

@@ -76,7 +76,10 @@ void draw_composite(const NIDS_page_frame& frame, const NIDS_report& storm, Gpt 
         draw_mark(p, CLR_get_ind("red"), mark_triangle);
     }
     if (storm.shail < 50 && storm.meso == 0 && storm.tvs == 0) {
-        draw_mark(p, gget_inverse() != 0 ? frame.data.color : CLR_get_ind("white"), mark_plus);
+        draw_mark(p,
+                  frame.data.color < 0 || gget_inverse() != 0 ? frame.data.color
+                                                              : CLR_get_ind("white"),
+                  mark_plus);
     }
     const float height = MAP_get_vert();
     if (is_set(storm.dir) && frame.data.color >= 0) {

@@ -174,7 +174,7 @@ bool draw_data() {
     CONT_reset_values();
     gset_marker_type(2);
     RAW_plot_init(&frame.data, frame.scale);
-    rad_draw_site(nids.words, nids.info.domain.clat, nids.info.domain.clon);
+    rad_draw_site(nids.words, frame.data, nids.info.domain.clat, nids.info.domain.clon);
     select_variables();
     frame.pages = nids.words.graph != 0 || is_selected("table");
     frame.num_plt = nids.num_plt;

@@ -10,6 +10,7 @@
 
 #include "date.h"
 #include "files.h"
+#include "no_memory.h"
 #include "text_list.h"
 #include "zyrresrc.h"
 
@@ -298,7 +299,7 @@ int close_output(std::FILE* file) {
     output->file = nullptr;
     const bool failed = std::fflush(file) != 0 || std::ferror(file) != 0;
     int status = FILE_close(file) != 0 || failed ? -1 : 0;
-    if (output->given_up) {
+    if (output->given_up || ZYR_lacked_memory()) {
         status = 1;
     }
     if (output->pending != 0 && status == 0 && !take_name(*output)) {

@@ -399,13 +399,14 @@ int PLT_labels() {
     GPH_line_attr(&attrib);
 
     const float room = room_below(layout);
-    if (PLT_get_border() != 0 && FLAG_getplot(part_border) != 0) {
+    const bool off = attrib.color == -1;
+    if (!off && PLT_get_border() != 0 && FLAG_getplot(part_border) != 0) {
         GPH_border(&layout.view);
     }
     if (room < 0.005F) {
         return -1;
     }
-    if (FLAG_getplot(part_text) == 0) {
+    if (off || FLAG_getplot(part_text) == 0) {
         return 0;
     }
     set_lines(&layout, room);

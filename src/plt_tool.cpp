@@ -8,6 +8,7 @@
 #include "gks.h"
 #include "img_kind.h"
 #include "maptran.h"
+#include "no_memory.h"
 #include "out_file.h"
 #include "zyrgks.h"
 #include "zyrresrc.h"
@@ -224,7 +225,8 @@ int PLT_close() {
     gclear_ws(session.work_id, 1);
     const int status = GPH_end(session.work_id);
     PLT_init_labels();
-    if (status != 0 || session.lost) { // a script must not go on with half a page
+    // A script must not go on with half a page.
+    if (status != 0 || session.lost || ZYR_lacked_memory()) {
         ZYR_exit(end_output);
     }
     if (FLAG_batch() != 0 && writes) {

@@ -8,10 +8,12 @@
 
 #include "date.h"
 #include "files.h"
+#include "no_memory.h"
 #include "out_file.h"
 
 #include <array>
 #include <csetjmp>
+#include <cstdlib>
 #include <ctime>
 #include <vector>
 
@@ -27,11 +29,25 @@ void silent_warning(png_structp, png_const_charp) {}
     png_longjmp(png, 1);
 }
 
+// For libpng, which takes its way through jump_back when there is none.
+void* take_memory(png_structp, png_alloc_size_t size) {
+    void* const block = std::malloc(size);
+    if (block == nullptr) {
+        ZYR_note_no_memory();
+    }
+    return block;
+}
+
+void free_memory(png_structp, void* block) {
+    std::free(block);
+}
+
 // --- Writing --------------------------------------------------------------------
 
 struct Writer {
     Writer()
-        : png(png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, jump_back, silent_warning)),
+        : png(png_create_write_struct_2(PNG_LIBPNG_VER_STRING, nullptr, jump_back, silent_warning,
+                                        nullptr, take_memory, free_memory)),
           info(png == nullptr ? nullptr : png_create_info_struct(png)) {}
     ~Writer() { png_destroy_write_struct(&png, &info); }
     Writer(const Writer&) = delete;
@@ -87,7 +103,8 @@ std::array<TextLine, 3> text_lines(const char* title) {
 
 struct Reader {
     Reader()
-        : png(png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, jump_back, silent_warning)),
+        : png(png_create_read_struct_2(PNG_LIBPNG_VER_STRING, nullptr, jump_back, silent_warning,
+                                       nullptr, take_memory, free_memory)),
           info(png == nullptr ? nullptr : png_create_info_struct(png)) {}
     ~Reader() { png_destroy_read_struct(&png, &info, nullptr); }
     Reader(const Reader&) = delete;

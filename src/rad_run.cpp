@@ -103,6 +103,28 @@ bool take_name(char* kept, const char* name) {
 // Opens a file of the walk. The first one was tried already, and is open behind
 // its header or reported: a standard stream can be read but once, and half of
 // its unpacking would be done twice.
+// The next file of the run. Those that a span of hours names and nobody has
+// written are only counted.
+bool next_file(RadRun& run, char* name) {
+    while (FILE_get_next(name) != 0) {
+        if (FILE_is_span() == 0 || FILE_exist(name) != 0) {
+            return true;
+        }
+        if (run.absent++ == 0) {
+            copy_text(run.first_absent, sizeof run.first_absent, name);
+        }
+    }
+    return false;
+}
+
+void tell_absent(RadRun& run) {
+    if (run.absent > 0) {
+        MESS_print(mess_warn, "%d files of the hours asked for are missing, the first: %s\n",
+                   run.absent, run.first_absent);
+    }
+    run.absent = 0;
+}
+
 bool open_next(const RadPlotter& plotter, RadRun& run, const char* name) {
     if (take_name(run.failed, name)) {
         return false;
@@ -175,7 +197,8 @@ bool plot_file(const RadPlotter& plotter, RadRun& run, const char* name, int fra
 bool find_readable(const RadPlotter& plotter, RadRun& run) {
     char name[file_name_size] = "";
     FILE_first(&run.base_date);
-    while (FILE_get_next(name) != 0) {
+    run.absent = 0;
+    while (next_file(run, name)) {
         plotter.close();
         if (plotter.open(name) != 0) {
             copy_text(run.probed, sizeof run.probed, name);
@@ -292,7 +315,9 @@ bool rad_open_session(const RadPlotter& plotter, RadRun& run, const RadWords& wo
     run.refresh = words.refresh != 0;
     char name[file_name_size] = "";
     FILE_set_date(&run.base_date, name);
-    const bool opened = plotter.open(name) != 0;
+    FILE_first(&run.base_date); // is the file one of a span, and not there?
+    const bool absent = FILE_is_span() != 0 && FILE_exist(name) == 0;
+    const bool opened = !absent && plotter.open(name) != 0;
     char* const kept = opened ? run.probed : run.failed;
     copy_text(kept, file_name_size, name);
     if (opened) {
@@ -315,7 +340,8 @@ int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool 
     char name[file_name_size] = "";
     int left_out = 0;
     int frame = 0;
-    while (FILE_get_next(name) != 0) {
+    run.absent = 0;
+    while (next_file(run, name)) {
         if (!PLT_has_room(frame)) {
             ++left_out;
         } else if (plot_file(plotter, run, name, frame, domain)) {
@@ -324,6 +350,7 @@ int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool 
             PLT_exit(end_file);
         }
     }
+    tell_absent(run);
     if (frame == 0 && !redraw) { // of several files none opens
         PLT_exit(end_file);
     }
@@ -385,7 +412,10 @@ void rad_draw_bar() {
     }
 }
 
-void rad_draw_site(const RadWords& words, float lat, float lon) {
+void rad_draw_site(const RadWords& words, const Gattribs& look, float lat, float lon) {
+    if (look.color == -1) {
+        return;
+    }
     float x = missing_f;
     float y = missing_f;
     if (MAP_tran(lat, lon, &x, &y) == 0) {

@@ -12,6 +12,7 @@
 #include "near_word.h"
 #include "plt_tool.h"
 #include "zyr.h"
+#include "zyrgks.h"
 
 #include <array>
 #include <cstddef>
@@ -53,15 +54,17 @@ struct RadPlotter {
 };
 
 struct RadRun {
-    Date base_date;                   // reference date of the file selection
-    Date file_date;                   // date of the file, filled from the data where unset
-    char probed[file_name_size] = ""; // name of the first file while it is open, else empty
-    bool kept = false;                // a redraw found no file: the picture stays on show
-    bool told_away = false;           // that the domain shows nothing of the data
-    char failed[file_name_size] = ""; // name of the first file if it can't be read
-    bool in_session = false;          // the session was opened
-    bool refresh = false;             // newer files are looked for
-    std::int64_t fsecs = 0;           // time of the file shown last, on a multiple of the file step
+    Date base_date;                         // reference date of the file selection
+    Date file_date;                         // date of the file, filled from the data where unset
+    char probed[file_name_size] = "";       // name of the first file while it is open, else empty
+    bool kept = false;                      // a redraw found no file: the picture stays on show
+    bool told_away = false;                 // that the domain shows nothing of the data
+    char failed[file_name_size] = "";       // name of the first file if it can't be read
+    int absent = 0;                         // files of a span of hours that are not there
+    char first_absent[file_name_size] = ""; // name of the first of them
+    bool in_session = false;                // the session was opened
+    bool refresh = false;                   // newer files are looked for
+    std::int64_t fsecs = 0; // time of the file shown last, on a multiple of the file step
 };
 
 // Takes the reference date; null: the file's date.
@@ -95,8 +98,8 @@ void rad_check_view(RadRun& run, const Map& own, const Map& plot, const char* na
 // The colour bar, unless it is refused.
 void rad_draw_bar();
 // Mark and range rings of a site at its image on the plot, in the line and
-// marker attributes in force.
-void rad_draw_site(const RadWords& words, float lat, float lon);
+// marker attributes in force, which are those of `look`; none in no colour.
+void rad_draw_site(const RadWords& words, const Gattribs& look, float lat, float lon);
 // The watch boxes in force at a time, when `variable` asks for them.
 void rad_draw_watches(const Date& date);
 // The colour of texts and marks that no resource names.

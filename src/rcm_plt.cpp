@@ -451,7 +451,7 @@ int RCM_plot_data(const RCM_report* report) {
     CONT_reset_values();
     gset_marker_type(2);
     RAW_plot_init(&data, scale);
-    rad_draw_site(rcm.words, rcm.clat, rcm.clon);
+    rad_draw_site(rcm.words, data, rcm.clat, rcm.clon);
 
     gset_char_space(1.0F);
     const char* variable = RES_get("variable");

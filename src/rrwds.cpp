@@ -291,7 +291,7 @@ int RRWDS_plot_data() {
     GPH_line_attr(&data);
     GPH_mark_attr(&data, 1.0F);
     gset_marker_type(2);
-    rad_draw_site(state.words, info.domain.clat, info.domain.clon);
+    rad_draw_site(state.words, data, info.domain.clat, info.domain.clon);
     return 0;
 }
 

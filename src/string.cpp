@@ -2,6 +2,7 @@
 // labels, and the one bounded copy. No state; nothing here prints.
 #include "zyr.h"
 
+#include "no_memory.h"
 #include "text_scan.h"
 #include "tools.h"
 
@@ -58,10 +59,7 @@ int parse_string(const char* text, char delimiter, int* count, char*** array) {
     const auto fields =
         1 + static_cast<std::size_t>(std::count(body.begin(), body.end(), delimiter));
     const std::size_t head = fields * sizeof(char*);
-    auto* block = static_cast<char*>(std::malloc(head + body.size() + 1));
-    if (block == nullptr) {
-        return -1;
-    }
+    auto* block = static_cast<char*>(ZYR_need(std::malloc(head + body.size() + 1)));
     char* copy = block + head;
     std::memcpy(copy, body.data(), body.size());
     copy[body.size()] = '\0';

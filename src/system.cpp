@@ -4,6 +4,7 @@
 // the total of the sleeps; nothing must be called first.
 #include "zyr.h"
 
+#include "no_memory.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
@@ -159,7 +160,7 @@ float ZYR_elapse_time() {
 
 char* ZYR_promptl(const char* prompt, char* buffer) {
     if (buffer == nullptr) {
-        buffer = static_cast<char*>(std::calloc(line_size, 1));
+        buffer = static_cast<char*>(ZYR_need(std::calloc(line_size, 1)));
     }
     ask(prompt, [&](const char* line) {
         return buffer == nullptr ||
@@ -171,7 +172,7 @@ char* ZYR_promptl(const char* prompt, char* buffer) {
 char* ZYR_prompts(const char* prompt, char* buffer, int length) {
     const auto size = static_cast<std::size_t>(std::max(length, 2));
     if (buffer == nullptr) {
-        buffer = static_cast<char*>(std::calloc(size, 1));
+        buffer = static_cast<char*>(ZYR_need(std::calloc(size, 1)));
     }
     ask(prompt, [&](const char* line) {
         return buffer == nullptr || (ZYR_set_command(line) == 0 && first_word(line, buffer, size));

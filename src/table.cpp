@@ -1,5 +1,6 @@
 // table.cpp: the keyed hash table. The table is the caller's; no state here.
 #include "table.h"
+#include "no_memory.h"
 
 #include <algorithm>
 #include <array>
@@ -91,13 +92,13 @@ int TAB_enter(TAB_table* table, const void* data, const char* key1, ...) {
     }
     const auto size = static_cast<std::size_t>(table->data_size);
     NewRecord record;
-    record.data = std::malloc(std::max<std::size_t>(size, 1));
+    record.data = ZYR_need(std::malloc(std::max<std::size_t>(size, 1)));
     record.complete = record.data != nullptr;
     va_list args;
     va_start(args, key1);
     for (int i = 0; i < table->numkey; ++i) {
         const char* key = i == 0 ? key1 : va_arg(args, const char*);
-        record.keys[i] = strdup(key == nullptr ? "" : key);
+        record.keys[i] = ZYR_need(strdup(key == nullptr ? "" : key));
         record.entries[i] = new (std::nothrow) TAB_entry;
         record.complete =
             record.complete && record.keys[i] != nullptr && record.entries[i] != nullptr;

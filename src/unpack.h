@@ -2,6 +2,8 @@
 // A stream that was made but not begun may be ended, too.
 #pragma once
 
+#include "no_memory.h"
+
 #include <memory>
 
 #include <bzlib.h>
@@ -20,5 +22,19 @@ struct EndBunzip {
         delete bz;
     }
 };
+// What a call of a decompressor gave; without memory the run ends, as the file is
+// not to blame.
+inline int zlib_status(int status) {
+    if (status == Z_MEM_ERROR) {
+        ZYR_no_memory();
+    }
+    return status;
+}
+inline int bzip2_status(int status) {
+    if (status == BZ_MEM_ERROR) {
+        ZYR_no_memory();
+    }
+    return status;
+}
 using InflateStream = std::unique_ptr<z_stream, EndInflate>;
 using BunzipStream = std::unique_ptr<bz_stream, EndBunzip>;

@@ -131,6 +131,10 @@ constexpr Mistake mistakes[] = {
      "FILE_open_text: Text ends after 64 MB: /dev/zero\nDOM_decode: Invalid plot domain\n*",
      "page.ps"},
     {"/dev/zero#1", 10, "NIDS_open_file: Unable to read file:/dev/zero\n*", "!page.ps"},
+    {"./radial -nh 1,1", 0, "", "page.ps"}, // no date in the name: the file alone
+    {"./201805202205 -nh 2", 10,
+     "121 files of the hours asked for are missing, the first: ./201805202205.nids\n",
+     "!page.ps"},
     // Help comes before all of it.
     {"radial -h -pdd us -pp pscolour -de png,o.png", 0, "", "!o.png"},
 };

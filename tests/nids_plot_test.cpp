@@ -55,6 +55,21 @@ TEST_F(NidsPlot, RingsForgetTheMapLine) {
     EXPECT_EQ(parts[0], parts[1]);
 }
 
+// No colour: no text, no frame of picture or bar, no mark, no ring. The width of
+// `color_cont` is that of the bar's frame.
+TEST_F(NidsPlot, WhatHasNoColorIsNotDrawn) {
+    const std::string look = "./radial -dr -map -pp site,dist=50 ";
+    const auto strokes = [&](const std::string& options) {
+        const NidsPage page = nids_page(dir, look + options);
+        return count_text(page.text.substr(page.text.find("NIDS Extra")), "stroke\n");
+    };
+    EXPECT_GT(strokes(""), strokes("-cod none"));
+    EXPECT_GT(strokes("-cod none"), 10);
+    EXPECT_EQ(strokes("-cod none -cot none"), 0);
+    EXPECT_EQ(count_text(nids_page(dir, look).text, "3.0 dot lw"), 0);
+    EXPECT_EQ(count_text(nids_page(dir, look + "-coco red:wi=3").text, "3.0 dot lw"), 1);
+}
+
 // The radial sample: 15 bins off and 9 at 20 dBZ; 15 and 9; none; 8 and 15. The
 // rows of the raster sample: 15 and 5 cells; 3; none; 9; 4.
 TEST_F(NidsPlot, FiguresFollowTheOptions) {
