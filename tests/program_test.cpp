@@ -132,7 +132,7 @@ TEST_F(ProgramTest, PlotGoesOnAfterAFault) {
               "-97.28:radial\n"                                                                                        },
              {"-cof 5:nocolour,20:red",                "42 5 1",  colour                                               },
              {"-cof 5:nocolour,30:red",                "18 5 1",  colour                                               },
-             {"-cot nocolour",                         "71 3 1",  colour                                               },
+             {"-cot nocolour",                         "71 0 0",  colour                                               },
              {"-cof nofile",                           "71 11 1",
               "CONT_set_fill_colors: Unable to read contour level file: nofile\n"
               "CONT_set_fill_colors: The product's own colors are taken\n"                                             },
