@@ -21,8 +21,15 @@ void append(Bytes& out, const std::string& text) {
     out.insert(out.end(), text.begin(), text.end());
 }
 
+// Byte by byte: GCC 12 takes the insertion of a list for an overflow.
+void put(Bytes& out, std::initializer_list<int> bytes) {
+    for (const int byte : bytes) {
+        out.push_back(static_cast<std::uint8_t>(byte & 255));
+    }
+}
+
 void tag(Bytes& out, std::uint8_t number) {
-    out.insert(out.end(), {0x00, 0xF0, number});
+    put(out, {0x00, 0xF0, number});
 }
 
 void nowrad_run(Bytes& out, int index, int run) {
@@ -32,13 +39,10 @@ void nowrad_run(Bytes& out, int index, int run) {
     if (run <= 13 && (index != 0 || run > 1)) {
         out.push_back(static_cast<std::uint8_t>((run - 1) << 4 | low));
     } else if (run <= 256) {
-        out.insert(out.end(),
-                   {static_cast<std::uint8_t>(0xE0 | low), static_cast<std::uint8_t>(run - 1)});
+        put(out, {0xE0 | low, run - 1});
     } else {
         const int m = run - 1;
-        out.insert(out.end(),
-                   {static_cast<std::uint8_t>(0xD0 | low), static_cast<std::uint8_t>(m & 255),
-                    static_cast<std::uint8_t>(m >> 8)});
+        put(out, {0xD0 | low, m, m >> 8});
     }
 }
 
@@ -99,7 +103,7 @@ NowradImage nowrad_lambert(int ny, int nx) {
 Bytes nowrad_header(const NowradImage& image) {
     Bytes out;
     tag(out, 0x09);
-    out.insert(out.end(), {4, 'N', 'O', 'T', 'E', 0});
+    put(out, {4, 'N', 'O', 'T', 'E', 0});
     tag(out, 0x0A);
     append(out, std::to_string(image.ny) + " " + std::to_string(image.nx));
     tag(out, 0x03);
@@ -116,8 +120,7 @@ Bytes nowrad_file(const NowradImage& image, const MosaicCell& cell) {
     Bytes out = nowrad_header(image);
     for (int row = 0; row < image.ny; ++row) {
         tag(out, 0x0C);
-        out.insert(out.end(),
-                   {static_cast<std::uint8_t>(row & 255), static_cast<std::uint8_t>(row >> 8)});
+        put(out, {row, row >> 8});
         each_run(cell, row, image.nx, nowrad_longest,
                  [&out](int value, int run) { nowrad_run(out, value, run); });
     }
@@ -148,7 +151,7 @@ Bytes kavrad_file(const KavradImage& image, const MosaicCell& cell) {
             in_force = value;
             const int rest = run - first;
             if (rest >= 32) {
-                out.insert(out.end(), {0x24, static_cast<std::uint8_t>(rest)});
+                put(out, {0x24, rest});
             } else if (rest > 0) {
                 out.push_back(static_cast<std::uint8_t>(rest));
             }
@@ -224,9 +227,9 @@ std::vector<std::pair<std::string, Bytes>> nowrad_samples() {
 std::vector<std::pair<std::string, Bytes>> kavrad_samples() {
     // A few runs and the end: whole grids are large.
     Bytes small = kavrad_header({});
-    small.insert(small.end(), {0x48, 0x24, 0x28, 0x23, 0x23, 0x50, 0x23, 0xCA, 0x22, 0x05, 0x21});
+    put(small, {0x48, 0x24, 0x28, 0x23, 0x23, 0x50, 0x23, 0xCA, 0x22, 0x05, 0x21});
     Bytes marked = kavrad_header({.coarse = false, .type = 'C', .date = " 5 0 0 1 1 5"});
-    marked.insert(marked.end(), {0x41, 0x1F, 0x84, 0x23, 0x23, 0x21});
+    put(marked, {0x41, 0x1F, 0x84, 0x23, 0x23, 0x21});
     return {
         {"coarse", small },
         {"marked", marked},

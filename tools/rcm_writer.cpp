@@ -264,8 +264,9 @@ void add_centroids(const View& view, RCM_report* report) {
             return;
         }
         RCM_storm& storm = report->storm[report->num_storm];
-        std::snprintf(storm.id, sizeof storm.id, "%c%d", 'A' + report->num_storm * 3,
-                      report->num_storm);
+        storm.id[0] = static_cast<char>('A' + report->num_storm * 3 % 26);
+        storm.id[1] = static_cast<char>('0' + report->num_storm % 10);
+        storm.id[2] = '\0';
         storm.x = static_cast<float>(best_column);
         storm.y = static_cast<float>(best_row);
         storm.hgt = static_cast<int>(best * 6.5F);
