@@ -534,7 +534,7 @@ bool is_number_format(const char* text) {
     }
     ++text;
     text += std::strspn(text, "-+ #0");
-    for (int digits = 0; is_digit(*text) && digits < 2; digits++) {
+    for (int digits = 0; is_digit(*text) && digits < 2; ++digits) {
         ++text;
     }
     if (*text == '.') {
