@@ -216,10 +216,10 @@ template <class Put> void walk(const Thin& line, const Gbox& clip, int first, in
         if (across >= side_low && across < side_high) {
             put(k, line.steep ? across : at, line.steep ? at : across);
         }
-        rest += 2 * line.rise;
+        rest += std::int64_t{2} * line.rise;
         if (rest >= 0) {
             across += line.side_step;
-            rest -= 2 * line.len;
+            rest -= std::int64_t{2} * line.len;
         }
     }
 }
@@ -236,10 +236,10 @@ void draw_free(const Gcanvas& canvas, std::uint32_t pixel, const Thin& line) {
     for (int k = 0; k < line.len; ++k) {
         *p = pixel;
         p += step;
-        rest += 2 * line.rise;
+        rest += std::int64_t{2} * line.rise;
         if (rest >= 0) {
             p += side_step;
-            rest -= 2 * line.len;
+            rest -= std::int64_t{2} * line.len;
         }
     }
 }
