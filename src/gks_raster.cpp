@@ -236,10 +236,10 @@ void draw_free(const Gcanvas& canvas, std::uint32_t pixel, const Thin& line) {
     for (int k = 0; k < line.len; ++k) {
         *p = pixel;
         p += step;
-        rest += std::int64_t{2} * line.rise;
+        rest += 2 * line.rise;
         if (rest >= 0) {
             p += side_step;
-            rest -= std::int64_t{2} * line.len;
+            rest -= 2 * line.len;
         }
     }
 }
