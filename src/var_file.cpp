@@ -303,14 +303,16 @@ int VAR_open_file(const char* name) {
     return 1;
 }
 
-const char* VAR_lookup(const char* name) {
+int VAR_lookup(const char* name, const char** definition) {
+    *definition = nullptr;
     for (const Entry& entry : state.entries) {
         if (entry.abbr == name) {
-            return entry.definition.c_str();
+            *definition = entry.definition.c_str();
+            return 1;
         }
     }
     MESS_print(var_debug, "VAR_lookup: not found\n");
-    return nullptr;
+    return 0;
 }
 
 void VAR_add_names(KnownWords* words) {

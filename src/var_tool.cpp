@@ -356,7 +356,8 @@ bool take_layout(const Fields& fields, VAR_data* var) {
 // The definition of a name, for a bounded number of names: definitions that
 // call each other multiply.
 const char* find_definition(const char* name) {
-    const char* definition = VAR_lookup(name);
+    const char* definition = nullptr;
+    VAR_lookup(name, &definition);
     if (definition == nullptr || ++state.lookups <= most_lookups) {
         return definition;
     }

@@ -170,8 +170,9 @@ int VAR_make_var_form_datatype(int index, char* text);
 // Opens along `file_path`; null or empty: the program's name and ".var".
 // Returns 1, 0 with a warning.
 int VAR_open_file(const char* name);
-// Definition of a name (case counts), blanks removed; null if there is none.
-const char* VAR_lookup(const char* name);
+// Definition of a name (case counts), blanks removed; it lasts until another file
+// is opened. Returns 1; 0, with `definition` null, if there is none.
+int VAR_lookup(const char* name, const char** definition);
 // Adds the names that the open file defines; they last as long as it is open.
 void VAR_add_names(KnownWords* words);
 // Fills the menu from the open file. Returns the number of entries after the
