@@ -34,6 +34,9 @@ constexpr float roll_width = 23.5F;    // inches
 constexpr float longest_side = 98.0F;  // inches within the coordinates
 constexpr float unknown_level = -1.0F; // of no command
 
+constexpr std::string_view page_end = "SP;PG;\n";
+constexpr std::string_view pcl_end = "SP;PG;\n\033%0A\033E";
+
 enum Pcl { pcl_none = 0, pcl_wrapped = 1, pcl_rotated = 2 };
 
 struct Plotter {
@@ -52,6 +55,7 @@ struct Plotter {
 
     std::FILE* out_file = nullptr;
     bool append = false;
+    std::string_view end; // of the page that is added to
 };
 Plotter hp;
 
@@ -231,7 +235,7 @@ int ghpgl_open_ws(const char* conn_id) {
 }
 
 std::FILE* ghpgl_open_file(const char* name) {
-    hp.out_file = gprint_open(name, &hp.append);
+    hp.out_file = gprint_open(name, {pcl_end, page_end}, &hp.append, &hp.end);
     return hp.out_file;
 }
 
@@ -273,11 +277,9 @@ int ghpgl_close_file() {
         return -1;
     }
     if (!hp.append) {
-        ghpgl_printf("SP;PG;\n");
-        if (hp.pcl != pcl_none) {
-            ghpgl_printf("\033%%0A\033E");
-        }
+        hp.end = hp.pcl != pcl_none ? pcl_end : page_end;
     }
+    Commands().put(hp.end);
     if (close_output(std::exchange(hp.out_file, nullptr)) != 0) {
         gerr_printf("ghpgl_close_file", "unable to write HPGL file\n");
         return -1;

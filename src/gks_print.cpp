@@ -10,6 +10,8 @@
 #include <array>
 #include <cstring>
 
+#include <sys/stat.h>
+
 namespace {
 
 struct PageSize {
@@ -52,6 +54,17 @@ bool read_size(const char* text, Gpage* page) {
     return true;
 }
 
+// A plot alone in a file that was to hold one already has neither head nor end.
+void warn_of_no_page(std::FILE* file, const char* name) {
+    struct stat info {};
+    if (fstat(fileno(file), &info) == 0 && S_ISREG(info.st_mode) && info.st_size == 0) {
+        MESS_print(mess_warn,
+                   "gopen_ws: No page to add to: %s, the first plot of a page is written "
+                   "without +\n",
+                   name);
+    }
+}
+
 } // namespace
 
 const char* gprint_value(const char* option, const char* word) {
@@ -76,8 +89,10 @@ bool gprint_page(const char* option, Gpage* page) {
     return true;
 }
 
-std::FILE* gprint_open(const char* name, bool* append) {
+std::FILE* gprint_open(const char* name, std::initializer_list<std::string_view> ends, bool* append,
+                       std::string_view* end) {
     *append = *name == '+';
+    *end = {};
     if (*append) {
         ++name;
     }
@@ -86,7 +101,12 @@ std::FILE* gprint_open(const char* name, bool* append) {
     } else {
         MESS_print(mess_mess, *append ? "Appending to: %s\n" : "Creating: %s\n", name);
     }
-    return open_output(name, *append);
+    std::FILE* const file = open_output(name, *append);
+    if (file != nullptr && *append) {
+        *end = take_end_off(name, ends);
+        warn_of_no_page(file, name);
+    }
+    return file;
 }
 
 bool gis_print_colr(int ind) {

@@ -5,6 +5,8 @@
 #include "gks.h"
 
 #include <cstdio>
+#include <initializer_list>
+#include <string_view>
 
 struct Gpage {
     float x, y; // inches
@@ -18,8 +20,12 @@ const char* gprint_value(const char* option, const char* word);
 bool gprint_page(const char* option, Gpage* page);
 
 // Opens "|command", "+file" or a file, and says which. Null on failure.
+//   ends    what a whole page of the device may end with
 //   append  out: 1 for "+"
-std::FILE* gprint_open(const char* name, bool* append);
+//   end     out: the end that was taken off the page for another plot on it, to
+//           be written after that
+std::FILE* gprint_open(const char* name, std::initializer_list<std::string_view> ends, bool* append,
+                       std::string_view* end);
 
 // Print colours 500 to 508: their grey level and the factor on their width.
 bool gis_print_colr(int ind);

@@ -32,6 +32,11 @@ constexpr float points_per_inch = 72.0F;
 constexpr float points_per_pixel = 0.72F;
 constexpr float color_in_force = -1.0F; // `gray_level` while a colour is in force
 
+// The end of a page. An EPS file has saved nothing and begun no dictionary that
+// it could end.
+constexpr std::string_view page_end = "saveobj restore\nshowpage\nend\n%%EOF\n";
+constexpr std::string_view eps_end = "showpage\n%%EOF\n";
+
 // How each colour index prints.
 struct PrintColor {
     float gray = 0.0F;
@@ -58,6 +63,7 @@ struct Printer {
 
     std::FILE* out_file = nullptr;
     bool append = false;
+    std::string_view end; // of the page that is added to
 };
 Printer ps;
 
@@ -318,7 +324,7 @@ int gps_open_ws(const char* conn_id) {
 }
 
 std::FILE* gps_open_file(const char* name) {
-    ps.out_file = gprint_open(name, &ps.append);
+    ps.out_file = gprint_open(name, {page_end, eps_end}, &ps.append, &ps.end);
     if (std::getenv("PSCOLOR") != nullptr) {
         ps.pr_color = 1;
     }
@@ -366,11 +372,10 @@ int gps_close_file() {
         return -1;
     }
     gps_printf("%%%%End of plot\n");
-    // An EPS file has saved nothing and begun no dictionary that it could end.
     if (!ps.append) {
-        gps_printf(ps.pr_eps != 0 ? "showpage\n%%%%EOF\n"
-                                  : "saveobj restore\nshowpage\nend\n%%%%EOF\n");
+        ps.end = ps.pr_eps != 0 ? eps_end : page_end;
     }
+    Text().put(ps.end);
     const int status = close_output(std::exchange(ps.out_file, nullptr));
     if (status < 0) {
         gerr_printf("gps_close_file", "unable to write postscript file\n");

@@ -291,6 +291,26 @@ std::FILE* open_output(const char* name, bool append) {
     return output->file;
 }
 
+std::string_view take_end_off(const char* name, std::initializer_list<std::string_view> ends) {
+    std::array<char, file_name_size> path{};
+    struct stat info {};
+    if (stat(FILE_add_user_path(name, path.data()), &info) != 0 || !S_ISREG(info.st_mode)) {
+        return {};
+    }
+    const FILE_ptr file(std::fopen(path.data(), "re"));
+    for (const std::string_view end : ends) {
+        std::array<char, 64> last{};
+        const auto size = static_cast<off_t>(end.size());
+        if (file && end.size() <= last.size() && info.st_size >= size &&
+            fseeko(file.get(), -size, SEEK_END) == 0 &&
+            std::fread(last.data(), 1, end.size(), file.get()) == end.size() &&
+            end == std::string_view(last.data(), end.size())) {
+            return truncate(path.data(), info.st_size - size) == 0 ? end : std::string_view();
+        }
+    }
+    return {};
+}
+
 int close_output(std::FILE* file) {
     Output* const output = slot_of(file);
     if (file == nullptr || output == nullptr) {

@@ -13,6 +13,7 @@
 #include <initializer_list>
 #include <memory>
 #include <string>
+#include <string_view>
 
 // The first field of the connection text, else the first of the environment
 // variables that is set, else `otherwise`.
@@ -22,6 +23,10 @@ void output_name(const char* conn_id, std::initializer_list<const char*> environ
 // file holds. Missing directories are made. Null on failure, with a message
 // only where the file is an input of the run. At most four are open at a time.
 [[nodiscard]] std::FILE* open_output(const char* name, bool append);
+// Takes the first of `ends` that a plain file ends with off it, and returns that;
+// empty if it ends with none. "~" in the name is resolved.
+[[nodiscard]] std::string_view take_end_off(const char* name,
+                                            std::initializer_list<std::string_view> ends);
 // Completes an output. Returns 0; -1 if something could not be written or the
 // command failed; 1 if the output was given up. The old file stays but for 0.
 [[nodiscard]] int close_output(std::FILE* file);

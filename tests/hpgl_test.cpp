@@ -400,7 +400,10 @@ TEST_F(HpglProduct, OutputsAndFaults) {
     env["zyrhp_out"] = "page";
     EXPECT_EQ(page("h", args), alone);
     env.clear();
-    EXPECT_EQ(page("q,+page,nopcl", args).rfind(alone + "PW0.2;SV;LT;\nIW ", 0), 0U);
+    const std::string end = "SP;PG;\n\033%0A\033E"; // a plotter draws nothing after it
+    const std::string both = page("q,+page,nopcl", args);
+    EXPECT_TRUE(both.starts_with(alone.substr(0, alone.size() - end.size()) + "PW0.2;SV;LT;\nIW "));
+    EXPECT_TRUE(both.ends_with(end));
     page("q,/dev/full", args, true, 4);
     page("q,raster/page", args, true, 4);
 }

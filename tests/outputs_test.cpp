@@ -244,6 +244,43 @@ TEST_F(Outputs, AWholePageTakesTheName) {
     EXPECT_EQ(info.st_mode & 0777U, 0666U & ~mask);
 }
 
+// Panels: each further plot comes before the end of the page that the first made.
+TEST_F(Outputs, PlotsAddedToAPageShareIt) {
+    struct Row {
+        const char* device;
+        const char* begin; // of a page, and
+        const char* end;
+        const char* plot; // of each plot
+    };
+    for (const Row& row : {
+             Row{"p", "dict begin", "%%End of plot\nsaveobj restore\nshowpage\nend\n%%EOF\n",
+                 "%%ZYR Plot"                                                                             },
+             Row{"p", "EPSF-3.0",   "%%End of plot\nshowpage\n%%EOF\n",                       "%%ZYR Plot"},
+             Row{"q", "IN;SP1;",    "SP;PG;\n\033%0A\033E",                                   "SV;LT;"    },
+    }) {
+        const std::string device = std::string("-de ") + row.device + ",";
+        const std::string eps = std::string(row.begin).starts_with("EPS") ? ",eps " : " ";
+        const std::string add = device + "+page" + eps;
+        EXPECT_EQ(run(device + "page" + eps + "-ge P2x2+0+0 radial").code, 0);
+        const std::string first = text("page");
+        EXPECT_EQ(run(add + "-ge P2x2+1+0 raster").code, 0);
+        EXPECT_EQ(run(add + "-ge P2x2+0+1 radial").err, "");
+        EXPECT_EQ(run(add + "./none").code, 10);
+        const std::string page = text("page");
+        const std::string end = row.end;
+        EXPECT_TRUE(page.starts_with(first.substr(0, first.size() - end.size())));
+        EXPECT_TRUE(page.ends_with(end)) << page.substr(page.size() - 90);
+        for (const auto& [part, times] :
+             {std::pair(row.begin, 1), std::pair(row.end + end.find('\n') + 1, 1),
+              std::pair(row.plot, 3)}) {
+            EXPECT_EQ(count_text(page, part), times) << part;
+        }
+        fs::remove(file("new"));
+        EXPECT_EQ(run(device + "+new radial").err, "gopen_ws: No page to add to: new, the first "
+                                                   "plot of a page is written without +\n");
+    }
+}
+
 // The data tree beside a program that nobody tells where it is.
 TEST_F(Outputs, TheDataTreeIsFound) {
     const auto colors = [this](const std::string& program) {
