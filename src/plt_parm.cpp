@@ -58,7 +58,8 @@ enum class Word {
     shadow,
     max_bad,
     min_size,
-    grid_format
+    grid_format,
+    place
 };
 
 struct WordRow {
@@ -69,7 +70,7 @@ struct WordRow {
 };
 
 // The first row that fits a word counts.
-constexpr std::array<WordRow, 40> words = {
+constexpr std::array<WordRow, 41> words = {
     {
      {"full", false, Word::full, 0},
      {"fullab", false, Word::full_labels, 1},
@@ -111,6 +112,7 @@ constexpr std::array<WordRow, 40> words = {
      {"max_bad", true, Word::max_bad, 5},
      {"min_size", true, Word::min_size, 0},
      {"grdfmt", true, Word::grid_format, 0},
+     {"georef", false, Word::place, 1},
      }
 };
 
@@ -302,6 +304,9 @@ void apply(const WordRow& row, const char* rest) {
         break;
     case Word::max_bad:
         settings.max_bad = positive(value, row.number);
+        break;
+    case Word::place:
+        PLT_set_place(row.number != 0);
         break;
     case Word::grid_format:
         copy_text(settings.grid_format, sizeof settings.grid_format, value);

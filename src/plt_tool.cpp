@@ -7,6 +7,7 @@
 #include "files.h"
 #include "gks.h"
 #include "img_kind.h"
+#include "img_place.h"
 #include "maptran.h"
 #include "no_memory.h"
 #include "out_file.h"
@@ -32,6 +33,8 @@ struct Session {
     Date data_date;                 // of the data in the picture
     std::vector<std::string> files; // the input of each frame, without directory and ending
     bool lost = false;              // an output could not be written
+    bool place = false;             // an image says to other programs where it lies
+    IMG_place placed_at;            // of the picture that is being written
 };
 Session session;
 
@@ -86,8 +89,52 @@ void describe(IMG_report* image) {
     copy_text(image->datim, sizeof image->datim, label_text(2));
 }
 
+// The pixels of the picture on the map of the plot.
+IMG_place place_of(const IMG_report& image) {
+    int error = 0;
+    int before = 0;
+    ginq_cur_norm_tran_num(&error, &before);
+    GPH_trans(tran_map);
+    const auto step = [](float last, float first, int count) {
+        return (static_cast<double>(last) - first) / count;
+    };
+    const IMG_place place = {
+        .map = MAP_current(),
+        .x = xp_W(0.0F),
+        .y = yp_W(0.0F),
+        .dx = step(xp_W(static_cast<float>(image.width)), xp_W(0.0F), std::max(image.width, 1)),
+        .dy = step(yp_W(0.0F), yp_W(static_cast<float>(image.height)), std::max(image.height, 1))};
+    gsel_norm_tran(before);
+    return place;
+}
+
+void describe_place(IMG_report* image) {
+    session.placed_at = place_of(*image);
+    const std::string wkt = IMG_place_wkt(session.placed_at.map);
+    if (wkt.empty()) {
+        return;
+    }
+    std::string world = IMG_place_world(session.placed_at);
+    world.pop_back();
+    std::ranges::replace(world, '\n', ' ');
+    image->texts = {
+        {"Domain",     IMG_place_domain(session.placed_at.map)},
+        {"Projection", wkt                                    },
+        {"World file", world                                  }
+    };
+}
+
 bool write_image(const IMG_kind& kind, const char* path) {
-    return gdump_image(kind, path, kind.placed ? describe : nullptr) != 0;
+    if (!session.place || kind.placed) {
+        return gdump_image(kind, path, kind.placed ? describe : nullptr) != 0;
+    }
+    if (gdump_image(kind, path, describe_place) == 0) {
+        return false;
+    }
+    if (IMG_write_place(path, session.placed_at) < 0) {
+        PLT_lost_output();
+    }
+    return true;
 }
 
 // The date of the file as its name says it, the rest from the data.
@@ -276,6 +323,10 @@ int PLT_set_dump(int type, const char* filename) {
         MESS_print(mess_warn, "PLT_set_dump: Name is too long, cut to: %s\n", session.dump_file);
     }
     return status;
+}
+
+void PLT_set_place(bool value) {
+    session.place = value;
 }
 
 void PLT_set_data_date(const Date* date) {

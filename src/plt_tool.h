@@ -96,6 +96,8 @@ int PLT_set_dump(int type, const char* filename);
 // directory and ending. PLT_shift_data_files: the oldest frame has gone.
 void PLT_set_data_file(int frame, const char* name);
 void PLT_shift_data_files();
+// Whether each image has files beside it that say where it lies (img_place.h).
+void PLT_set_place(bool value);
 // Date of the data in the picture: date keys in the name of a dump take from it
 // what the name of the file does not say. Null: not known.
 void PLT_set_data_date(const Date* date);

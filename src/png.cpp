@@ -66,7 +66,7 @@ struct WriteJob {
     std::FILE* file;
     png_uint_32 width, height;
     std::array<png_color, img_palette_size> palette;
-    std::array<png_text, 3> text;
+    std::vector<png_text> text;
     png_bytepp rows;
 };
 
@@ -97,6 +97,14 @@ std::array<TextLine, 3> text_lines(const char* title) {
         std::strftime(lines[2].text.data(), lines[2].text.size(), "%d %b %Y %H:%M:%S GMT", &utc);
     }
     return lines;
+}
+
+png_text plain_text(char* key, char* text) {
+    png_text line{};
+    line.compression = PNG_TEXT_COMPRESSION_NONE;
+    line.key = key;
+    line.text = text;
+    return line;
 }
 
 // --- Reading --------------------------------------------------------------------
@@ -233,10 +241,12 @@ int PNG_encode(const char* filename, const IMG_report& image, const IMG_look& lo
         const IMG_rgb c = picture.color[i];
         job.palette[i] = {c.red, c.grn, c.blu};
     }
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        job.text[i].compression = PNG_TEXT_COMPRESSION_NONE;
-        job.text[i].key = lines[i].key.data();
-        job.text[i].text = lines[i].text.data();
+    for (TextLine& line : lines) {
+        job.text.push_back(plain_text(line.key.data(), line.text.data()));
+    }
+    std::vector<IMG_text> texts = image.texts; // libpng asks for text that it might change
+    for (IMG_text& line : texts) {
+        job.text.push_back(plain_text(line.key.data(), line.text.data()));
     }
     const Writer writer;
     const bool written = writer.info != nullptr && write_png(writer.png, writer.info, &job);

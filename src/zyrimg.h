@@ -9,6 +9,8 @@
 #include "zyr.h"
 
 #include <memory>
+#include <string>
+#include <vector>
 
 struct IMG_color {
     float red, grn, blu; // 0.0 to 1.0
@@ -40,9 +42,16 @@ struct IMG_fields {
     Domain domain;             // location on the earth, `proj` missing: none
 };
 
+// A line of text that a kind with room for it (PNG) keeps under a key.
+struct IMG_text {
+    std::string key;
+    std::string text;
+};
+
 struct IMG_report : IMG_fields {
     std::unique_ptr<IMG_color[]> colors;
     std::unique_ptr<unsigned char[]> data; // height * bytes_line bytes
+    std::vector<IMG_text> texts;           // of a captured picture, for its file
 };
 
 // Most bytes of pixels, and pixels, that a file may ask for.
