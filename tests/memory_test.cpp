@@ -1,12 +1,17 @@
 // The display in memory shows what a window of the same size shows, to the last pixel.
 #include "gks.h"
-#include "image_view.h"
+#include "image_sample.h"
+#include "lev2_writer.h"
+#include "mosaic_writer.h"
 #include "nids_storm.h"
-#include "plot_window.h"
+#include "rcm_writer.h"
+#include "rrwds_writer.h"
+#include "summary_writer.h"
 #include "zyrresrc.h"
 
+#include "memory_twin.h"
+
 #include <array>
-#include <filesystem>
 #include <random>
 
 namespace {
@@ -166,46 +171,112 @@ TEST(Memory, FiguresHaveThePixelsOfAWindow) {
 
 // --- The program ----------------------------------------------------------------------
 
-class MemoryTest : public PlotWindow {
+class MemoryTest : public MemoryTwin {
 protected:
-    ProgramRun run(const std::string& args, const std::string& display) {
-        return launch(args,
-                      {
-                          {"DISPLAY", display}
-        })
-            ->wait();
+    void write_all(const std::vector<std::pair<std::string, Bytes>>& samples,
+                   const std::string& before = "") const {
+        for (const auto& [name, bytes] : samples) {
+            write(before + name, bytes);
+        }
+    }
+    // Products of every kind; mosaics, messages and summaries; an image and bulletins.
+    void write_everything() const {
+        write_all(nids_samples());
+        write("storm", nids_sample_storm());
+        write("disc", disc_product(7));
+        write("volume", lev2_volume(lev2_sample(31, 90), false));
+        write_all(nowrad_samples(), "now_");
+        write_all(kavrad_samples(), "kav_");
+        write("rrwds", rrwds_sample());
+        write("rcm", rcm_sample(false));
+        write("packets", rcm_sample(true));
+        write_all(summary_samples());
+        IMG_report image = image_sample({});
+        ASSERT_EQ(GIF_write((dir.path() + "/relief.gif").c_str(), &image), 1);
     }
 };
 
-// Where no display answers, and where the text names it, whatever the plot.
+// Where no display answers, and where the text names it, whatever the plot. Kinds of
+// files and projections take turns, so that each kind meets several of these.
 TEST_F(MemoryTest, PlotsArePixelForPixelThoseOfTheWindow) {
-    write("disc", disc_product(4));
-    const Bytes storm = nids_sample_storm();
-    write("storm", storm);
-    const char* rows[] = {
-        "storm",
-        "storm -cof auto -pp fitlab -ge 801x403+5+5",
-        "storm -pp inv -pd us",
-        "storm -pd ll,35.3,-97.3,41,31,.1,.1 -ba navy",
-        "storm -pd merc,35.3,-97.3,41,31,.1,.1",
-        "storm -pd lamb,35.3,-97.3,41,31,.1,.1 -pp full",
-        "storm -pd sat,35.3,-97.3,41,31,.1,.1",
-        "disc -mf lalo,st,co",
+    write_everything();
+    const std::string place = ",35.3,-97.3,41,31,.1,.1 ";
+    struct Row {
+        std::string args;
+        const char* kind = "png";
+        int frames = 1;
     };
-    for (const std::string row : rows) {
-        const ProgramRun shown = run(row + " -de d -of png@x.png", server->name());
-        const ProgramRun named = run(row + " -de d,memory -of png@m.png", server->name());
-        const ProgramRun fallen = run(row + " -de d -of png@f.png", ":nowhere");
-        EXPECT_EQ(shown.code, 0) << row << shown.err;
-        EXPECT_EQ(named.code, 0) << row << named.err;
-        EXPECT_EQ(fallen.code, 0) << row << fallen.err;
-        EXPECT_EQ(named.err, shown.err) << row;
-        EXPECT_EQ(fallen.err, shown.err) << row;
-        const Picture seen = read_png(dir.path() + "/x.png");
-        ASSERT_GT(seen.width, 0) << row;
-        EXPECT_EQ(pixels_that_differ(seen, read_png(dir.path() + "/m.png")), 0) << row;
-        EXPECT_EQ(pixels_that_differ(seen, read_png(dir.path() + "/f.png")), 0) << row;
+    const Row rows[] = {
+  // Level III: every kind of packet, then views of one product.
+        {"radial -pd lamb:30:-97:30:60,35.3,-97.3,8,6,.1,.13"          },
+        {"digital -pd ps:90:-80,35.3,-97.3,8,6,.1,.1"                  },
+        {"raster -pd merc,35.3,-97.3,9,6,.1,.1 -pl value"              },
+        {"precip -pd ortho,35.3,-97.3,81,61,.1,.1"                     },
+        {"wind -fl modern"                                             },
+        {"storms -pd gnom" + place                                     },
+        {"tracks -pd sat" + place                                      },
+        {"symbols -pd moll" + place                                    },
+        {"disc -pd ll,35.3,-97.3,41,31,.02,.02"                        },
+        {"raster -va comp,track"                                       },
+        {"raster -va comp,hail -pd ll" + place + "-ps 2"               },
+        {"storm"                                                       },
+        {"storm -cof auto -pp fitlab"                                  },
+        {"storm -cof 0:dash,20:dot,40:chain -ln 3"                     },
+        {"storm -pp inv -pd us"                                        },
+        {"storm -pp full -ba navy -pd lamb" + place                    },
+        {"storm -pp fullab,font=italic -pd sat" + place                },
+        {"storm -pp vp_size=2x2+1+0,lalo=1:2 -pd lamaz" + place        },
+        {"storm -pp vp_size=.5x.4+.2+.3,shadow -pd moll" + place       },
+        {"storm -mf lalo:.5:.5,st,co,riv -pd ortho" + place            },
+        {"storm -mf -im:relief.gif::20:30,if:relief.gif:black:-1:-1,us"},
+        {"storm -mf im:relief.gif:red:5:-20 -pd merc" + place          },
+        {"storm -dr sum"                                               },
+        {"storm -dr text,bord -font greek -pp site,dist=60"            },
+ // The four kinds of image, and a picture for each of several files.
+        {"storm -pd us -ba steelblue -pp gif_inter",                     "gif"},
+        {"raster -pd ll" + place,                                                              "gif"},
+        {"storm -mf -im:relief.gif","xwd"},
+        {"raster -pp inv",                                     "xwd"},
+        {"storm",                                                              "img"},
+        {"radial storm raster digital -ho 0",                     "png", 4},
+        {"storm disc -pp refresh -pd lamb" + place,                                                        "gif", 2},
+ // The other formats.
+        {"-inp lev2 volume"                                                             },
+        {"-inp lev2 volume -va vel -pd gnom" + place                                    },
+        {"-inp lev2 volume -va spect -cof auto -pd merc" + place                                                             },
+        {"-inp nowrad now_latlon -pd ps,36,-95,13,9,.5,.5" },
+        {"-inp nowrad now_latlon -pd lamaz,36,-95,41,31,.2,.2"                                                             },
+        {"-inp nowrad now_lambert -pd us -pp run=9"},
+        {"-inp nowrad now_lambert -pd ll,38,-95,61,41,.5,.5"                         },
+        {"-inp kavrad kav_coarse -pd us"},
+        {"-inp kavrad kav_coarse -pd sat,38,-95,61,41,.5,.5"                                                            },
+        {"-inp rrwds rrwds"},
+        {"-inp rrwds rrwds -pd moll" + place + "-pp clutter"                                                             },
+        {"-inp rcmsite rcm -id TLX -va comp"                                    },
+        {"-inp rcmsite packets -id TLX -va comp -pd ortho" + place                                                             },
+        {"-inp mdr mdr.rad -pd us -va pr_tt" },
+        {"-inp mdr mdr.rad -pd gnom,38,-95,61,41,.5,.5 -va echtop -pl lcf"                                                             },
+        {"-inp mdr rcm.rad -pd us -va id"},
+        {"-inp mdr station.nc -pd us -va stat -pl lcf"                         },
+        {"-inp mdr report.nc -pd ll,38,-95,61,41,.6,.6 -va city -pp site,dist=20"},
+ // Fonts and looks that are left.
+        {"digital -cof auto -pd lamb:-30:20:-30:-60,-35,20,41,31,.2,.3 -mf fi:world.lst"                                                            },
+        {"storm -fl roman -pp fitlab"},
+        {"storm -fl romanb -pp bar=20:60"                                                             },
+        {"storm -fl script -la ul:%b,lc:Norman -pp inv"                                    },
+        {"storm -fl bold -cot red:wi=3:dash -pp nobar"                                                             },
+        {"storm -cof 20:0:pat=3,30:1:pat=9,40:2:hatch=4 -in 5" },
+        {"tracks -va track -mf mf:none,st:wi=4:dot -pd us"                                                             },
+    };
+    for (const Row& row : rows) {
+        draw_twins(row.args, row.kind, row.frames);
     }
+    EXPECT_GE(plots, 60);
+    // A display that does not answer is not spoken of.
+    const ProgramRun named = run("storm -de d,memory -of png@named.png", "");
+    const ProgramRun fallen = run("storm -de d -of png@fallen.png", ":nowhere");
+    EXPECT_EQ(fallen.err, named.err);
+    EXPECT_EQ(read_text(dir.path() + "/fallen.png"), read_text(dir.path() + "/named.png"));
 }
 
 TEST_F(MemoryTest, SizesAndWhatIsNotAskedForAreHeld) {
@@ -234,6 +305,48 @@ TEST_F(MemoryTest, SizesAndWhatIsNotAskedForAreHeld) {
     const ProgramRun none = run("disc -de d,memory", "");
     EXPECT_EQ(none.code, 4) << none.err;
     EXPECT_NE(none.err.find("needs an image"), std::string::npos) << none.err;
+}
+
+// As a script at night calls it: nothing in the environment, at the root, with a home
+// that takes no file, and several at once.
+TEST_F(MemoryTest, ScriptsHaveAPicture) {
+    write("storm", nids_sample_storm());
+    const std::string product = dir.path() + "/storm";
+    const std::string draw = " -inp nids -fp " ZYR_SOURCE_DIR "/etc -de d,memory -of png=";
+    const auto shell = [](const std::string& command) {
+        return run_program("/bin/sh",
+                           {
+                               .args = {"-c",                                      command},
+                                 .env = {                                         },
+                                 .input = "", .directory = "/"
+        });
+    };
+    const std::string call = "env -i " ZYR_PROGRAM + draw;
+    const std::string end = " " + product + " </dev/null";
+    ProgramRun done = shell("cd / && " + call + dir.path() + "/bare.png" + end);
+    EXPECT_EQ(done.code, 0) << done.err;
+    const std::string picture = read_text(dir.path() + "/bare.png");
+    ASSERT_NE(picture, "");
+    done = shell("mkdir " + dir.path() + "/home && chmod 500 " + dir.path() + "/home && HOME=" +
+                 dir.path() + "/home " ZYR_PROGRAM + draw + dir.path() + "/home.png" + end);
+    EXPECT_EQ(done.code, 0) << done.err;
+    EXPECT_GE(read_picture(dir.path() + "/home.png").colors(), 4);
+    done = shell("for i in 0 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19; do " + call +
+                 dir.path() + "/p$i.png" + end + " >/dev/null || echo failed $i >&2 & done; wait");
+    EXPECT_EQ(done.err, "");
+    const Picture bare = read_picture(dir.path() + "/bare.png");
+    for (int i = 0; i < 20; ++i) {
+        const Picture one = read_picture(dir.path() + "/p" + std::to_string(i) + ".png");
+        EXPECT_EQ(pixels_that_differ(bare, one), 0) << i;
+    }
+    // More memory than there is: a message and 4.
+#ifndef ZYR_SANITIZED // which reserve terabytes of addresses
+    done =
+        shell("ulimit -v 150000; cd " + dir.path() + " && " + call + "big.png -ge 8192x8192" + end);
+    EXPECT_EQ(done.code, 4);
+    EXPECT_NE(done.err, "");
+    EXPECT_FALSE(std::filesystem::exists(dir.path() + "/big.png"));
+#endif
 }
 
 // Nothing keeps the frames: their number has no bound.
