@@ -18,7 +18,8 @@ constexpr double metres = 100000.0; // a unit of plot coordinates
     std::array<char, 700> text{};
     va_list args;
     va_start(args, format);
-    std::vsnprintf(text.data(), text.size(), format, args);
+    std::vsnprintf(text.data(), text.size(), format,
+                   args); // NOLINT(clang-analyzer-valist.Uninitialized): started above
     va_end(args);
     return text.data();
 }

@@ -1,6 +1,7 @@
 // map_file.cpp: map databases and range rings: lines of the earth, broken
 // where the map has an edge. A database is read and drawn record by record and
-// is never held in memory. State: whether outlines are painted.
+// is never held in memory; one that lies far from the picture is passed over before
+// it is projected. State: whether outlines are painted.
 //
 //   binary, big endian, no padding            text
 //   offset  size  field                       header line
@@ -17,6 +18,7 @@
 
 #include "maptran.h"
 #include "no_memory.h"
+#include "units.h"
 
 #include <algorithm>
 #include <array>
@@ -33,6 +35,7 @@ namespace {
 
 constexpr int usual_points = 1000; // records below this need no memory of their own
 constexpr int most_text_points = 32767;
+constexpr std::size_t point_bytes = 8;
 
 struct State {
     int fill = 0; // 1: outlines are painted
@@ -55,6 +58,12 @@ public:
         const std::uint8_t* out = buffer_.data() + at_;
         at_ += n;
         return out;
+    }
+
+    // The same without taking them; null also where they exceed the buffer.
+    const std::uint8_t* ahead(std::size_t n) {
+        const bool there = n <= buffer_.size() && (end_ - at_ >= n || refill(n));
+        return there ? buffer_.data() + at_ : nullptr;
     }
 
     // The next word, cut to the buffer given; its rest is passed over.
@@ -137,11 +146,18 @@ public:
 
     int count() { return text_ ? text_count() : binary_count(); }
 
+    // The points of a record while they are still bytes, without taking them; null
+    // where they do not stand in the buffer, as those of a text never do.
+    const std::uint8_t* ahead(int count) {
+        return text_ ? nullptr : source_.ahead(static_cast<std::size_t>(count) * point_bytes);
+    }
+    void pass(int count) { source_.bytes(static_cast<std::size_t>(count) * point_bytes); }
+
     bool point(float* lat, float* lon) {
         if (text_) {
             return number(lat) && number(lon);
         }
-        const std::uint8_t* p = source_.bytes(8);
+        const std::uint8_t* p = source_.bytes(point_bytes);
         if (p == nullptr) {
             return false;
         }
@@ -177,6 +193,119 @@ private:
 
     Source source_;
     bool text_;
+};
+
+// --- What lies far away ---------------------------------------------------------
+
+// A rectangle of latitudes and longitudes, degrees.
+struct Box {
+    float south = 90.0F, north = -90.0F;
+    float west = 360.0F, east = -360.0F;
+
+    void take(float lat, float lon) {
+        south = std::min(south, lat);
+        north = std::max(north, lat);
+        west = std::min(west, lon);
+        east = std::max(east, lon);
+    }
+};
+
+// The picture as such a rectangle, to tell which records it does not show: those
+// whose distance exceeds their own size so far that not even the upright rectangle
+// about their image, which decides whether a line goes to the device, meets it.
+class Neighbourhood {
+public:
+    explicit Neighbourhood(const Map& map) : plane_(map.row->code == proj_latlon) {
+        constexpr float largest_lat = 80.0F; // no pole near by
+        constexpr float largest_lon = 120.0F;
+        constexpr int steps = 12;
+        constexpr int codes[] = {proj_latlon, proj_pstereo, proj_lambert, proj_merc};
+        if (std::ranges::find(codes, map.row->code) == std::end(codes)) {
+            return;
+        }
+        const MAP_limits& w = map.limits;
+        for (int i = 0; i <= steps; ++i) {
+            const float t = static_cast<float>(i) / steps;
+            const float x = w.x_min + t * (w.x_max - w.x_min);
+            const float y = w.y_min + t * (w.y_max - w.y_min);
+            const bool seen = take(map, x, w.y_min) && take(map, x, w.y_max) &&
+                              take(map, w.x_min, y) && take(map, w.x_max, y);
+            if (!seen) {
+                return;
+            }
+        }
+        far_scale_ = map.scale;
+        known_ = box_.north < largest_lat && box_.south > -largest_lat &&
+                 box_.east - box_.west < largest_lon;
+        // Room for wide lines, and for the bow of an edge between two samples.
+        pad_ = 0.2F * (box_.north - box_.south + box_.east - box_.west);
+    }
+
+    // Whether a record of `count` points can be left out. False where in doubt.
+    [[nodiscard]] bool far_from(const std::uint8_t* points, int count) const {
+        if (!known_ || points == nullptr) {
+            return false;
+        }
+        Box record;
+        for (int i = 0; i < count; ++i, points += point_bytes) {
+            const float lat = f32be(points);
+            const float lon = f32be(points + 4);
+            if (!(std::fabs(lat) <= 90.0F && std::fabs(lon) <= 360.0F)) {
+                return false;
+            }
+            record.take(lat, lon);
+        }
+        return gap(record) > pad_ + largest_growth(record) * size(record);
+    }
+
+private:
+    bool take(const Map& map, float x, float y) {
+        float lat = 0, lon = 0;
+        if (map.untran(x, y, &lat, &lon) != 1 || !std::isfinite(lat) || !std::isfinite(lon)) {
+            return false;
+        }
+        if (box_.north < box_.south) {
+            centre_ = lon;
+        }
+        box_.take(lat, centre_ + std::remainder(lon - centre_, 360.0F));
+        return true;
+    }
+    // Degrees of longitude are shorter away from the equator, but on a map whose
+    // plane they are.
+    [[nodiscard]] float shrink(float lat) const {
+        return plane_ ? 1.0F : std::cos(lat * static_cast<float>(deg_to_rad));
+    }
+    [[nodiscard]] float gap(const Box& record) const {
+        const float in_lat = std::max({box_.south - record.north, record.south - box_.north, 0.0F});
+        // From the middle of one to that of the other, less half of each.
+        const float halves = (box_.east - box_.west + record.east - record.west) / 2.0F;
+        const float middles = std::fabs(
+            std::remainder((box_.east + box_.west - record.east - record.west) / 2.0F, 360.0F));
+        const float lat = std::max({std::fabs(box_.north), std::fabs(box_.south),
+                                    std::fabs(record.north), std::fabs(record.south)});
+        return std::max(in_lat, std::max(middles - halves, 0.0F) * shrink(std::min(lat, 90.0F)));
+    }
+    [[nodiscard]] static float size(const Box& record) {
+        return record.north - record.south + record.east - record.west;
+    }
+    // How many times its size a record has to lie off: its image grows towards the
+    // pole that is far away.
+    [[nodiscard]] float largest_growth(const Box& record) const {
+        constexpr float usual = 3.0F, grown = 8.0F, endless = 1000.0F;
+        const float far = far_scale_ < 0.0F ? -record.north : record.south;
+        const float lat = std::min({far, -std::fabs(record.north), -std::fabs(record.south)});
+        if (far > -30.0F && lat > -75.0F) {
+            return usual;
+        }
+        return lat > -75.0F ? grown : endless;
+    }
+
+    Box box_;
+    float centre_ = 0.0F;
+    float pad_ = 0.0F;
+    float far_scale_ = 1.0F; // -1: the far pole is the northern one
+    bool plane_;
+    bool known_ = false;
 };
 
 // --- Drawing -------------------------------------------------------------------
@@ -262,11 +391,16 @@ int MAP_map(std::FILE* map_file) {
         return 1;
     }
     Records records(map_file);
+    const Neighbourhood near(map);
     Points points;
     for (;;) {
         const int count = records.count();
         if (count <= 0) {
             return count;
+        }
+        if (near.far_from(records.ahead(count), count)) {
+            records.pass(count);
+            continue;
         }
         Gpt* room = points.room(count);
         const bool fill = state.fill != 0;
