@@ -14,19 +14,18 @@ namespace {
 
 constexpr double metres = 100000.0; // a unit of plot coordinates
 
-[[gnu::format(printf, 1, 2)]] std::string print(const char* format, ...) {
-    std::array<char, 700> text{};
-    va_list args;
-    va_start(args, format);
-    std::vsnprintf(text.data(), text.size(), format,
-                   args); // NOLINT(clang-analyzer-valist.Uninitialized): started above
-    va_end(args);
+// As many digits as single precision holds, so that 0.1F is "0.1".
+std::string number(double value) {
+    std::array<char, 40> text{};
+    std::snprintf(text.data(), text.size(), "%.7g", value);
     return text.data();
 }
 
-// As many digits as single precision holds, so that 0.1F is "0.1".
-std::string number(double value) {
-    return print("%.7g", value);
+// A line of a world file.
+std::string line(double value) {
+    std::array<char, 60> text{};
+    std::snprintf(text.data(), text.size(), "%.10f\n", value);
+    return text.data();
 }
 
 std::string sphere() {
@@ -43,7 +42,7 @@ struct Parameter {
 std::string projected(const char* name, std::initializer_list<Parameter> parameters) {
     std::string text = "PROJCS[\"unnamed\"," + sphere() + ",PROJECTION[\"" + name + "\"]";
     for (const Parameter& p : parameters) {
-        text += print(",PARAMETER[\"%s\",", p.name) + number(p.value) + "]";
+        text += std::string(",PARAMETER[\"") + p.name + "\"," + number(p.value) + "]";
     }
     return text + ",PARAMETER[\"false_easting\",0],PARAMETER[\"false_northing\",0]"
                   ",UNIT[\"metre\",1],AXIS[\"Easting\",EAST],AXIS[\"Northing\",NORTH]]";
@@ -160,8 +159,8 @@ std::string IMG_place_wkt(const Map& map) {
 
 std::string IMG_place_world(const IMG_place& place) {
     const double unit = file_unit(place.map);
-    return print("%.10f\n0\n0\n%.10f\n%.10f\n%.10f\n", place.dx * unit, -place.dy * unit,
-                 file_x(place.map, place.x), place.y * unit);
+    return line(place.dx * unit) + "0\n0\n" + line(-place.dy * unit) +
+           line(file_x(place.map, place.x)) + line(place.y * unit);
 }
 
 std::string IMG_place_domain(const Map& map) {
@@ -174,8 +173,8 @@ std::string IMG_place_domain(const Map& map) {
         }
         text += ":" + number(parameter);
     }
-    return text + "," + number(d.clat) + "," + number(d.clon) + print(",%d,%d,", d.nx, d.ny) +
-           number(d.dx) + "," + number(d.dy);
+    return text + "," + number(d.clat) + "," + number(d.clon) + "," + std::to_string(d.nx) + "," +
+           std::to_string(d.ny) + "," + number(d.dx) + "," + number(d.dy);
 }
 
 std::string IMG_world_name(const std::string& image_name) {
