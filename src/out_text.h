@@ -20,7 +20,9 @@ public:
     void put(std::string_view text) {
         make_room(text.size());
         const std::size_t n = std::min(text.size(), buf.size() - used);
-        std::memcpy(buf.data() + used, text.data(), n);
+        if (n > 0) { // an empty text may have no address
+            std::memcpy(buf.data() + used, text.data(), n);
+        }
         used += n;
     }
     void number(int n) {
