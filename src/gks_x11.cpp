@@ -53,9 +53,10 @@ int gopen_display(const char* conn_id) {
     }
     if (disp.display == nullptr) {
         MESS_print(mess_warn, "gopen_ws: unable to connect to display\n");
-        MESS_print(mess_warn,
-                   "gopen_ws: display: %s; a page needs none: -de p,FILE; nor do images: zyrshot\n",
-                   name.empty() ? "DISPLAY is not set" : name.c_str());
+        MESS_print(
+            mess_warn,
+            "gopen_ws: display: %s; a page needs none: -de p,FILE; nor do images: -of png=FILE\n",
+            name.empty() ? "DISPLAY is not set" : name.c_str());
         return gfail_display();
     }
     gdraw_use(&gx_display());

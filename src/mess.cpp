@@ -5,6 +5,7 @@
 #include "zyr.h"
 
 #include "date.h"
+#include "near_word.h"
 #include "text_list.h"
 #include "text_scan.h"
 
@@ -90,11 +91,32 @@ unsigned fill_below(unsigned mask) {
     return mask;
 }
 
-// Mask of a keyword such as "warn" or "debugb"; 0 if nothing matches.
-unsigned level_mask(const char* text) {
+const Group* find_group(const char* text) {
     const auto* row = std::find_if(std::begin(groups), std::end(groups),
                                    [&](const Group& group) { return begins(text, group.keyword); });
-    if (row == std::end(groups)) {
+    return row != std::end(groups) ? row : nullptr;
+}
+
+// The words that set_item takes.
+KnownWords message_words() {
+    KnownWords words = {
+        {"nopage"},
+        {      "page"       },
+        { "line",        true}
+    };
+    for (const Group& group : groups) {
+        words.push_back({group.keyword, true});
+    }
+    for (const LogWord& log : log_words) {
+        words.push_back({log.word, true});
+    }
+    return words;
+}
+
+// Mask of a keyword such as "warn" or "debugb"; 0 if nothing matches.
+unsigned level_mask(const char* text) {
+    const Group* row = find_group(text);
+    if (row == nullptr) {
         return 0;
     }
     constexpr unsigned sub_levels[] = {0x11111111, 0x22222222, 0x44444444, 0x88888888};
@@ -105,7 +127,14 @@ unsigned level_mask(const char* text) {
 
 void set_level(const char* item) {
     const char sign = *item == '+' || *item == '-' ? *item : '\0';
-    const unsigned mask = level_mask(sign != '\0' ? item + 1 : item);
+    const char* word = sign != '\0' ? item + 1 : item;
+    if (find_group(word) == nullptr) { // a slip of the finger silences nothing
+        const std::string_view near = nearest_word(message_words(), word);
+        MESS_print(mess_warn, "MESS_set_str: Unknown word: %s, the nearest is %.*s\n", item,
+                   static_cast<int>(near.size()), near.data());
+        return;
+    }
+    const unsigned mask = level_mask(word);
     if (sign == '+') {
         state.mess_level |= mask;
     } else if (sign == '-') {

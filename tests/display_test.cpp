@@ -248,13 +248,14 @@ TEST_F(AtDisplay, WhatCannotBeOpenedIsReported) {
     const Row rows[] = {
         {ws_window, ":nowhere",
          "gopen_ws: unable to connect to display\n"
-         "gopen_ws: display: :nowhere; a page needs none: -de p,FILE; nor do images: zyrshot\n"},
-        {ws_pixmap, server->name(),            "gopen_ws: window parameters not specified\n"   },
-        {ws_pixmap, server->name() + ",",      "gopen_ws: window id not specified\n"           },
-        {ws_pixmap, server->name() + ",0x",    "gopen_ws: window id not specified\n"           },
-        {ws_pixmap, server->name() + ",0:9x9", "gopen_ws: window id not specified\n"           },
-        {ws_pixmap, server->name() + ",w77",   "gopen_ws: unable to open window id file\n"     },
-        {ws_pixmap, server->name() + ",99999", "gopen_ws: unable to open window\n"             },
+         "gopen_ws: display: :nowhere; a page needs none: -de p,FILE; nor do images: -of "
+         "png=FILE\n"                                                                       },
+        {ws_pixmap, server->name(),            "gopen_ws: window parameters not specified\n"},
+        {ws_pixmap, server->name() + ",",      "gopen_ws: window id not specified\n"        },
+        {ws_pixmap, server->name() + ",0x",    "gopen_ws: window id not specified\n"        },
+        {ws_pixmap, server->name() + ",0:9x9", "gopen_ws: window id not specified\n"        },
+        {ws_pixmap, server->name() + ",w77",   "gopen_ws: unable to open window id file\n"  },
+        {ws_pixmap, server->name() + ",99999", "gopen_ws: unable to open window\n"          },
     };
     RES_conv_data("warn", nullptr, CV_mess);
     for (const Row& row : rows) {

@@ -59,7 +59,7 @@ protected:
 constexpr const char* no_window =
     "gopen_ws: unable to connect to display\n"
     "gopen_ws: display: DISPLAY is not set; a page needs none: -de p,FILE; nor do images: "
-    "zyrshot\nGPH_begin: Error opening workstation\n";
+    "-of png=FILE\nGPH_begin: Error opening workstation\n";
 
 // With the data tree but none of its settings, the device among them.
 constexpr const char* no_defaults = "radial -default=/none -fp " ZYR_SOURCE_DIR "/etc";

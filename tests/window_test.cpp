@@ -223,7 +223,7 @@ TEST_F(WindowTest, FaultsOfTheServer) {
     };
     const auto refused = [](const std::string& display) {
         return "gopen_ws: unable to connect to display\ngopen_ws: display: " + display +
-               "; a page needs none: -de p,FILE; nor do images: zyrshot\n"
+               "; a page needs none: -de p,FILE; nor do images: -of png=FILE\n"
                "GPH_begin: Error opening workstation\n";
     };
     for (const Row& row : std::initializer_list<Row>{
