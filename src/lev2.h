@@ -1,5 +1,6 @@
 // lev2.h: the reader of WSR-88D Level II volumes (base data: reflectivity,
-// velocity and spectrum width, radial by radial).
+// velocity, spectrum width and the moments of two polarizations, radial by
+// radial).
 //
 // One volume is open at a time. A walk:
 //
@@ -57,7 +58,27 @@ constexpr int lev2_radial_generic = 31; // of one made of blocks
 constexpr int lev2_refl = 0;  // moments: reflectivity, dBZ
 constexpr int lev2_vel = 1;   // velocity, m/s
 constexpr int lev2_spect = 2; // spectrum width, m/s
-constexpr int lev2_moments = 3;
+constexpr int lev2_zdr = 3;   // differential reflectivity, dB; this and what follows: generic only
+constexpr int lev2_phi = 4;   // differential phase, degrees
+constexpr int lev2_rho = 5;   // correlation coefficient
+constexpr int lev2_cfp = 6;   // clutter filter power removed, dB
+constexpr int lev2_moments = 7;
+
+struct LEV2_moment_name {
+    const char* name;
+    int decimals; // that its values are told with
+};
+constexpr std::array<LEV2_moment_name, lev2_moments> lev2_names = {
+    {
+     {"reflectivity", 1},
+     {"velocity", 1},
+     {"spectrum width", 1},
+     {"differential reflectivity", 1},
+     {"differential phase", 1},
+     {"correlation coefficient", 2},
+     {"clutter filter power", 1},
+     }
+};
 
 // One record. Fields behind `seg_num` are of radials; "generic" ones are of
 // type 31 only, "fixed" ones of type 1 only.
@@ -88,6 +109,7 @@ struct LEV2_data {
     int sector_num = 0;
     // Offsets of the moments, 0: the radial has no such moment.
     int refl_ptr = 0, vel_ptr = 0, spect_ptr = 0;
+    int zdr_ptr = 0, phi_ptr = 0, rho_ptr = 0, cfp_ptr = 0; // (generic)
     int vol_ptr = 0, elev_ptr = 0, rad_ptr = 0; // of other blocks (generic)
     float vel_res = 0;                          // Doppler resolution code (fixed)
     int cov_patt = 0;                           // volume coverage pattern
@@ -122,15 +144,17 @@ struct LEV2_gates {
     int word_bytes = 1;                  // 1 or 2
     float first_km = 0, size_km = 0;     // distance of the first gate, gate length
     float scale = 1, offset = 0;         // value = (word - offset) / scale, always finite
+    unsigned first_value = 2;            // words below it are no values
 
     [[nodiscard]] unsigned word(int i) const {
         const auto at = static_cast<std::size_t>(i);
         return word_bytes == 1 ? bytes[at] : bytes[2 * at] * 256U + bytes[2 * at + 1];
     }
     [[nodiscard]] float value(unsigned word) const {
-        return word == 0   ? lev2_below
-               : word == 1 ? lev2_folded
-                           : (static_cast<float>(word) - offset) / scale;
+        if (word < first_value) {
+            return word == 1 && first_value == 2 ? lev2_folded : lev2_below;
+        }
+        return (static_cast<float>(word) - offset) / scale;
     }
 };
 // `count` is 0 unless LEV2_set_data_type returned 1 for this radial.

@@ -9,9 +9,6 @@
 
 namespace {
 
-constexpr std::array<const char*, lev2_moments> moment_names = {"reflectivity", "velocity",
-                                                                "spectrum width"};
-
 // Numbers in ascending order, runs joined: "1-3,5".
 std::string number_list(std::vector<int> numbers) {
     std::sort(numbers.begin(), numbers.end());
@@ -59,9 +56,12 @@ void lev2_count_radial(Lev2Cuts& cuts, const LEV2_data& data) {
     }
     ++at->radials;
     at->angle += (data.elev_ang - at->angle) / static_cast<float>(at->radials);
-    at->moments[lev2_refl] += data.refl_ptr != 0 ? 1 : 0;
-    at->moments[lev2_vel] += data.vel_ptr != 0 ? 1 : 0;
-    at->moments[lev2_spect] += data.spect_ptr != 0 ? 1 : 0;
+    const std::array<int, lev2_moments> offsets = {data.refl_ptr, data.vel_ptr, data.spect_ptr,
+                                                   data.zdr_ptr,  data.phi_ptr, data.rho_ptr,
+                                                   data.cfp_ptr};
+    for (std::size_t type = 0; type < offsets.size(); ++type) {
+        at->moments[type] += offsets[type] != 0 ? 1 : 0;
+    }
 }
 
 std::string lev2_cut_text(const LEV2_cut& cut) {
@@ -71,7 +71,7 @@ std::string lev2_cut_text(const LEV2_cut& cut) {
     for (std::size_t type = 0; type < lev2_moments; ++type) {
         if (cut.moments[type] > 0) {
             text += any ? ", " : " ";
-            text += moment_names[type];
+            text += lev2_names[type].name;
             any = true;
         }
     }
@@ -89,7 +89,7 @@ std::string lev2_empty_text(const Lev2Cuts& cuts, int scan, int type) {
         return "There is no scan " + std::to_string(scan) + ", the volume has " +
                scans_with(cuts, -1);
     }
-    const std::string name = moment_names[static_cast<std::size_t>(type)];
+    const std::string name = lev2_names[static_cast<std::size_t>(type)].name;
     if (at->moments[static_cast<std::size_t>(type)] > 0) {
         return "";
     }

@@ -82,9 +82,23 @@ static_assert(prefix_size + 2UL * 0xFFFF <= lev2_buffer_size, "a record fits the
 constexpr double angle_unit = 0.0439453125;
 
 // Blocks of a message type 31 in the order in which their offsets stand.
-enum Place { place_vol, place_elev, place_rad, place_refl, place_vel, place_spect, num_places };
-constexpr std::array<std::string_view, num_places> block_names = {"VOL", "ELV", "RAD",
-                                                                  "REF", "VEL", "SW "};
+// The first six have a place of their own, by which one without a name is known.
+enum Place {
+    place_vol,
+    place_elev,
+    place_rad,
+    place_refl,
+    place_vel,
+    place_spect,
+    place_zdr,
+    place_phi,
+    place_rho,
+    place_cfp,
+    num_blocks
+};
+constexpr int num_places = place_zdr;
+constexpr std::array<std::string_view, num_blocks> block_names = {
+    "VOL", "ELV", "RAD", "REF", "VEL", "SW ", "ZDR", "PHI", "RHO", "CFP"};
 constexpr int max_blocks = 10;
 constexpr std::size_t moment_head_size = 28;
 
@@ -95,6 +109,7 @@ constexpr Scale refl_fixed = {2.0F, 66.0F};
 constexpr Scale vel_fine = {2.0F, 129.0F};
 constexpr Scale vel_coarse = {1.0F, 129.0F};
 constexpr Scale spect_fixed = {2.0F, 129.0F};
+constexpr unsigned cfp_first_value = 8; // words below it tell how gates were filtered
 constexpr int resolution_fine = 2; // of `vel_res`
 
 constexpr LEV2_gates no_gates;
@@ -220,7 +235,7 @@ Moments fixed_moments(std::span<const std::uint8_t> radial, const LEV2_data& d) 
 
 // Offsets of the blocks by place, 0: absent. A block's own name decides what it
 // is; one without a name is what the place of its offset says.
-using Blocks = std::array<std::uint32_t, num_places>;
+using Blocks = std::array<std::uint32_t, num_blocks>;
 
 // The name behind the letter that opens a block; empty for none.
 std::string_view block_name(std::span<const std::uint8_t> radial, std::uint32_t at) {
@@ -237,7 +252,7 @@ Blocks find_blocks(std::span<const std::uint8_t> radial, int count) {
     Blocks placed{};
     ByteReader r(radial);
     r.seek(32);
-    for (int i = 0; i < std::clamp(count, static_cast<int>(num_places), max_blocks); ++i) {
+    for (int i = 0; i < std::clamp(count, num_places, max_blocks); ++i) {
         const std::uint32_t at = r.u32be();
         if (at == 0 || at >= radial.size() || radial.size() - at < moment_head_size) {
             continue;
@@ -324,6 +339,12 @@ LEV2_gates read_spect(std::span<const std::uint8_t> radial, std::uint32_t at) {
     return gates;
 }
 
+LEV2_gates read_clutter(std::span<const std::uint8_t> radial, std::uint32_t at) {
+    LEV2_gates gates = read_moment(radial, at);
+    gates.first_value = cfp_first_value;
+    return gates;
+}
+
 Moments read_blocks(std::span<const std::uint8_t> radial, LEV2_data& d) {
     const Blocks at = find_blocks(radial, d.blk_count);
     d.vol_ptr = static_cast<int>(at[place_vol]);
@@ -345,8 +366,14 @@ Moments read_blocks(std::span<const std::uint8_t> radial, LEV2_data& d) {
     d.refl_ptr = static_cast<int>(at[place_refl]);
     d.vel_ptr = static_cast<int>(at[place_vel]);
     d.spect_ptr = static_cast<int>(at[place_spect]);
+    d.zdr_ptr = static_cast<int>(at[place_zdr]);
+    d.phi_ptr = static_cast<int>(at[place_phi]);
+    d.rho_ptr = static_cast<int>(at[place_rho]);
+    d.cfp_ptr = static_cast<int>(at[place_cfp]);
     return {read_moment(radial, at[place_refl]), read_moment(radial, at[place_vel]),
-            read_spect(radial, at[place_spect])};
+            read_spect(radial, at[place_spect]), read_moment(radial, at[place_zdr]),
+            read_moment(radial, at[place_phi]),  read_moment(radial, at[place_rho]),
+            read_clutter(radial, at[place_cfp])};
 }
 
 void set_counts(const Moments& m, LEV2_data& d) {
@@ -432,6 +459,10 @@ void read_radial(std::span<const std::uint8_t> radial, State& s) {
     d.refl_ptr = unless_absent(lev2_refl, d.refl_ptr);
     d.vel_ptr = unless_absent(lev2_vel, d.vel_ptr);
     d.spect_ptr = unless_absent(lev2_spect, d.spect_ptr);
+    d.zdr_ptr = unless_absent(lev2_zdr, d.zdr_ptr);
+    d.phi_ptr = unless_absent(lev2_phi, d.phi_ptr);
+    d.rho_ptr = unless_absent(lev2_rho, d.rho_ptr);
+    d.cfp_ptr = unless_absent(lev2_cfp, d.cfp_ptr);
     if (MESS_check(mess_debug) != 0) {
         print_radial(d);
     }

@@ -30,8 +30,6 @@ namespace {
 
 constexpr float site_deg = 0.05F; // a radar within so many degrees is the one of the table
 constexpr const char* auto_word = "auto";
-constexpr std::array<const char*, lev2_moments> moment_names = {"reflectivity", "velocity",
-                                                                "spectrum width"};
 
 struct Range {
     float low = missing_f, high = missing_f;
@@ -127,7 +125,7 @@ void read_moments(Cut* cut) {
         unsigned most = 0;
         for (int i = 0; i < gates.count; ++i) {
             const unsigned word = gates.word(i);
-            if (word > 1) { // below the threshold, range folded
+            if (word >= gates.first_value) {
                 least = std::min(least, word);
                 most = std::max(most, word);
             }
@@ -381,10 +379,10 @@ std::string json_of(const Report& report) {
         row.real("elevation", cut.walked.angle, 2);
         row.count("radials", cut.walked.radials);
         std::vector<std::string> moments;
-        for (std::size_t i = 0; i < moment_names.size(); ++i) {
+        for (std::size_t i = 0; i < lev2_names.size(); ++i) {
             if (cut.walked.moments[i] > 0) {
                 Object moment;
-                moment.text("name", moment_names[i]);
+                moment.text("name", lev2_names[i].name);
                 moment.real("min", cut.values[i].low, 2);
                 moment.real("max", cut.values[i].high, 2);
                 moments.push_back(moment.str());
@@ -403,11 +401,13 @@ std::string json_of(const Report& report) {
 std::string cut_text(const Cut& cut) {
     std::string text =
         "scan " + std::to_string(cut.walked.num) + " " + number(cut.walked.angle, 1) + " deg";
-    for (std::size_t i = 0; i < moment_names.size(); ++i) {
+    for (std::size_t i = 0; i < lev2_names.size(); ++i) {
         if (cut.walked.moments[i] > 0) {
-            text += std::string(", ") + moment_names[i];
+            text += std::string(", ") + lev2_names[i].name;
             if (is_known(cut.values[i].low)) {
-                text += " " + number(cut.values[i].low, 1) + " to " + number(cut.values[i].high, 1);
+                const int decimals = lev2_names[i].decimals;
+                text += " " + number(cut.values[i].low, decimals) + " to " +
+                        number(cut.values[i].high, decimals);
             }
         }
     }
