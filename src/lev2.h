@@ -110,10 +110,10 @@ struct LEV2_data {
     // Offsets of the moments, 0: the radial has no such moment.
     int refl_ptr = 0, vel_ptr = 0, spect_ptr = 0;
     int zdr_ptr = 0, phi_ptr = 0, rho_ptr = 0, cfp_ptr = 0; // (generic)
-    int vol_ptr = 0, elev_ptr = 0, rad_ptr = 0; // of other blocks (generic)
-    float vel_res = 0;                          // Doppler resolution code (fixed)
-    int cov_patt = 0;                           // volume coverage pattern
-    float nyquist_vel = 0;                      // m/s
+    int vol_ptr = 0, elev_ptr = 0, rad_ptr = 0;             // of other blocks (generic)
+    float vel_res = 0;                                      // Doppler resolution code (fixed)
+    int cov_patt = 0;                                       // volume coverage pattern
+    float nyquist_vel = 0;                                  // m/s
     float atmos_atten = 0;
     float threshold_param = 0; // (fixed)
 };

@@ -69,15 +69,21 @@ constexpr char velocity[] =
 struct Moment {
     const char* word; // how `variable` begins, the number of the scan behind it
     const char* label;
-    const char* colors;
+    const char* colors; // a list, or a level file that the user can change
     const char* levels; // the level file of "auto"
     bool range;         // smallest and largest value are told, not the largest alone
+    int decimals;       // of these
+    float most;         // where the smallest value starts
 };
 constexpr std::array<Moment, lev2_moments> moments = {
     {
-     {"ref", "Reflectivity (Dbz)", reflectivity, "reflectivity", false},
-     {"vel", "Velocity (m/s)", velocity, "velocity_ms", true},
-     {"spect", "Spectrum width (m/s)", velocity, "width_ms", true},
+     {"ref", "Reflectivity (Dbz)", reflectivity, "reflectivity", false, 0, 100.0F},
+     {"vel", "Velocity (m/s)", velocity, "velocity_ms", true, 0, 100.0F},
+     {"spect", "Spectrum width (m/s)", velocity, "width_ms", true, 0, 100.0F},
+     {"zdr", "Differential reflectivity (dB)", "diff_refl", "diff_refl", true, 1, 100.0F},
+     {"phi", "Differential phase (deg)", "diff_phase", "diff_phase", true, 0, 360.0F},
+     {"rho", "Correlation coefficient", "correlation", "correlation", true, 2, 100.0F},
+     {"cfp", "Clutter filter power (dB)", "clutter_power", "clutter_power", true, 0, 100.0F},
      }
 };
 
@@ -262,7 +268,7 @@ struct Walk {
     RadStrip strip;
     long room = rad_most_figures;
     int elev_num = missing; // of the radial before
-    float largest = lev2_below, smallest = 100.0F;
+    float largest = lev2_below, smallest = moment().most;
     float elev = 0;         // degrees, of the scan
     bool clear_air = false; // mode of the scan
     bool cluttered = false; // a gate was left out near the site
@@ -385,8 +391,9 @@ void draw_site() {
 void set_labels(const Walk& walk) {
     const char* mode = walk.clear_air ? "cl" : "pr";
     if (moment().range) {
-        std::snprintf(lev2.misc, sizeof lev2.misc, "Md=%s Sc=%d El=%.1f Rng=%.0f,%.0f", mode,
-                      lev2.scan_num, walk.elev, walk.smallest, walk.largest);
+        const int decimals = moment().decimals;
+        std::snprintf(lev2.misc, sizeof lev2.misc, "Md=%s Sc=%d El=%.1f Rng=%.*f,%.*f", mode,
+                      lev2.scan_num, walk.elev, decimals, walk.smallest, decimals, walk.largest);
     } else {
         std::snprintf(lev2.misc, sizeof lev2.misc, "Md=%s Sc=%d El=%.1f Mx=%.0f", mode,
                       lev2.scan_num, walk.elev, walk.largest);

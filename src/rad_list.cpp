@@ -99,7 +99,7 @@ void list_projections() {
 
 void list_variables() {
     // Words of the moments and tables themselves; the files add to them.
-    for (const char* word : {"ref", "vel", "spec"}) {
+    for (const char* word : {"ref", "vel", "spect", "zdr", "phi", "rho", "cfp"}) {
         MESS_print(mess_print, "%s\tLevel II\n", word);
     }
     list_text("nids.var");

@@ -14,7 +14,8 @@ namespace {
 // Gates that are drawn, by elevation number and moment.
 using Scans = std::map<std::pair<int, int>, long>;
 
-constexpr std::array<const char*, lev2_moments> variables = {"ref", "vel", "spect"};
+constexpr std::array<const char*, lev2_moments> variables = {"ref", "vel", "spect", "zdr",
+                                                             "phi", "rho", "cfp"};
 
 void add_radial(Scans& scans, const LEV2_data& data) {
     for (int type = 0; type < lev2_moments; ++type) {
@@ -24,7 +25,9 @@ void add_radial(Scans& scans, const LEV2_data& data) {
         long& figures = scans[{data.elev_num, type}];
         for (int i = 0; i < LEV2_get_gates().count; ++i) {
             const float v = LEV2_get_data();
-            figures += type == lev2_refl ? v >= 5 : (v >= -70 && v < 0) || v >= 1;
+            constexpr std::array<float, lev2_moments> lowest = {5, -70, -70, -8, 0, 0.2F, 0};
+            const bool doppler = type == lev2_vel || type == lev2_spect;
+            figures += v >= lowest[static_cast<std::size_t>(type)] && (!doppler || v < 0 || v >= 1);
         }
     }
 }

@@ -38,7 +38,8 @@ void add_gates(const LEV2_gates& gates, Moment& seen) {
     for (int i = 0; i < gates.count; ++i) {
         const unsigned word = gates.word(i);
         if (word > 1) {
-            const double value = gates.value(word);
+            // The reference takes the marks of the clutter filter, too, for values.
+            const double value = (static_cast<float>(word) - gates.offset) / gates.scale;
             seen.least = std::min(seen.least, value);
             seen.most = std::max(seen.most, value);
             ++seen.valid;
@@ -69,7 +70,8 @@ Scans read_scans(const std::string& path, LEV2_info& info) {
     return scans;
 }
 
-constexpr std::array<const char*, lev2_moments> names = {"REF", "VEL", "SW"};
+constexpr std::array<const char*, lev2_moments> names = {"REF", "VEL", "SW", "ZDR",
+                                                         "PHI", "RHO", "CFP"};
 
 // A scan of the reference: `json` reaches from its first key to the next scan.
 // First gates of the fixed message are read as whole kilometres.
@@ -97,7 +99,7 @@ Scan told_scan(const std::string& json, const std::string& radials, bool fixed) 
 }
 
 std::string text_of(const Scan& scan) {
-    std::array<char, 500> text{};
+    std::array<char, 900> text{};
     int n = std::snprintf(text.data(), text.size(), "%.0f: %.0f radials az %.4f el %.4f", scan.num,
                           scan.radials, scan.azimuth, scan.elevation);
     for (std::size_t type = 0; type < names.size(); ++type) {

@@ -19,7 +19,7 @@ bool open_session() {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     [[maybe_unused]] static const bool opened = open_session();
     const MemoryFile file({data, data + size});
-    for (const char* variable : {"ref1", "vel2", "spect2"}) {
+    for (const char* variable : {"ref1", "vel2", "spect2", "zdr", "phi1", "rho1", "cfp1"}) {
         RES_put("variable", variable);
         FILE_set_filename(file.name());
         LEV2_set_date(nullptr);
