@@ -60,3 +60,28 @@ bool grecord(Gobj code, const Gfontprec& font);
 bool grecord(Gobj code, const Gtext_align& align);
 bool grecord(Gobj code, int n, const Glim& lim);
 bool grecord(Gobj code, int ws_id, int ind, const Gcolr_rep& rep);
+
+// --- Attribute state as a whole -------------------------------------------------
+// A metafile and the redraw list hold only changes: both begin with the state
+// in force. gput_... sends every attribute of the module as its setter does.
+void gput_tran_state();
+void gput_line_state();
+void gput_fill_state();
+void gput_marker_state();
+void gput_text_state();
+
+// An attribute that no setter is given.
+constexpr int missing_index = -9999;
+// A replay must leave the state as it was. `begin` sets the state aside, and
+// the first setters of the replay all count; `keep` sets a copy aside; `restore`
+// brings the state back.
+enum class Ghold { begin, keep, restore };
+void ghold_tran_state(Ghold what);
+void ghold_line_state(Ghold what);
+void ghold_fill_state(Ghold what);
+void ghold_marker_state(Ghold what);
+void ghold_text_state(Ghold what);
+
+// All of it at once (gks_obj.cpp).
+void gput_state();
+void ghold_state(Ghold what);

@@ -38,7 +38,6 @@ struct Gdisp {
 
 // What is chosen before the opening and outlives a closing.
 struct Gdisp_settings {
-    std::array<char, 40> geometry{};
     int fixed_size = 0; // 1: the window manager is given a fixed size
     int icon = 0;       // 1: start iconic
     int pix_mode = 0;   // type 6: 1 clear, 2 new frame, 9 end the window

@@ -207,9 +207,6 @@ void gdraw_use(Gdisplay* side);
 
 // --- The display in memory (gks_mdraw.cpp) ------------------------------------------------
 
-// The geometry asked for: the resource, unless gset_geometry gave one; null if
-// neither did (gks_window.cpp).
-const char* gchosen_geometry();
 // Whether the connection text names it.
 bool gnames_memory(const char* conn_id);
 // Opens it as a window of the geometry asked for. Returns 0, or -1 after a report.

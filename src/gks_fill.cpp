@@ -3,49 +3,29 @@
 
 #include "gks_attr.h"
 #include "gks_pix.h"
+#include "gks_print.h"
 #include "text_num.h"
 
-#include <array>
-
 namespace {
-
-// From full through hatches; from 10 on a ramp of density.
-constexpr std::array<std::array<unsigned char, pattern_size>, num_patterns> bitmap = {
-    {
-     {0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff},
-     {0xaa, 0x55, 0xaa, 0x55, 0xaa, 0x55, 0xaa, 0x55},
-     {0x55, 0x00, 0x55, 0x00, 0x55, 0x00, 0x55, 0x00},
-     {0x24, 0x11, 0x82, 0x48, 0x42, 0x11, 0x28, 0x84},
-     {0x33, 0x33, 0x00, 0x00, 0xcc, 0xcc, 0x00, 0x00},
-     {0x33, 0x33, 0x33, 0x33, 0x33, 0x33, 0x33, 0x33},
-     {0x03, 0x06, 0x0c, 0x18, 0x30, 0x60, 0xc0, 0x81},
-     {0x81, 0xc0, 0x60, 0x30, 0x18, 0x0c, 0x06, 0x03},
-     {0xff, 0xff, 0x00, 0x00, 0xff, 0xff, 0x00, 0x00},
-     {0xc3, 0x66, 0x3c, 0x18, 0x3c, 0x66, 0xc3, 0x81},
-     {0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00},
-     {0x40, 0x10, 0x20, 0x01, 0x00, 0x04, 0x08, 0x02},
-     {0x08, 0xa0, 0x44, 0x11, 0x22, 0x10, 0x81, 0x44},
-     {0x45, 0x28, 0x94, 0x43, 0x50, 0x09, 0x52, 0xa8},
-     {0x19, 0xca, 0x34, 0x1a, 0xe1, 0x32, 0xa5, 0xcc},
-     {0x55, 0xdc, 0x3b, 0xe2, 0x97, 0xaa, 0x65, 0x3e},
-     {0x7a, 0xe5, 0x5f, 0xab, 0xf5, 0xeb, 0x5e, 0xb5},
-     {0xfe, 0xbb, 0xf5, 0x6f, 0xfe, 0xd7, 0xbd, 0xeb},
-     {0xfd, 0xff, 0xef, 0x7f, 0xdf, 0xfe, 0xf7, 0xaf},
-     {0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff},
-     }
-};
 
 struct FillState {
     int fill_inter_style = GSOLID;
     int fill_inter_index = 1; // pattern number
     int fill_color = 1;
-    int print_solid = 0; // 1: fills print black; no reset touches it
     // A metafile holds another pattern than this state: a pattern only goes to
     // the file there.
     bool pattern_elsewhere = false;
 };
 FillState fill;
-FillState fill_aside; // while a replay runs
+// While a replay runs.
+struct FillAside {
+    FillState fill;
+    int print_solid = 0;
+};
+FillAside aside;
+
+// Attributes that no setter is given, so that each next one counts.
+constexpr FillState unknown_state = {missing_index, missing_index, missing_index};
 
 void apply_style() {
     gdraw_set_fill_style(fill.fill_inter_style, fill.fill_inter_index);
@@ -80,10 +60,6 @@ int show_clear(const Glim& lim) {
 }
 
 } // namespace
-
-const std::array<unsigned char, pattern_size>& gfill_pattern(int ind) {
-    return bitmap[ind];
-}
 
 int gfill_area(int n, const Gpt* pts) {
     if (gpts_in_win(n, pts) == 0) {
@@ -159,13 +135,9 @@ int gset_fill_style_ind(int ind) {
 }
 
 int gset_fill_print_solid(int value) {
-    fill.print_solid = value;
+    gprint_set_solid(value);
     grecord(obj_fill_solid, value);
     return 0;
-}
-
-int gget_fill_print_solid() {
-    return fill.print_solid;
 }
 
 int gget_fill_colr() {
@@ -173,9 +145,7 @@ int gget_fill_colr() {
 }
 
 int greset_fill() {
-    const int solid = fill.print_solid;
     fill = {};
-    fill.print_solid = solid;
     return 0;
 }
 
@@ -186,7 +156,7 @@ int ginit_fill(int type) {
 
 void gput_fill_state() {
     const FillState now = fill;
-    fill = {missing_index, missing_index, missing_index, now.print_solid};
+    fill = unknown_state;
     gset_fill_int_style(now.fill_inter_style);
     gset_fill_style_ind(now.fill_inter_index);
     if (gget_color_ind(now.fill_color) != -1) {
@@ -199,13 +169,14 @@ void gput_fill_state() {
 
 void ghold_fill_state(Ghold what) {
     if (what == Ghold::restore) {
-        fill = fill_aside;
+        fill = aside.fill;
+        gprint_set_solid(aside.print_solid);
         return;
     }
     gflush_fill();
-    fill_aside = fill;
+    aside = {fill, gget_fill_print_solid()};
     if (what == Ghold::begin) {
-        fill = {missing_index, missing_index, missing_index, fill.print_solid};
+        fill = unknown_state;
     }
 }
 

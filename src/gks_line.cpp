@@ -3,9 +3,8 @@
 
 #include "gks_attr.h"
 #include "gks_pix.h"
-#include "gks_tran.h"
+#include "gks_print.h"
 
-#include <array>
 #include <cmath>
 
 namespace {
@@ -14,20 +13,17 @@ struct LineState {
     int line_color = 1;
     int line_type = 1; // 1 solid, 2 to 5 dashed
     float line_width = 1.0F;
-    int print_bold = 1; // factor on widths in print; no reset touches it
 };
 LineState line;
-LineState line_aside; // while a replay runs
-
-constexpr int first_dashed = 2;
-constexpr std::array<Gdash, 4> dashes = {
-    {
-     {2, {6, 6}},
-     {2, {3, 6}},
-     {4, {6, 6, 3, 6}},
-     {2, {2, 2}},
-     }
+// While a replay runs.
+struct LineAside {
+    LineState line;
+    int print_bold = 1;
 };
+LineAside aside;
+
+// Attributes that no setter is given, so that each next one counts.
+constexpr LineState unknown_state = {missing_index, missing_index, -1.0F};
 
 int show_polyline(int n, const Gpt* pts) {
     gnew_obj(obj_polyline, n, n * static_cast<int>(sizeof(Gpt)), pts);
@@ -41,11 +37,6 @@ int show_polyline(int n, const Gpt* pts) {
 }
 
 } // namespace
-
-Gdash gline_dash(int type) {
-    const int row = type - first_dashed;
-    return row >= 0 && row < static_cast<int>(dashes.size()) ? dashes[row] : Gdash{};
-}
 
 int gpolyline(int n, const Gpt* pts) {
     if (gchk_open("gpolyline") != 0) {
@@ -125,13 +116,10 @@ int gset_linetype(int type) {
 }
 
 int gset_line_print_bold(int value) {
-    line.print_bold = value > 0 ? value : 1;
-    grecord(obj_line_bold, line.print_bold);
+    const int factor = value > 0 ? value : 1;
+    gprint_set_bold(factor);
+    grecord(obj_line_bold, factor);
     return 0;
-}
-
-int gget_line_print_bold() {
-    return line.print_bold;
 }
 
 int gget_line_colr() {
@@ -139,9 +127,7 @@ int gget_line_colr() {
 }
 
 int greset_line() {
-    const int bold = line.print_bold;
     line = {};
-    line.print_bold = bold;
     return 0;
 }
 
@@ -152,7 +138,7 @@ int ginit_line(int type) {
 
 void gput_line_state() {
     const LineState now = line;
-    line = {missing_index, missing_index, -1.0F, now.print_bold};
+    line = unknown_state;
     if (gget_color_ind(now.line_color) != -1) {
         gset_line_colr_ind(now.line_color);
     } else { // without a pixel no setter takes it
@@ -165,11 +151,12 @@ void gput_line_state() {
 
 void ghold_line_state(Ghold what) {
     if (what == Ghold::restore) {
-        line = line_aside;
+        line = aside.line;
+        gprint_set_bold(aside.print_bold);
         return;
     }
-    line_aside = line;
+    aside = {line, gget_line_print_bold()};
     if (what == Ghold::begin) {
-        line = {missing_index, missing_index, -1.0F, line.print_bold};
+        line = unknown_state;
     }
 }

@@ -4,7 +4,7 @@
 
 #include "gks_attr.h"
 #include "gks_draw.h"
-#include "gks_tran.h"
+#include "gks_pipe.h"
 #include "text_num.h"
 
 #include <array>

@@ -7,6 +7,7 @@
 #include "gks_draw.h"
 #include "gks_overlay.h"
 #include "gks_raster.h"
+#include "gks_state.h"
 #include "text_scan.h"
 #include "zyr.h"
 #include "zyrresrc.h"
@@ -55,7 +56,6 @@ struct Memory {
     int redraw = 1; // of the redraw list before
 };
 Memory memory;
-bool image_run = false;
 
 Pen& pen_of(Gpen pen) {
     return memory.pens[static_cast<std::size_t>(pen)];
@@ -622,17 +622,8 @@ bool gnames_memory(const char* conn_id) {
            (conn_id[length] == '\0' || conn_id[length] == ',');
 }
 
-int gset_image_run(int value) {
-    image_run = value != 0;
-    return 0;
-}
-
-bool gis_image_run() {
-    return image_run;
-}
-
 int gopen_memory() {
-    if (!image_run) {
+    if (!gis_image_run()) {
         MESS_print(mess_warn,
                    "gopen_ws: the display in memory needs an image to write: -of png@FILE\n");
         return -1;

@@ -7,8 +7,8 @@
 // their count says, and a record that does not scan is left out.
 
 #include "gks.h"
+#include "gks_attr.h"
 #include "gks_meta.h"
-#include "gks_tran.h"
 #include "zyr.h"
 
 #include "files.h"

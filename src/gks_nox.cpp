@@ -1,19 +1,11 @@
 // gks_nox: stands for the window in a build without X (-DZYR_X11=OFF), whose only
 // display is the one in memory. It has no events, no cursor and no title to show.
-// State: the geometry asked for.
+// No state.
 
 #include "gks_draw.h"
 #include "zyr.h"
-#include "zyrresrc.h"
-
-#include <array>
 
 namespace {
-
-struct Wish {
-    std::array<char, 40> geometry{};
-};
-Wish wish;
 
 int no_display() {
     MESS_print(mess_warn, "gopen_ws: unable to connect to display\n");
@@ -31,14 +23,6 @@ int gopen_window(const char* conn_id) {
 
 int gopen_pixmap(const char* /*conn_id*/) {
     return no_display();
-}
-
-int gset_geometry(const char* geometry) {
-    return copy_text(wish.geometry.data(), wish.geometry.size(), geometry);
-}
-
-const char* gchosen_geometry() {
-    return wish.geometry[0] != '\0' ? wish.geometry.data() : RES_get("geometry");
 }
 
 int gset_pix_mode(int /*mode*/) {

@@ -11,7 +11,6 @@
 #include "gks.h"
 #include "gks_attr.h"
 #include "gks_draw.h"
-#include "gks_tran.h"
 #include "no_memory.h"
 #include "zyr.h"
 

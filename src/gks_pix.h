@@ -3,7 +3,7 @@
 #pragma once
 
 #include "gks_draw.h"
-#include "gks_tran.h"
+#include "gks_pipe.h"
 #include "no_memory.h"
 
 #include <array>

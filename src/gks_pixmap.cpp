@@ -4,6 +4,7 @@
 // or a file; the state is that of the display (gks_disp.h).
 
 #include "gks_disp.h"
+#include "gks_state.h"
 #include "zyr.h"
 
 #include "files.h"

@@ -1,4 +1,5 @@
-// gks_print: pages, options and print colours of the print devices. No state.
+// gks_print: pages, options and print colours of the print devices. State: what
+// the plot asks of whichever is in force, which no reset touches.
 
 #include "gks_print.h"
 
@@ -13,6 +14,12 @@
 #include <sys/stat.h>
 
 namespace {
+
+struct PrintWish {
+    int bold = 1;  // factor on the widths of lines and text
+    int solid = 0; // 1: fills print black
+};
+PrintWish wish;
 
 struct PageSize {
     const char* name;
@@ -119,4 +126,20 @@ float gprint_gray(int ind) {
 
 int gprint_factor(int ind) {
     return gis_print_colr(ind) ? factors[(ind - first_print_colr) % 3] : 1;
+}
+
+void gprint_set_bold(int factor) {
+    wish.bold = factor;
+}
+
+int gget_line_print_bold() {
+    return wish.bold;
+}
+
+void gprint_set_solid(int value) {
+    wish.solid = value;
+}
+
+int gget_fill_print_solid() {
+    return wish.solid;
 }

@@ -1,5 +1,5 @@
-// gks_print.h: what the print devices share: pages, options, and the print
-// colours. No state.
+// gks_print.h: what the print devices share: pages, options, the print colours,
+// and what the plot asks of all of them.
 #pragma once
 
 #include "gks.h"
@@ -32,3 +32,7 @@ bool gis_print_colr(int ind);
 float gprint_gray(int ind);
 // The factor on the width of any index: that of a print colour, else 1.
 int gprint_factor(int ind);
+
+// Where the setters of gks.h keep their values, and the getters find them.
+void gprint_set_bold(int factor);
+void gprint_set_solid(int value);

@@ -6,8 +6,8 @@
 
 #include "gks_attr.h"
 #include "gks_font.h"
+#include "gks_pipe.h"
 #include "gks_pix.h"
-#include "gks_tran.h"
 #include "text_num.h"
 #include "zyr.h"
 

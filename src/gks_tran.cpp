@@ -1,114 +1,19 @@
-// gks_tran: normalisation and workstation transformations and the clip.
-// Owns the six windows and viewports, the workstation window and viewport and
-// all that is derived from them; ginit_tran (from gopen_ws) sets it up.
-
-#include "gks_tran.h"
+// gks_tran: sets the normalisation and workstation transformations (gks_pipe.cpp):
+// each setter records itself and gives the device its clip. Owns what a replay sets
+// aside; ginit_tran (from gopen_ws) sets all of it up.
 
 #include "gks_attr.h"
 #include "gks_draw.h"
-#include "text_num.h"
-
-#include <algorithm>
-#include <array>
+#include "gks_pipe.h"
 
 namespace {
 
+constexpr int size_changed = 10; // of the device, told ginit_tran
 constexpr int missing_tran = -1; // selected at the start of a replay
-constexpr Gcoords unit_square = {0.0F, 0.0F, 1.0F, 1.0F, 1.0F, 1.0F};
-
-struct Transformations {
-    std::array<Gcoords, num_trans> wn{}; // windows, world
-    std::array<Gcoords, num_trans> vp{}; // viewports, NDC
-    int cur_trans = 0;
-    Gcoords cur_wn = unit_square;
-    Gcoords cur_vp = unit_square;
-    Gtransform wn_vp = {1.0F, 1.0F};
-    Gcoords wkwn = unit_square; // workstation window, NDC
-    Gcoords wkvp = unit_square; // workstation viewport, device units
-    Gcoords plt = unit_square;  // device rectangle in use
-    Gtransform wkwn_plt = {1.0F, 1.0F};
-    Gclip_rect clip_rect = {0, 0, 1, 1}; // current viewport in pixels
-    Gpipe pipe{};
-};
-Transformations tran;
-Transformations tran_aside; // while a replay runs
-
-Gcoords from_lim(const Glim& lim) {
-    return {
-        lim.x_min, lim.y_min, lim.x_max, lim.y_max, lim.x_max - lim.x_min, lim.y_max - lim.y_min};
-}
-
-Glim to_lim(const Gcoords& c) {
-    return {c.x_min, c.x_max, c.y_min, c.y_max};
-}
-
-// An empty rectangle has no scale: all of it falls on one point.
-float ratio(float a, float b) {
-    return b == 0.0F ? 0.0F : a / b;
-}
-
-Gtransform scales(const Gcoords& to, const Gcoords& from) {
-    return {ratio(to.x_ext, from.x_ext), ratio(to.y_ext, from.y_ext)};
-}
-
-// Fits the workstation window into the viewport, at its low corner.
-Gcoords fit_plt(const Gcoords& wkwn, const Gcoords& wkvp, int win_x, int win_y) {
-    Gcoords plt{};
-    if (ratio(wkvp.x_ext, wkwn.x_ext) > ratio(wkvp.y_ext, wkwn.y_ext)) {
-        plt.y_ext = wkvp.y_ext;
-        plt.y_max = wkvp.y_max;
-        plt.x_ext = ratio(wkwn.x_ext * wkvp.y_ext, wkwn.y_ext);
-        plt.x_max = plt.x_ext + wkvp.x_min;
-    } else {
-        plt.x_ext = wkvp.x_ext;
-        plt.x_max = wkvp.x_max;
-        plt.y_ext = ratio(wkwn.y_ext * wkvp.x_ext, wkwn.x_ext);
-        plt.y_max = plt.y_ext + wkvp.y_min;
-    }
-    plt.x_min = static_cast<float>(win_x) + wkvp.x_min;
-    plt.y_min = static_cast<float>(win_y) + wkvp.y_min;
-    return plt;
-}
-
-Gclip_rect pixel_rect(const Gcoords& vp) {
-    const int x = trunc_int(xNDC_p(vp.x_min) + 0.5F);
-    const int width = trunc_int(xNDC_p(vp.x_max) - static_cast<float>(x) + 1.5F);
-    const int y = trunc_int(yNDC_p(vp.y_max) + 0.5F);
-    const int height = trunc_int(yNDC_p(vp.y_min) - static_cast<float>(y) + 1.5F);
-    return {static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
-            static_cast<std::uint16_t>(std::clamp(width, 0, 65535)),
-            static_cast<std::uint16_t>(std::clamp(height, 0, 65535))};
-}
-
-// The same on paper, Y up.
-Grectangle print_rect(const Gcoords& vp) {
-    const int x = trunc_int(xNDC_ps(vp.x_min));
-    const int y = trunc_int(yNDC_ps(vp.y_min));
-    return {x, y, trunc_int(xNDC_ps(vp.x_max) - static_cast<float>(x) + 1.5F),
-            trunc_int(yNDC_ps(vp.y_max) - static_cast<float>(y) + 1.5F)};
-}
-
-// Everything that follows from windows, viewports and `plt`.
-void derive() {
-    tran.wn_vp = scales(tran.cur_vp, tran.cur_wn);
-    tran.wkwn_plt = scales(tran.plt, tran.wkwn);
-    tran.pipe = {tran.cur_wn.x_min, tran.cur_wn.y_min, tran.wn_vp.x,    tran.wn_vp.y,
-                 tran.cur_vp.x_min, tran.cur_vp.y_min, tran.wkwn.x_min, tran.wkwn.y_min,
-                 tran.wkwn_plt.x,   tran.wkwn_plt.y,   tran.plt.x_min,  tran.plt.y_min,
-                 tran.wkwn.y_max};
-    tran.clip_rect = pixel_rect(tran.cur_vp);
-}
-
-void refit() {
-    int x = 0;
-    int y = 0;
-    gget_win_offset(&x, &y);
-    tran.plt = fit_plt(tran.wkwn, tran.wkvp, x, y);
-    derive();
-}
+Gtransformations tran_aside;     // while a replay runs
 
 void set_clip() {
-    const Gcoords& vp = tran.cur_vp;
+    const Gcoords& vp = gtransformations().cur_vp;
     const float x0 = xNDC_ps(vp.x_min);
     const float y0 = yNDC_ps(vp.y_min);
     const float x1 = xNDC_ps(vp.x_max);
@@ -116,7 +21,7 @@ void set_clip() {
     switch (gget_device()) {
     case Gdevice::window:
     case Gdevice::pixmap:
-        gdraw_set_clip(tran.clip_rect);
+        gdraw_set_clip(gtransformations().clip_rect);
         break;
     case Gdevice::metafile:
         gcgm_set_clip(x0, y0, x1, y1);
@@ -132,281 +37,115 @@ void set_clip() {
     }
 }
 
-bool valid(const char* func, int n) {
-    if (n >= 0 && n < num_trans) {
-        return true;
-    }
-    gerr_printf(func, "invalid transformation number: %d\n", n);
-    return false;
-}
-
-// One axis of gset_aspect.
-void place(float low, float high, float size, Gint center, float* out_low, float* out_high) {
-    if (center == 2) {
-        *out_low = low + ((high - low) - size) / 2.0F;
-        *out_high = *out_low + size;
-    } else if (center == 3) {
-        *out_high = high;
-        *out_low = high - size;
-    } else {
-        *out_low = 0.0F;
-        *out_high = size;
-    }
-}
-
 } // namespace
 
-const Gpipe& gget_pipe() {
-    return tran.pipe;
-}
-
 void gput_tran_state() {
-    const Glim wkvp = to_lim(tran.wkvp);
-    const Glim wkwn = to_lim(tran.wkwn);
+    const Glim wkvp = to_lim(gtransformations().wkvp);
+    const Glim wkwn = to_lim(gtransformations().wkwn);
     grecord(obj_ws_vp, gget_ws_id(), wkvp);
     grecord(obj_ws_win, gget_ws_id(), wkwn);
     for (int n = 0; n < num_trans; ++n) {
-        const Glim vp = to_lim(tran.vp[n]);
-        const Glim wn = to_lim(tran.wn[n]);
+        const Glim vp = to_lim(gtransformations().vp[n]);
+        const Glim wn = to_lim(gtransformations().wn[n]);
         grecord(obj_vp, n, vp);
         grecord(obj_win, n, wn);
     }
-    grecord(obj_norm_tran, tran.cur_trans);
+    grecord(obj_norm_tran, gtransformations().cur_trans);
 }
 
 void ghold_tran_state(Ghold what) {
     if (what == Ghold::restore) {
-        tran = tran_aside;
+        gtransformations() = tran_aside;
         set_clip();
         return;
     }
-    tran_aside = tran;
+    tran_aside = gtransformations();
     if (what == Ghold::begin) {
-        tran.cur_trans = missing_tran;
+        gtransformations().cur_trans = missing_tran;
     }
 }
 
 int ginit_tran(int type) {
-    constexpr int size_changed = 10;
     int width = 0;
     int height = 0;
     gget_win_size(&width, &height);
     if (type != size_changed) {
-        tran.wkwn = unit_square;
-        tran.wn.fill(unit_square);
-        tran.vp.fill(unit_square);
-        tran.cur_trans = 0;
-        tran.cur_wn = unit_square;
-        tran.cur_vp = unit_square;
+        gtransformations().wkwn = unit_square;
+        gtransformations().wn.fill(unit_square);
+        gtransformations().vp.fill(unit_square);
+        gtransformations().cur_trans = 0;
+        gtransformations().cur_wn = unit_square;
+        gtransformations().cur_vp = unit_square;
     }
-    tran.wkvp =
+    gtransformations().wkvp =
         from_lim({0.0F, static_cast<float>(width - 1), 0.0F, static_cast<float>(height - 1)});
-    refit();
+    grefit_tran();
     if (type != size_changed) {
         set_clip();
     }
     return 0;
 }
 
+int gset_win_size(int width, int height) {
+    gset_xsize(width, height);
+    return ginit_tran(size_changed);
+}
+
 int gset_ws_win(int ws_id, const Glim* lim) {
     grecord(obj_ws_win, ws_id, *lim);
-    tran.wkwn = from_lim(*lim);
-    refit();
+    gtransformations().wkwn = from_lim(*lim);
+    grefit_tran();
     set_clip();
     return 0;
 }
 
 int gset_ws_vp(int ws_id, const Glim* lim) {
     grecord(obj_ws_vp, ws_id, *lim);
-    tran.wkvp = from_lim(*lim);
-    refit();
+    gtransformations().wkvp = from_lim(*lim);
+    grefit_tran();
     set_clip();
     return 0;
 }
 
 int gsel_norm_tran(int n) {
-    if (!valid("gsel_norm_tran", n)) {
+    if (!gis_tran("gsel_norm_tran", n)) {
         return -1;
     }
-    if (n == tran.cur_trans) {
+    if (n == gtransformations().cur_trans) {
         return 0;
     }
     grecord(obj_norm_tran, n);
-    tran.cur_trans = n;
-    tran.cur_wn = tran.wn[n];
-    tran.cur_vp = tran.vp[n];
-    derive();
+    gtransformations().cur_trans = n;
+    gtransformations().cur_wn = gtransformations().wn[n];
+    gtransformations().cur_vp = gtransformations().vp[n];
+    gderive_tran();
     set_clip();
     return 0;
 }
 
 int gset_vp(int n, const Glim* lim) {
-    if (!valid("gset_vp", n)) {
+    if (!gis_tran("gset_vp", n)) {
         return -1;
     }
     grecord(obj_vp, n, *lim);
-    tran.vp[n] = from_lim(*lim);
-    if (n == tran.cur_trans) {
-        tran.cur_vp = tran.vp[n];
-        derive();
+    gtransformations().vp[n] = from_lim(*lim);
+    if (n == gtransformations().cur_trans) {
+        gtransformations().cur_vp = gtransformations().vp[n];
+        gderive_tran();
         set_clip();
     }
     return 0;
 }
 
 int gset_win(int n, const Glim* lim) {
-    if (!valid("gset_win", n)) {
+    if (!gis_tran("gset_win", n)) {
         return -1;
     }
     grecord(obj_win, n, *lim);
-    tran.wn[n] = from_lim(*lim);
-    if (n == tran.cur_trans) {
-        tran.cur_wn = tran.wn[n];
-        derive();
+    gtransformations().wn[n] = from_lim(*lim);
+    if (n == gtransformations().cur_trans) {
+        gtransformations().cur_wn = gtransformations().wn[n];
+        gderive_tran();
     }
     return 0;
-}
-
-int ginq_norm_tran(int n, int* err, Gtran* out) {
-    if (!valid("ginq_norm_tran", n)) {
-        *err = -1;
-        return -1;
-    }
-    *out = {to_lim(tran.wn[n]), to_lim(tran.vp[n])};
-    *err = 0;
-    return 0;
-}
-
-int ginq_cur_norm_tran_num(int* err, int* n) {
-    *err = 0;
-    *n = tran.cur_trans;
-    return 0;
-}
-
-int gset_aspect(const Glim* vin, Glim* vout, Gaspect asp, Gcenter center) {
-    const float dx = vin->x_max - vin->x_min;
-    const float dy = vin->y_max - vin->y_min;
-    float w = dx;
-    float h = dy;
-    if (asp.y / dy > asp.x / dx) {
-        w = asp.x * dy / asp.y;
-    } else {
-        h = asp.y * dx / asp.x;
-    }
-    const Glim in = *vin; // `vout` may be the same record
-    place(in.x_min, in.x_max, w, center.x, &vout->x_min, &vout->x_max);
-    place(in.y_min, in.y_max, h, center.y, &vout->y_min, &vout->y_max);
-    return 0;
-}
-
-int gpts_in_win(int n, const Gpt* pts) {
-    if (n < 1) {
-        return 0;
-    }
-    Glim box = {pts[0].x, pts[0].x, pts[0].y, pts[0].y};
-    for (int i = 1; i < n; ++i) {
-        box.x_min = std::min(box.x_min, pts[i].x);
-        box.x_max = std::max(box.x_max, pts[i].x);
-        box.y_min = std::min(box.y_min, pts[i].y);
-        box.y_max = std::max(box.y_max, pts[i].y);
-    }
-    const Gcoords& w = tran.cur_wn;
-    const bool outside =
-        box.x_max < w.x_min || box.x_min > w.x_max || box.y_max < w.y_min || box.y_min > w.y_max;
-    return outside ? 0 : 1;
-}
-
-int gget_xviewport(Gclip_rect* rect) {
-    *rect = tran.clip_rect;
-    return 0;
-}
-
-int gget_gviewport(Grectangle* rect) {
-    switch (gget_device()) {
-    case Gdevice::window:
-    case Gdevice::pixmap:
-        *rect = {tran.clip_rect.x, tran.clip_rect.y, tran.clip_rect.width, tran.clip_rect.height};
-        break;
-    case Gdevice::metafile:
-    case Gdevice::postscript:
-    case Gdevice::hpgl:
-    case Gdevice::none:
-        *rect = print_rect(tran.cur_vp);
-        break;
-    }
-    return 0;
-}
-
-float xW_NDC(float x) {
-    return (x - tran.cur_wn.x_min) * tran.wn_vp.x + tran.cur_vp.x_min;
-}
-
-float yW_NDC(float y) {
-    return (y - tran.cur_wn.y_min) * tran.wn_vp.y + tran.cur_vp.y_min;
-}
-
-float xNDC_p(float x) {
-    return hold_within((x - tran.wkwn.x_min) * tran.wkwn_plt.x + tran.plt.x_min, pixel_limit);
-}
-
-float yNDC_p(float y) {
-    return hold_within((tran.wkwn.y_max - y) * tran.wkwn_plt.y + tran.plt.y_min, pixel_limit);
-}
-
-float xNDC_ps(float x) {
-    return hold_within((x - tran.wkwn.x_min) * tran.wkwn_plt.x + tran.plt.x_min, print_limit);
-}
-
-float yNDC_ps(float y) {
-    return hold_within((y - tran.wkwn.y_min) * tran.wkwn_plt.y + tran.plt.y_min, print_limit);
-}
-
-float xW_p(float x) {
-    return xNDC_p(xW_NDC(x));
-}
-
-float yW_p(float y) {
-    return yNDC_p(yW_NDC(y));
-}
-
-float xW_ps(float x) {
-    return pipe_x(tran.pipe, x);
-}
-
-float yW_ps(float y) {
-    return pipe_y(tran.pipe, y);
-}
-
-float xp_W(float x) {
-    const float ndc = ratio(x - tran.plt.x_min, tran.wkwn_plt.x) + tran.wkwn.x_min;
-    return ratio(ndc - tran.cur_vp.x_min, tran.wn_vp.x) + tran.cur_wn.x_min;
-}
-
-float yp_W(float y) {
-    const float ndc = tran.wkwn.y_max - ratio(y - tran.plt.y_min, tran.wkwn_plt.y);
-    return ratio(ndc - tran.cur_vp.y_min, tran.wn_vp.y) + tran.cur_wn.y_min;
-}
-
-float xW_trans(float x, int from, int to) {
-    if (!valid("xW_trans", from) || !valid("xW_trans", to)) {
-        return x;
-    }
-    const Gcoords& fw = tran.wn[from];
-    const Gcoords& fv = tran.vp[from];
-    const Gcoords& tw = tran.wn[to];
-    const Gcoords& tv = tran.vp[to];
-    const float ndc = ratio((x - fw.x_min) * fv.x_ext, fw.x_ext) + fv.x_min;
-    return ratio(ndc - tv.x_min, tv.x_ext) * tw.x_ext + tw.x_min;
-}
-
-float yW_trans(float y, int from, int to) {
-    if (!valid("yW_trans", from) || !valid("yW_trans", to)) {
-        return y;
-    }
-    const Gcoords& fw = tran.wn[from];
-    const Gcoords& fv = tran.vp[from];
-    const Gcoords& tw = tran.wn[to];
-    const Gcoords& tv = tran.vp[to];
-    const float ndc = ratio((y - fw.y_min) * fv.y_ext, fw.y_ext) + fv.y_min;
-    return ratio(ndc - tv.y_min, tv.y_ext) * tw.y_ext + tw.y_min;
 }

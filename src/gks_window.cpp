@@ -3,6 +3,7 @@
 // display (gks_disp.h).
 
 #include "gks_disp.h"
+#include "gks_state.h"
 #include "zyr.h"
 
 #include "zyrresrc.h"
@@ -218,15 +219,6 @@ int unable() {
 }
 
 } // namespace
-
-const char* gchosen_geometry() {
-    return gdisp_settings().geometry[0] != '\0' ? gdisp_settings().geometry.data()
-                                                : RES_get("geometry");
-}
-
-int gset_geometry(const char* geometry) {
-    return copy_text(gdisp_settings().geometry.data(), gdisp_settings().geometry.size(), geometry);
-}
 
 int gset_iconic(int value) {
     gdisp_settings().icon = value;

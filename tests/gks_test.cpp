@@ -1,7 +1,7 @@
 // Kernel: phases, transformations, primitives and attributes as PostScript.
 
 #include "gks.h"
-#include "gks_tran.h"
+#include "gks_pipe.h"
 #include "ps_page.h"
 #include "zyrgks.h"
 #include "zyrresrc.h"

@@ -2,7 +2,7 @@
 
 #include "cgm_walk.h"
 #include "gks.h"
-#include "gks_tran.h"
+#include "gks_pipe.h"
 #include "ps_ink.h"
 #include "ps_page.h"
 
