@@ -4,7 +4,7 @@
 //   ps_write_bench [N [output]]      500000 cells to /dev/null
 
 #include "fixed_format.h"
-#include "gks_tran.h"
+#include "gks_pipe.h"
 #include "zyrgks.h"
 #include "zyrresrc.h"
 

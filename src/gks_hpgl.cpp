@@ -7,8 +7,8 @@
 #include "gks.h"
 
 #include "geometry_text.h"
-#include "gks_print.h"
 #include "gks_pipe.h"
+#include "gks_print.h"
 #include "out_file.h"
 #include "out_text.h"
 #include "text_num.h"
