@@ -47,13 +47,13 @@ Gcolr_levels levels_of(int ind) {
 int nearest_pixel(float red, float grn, float blu) {
     int pixel = 0;
     float least = 4.0F;
+    const Gpalette& table = gpalette();
     for (int i = 0; i < num_colrs; ++i) {
-        const float distance = std::fabs(red - gpalette().red[i]) +
-                               std::fabs(grn - gpalette().grn[i]) +
-                               std::fabs(blu - gpalette().blu[i]);
-        if (gpalette().color_ind[i] != no_pixel && distance < least) {
+        const float distance = std::fabs(red - table.red[i]) + std::fabs(grn - table.grn[i]) +
+                               std::fabs(blu - table.blu[i]);
+        if (table.color_ind[i] != no_pixel && distance < least) {
             least = distance;
-            pixel = gpalette().color_ind[i];
+            pixel = table.color_ind[i];
         }
     }
     return pixel;

@@ -7,7 +7,6 @@
 #include "zyr.h"
 
 #include <array>
-#include <cctype>
 #include <cstdio>
 
 namespace {

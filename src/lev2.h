@@ -66,7 +66,7 @@ constexpr int lev2_moments = 7;
 
 struct LEV2_moment_name {
     const char* name;
-    int decimals; // that its values are told with
+    int decimals; // of its values in print
 };
 constexpr std::array<LEV2_moment_name, lev2_moments> lev2_names = {
     {

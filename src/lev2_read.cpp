@@ -109,7 +109,7 @@ constexpr Scale refl_fixed = {2.0F, 66.0F};
 constexpr Scale vel_fine = {2.0F, 129.0F};
 constexpr Scale vel_coarse = {1.0F, 129.0F};
 constexpr Scale spect_fixed = {2.0F, 129.0F};
-constexpr unsigned cfp_first_value = 8; // words below it tell how gates were filtered
+constexpr unsigned cfp_first_value = 8; // words below it say how gates were filtered
 constexpr int resolution_fine = 2;      // of `vel_res`
 
 constexpr LEV2_gates no_gates;

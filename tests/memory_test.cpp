@@ -328,8 +328,8 @@ TEST_F(MemoryTest, ScriptsHaveAPicture) {
     EXPECT_EQ(done.code, 0) << done.err;
     const std::string picture = read_text(dir.path() + "/bare.png");
     ASSERT_NE(picture, "");
-    done = shell("mkdir " + dir.path() + "/home && chmod 500 " + dir.path() + "/home && HOME=" +
-                 dir.path() + "/home " ZYR_PROGRAM + draw + dir.path() + "/home.png" + end);
+    // In /proc not even root can make a file.
+    done = shell("HOME=/proc " ZYR_PROGRAM + draw + dir.path() + "/home.png" + end);
     EXPECT_EQ(done.code, 0) << done.err;
     EXPECT_GE(read_picture(dir.path() + "/home.png").colors(), 4);
     done = shell("for i in 0 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19; do " + call +
