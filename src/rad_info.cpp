@@ -14,6 +14,7 @@
 #include "rarep.h"
 #include "rrwds.h"
 #include "zyrcty.h"
+#include "zyrrad.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
@@ -246,6 +247,29 @@ void read_rcm(std::FILE* file, const Sites& sites, Report* report) {
     report->product = "Radar Coded Message" + others;
 }
 
+// The date and the number of reports; -inp names their kind.
+void read_summary(const char* name, Report* report) {
+    const auto info = std::make_unique<RAD_info>();
+    int type = 0;
+    const int fd = RAD_open(name, 0, &type);
+    if (fd >= 0 && RAD_getinfo(fd, info.get()) == 0) {
+        const bool rcm = info->type == rad_rcm;
+        RAD_rewind(fd);
+        MDR_report digitised;
+        const auto message = std::make_unique<RCM_report>();
+        int count = 0;
+        while (rcm ? RCM_read(fd, message.get(), 1, nullptr) == 1
+                   : MDR_read(fd, &digitised, 1, &count) == 0) {
+            ++count;
+        }
+        report->input = rcm ? "rcm" : "mdr";
+        report->product = "Radar summary of " + std::to_string(count) +
+                          (rcm ? " Radar Coded Messages" : " reports of digitised radar");
+        report->date = info->date;
+    }
+    RAD_close(fd);
+}
+
 Report look_into(const char* name, const Sites& sites) {
     Report report;
     report.file = name;
@@ -271,6 +295,8 @@ Report look_into(const char* name, const Sites& sites) {
         read_rrwds(file.get(), &report);
     } else if (report.input == "rcmsite") {
         read_rcm(file.get(), sites, &report);
+    } else if (report.input == "mdr") {
+        read_summary(name, &report);
     }
     return report;
 }

@@ -408,8 +408,9 @@ int RCM_plot(Domain* domain) {
 
 int RCM_plot_frame() {
     MAP_draw(map_under);
-    RCM_plot_summary();
-    rad_draw_bar();
+    if (RCM_plot_summary() == 0) { // a bar says nothing without echoes
+        rad_draw_bar();
+    }
     MAP_draw(map_over | map_plain);
     RCM_plot_data(&rcm.report);
     PLT_labels();

@@ -5,6 +5,7 @@
 #include "rcm_writer.h"
 #include "reference.h"
 #include "rrwds_writer.h"
+#include "summary_writer.h"
 
 #include <algorithm>
 #include <cmath>
@@ -24,6 +25,9 @@ protected:
         write("rrwds", rrwds_file({}, [](int, int bin) { return bin % 7; }));
         write("rcm", rcm_samples()[0].second);
         write("region", rcm_region_sample());
+        for (const auto& [name, bytes] : summary_samples()) {
+            write(name, bytes);
+        }
         dir.write("page", "<html><body>Not found</body></html>");
         dir.write("with \"quotes\"\x01", "");
     }
@@ -103,6 +107,12 @@ TEST_F(Info, OneLineAFileInTheOrderOfTimes) {
         std::string::npos)
         << info({"region"}).out;
     EXPECT_NE(run.out.find("scan 1 0.5 deg, reflectivity"), std::string::npos) << run.out;
+    const std::string time = "2019-05-20T22:35:00Z  -     ";
+    EXPECT_EQ(info({"mdr.rad", "rcm.rad", "station.nc", "report.nc"}).out,
+              time + "mdr.rad: Radar summary of 78 reports of digitised radar\n" + time +
+                  "rcm.rad: Radar summary of 78 Radar Coded Messages\n" + time +
+                  "station.nc: Radar summary of 3 reports of digitised radar\n" + time +
+                  "report.nc: Radar summary of 3 reports of digitised radar\n");
 }
 
 TEST_F(Info, JsonCanBeReadAgain) {
