@@ -413,20 +413,11 @@ TEST(Mosaic, AFloodOfFiguresIsCut) {
               1);
 }
 
-TEST_F(MosaicPlot, SeriesAndDamage) {
-    // Between two good files a damaged one shows neither label nor echoes.
-    Bytes cut = nowrad_samples()[0].second;
-    cut.resize(60);
-    write("cut", cut);
+TEST_F(MosaicPlot, OtherFilesAndPipes) {
     write("html", {'<', 'h', 't', 'm', 'l', '>'});
     const std::string args = "-dr sum,text -pp nobar -pd ll:0:-97.3,36,-97.3,51,21,.12,.12 ";
-    const NidsPage one = nids_page(dir, args + "./now", "nowrad");
-    const NidsPage three = nids_page(dir, args + "./now ./cut ./now", "nowrad");
-    EXPECT_EQ(three.run.code, 0) << three.run.err;
-    EXPECT_EQ(three.figures(), 2 * one.figures());
-    EXPECT_EQ(count_text(three.text, "NOWRad Radar Master"), 2);
     EXPECT_EQ(nids_page(dir, args + "./html", "nowrad").run.code, 10);
     EXPECT_EQ(nids_page(dir, args + "./none", "nowrad").run.code, 10);
     EXPECT_EQ(nids_page(dir, args + "./html", "kavrad").run.code, 0);
-    expect_piped(one, "now", args, "nowrad");
+    expect_piped(nids_page(dir, args + "./now", "nowrad"), "now", args, "nowrad");
 }
