@@ -66,7 +66,7 @@ TEST_F(WindowTest, KeepsItsPicture) {
 }
 
 // The same picture from every event order: a size that comes while the program
-// draws is taken behind the plot.
+// draws is taken after the plot.
 TEST_F(WindowTest, ManySizesEndInTheLast) {
     const Picture expected = picture_of("disc -ge 500x400");
     start("disc");
