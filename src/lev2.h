@@ -8,7 +8,7 @@
 //   while LEV2_get_block gives a record
 //       LEV2_set_data_type picks a moment of a radial; then LEV2_get_gates for
 //       all of its gates at once, or LEV2_get_data gate by gate
-//       LEV2_next_block
+//       LEV2_next_block, and LEV2_is_scan_done when one scan is wanted
 //   LEV2_list_cuts or LEV2_warn_empty tell what the walk met; LEV2_close_file
 #pragma once
 
@@ -124,6 +124,11 @@ struct LEV2_data {
 int LEV2_get_block(LEV2_data* data);
 // Goes to the next record. Returns 1; 0 with no record at hand.
 int LEV2_next_block();
+// Between two records: 1 when the walk has met all radials of a scan, and the volume
+// shows that no others of its number follow, so that nothing need be unpacked any
+// more. 0 where they may. Only packed volumes whose units are those of the coverage
+// pattern that they tell in front can show it.
+int LEV2_is_scan_done(int scan);
 
 // --- Gates ----------------------------------------------------------------------
 

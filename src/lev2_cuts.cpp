@@ -1,9 +1,16 @@
-// lev2_cuts: the table of the cuts that a walk of a Level II volume meets, and
-// the texts that tell of it. It keeps no state.
+// lev2_cuts: the table of the cuts that a walk of a Level II volume meets, the
+// texts that tell of it, and the table of cuts in the volume's coverage pattern. It
+// keeps no state. The pattern, message type 5, big-endian:
+//
+//   6  2   number of cuts
+//   22 46  each, byte 4 of these: bit 0 for radials of half a degree
 #include "lev2_cuts.h"
+
+#include "byte_reader.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -39,6 +46,12 @@ std::string angle_text(float angle) {
     std::snprintf(text.data(), text.size(), "%.1f", static_cast<double>(angle));
     return text.data();
 }
+
+constexpr std::size_t pattern_count_at = 6;
+constexpr std::size_t pattern_cuts_at = 22;
+constexpr std::size_t pattern_cut_size = 46;
+constexpr std::size_t pattern_flags_at = 4;
+constexpr int unit_radials = 120;
 
 } // namespace
 
@@ -96,4 +109,38 @@ std::string lev2_empty_text(const Lev2Cuts& cuts, int scan, int type) {
     const std::string others = scans_with(cuts, type);
     return "Scan " + std::to_string(scan) + " (El=" + angle_text(at->angle) + ") has no " + name +
            (others.empty() ? ", nor has any other" : ", scans that have it: " + others);
+}
+
+Lev2Pattern lev2_read_pattern(std::span<const std::uint8_t> data) {
+    Lev2Pattern pattern;
+    ByteReader r(data);
+    r.seek(pattern_count_at);
+    const std::size_t count = r.u16be();
+    if (count > pattern.radials.size()) {
+        return {};
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        r.seek(pattern_cuts_at + i * pattern_cut_size + pattern_flags_at);
+        pattern.radials[i] = (r.u8() & 1) != 0 ? 720 : 360;
+    }
+    pattern.count = r.ok() ? static_cast<int>(count) : 0;
+    return pattern;
+}
+
+int lev2_pattern_units(const Lev2Pattern& pattern, int cuts) {
+    const auto begin = pattern.radials.begin();
+    return 1 + std::accumulate(begin, begin + std::min(cuts, pattern.count), 0) / unit_radials;
+}
+
+bool lev2_is_walked(const Lev2Cuts& walked, const Lev2Pattern& pattern, int cuts) {
+    const auto rows = walked.rows();
+    if (cuts < 1 || cuts > pattern.count || static_cast<int>(rows.size()) != cuts) {
+        return false;
+    }
+    for (std::size_t i = rows.size(); i-- > 0;) { // the last one is seldom whole
+        if (rows[i].num != static_cast<int>(i) + 1 || rows[i].radials != pattern.radials[i]) {
+            return false;
+        }
+    }
+    return true;
 }

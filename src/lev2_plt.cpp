@@ -272,6 +272,7 @@ struct Walk {
     float elev = 0;         // degrees, of the scan
     bool clear_air = false; // mode of the scan
     bool cluttered = false; // a gate was left out near the site
+    bool left = false;      // what follows the scan was not read
 
     Walk(const Domain& domain, const Map& picture)
         : own(map_make(domain)), plot(picture), strip(own, plot) {}
@@ -290,6 +291,26 @@ void print_radial(Walk& walk, const LEV2_data& data) {
     }
 }
 
+// How many gates from `gate` on are like the one in front of them, whose word is 0 as
+// that of most: the eight at a time that are looked at. None in front of another word.
+int zero_words(const LEV2_gates& gates, int gate) {
+    std::uint64_t words = 0;
+    if (gates.word(gate - 1) != 0) {
+        return 0;
+    }
+    const auto word_bytes = static_cast<std::size_t>(gates.word_bytes);
+    const auto left = gates.bytes.subspan(static_cast<std::size_t>(gate) * word_bytes);
+    std::size_t zeros = 0;
+    while (left.size() - zeros >= sizeof words) {
+        std::memcpy(&words, &left[zeros], sizeof words);
+        if (words != 0) {
+            break;
+        }
+        zeros += sizeof words;
+    }
+    return static_cast<int>(zeros / word_bytes);
+}
+
 // Draws the gates of the moment selected.
 void draw_radial(Walk& walk, const LEV2_data& data) {
     const LEV2_gates& gates = LEV2_get_gates();
@@ -306,9 +327,11 @@ void draw_radial(Walk& walk, const LEV2_data& data) {
         if (look.value > lev2_folded) {
             walk.smallest = std::min(walk.smallest, look.value);
         }
-        if (look.drawn && i < lev2.words.clutter) {
+        if (!look.drawn) {
+            i += zero_words(gates, i + 1);
+        } else if (i < lev2.words.clutter) {
             walk.cluttered = true;
-        } else if (look.drawn) {
+        } else {
             walk.strip.make_room(edges);
             walk.room -= walk.strip.add(i, 1, 1, look.attrib);
         }
@@ -326,9 +349,21 @@ void take_scan(int number) {
     }
 }
 
+// Whether the rest of the volume can be left unread: the scan was met with its
+// moment. Without it the scans that have it are to be named.
+bool is_done() {
+    return LEV2_is_scan_done(lev2.scan_num) != 0 &&
+           LEV2_get_cuts().back().moments[static_cast<std::size_t>(lev2.scan_type)] > 0;
+}
+
 void draw_scan(Walk& walk) {
+    const bool to_end = MESS_check(mess_debug) != 0; // each record is to be seen
     LEV2_data data;
-    for (; walk.room > 0 && LEV2_get_block(&data) != 0; LEV2_next_block()) {
+    for (; walk.room > 0; LEV2_next_block()) {
+        walk.left = !to_end && is_done();
+        if (walk.left || LEV2_get_block(&data) == 0) {
+            break;
+        }
         if (data.type != lev2_radial_fixed && data.type != lev2_radial_generic) {
             continue;
         }
@@ -471,6 +506,9 @@ int LEV2_plot_summary() {
     PLT_mess("LEV2 Sum");
     draw_scan(walk);
     LEV2_list_cuts(mess_mess);
+    if (walk.left) {
+        MESS_print(mess_mess, "Read to the end of scan %d, \"--info\" lists all\n", lev2.scan_num);
+    }
     tell_empty(walk);
     draw_site();
     set_labels(walk);

@@ -76,6 +76,7 @@ constexpr std::size_t prefix_size = 12;
 constexpr std::size_t mess_header_size = 16;
 constexpr std::size_t data_header_at = prefix_size + mess_header_size;
 constexpr std::size_t fixed_message_size = 2420;
+constexpr int pattern_message = 5; // type of the message with the coverage pattern
 static_assert(prefix_size + 2UL * 0xFFFF <= lev2_buffer_size, "a record fits the buffer");
 
 // Of a message type 1, whose angles are coded in steps of an eighth of this.
@@ -128,6 +129,8 @@ constexpr float max_range = 100000.0F;
 
 using Moments = std::array<LEV2_gates, lev2_moments>;
 
+constexpr int not_looked = -1;
+
 struct State {
     int compress = 0;               // what the user says about the file
     char name[file_name_size] = ""; // the open file, or the one before
@@ -143,6 +146,8 @@ struct State {
     int scan_type = -1;             // moment selected
     int next_gate = 0;              //
     Lev2Cuts cuts;
+    Lev2Pattern pattern;       // that the volume told
+    int last_cut = not_looked; // elevation number at the volume's end, see find_last_cut
 };
 State lev2;
 
@@ -506,8 +511,14 @@ int read_record(State& s) {
         return tell_end(s, is_radial(s.data));
     }
     s.at_hand = true;
-    if (is_radial(s.data) && s.size >= data_header_at) {
-        read_radial(record.subspan(data_header_at, s.size - data_header_at), s);
+    if (s.size < data_header_at) {
+        return 1;
+    }
+    const auto message = record.subspan(data_header_at, s.size - data_header_at);
+    if (is_radial(s.data)) {
+        read_radial(message, s);
+    } else if (s.data.type == pattern_message) {
+        s.pattern = lev2_read_pattern(message);
     }
     return 1;
 }
@@ -516,6 +527,20 @@ void next_record(State& s) {
     lev2_advance(s.size);
     s.at_hand = false;
     s.moments = {};
+}
+
+// The elevation number of the last unit, where the volume has as many units as its
+// coverage pattern fills up to this cut: then no cut comes twice. 0 where it has not,
+// or that can't be told without reading it all.
+int find_last_cut(const Lev2Pattern& pattern) {
+    constexpr std::size_t number_at = data_header_at + 22;
+    constexpr std::size_t type_at = prefix_size + 3;
+    std::array<std::uint8_t, number_at + 1> head{};
+    const int units = lev2_count_units(head);
+    const int last = head[type_at] == lev2_radial_generic ? head[number_at] : 0;
+    const bool fits =
+        last >= 1 && last <= pattern.count && units == lev2_pattern_units(pattern, last);
+    return fits ? last : 0;
 }
 
 // --- Volume header ------------------------------------------------------------
@@ -764,6 +789,17 @@ int LEV2_next_block() {
     next_record(lev2);
     lev2.walked = true;
     return 1;
+}
+
+int LEV2_is_scan_done(int scan) {
+    if (!lev2_stream_is_open() || lev2.at_hand || !lev2_is_walked(lev2.cuts, lev2.pattern, scan) ||
+        lev2_units_walked() != lev2_pattern_units(lev2.pattern, scan)) {
+        return 0;
+    }
+    if (lev2.last_cut == not_looked) {
+        lev2.last_cut = find_last_cut(lev2.pattern);
+    }
+    return lev2.last_cut >= scan ? 1 : 0;
 }
 
 // --- Gates --------------------------------------------------------------------

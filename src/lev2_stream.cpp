@@ -15,6 +15,10 @@
 #include <array>
 #include <cstring>
 #include <utility>
+#include <vector>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -61,6 +65,7 @@ struct Stream {
     Source source;
     BunzipStream bz;            // of the open unit
     std::int64_t unit_left = 0; // its bytes that are still in the source
+    int units = 0;              // opened so far
     std::size_t osize = 0;      // bytes held in `out`
     std::size_t blk_off = 0;    // of these, before the current record
     std::size_t total = 0;      // bytes that came into `out` so far
@@ -119,6 +124,15 @@ Lev2End source_end(const Source& s) {
                                       : Lev2End::file;
 }
 
+std::int64_t unit_length(const std::array<std::uint8_t, length_size>& field) {
+    std::uint32_t bits = 0;
+    for (const std::uint8_t b : field) {
+        bits = bits << 8 | b;
+    }
+    const std::int64_t length = static_cast<std::int32_t>(bits);
+    return length < 0 ? -length : length;
+}
+
 // False at the end of the volume.
 bool open_unit(Stream& s) {
     std::array<std::uint8_t, length_size> field{};
@@ -128,12 +142,7 @@ bool open_unit(Stream& s) {
         s.end = source_end(s.source);
         return false;
     }
-    std::uint32_t bits = 0;
-    for (const std::uint8_t b : field) {
-        bits = bits << 8 | b;
-    }
-    const std::int64_t length = static_cast<std::int32_t>(bits);
-    s.unit_left = std::min(length < 0 ? -length : length, max_unit_bytes);
+    s.unit_left = std::min(unit_length(field), max_unit_bytes);
     if (s.unit_left == 0) {
         s.end = Lev2End::file;
         return false;
@@ -143,6 +152,7 @@ bool open_unit(Stream& s) {
         s.end = Lev2End::damaged;
         return false;
     }
+    ++s.units;
     return true;
 }
 
@@ -199,6 +209,60 @@ std::size_t fill_plain(Stream& s) {
         got -= trailer.size();
     }
     return got;
+}
+
+// --- Units ahead of the walk ----------------------------------------------------
+
+// Where the bytes of a unit lie in the file.
+struct UnitPlace {
+    std::int64_t at = 0, size = 0;
+};
+
+// Hops from length to length, from the first unit to the end of the file. Returns
+// the number of units, `last` being the place of the last one; 0 when they are not
+// all whole.
+int hop_units(int file, std::int64_t at, std::int64_t file_size, UnitPlace* last) {
+    constexpr int most_units = 10000;
+    int count = 0;
+    while (at < file_size && count < most_units) {
+        std::array<std::uint8_t, length_size> field{};
+        if (pread(file, field.data(), field.size(), at) != static_cast<ssize_t>(field.size())) {
+            return 0;
+        }
+        at += static_cast<std::int64_t>(length_size);
+        if (field == trailer && at == file_size) {
+            return count;
+        }
+        *last = {at, unit_length(field)};
+        if (last->size == 0 || last->size > std::min(max_unit_bytes, file_size - at)) {
+            return 0;
+        }
+        at += last->size;
+        ++count;
+    }
+    return at == file_size ? count : 0;
+}
+
+// Unpacks the first bytes of a unit. Whether they were as many.
+bool unpack_head(int file, UnitPlace unit, std::span<std::uint8_t> head) {
+    std::vector<std::uint8_t> in(piece_size);
+    const BunzipStream bz(new bz_stream{});
+    int status = bzip2_status(BZ2_bzDecompressInit(bz.get(), 0, 0));
+    bz->next_out = reinterpret_cast<char*>(head.data());
+    bz->avail_out = static_cast<unsigned>(head.size());
+    while (status == BZ_OK && bz->avail_out > 0 && unit.size > 0) {
+        const auto part = std::min(unit.size, static_cast<std::int64_t>(in.size()));
+        const ssize_t got = pread(file, in.data(), static_cast<std::size_t>(part), unit.at);
+        if (got <= 0) {
+            return false;
+        }
+        unit.at += got;
+        unit.size -= got;
+        bz->next_in = reinterpret_cast<char*>(in.data());
+        bz->avail_in = static_cast<unsigned>(got);
+        status = bzip2_status(BZ2_bzDecompress(bz.get()));
+    }
+    return bz->avail_out == 0;
 }
 
 // --- Buffer -------------------------------------------------------------------
@@ -293,6 +357,33 @@ std::span<const std::uint8_t> lev2_record(std::size_t n) {
 void lev2_advance(std::size_t n) {
     const std::size_t held = lev2_record(n).size();
     stream.blk_off += std::min(n, held);
+}
+
+int lev2_units_walked() {
+    Stream& s = stream;
+    if (s.blk_off < s.osize) {
+        return -1;
+    }
+    if (s.bz != nullptr && s.end == Lev2End::none) { // all but the stream's own end may be there
+        s.blk_off = s.osize = 0;
+        const std::size_t got = bunzip_step(s);
+        s.osize += got;
+        s.total += got;
+    }
+    return s.bz == nullptr && s.osize == s.blk_off ? s.units : -1;
+}
+
+int lev2_count_units(std::span<std::uint8_t> head) {
+    struct stat status = {};
+    const int file = fileno(stream.file.get()); // -1: a stream of this program's own
+    if (!lev2_stream_packed() || file < 0 || fstat(file, &status) != 0 ||
+        !S_ISREG(status.st_mode)) {
+        return 0;
+    }
+    UnitPlace last;
+    const int count =
+        hop_units(file, static_cast<std::int64_t>(stream.header_size), status.st_size, &last);
+    return count > 0 && unpack_head(file, last, head) ? count : 0;
 }
 
 Lev2End lev2_stream_end() {

@@ -29,6 +29,14 @@ std::span<const std::uint8_t> lev2_record(std::size_t n);
 // Moves `n` bytes on.
 void lev2_advance(std::size_t n);
 
+// The units that the walk of a packed volume has gone through; -1 inside of one.
+int lev2_units_walked();
+// Counts the units of a packed volume by their lengths and unpacks the first bytes
+// of the last one, which leaves the walk where it is. 0 when the file must be read
+// to be counted (a pipe, gzip), has more bytes than its units or fewer, or when the
+// last unit does not fill `head`.
+int lev2_count_units(std::span<std::uint8_t> head);
+
 // Why the volume ended.
 enum class Lev2End {
     none,    // it has not

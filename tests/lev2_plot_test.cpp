@@ -213,6 +213,43 @@ TEST_F(Lev2Plot, CutsByMeaning) {
     }
 }
 
+// Damage after the scan wanted is not met, except where all records are to be seen
+// or other scans to be named.
+TEST_F(Lev2Plot, AVolumeIsReadToTheEndOfTheScan) {
+    Bytes volume = lev2_volume(lev2_units({1, 1, 1, 2, 2, 2}, {false, false, false}), true);
+    write("whole", volume);
+    std::size_t at = lev2_header({}).size();
+    for (int unit = 0; unit < 5; ++unit) {
+        at += 4 + (volume[at + 2] * 256U + volume[at + 3]);
+    }
+    volume[at + 40] ^= 0xFF; // in the second unit of scan 2
+    write("broken", volume);
+    const struct {
+        const char* options;
+        bool met, same;
+    } rows[] = {
+        {" -va ref1 -me mess",    false, true },
+        {" -va ref -me mess",     false, true },
+        {" -va ref1 -me debug",   true,  true },
+        {" -va ref2 -me mess",    true,  false},
+        {" -va vel1 -me mess",    true,  true },
+        {" -va ref@max -me warn", true,  true },
+    };
+    for (const auto& row : rows) {
+        const std::string options = std::string(" -dr sum,text -pp nobar,range=9") + row.options;
+        const NidsPage page = nids_page(dir, "./broken" + options, "lev2z");
+        EXPECT_EQ(count_text(page.run.err, "damaged or not whole"), row.met ? 1 : 0) << row.options;
+        EXPECT_EQ(count_text(page.run.out, "Read to the end of scan 1, \"--info\" lists all\n"),
+                  row.met ? 0 : 1)
+            << page.run.out;
+        EXPECT_EQ(golden_text(page.text) ==
+                      golden_text(nids_page(dir, "./whole" + options, "lev2z").text),
+                  row.same)
+            << row.options;
+        EXPECT_EQ(page.figures() > 0, row.options[5] == 'r');
+    }
+}
+
 // However a volume comes, its page is the same; only what the user said about
 // it is set right. The list of its scans is for the asking.
 TEST_F(Lev2Plot, EveryWayInGivesTheSamePage) {

@@ -10,7 +10,10 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <set>
+#include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -146,6 +149,31 @@ int compare(const std::string& line, const std::string& path) {
     return static_cast<int>(scans.size());
 }
 
+// What a walk for one scan sees, as text; `records` counts all that it takes.
+std::string walk_scan(const std::string& path, int scan, bool stops, int* records) {
+    std::ostringstream seen;
+    LEV2_info info;
+    LEV2_data d;
+    *records = 0;
+    LEV2_open_file(path.c_str());
+    LEV2_get_header(&info);
+    while (!(stops && LEV2_is_scan_done(scan) == 1) && LEV2_get_block(&d) == 1) {
+        ++*records;
+        const bool radial = d.type == lev2_radial_fixed || d.type == lev2_radial_generic;
+        for (int type = 0; radial && d.elev_num == scan && type < lev2_moments; ++type) {
+            LEV2_set_data_type(type);
+            const auto bytes = LEV2_get_gates().bytes;
+            seen << d.rad_az << ' '
+                 << std::hash<std::string_view>()(
+                        {reinterpret_cast<const char*>(bytes.data()), bytes.size()})
+                 << '\n';
+        }
+        LEV2_next_block();
+    }
+    LEV2_close_file();
+    return seen.str();
+}
+
 } // namespace
 
 TEST(Lev2Real, ScansOfTheReference) {
@@ -161,6 +189,38 @@ TEST(Lev2Real, ScansOfTheReference) {
     }
     EXPECT_EQ(files, 14);
     EXPECT_EQ(scans, 98);
+}
+
+// A walk for one scan that leaves the rest of a volume sees what a walk through all
+// of it sees.
+TEST(Lev2Real, TheRestOfAVolumeIsLeft) {
+    const std::map<std::string, bool> packed_whole = {
+        {"KCRP20200101_000431_V06",        true},
+        {"KDMX20250101_225441_V06",        true},
+        {"KMKX20200115_150035.bin",        true},
+        {"Level2_KFTG_20150430_1419.ar2v", true},
+        {"Level2_TSTL_20220213_2357.ar2v", true}
+    };
+    MESS_set(0, 0);
+    LEV2_set_compress(1);
+    int left = 0;
+    const auto check = [&](const std::string& path, const std::string& line) {
+        SCOPED_TRACE(path);
+        const bool leaves = packed_whole.contains(path.substr(path.find('/') + 1));
+        const auto scans = static_cast<int>(split(line, "{\"first_azimuth\"").size()) - 1;
+        for (const int scan : std::set<int>{1, 2, (scans + 1) / 2}) {
+            int all = 0;
+            int some = 0;
+            EXPECT_EQ(walk_scan(real_data + path, scan, true, &some),
+                      walk_scan(real_data + path, scan, false, &all));
+            EXPECT_EQ(some < all, leaves && scan < scans) << scan << ": " << some << " of " << all;
+            left += some < all ? 1 : 0;
+        }
+    };
+    if (!each_reference("level2/", check)) {
+        GTEST_SKIP() << "no real files here";
+    }
+    EXPECT_GT(left, 10);
 }
 
 // A volume is sent in pieces; the first ones together are its start.

@@ -374,6 +374,94 @@ TEST_F(Lev2, SiteByNameOrIdentifier) {
     }
 }
 
+// A walk for one scan leaves the rest of the volume unread where nothing of the scan
+// can be there.
+TEST_F(Lev2, TheRestOfAVolumeIsLeft) {
+    // A unit for each number of a scan; the pattern's cuts, "h" one of half degrees.
+    const auto sample = [](const std::string& scans, const std::string& pattern) {
+        std::vector<int> numbers;
+        std::vector<bool> half_degrees;
+        for (const char c : scans) {
+            numbers.push_back(c - '0');
+        }
+        for (const char c : pattern) {
+            half_degrees.push_back(c == 'h');
+        }
+        return lev2_units(numbers, half_degrees);
+    };
+    enum Change { as_it_is, silent, joined, ended, longer, cut, zipped };
+    const auto made = [&sample](const char* scans, const std::string& pattern, Change change) {
+        Lev2Volume volume = sample(scans, pattern);
+        if (change == silent) { // about its pattern
+            volume.units[0] = lev2_other(2);
+        } else if (change == joined) { // metadata and radials in one unit
+            volume.units[0] = nids_join({volume.units[0], volume.units[1]});
+            volume.units.erase(volume.units.begin() + 1);
+        }
+        Bytes bytes = lev2_volume(volume, true);
+        if (change == ended) { // by the mark of a transmission
+            bytes.insert(bytes.end(), {0x0D, 0x0D, 0x0A, 0x03});
+        } else if (change == longer || change == cut) {
+            bytes.resize(bytes.size() + (change == longer ? 3 : -9));
+        }
+        return change == zipped ? lev2_gzip(bytes) : bytes;
+    };
+    const std::string beyond(60, 'o'); // the record's end
+    const std::string many(65, 'o');
+    const struct {
+        const char *scans, *pattern;
+        Change change;
+        int scan, units; // of 120 radials that are walked
+    } rows[] = {
+        {"111222333",  "ooo",          as_it_is, 1, 3 },
+        {"111222333",  "ooo",          as_it_is, 2, 6 },
+        {"111222333",  "ooo",          as_it_is, 3, 9 },
+        {"111222333",  "ooo",          as_it_is, 4, 9 },
+        {"111222333",  "ooo",          as_it_is, 0, 9 },
+        {"111222333",  "oooooo",       as_it_is, 1, 3 }, // scans are still to come
+        {"111111222",  "ho",           as_it_is, 1, 6 },
+        {"111222333",  "ooo",          ended,    1, 3 },
+        {"111222111",  "ooo",          as_it_is, 1, 9 }, // a scan comes again
+        {"1112221113", "ooo",          as_it_is, 1, 10},
+        {"111111",     "ooo",          as_it_is, 1, 6 },
+        {"11222333",   "ooo",          as_it_is, 1, 8 }, // or is short
+        {"1112233",    "ooo",          as_it_is, 1, 7 },
+        {"111222333",  "oo",           as_it_is, 1, 9 },
+        {"111222333",  beyond.c_str(), as_it_is, 1, 9 },
+        {"111222333",  many.c_str(),   as_it_is, 1, 9 },
+        {"111222333",  "ooo",          silent,   1, 9 },
+        {"111222333",  "ooo",          joined,   1, 9 },
+        {"111222333",  "ooo",          longer,   1, 9 },
+        {"111222333",  "ooo",          cut,      1, 9 },
+        {"111222333",  "ooo",          zipped,   1, 9 },
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.scans) + " " + row.pattern + " " + std::to_string(row.change));
+        const MemoryFile file(made(row.scans, row.pattern, row.change));
+        std::array<int, 5> all{};
+        LEV2_info info;
+        lev2_walk(file.name(), info, [&all](const LEV2_data& d) {
+            ++all[d.type == lev2_radial_generic ? d.elev_num : 4];
+        });
+        ASSERT_EQ(LEV2_open_file(file.name()), 1);
+        for (int round = 0; round < 2; ++round) { // the second one after going back
+            LEV2_get_header(&info);
+            LEV2_data d;
+            int wanted = 0;
+            int walked = 0;
+            while (LEV2_is_scan_done(row.scan) == 0 && LEV2_get_block(&d) == 1) {
+                EXPECT_EQ(LEV2_is_scan_done(row.scan), 0) << "a radial is at hand";
+                walked += d.type == lev2_radial_generic ? 1 : 0;
+                wanted += d.type == lev2_radial_generic && d.elev_num == row.scan ? 1 : 0;
+                LEV2_next_block();
+            }
+            EXPECT_EQ(walked, row.units * 120);
+            EXPECT_EQ(wanted, row.scan > 0 && row.scan < 4 ? all[row.scan] : 0);
+        }
+        LEV2_close_file();
+    }
+}
+
 TEST_F(Lev2, WhyThePictureIsEmpty) {
     const MemoryFile file(lev2_volume(lev2_sample(31), true));
     dump(file.name());

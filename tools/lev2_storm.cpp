@@ -5,17 +5,32 @@
 #include "storm.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
+#include <vector>
 
 namespace {
 
-constexpr int radials = 720;
+constexpr int radials = 720; // of a cut in super resolution
 constexpr int radials_in_unit = 120;
 constexpr int refl_gates = 1832;
 constexpr int doppler_gates = 1192;
 constexpr float first_km = 2.125F;
 constexpr float gate_km = 0.25F;
+
+struct Cut {
+    float elev; // degrees
+    bool doppler, half_degree;
+};
+constexpr Cut cuts[] = {
+    {0.5F, false, true },
+    {0.5F, true,  true },
+    {0.9F, false, true },
+    {0.9F, true,  true },
+    {1.8F, false, false},
+    {2.4F, true,  false}
+};
 
 // Word of a value; 0 and 1 have other meanings.
 int word_of(float value, float scale, float offset) {
@@ -48,8 +63,8 @@ Sample measure(int radial, int gate, bool doppler) {
     return s;
 }
 
-Lev2Radial make_radial(int scan, int index) {
-    const bool doppler = scan == 2;
+// The storm looks the same from every angle: radial `index` of 720.
+Lev2Radial make_radial(bool doppler, int index) {
     Lev2Moment refl;
     Lev2Moment vel{"VEL", refl.first_m, refl.gate_m, 8, 2.0F, 129.0F, {}};
     Lev2Moment width{"SW ", refl.first_m, refl.gate_m, 8, 2.0F, 129.0F, {}};
@@ -61,10 +76,6 @@ Lev2Radial make_radial(int scan, int index) {
     }
     Lev2Radial radial;
     radial.az = (static_cast<float>(index) + 0.5F) * 360.0F / radials;
-    radial.half_degree = true;
-    radial.elev_num = scan;
-    radial.num = index + 1;
-    radial.status = index > 0 ? 1 : scan == 1 ? 3 : 0;
     radial.moments = doppler ? std::vector{vel, width} : std::vector{refl};
     return radial;
 }
@@ -72,17 +83,33 @@ Lev2Radial make_radial(int scan, int index) {
 } // namespace
 
 Bytes lev2_sample_storm() {
+    std::array<std::vector<Lev2Radial>, 2> circle; // reflectivity, Doppler
+    for (int i = 0; i < radials; ++i) {
+        circle[0].push_back(make_radial(false, i));
+        circle[1].push_back(make_radial(true, i));
+    }
     Lev2Volume volume;
-    volume.units.push_back(nids_join({lev2_other(15), lev2_other(2)}));
-    for (int scan = 1; scan <= 2; ++scan) {
-        for (int first = 0; first < radials; first += radials_in_unit) {
-            Bytes unit;
-            for (int i = 0; i < radials_in_unit; ++i) {
-                const Bytes record = lev2_radial(make_radial(scan, first + i));
-                unit.insert(unit.end(), record.begin(), record.end());
+    std::vector<bool> half_degrees;
+    int scan = 0;
+    for (const Cut& cut : cuts) {
+        ++scan;
+        half_degrees.push_back(cut.half_degree);
+        const int count = cut.half_degree ? radials : radials / 2;
+        for (int i = 0; i < count; ++i) {
+            Lev2Radial radial = circle[cut.doppler ? 1 : 0][i * radials / count];
+            radial.half_degree = cut.half_degree;
+            radial.elev = cut.elev;
+            radial.elev_num = scan;
+            radial.num = i + 1;
+            radial.status = i > 0 ? 1 : scan == 1 ? 3 : 0;
+            if (i % radials_in_unit == 0) {
+                volume.units.emplace_back();
             }
-            volume.units.push_back(unit);
+            const Bytes record = lev2_radial(radial);
+            volume.units.back().insert(volume.units.back().end(), record.begin(), record.end());
         }
     }
+    volume.units.insert(volume.units.begin(),
+                        nids_join({lev2_other(15), lev2_pattern(half_degrees), lev2_other(2)}));
     return lev2_volume(volume, true);
 }

@@ -230,6 +230,8 @@ Seeds lev2_seeds() {
     Seeds seeds;
     seeds.emplace_back("terminal", lev2_with(terminal));
     seeds.emplace_back("cuts", lev2_volume(cuts, false));
+    seeds.emplace_back("pattern",
+                       lev2_volume(lev2_units({1, 1, 1, 2, 2, 2}, {false, false}), true));
     seeds.emplace_back("angles", lev2_with(angles));
     seeds.emplace_back("nameless", lev2_volume(nameless, false));
     seeds.emplace_back("header", head);

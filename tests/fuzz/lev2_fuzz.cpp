@@ -57,6 +57,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     LEV2_data again;
     if (LEV2_open_file(file.name()) == 1) {
         LEV2_get_header(&info);
+        while (LEV2_is_scan_done(1) == 0 && LEV2_get_block(&first) == 1) {
+            LEV2_next_block();
+        }
+        LEV2_get_header(&info);
         const int got = LEV2_get_block(&first);
         LEV2_next_block();
         LEV2_get_block(&again);

@@ -183,6 +183,19 @@ Bytes lev2_other(int type) {
     return out;
 }
 
+Bytes lev2_pattern(const std::vector<bool>& half_degrees) {
+    constexpr std::size_t cut_size = 46;
+    Bytes out = record_head(5, 22 + cut_size * half_degrees.size() + 16, 1, 18037, 0);
+    put(out, nids_words({0, 2, 212, static_cast<int>(half_degrees.size()), 0, 0, 0, 0, 0, 0, 0}));
+    for (const bool half : half_degrees) {
+        Bytes cut(cut_size);
+        cut[4] = half ? 1 : 0;
+        put(out, cut);
+    }
+    out.resize(fixed_record_size);
+    return out;
+}
+
 // --- Volumes ----------------------------------------------------------------
 
 Bytes lev2_header(const Lev2Volume& volume) {
@@ -258,6 +271,27 @@ Lev2Volume lev2_sample(int type, int radials) {
                 vel.name = "SW ";
                 radial.moments.push_back(vel);
             }
+            put(unit, lev2_radial(radial));
+        }
+        volume.units.push_back(unit);
+    }
+    return volume;
+}
+
+Lev2Volume lev2_units(const std::vector<int>& scans, const std::vector<bool>& half_degrees) {
+    constexpr int radials = 120;
+    Lev2Volume volume;
+    volume.units.push_back(nids_join({lev2_other(15), lev2_pattern(half_degrees), lev2_other(2)}));
+    for (const int scan : scans) {
+        Bytes unit;
+        for (int i = 0; i < radials; ++i) {
+            Lev2Radial radial;
+            radial.elev_num = scan;
+            radial.num = i + 1;
+            radial.az = static_cast<float>(3 * i);
+            radial.moments = {
+                {"REF", 2125, 1000, 8, 2.0F, 66.0F, {0, 100 + i, 200 - i, 120}}
+            };
             put(unit, lev2_radial(radial));
         }
         volume.units.push_back(unit);

@@ -43,6 +43,9 @@ struct Lev2Radial {
 Bytes lev2_radial(const Lev2Radial& radial);
 // A record of 2432 bytes of another message type, such as metadata.
 Bytes lev2_other(int type);
+// The record of the coverage pattern: for each cut whether its radials are half a
+// degree wide.
+Bytes lev2_pattern(const std::vector<bool>& half_degrees);
 // Where a record of type 31 keeps its parts, counted from its start.
 constexpr std::size_t lev2_size_at = 12;     // message size
 constexpr std::size_t lev2_data_at = 28;     // data header
@@ -71,5 +74,8 @@ Bytes lev2_gzip(const Bytes& data);
 // first again later. `type` as of Lev2Radial; 20 gates a radial, metadata
 // records in front, a unit for these and for each scan.
 Lev2Volume lev2_sample(int type, int radials = 12);
+// A unit of the coverage pattern, then units of 120 radials of four gates, whose
+// elevation number is that of the list.
+Lev2Volume lev2_units(const std::vector<int>& scans, const std::vector<bool>& half_degrees);
 // Small files of every kind, by name.
 std::vector<std::pair<std::string, Bytes>> lev2_samples();
