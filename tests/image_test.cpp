@@ -220,11 +220,14 @@ TEST_F(Image, EveryLayoutGoesThroughPaletteFiles) {
             GIF_transparent(way >> 1);
             ASSERT_EQ(GIF_write(file.name(), &image), 1);
             EXPECT_EQ(read_back(file.name()), expected);
+            IMG_report back;
+            ASSERT_EQ(GIF_read(file.name(), &back, 0), 1);
 #ifdef ZYR_HAVE_GIFLIB
             const GifView view = giflib_view(file.name());
             EXPECT_EQ(view.picture, expected);
             EXPECT_EQ(view.interlaced, (way & 1) != 0);
             EXPECT_EQ(view.transparent >= 0, way >> 1 != 0 && has_background);
+            EXPECT_EQ(back.trans_color, view.transparent);
 #endif
         }
         for (const int by_table : {0, 1}) {

@@ -324,6 +324,8 @@ TEST(Maptran, Directions) {
         }
     }
     EXPECT_EQ(MAP_dir_adj(0, 80, 0), missing_f); // beside the earth
+    use(make(4, -40, 20, 33, 45, 1));            // a southern cone stands on its tip
+    EXPECT_NEAR(MAP_dir_adj(100, 10, 10), 55, 1e-3);
     // The sphere's inverse misses by kilometres; a direction does not follow it.
     use(make(9, 0, -75, 421.64F, 1, 0));
     const Point p = tran(35, -80);

@@ -16,7 +16,9 @@
 #include "rad_fill.h"
 #include "zyrgks.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdio>
 #include <sstream>
 
 namespace {
@@ -42,6 +44,22 @@ TEST_F(NidsPlot, GoldenPages) {
     for (const auto& [golden, sample, options] : rows) {
         expect_golden(nids_page(dir, std::string("./") + sample + " " + options), golden);
     }
+}
+
+// A text of the product hangs from its place, which is 30 of 511 rows below the top
+// of the view.
+TEST_F(NidsPlot, TextsHangFromTheirTops) {
+    const NidsPage page = nids_page(dir, "./wind -dr sum");
+    std::istringstream lines(page.text.substr(page.text.find(" ALT KFT\n") + 9));
+    float top = 0;
+    for (std::string line; std::getline(lines, line) && line != "initclip";) {
+        float x = 0;
+        float y = 0;
+        if (std::sscanf(line.c_str(), "%f %f", &x, &y) == 2) {
+            top = std::max(top, y);
+        }
+    }
+    EXPECT_NEAR(top, 552 - 30 * 529.0F / 511, 0.5F);
 }
 
 // Site and rings look the same behind a wide map line.

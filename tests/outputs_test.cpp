@@ -96,6 +96,8 @@ TEST_F(Outputs, FilesOfAnotherKindLeaveThePage) {
     const std::string bzip2 = "BZh91AY&SY" + noise(500);
     const std::string zeros(300, '\0');
     const std::string cut = product.substr(0, 60); // short of its radar
+    NidsSample beyond;
+    beyond.lat = 95000;
     const auto looks = [](const std::string& kind) { return " It looks like " + kind + "\n"; };
     const std::string none = ", which no -inp reads";
     const std::string mdr = ", read with -inp mdr";
@@ -119,6 +121,7 @@ TEST_F(Outputs, FilesOfAnotherKindLeaveThePage) {
         {"nids",  noise(5000),                            unknown                                         },
         {"lev2",  noise(5000),                            unknown                                         },
         {"nids",  cut,                                    unknown                                         },
+        {"nids",  as_text(nids_message(beyond)),          unknown                                         },
     };
     for (const Row& row : rows) {
         const std::string routine =

@@ -102,10 +102,8 @@ protected:
                                  "rrwds %D/%Y%m%d%h%n - 0\nrcm_dat %D/%Y%m%d%h%n - 0\n"
                                  "rad_raw %D/%Y%m%d%h%n - 0\n");
     }
-    // `told`: the minute in the file, that of its name if negative.
-    void put(int minute, int level, int told = -1) const {
-        write("2019052022" + std::to_string(minute),
-              GetParam().file(told < 0 ? minute : told, level));
+    void put(int minute, int level) const {
+        write("2019052022" + std::to_string(minute), GetParam().file(minute, level));
     }
     [[nodiscard]] static std::string with(const std::string& args) {
         return std::string(GetParam().args) + " -pd ps,35.3,-97.3,61,41,.08,.09 -mf none " + args;
@@ -156,8 +154,9 @@ TEST_P(RadarWindow, LivesAsThatOfAProduct) {
     user->key(XK_u, alt);
     EXPECT_TRUE(shows(one));
     // Those of coded messages are looked for minute by minute.
+    const Bytes newer = GetParam().file(31, 5);
     for (int minute = 59; minute > 30; --minute) {
-        put(minute, 5, 31);
+        write("2019052022" + std::to_string(minute), newer);
     }
     EXPECT_TRUE(shows(two)) << "newer";
     leave();

@@ -139,6 +139,11 @@ TEST(RawPlot, Types) {
                all.substr(0, all.find('\n'));
     };
     EXPECT_EQ(drawn(item(4, "", "")), "");
+    int marker = 0;
+    for (const char* word : {"pnt", "plus", "star", "crcl", "x", "sqr", "tri", "dot", "itri"}) {
+        const std::string number = std::to_string(++marker);
+        EXPECT_EQ(drawn(item(4, "", word)), drawn(item(4, "", number.c_str()))) << word;
+    }
     EXPECT_EQ(drawn(item(23, "", "", 90, 0)), "");
     EXPECT_EQ(drawn(item(35, "", "", 90)), "");
     EXPECT_EQ(drawn(item(31, "", "")), "");
