@@ -22,6 +22,8 @@
 //   4       len                                        barbs: value x y direction speed
 //   1, 8    len, value, i, j                           len - 6 characters
 //   others  len                                        len bytes, passed over
+//
+// Those of storm symbols are read where they are wanted, see nids_symbols.cpp.
 #include "nids.h"
 
 #include "byte_reader.h"
@@ -49,6 +51,7 @@ constexpr std::array<std::uint8_t, 4> trailer = {0x0D, 0x0D, 0x0A, 0x03};
 enum FileType { type_plain = 0, type_zlib = 1, type_refused = 2, type_bzip2 = 3 };
 
 constexpr int packet_divider = 0xFFFF;
+constexpr int packet_trend = 21;
 constexpr int graphic_id = 2;
 
 struct SkippedPacket {
@@ -523,6 +526,10 @@ int read_packet(FILE* ifile, int* code) {
         return -1;
     }
     *code = read_code;
+    if (nids_is_symbol_packet(read_code)) {
+        walk.packet_code = read_code;
+        return nids_open_symbols(ifile, read_code);
+    }
     walk.packet_code = read_code == nids_packet_raster_alt ? nids_packet_raster : read_code;
     switch (walk.packet_code) {
     case nids_packet_radial:
@@ -675,6 +682,10 @@ int nids_packet_code() {
     return walk.packet_code;
 }
 
+int nids_skip_bytes(FILE* ifile, long n) {
+    return skip_bytes(ifile, n);
+}
+
 int nids_num_bins() {
     return walk.rad_hdr.nrange;
 }
@@ -758,6 +769,16 @@ int NIDS_packet(FILE* ifile, int* code) {
     int read_code = 0;
     walk.status = read_packet(ifile, code != nullptr ? code : &read_code);
     return walk.status;
+}
+
+int NIDS_trends(FILE* ifile) {
+    const NidsHeader& header = nids_header();
+    if (ifile == nullptr || NIDS_is_symbol(packet_trend) == 0 ||
+        !nids_product(header.mess.code).trends || header.pr_desc.off_graph <= 0 ||
+        go_to(ifile, stream.message + 2L * header.pr_desc.off_graph) < 1) {
+        return 0;
+    }
+    return 1;
 }
 
 int NIDS_packet_status() {

@@ -9,6 +9,7 @@
 //   vectors (7, 10)                   NIDS_get_vector
 //   wind barbs (4)                    NIDS_get_wind
 //   text (1, 8)                       NIDS_get_text, once
+//   storm symbols (see there)         NIDS_get_symbol, if they were asked for
 //
 // each until it gives a result below 1, then NIDS_packet for the next packet.
 // When NIDS_packet gives 0 or less the symbology block is done: NIDS_graphic,
@@ -136,6 +137,37 @@ struct NIDS_wind_data {
     float spd = 0;
 };
 
+// What a packet of storm symbols marks.
+enum class NidsSymbol {
+    cell,             // where a storm is
+    hail,             // hail of a storm
+    mesocyclone,      //
+    low_mesocyclone,  // a strong one whose base is low
+    weak_mesocyclone, //
+    shear,            // correlated through several elevations
+    vortex,           // tornado vortex signature
+    high_vortex,      // the same, not down to the ground
+    // These belong to the one of the above that was met last.
+    name,
+    past, // a place on its track
+    forecast,
+    past_line, // a piece of its track
+    forecast_line,
+    circle // of a forecast
+};
+// Coordinates are kilometres east and north of the radar.
+struct NIDS_symbol {
+    NidsSymbol kind = NidsSymbol::cell;
+    float x = 0, y = 0;
+    float x2 = 0, y2 = 0; // the other end of a line
+    float radius = 0;     // km, 0: none
+    int hail = 0;         // probability of hail, percent; below 0: not known
+    int shail = 0;        // of severe hail
+    float size = 0;       // of hail, inches
+    float top = 0;        // of the storm, 1000 feet
+    char name[8] = "";    // not checked to be letters
+};
+
 // Headers of the symbology block and of its first layer. Return 1; 0 for a
 // wrong identifier or divider, the end of the stream or a null file.
 int NIDS_prod_symb(FILE* ifile);
@@ -146,6 +178,17 @@ int NIDS_prod_symb_layer(FILE* ifile);
 // Returns 1; 0 for a null file, a code that is not handled (dividers are) and
 // the end of a page; -1 at the end of the stream.
 int NIDS_packet(FILE* ifile, int* code);
+
+// Whether the walk takes the packets of storm symbols (1), from the next header on.
+// By 0, as at the start, NIDS_packet knows some of them not, and passes over others.
+// Returns 0.
+int NIDS_take_symbols(int on);
+// 1 for the code of a packet that NIDS_get_symbol reads, which it does only while
+// symbols are taken; else 0.
+int NIDS_is_symbol(int code);
+// Goes on to the cell trends of a storm structure product, which have no block, to
+// be walked by NIDS_packet. Returns 1; 0 when there are none or none are taken.
+int NIDS_trends(FILE* ifile);
 
 // Result of the last NIDS_packet. NIDS_get_header calls it once: the first
 // packet is there to be walked if this is above 0.
@@ -169,6 +212,10 @@ int NIDS_get_data(FILE* ifile, NIDS_data* data);
 // the end of the stream.
 int NIDS_get_vector(FILE* ifile, NIDS_vector_data* vect_data);
 int NIDS_get_wind(FILE* ifile, NIDS_wind_data* wind);
+
+// Next symbol of the packet. Packets that hold none have no more. Returns 1; 0 when
+// the packet has no more; -1 at the end of the stream.
+int NIDS_get_symbol(FILE* ifile, NIDS_symbol* symbol);
 
 // The text of the packet, cut at 99 characters. Returns 1; 0 for a null file;
 // -1 at the end of the stream (`text` then holds what there was).

@@ -4,6 +4,7 @@
 #include "nids_draw.h"
 
 #include "files.h"
+#include "nids_storms.h"
 #include "nids_tables.h"
 #include "plt_tool.h"
 #include "rad_fill.h"
@@ -167,6 +168,9 @@ void draw_winds(const NIDS_frame& frame, RadFills& fills, long& room) {
 void draw_text(const NIDS_frame& frame, long& room) {
     NIDS_text_data text;
     NIDS_get_text(frame.ifile, &text);
+    if (frame.storms != nullptr && nids_take_storm_text(text, frame.storms)) {
+        return;
+    }
     const Gpt p = image(frame, text.x, text.y);
     GPH_text_attr(&frame.data, text_height);
     GPH_text_align(GLEFT_HOR, GCAP_VERT);
@@ -216,17 +220,24 @@ int NIDS_draw_packets(const NIDS_frame& frame) {
     int type = frame.info->type;
     bool any = false;
     long room = rad_most_figures;
-    for (int status = NIDS_packet_status(); status > 0 && room > 0;
-         status = NIDS_packet(frame.ifile, &type)) {
-        if (type == nids_packet_raster_alt) {
-            type = nids_packet_raster;
+    const auto walk = [&](int status) {
+        for (; status > 0 && room > 0; status = NIDS_packet(frame.ifile, &type)) {
+            if (type == nids_packet_raster_alt) {
+                type = nids_packet_raster;
+            }
+            if (frame.storms != nullptr && NIDS_is_symbol(type) != 0) {
+                nids_take_storms(frame.ifile, frame.storms);
+            } else if (is_summary(type) && FLAG_getplot(part_summary) == 0) {
+                skip_packet(frame, type);
+                any = true;
+            } else {
+                any = draw_packet(frame, fills, type, room) || any;
+            }
         }
-        if (is_summary(type) && FLAG_getplot(part_summary) == 0) {
-            skip_packet(frame, type);
-            any = true;
-        } else {
-            any = draw_packet(frame, fills, type, room) || any;
-        }
+    };
+    walk(NIDS_packet_status());
+    if (NIDS_trends(frame.ifile) == 1) {
+        walk(NIDS_packet(frame.ifile, &type));
     }
     if (room <= 0) {
         MESS_print(mess_warn, "NIDS_plot: More figures than any product has, cut: %s\n",

@@ -9,6 +9,8 @@
 
 #include <cstdio>
 
+struct NidsStorms;
+
 // --- Colours (nids_colr.cpp) --------------------------------------------------
 
 // Levels and colours of a product, by its code: settled anew for each frame,
@@ -21,12 +23,13 @@ int NIDS_set_colors(const NIDS_info& info);
 struct NIDS_frame {
     std::FILE* ifile = nullptr; // behind the header of the first packet
     const NIDS_info* info = nullptr;
-    const char* datim = ""; // date label
-    Map own;                // of the product
-    Map plot;               // of the picture
-    Gpt site = {};          // on the product's own map
-    int clutter_rad = 0;    // bins near the site that are left out
-    Gattribs data, grid;    // attributes of text and of lines
+    const char* datim = "";       // date label
+    Map own;                      // of the product
+    Map plot;                     // of the picture
+    Gpt site = {};                // on the product's own map
+    int clutter_rad = 0;          // bins near the site that are left out
+    Gattribs data, grid;          // attributes of text and of lines
+    NidsStorms* storms = nullptr; // takes the storm symbols; null: they are not walked
 };
 
 // Draws every packet from the one whose header was read last to the end of the

@@ -1,5 +1,6 @@
-// nids_impl.h: what the two sources of the NIDS reader share: the decoded
-// header blocks (nids_header.cpp) and the hold on the stream (nids.cpp).
+// nids_impl.h: what the sources of the NIDS reader share: the decoded header
+// blocks (nids_header.cpp), the hold on the stream (nids.cpp) and the packets of
+// storm symbols (nids_symbols.cpp).
 #pragma once
 
 #include "nids.h"
@@ -59,6 +60,14 @@ int nids_packet_code();
 // Numbers of the open radial or raster header: bins of a radial, rows.
 int nids_num_bins();
 int nids_num_rows();
+
+// Passes over bytes of the stream. Result as NIDS_read.
+int nids_skip_bytes(FILE* ifile, long n);
+
+// Whether the walk takes a packet as one of storm symbols, or that passes over it
+// by its own length. Opens it after its code: returns 1; -1 at the end of the stream.
+bool nids_is_symbol_packet(int code);
+int nids_open_symbols(FILE* ifile, int code);
 
 // Value of one of the 256 levels of a digital radial or precipitation packet.
 float nids_level_value(const NidsHeader& header, int packet, int level);

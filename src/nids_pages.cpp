@@ -170,10 +170,14 @@ bool draw_storm(const NIDS_page_frame& frame, const NIDS_report& storm) {
     for (int i = 0; i < VAR_get_num(); ++i) {
         const char* name = VAR_get_name(i);
         if (stricmp(name, "comp") == 0) {
-            draw_composite(frame, storm, p);
+            if (frame.symbols) {
+                draw_composite(frame, storm, p);
+            }
             any = true;
         } else if (stricmp(name, "track") == 0) {
-            draw_track(frame, storm, p);
+            if (frame.symbols) {
+                draw_track(frame, storm, p);
+            }
             any = true;
         } else if (stricmp(name, "table") != 0 && stricmp(name, "watch") != 0) {
             any = draw_value(storm, VAR_get_vars()[i], p) || any;
@@ -308,6 +312,11 @@ void walk_page(Walk& walk) {
             take_text(walk);
             break;
         default:
+            if (NIDS_is_symbol(type) != 0) { // none has its place on a page
+                NIDS_symbol symbol;
+                while (NIDS_get_symbol(walk.frame.ifile, &symbol) > 0) {
+                }
+            }
             break;
         }
     }

@@ -20,6 +20,7 @@ struct NIDS_page_frame {
     Gattribs data;       // attributes of texts, barbs and tracks
     Gattribs grid;       // of the lines of the pages
     float scale = 1.0F;  // of arrows
+    bool symbols = true; // draw the composites and tracks of storms
     bool pages = false;  // draw the pages themselves
     int num_plt = 0;     // only so many storms, 0: all
     bool strong = false; // only strong storms

@@ -14,6 +14,7 @@
 #include "near_word.h"
 #include "nids_draw.h"
 #include "nids_pages.h"
+#include "nids_storms.h"
 #include "nids_tables.h"
 #include "plt_tool.h"
 #include "rad_run.h"
@@ -39,7 +40,9 @@ struct State {
     char datim[date_label_size] = ""; // its date label
     int num_plt = 0;                  // limit on the storms plotted, 0: none
     int plt_strong = 0;               // plot only strong storms
+    bool symbols = false;             // draw the symbols of storm packets
     bool any_drawn = false;           // of the symbology block of this frame
+    NidsStorms storms;                // of this frame
     RadWords words;
     bool told_variable = false; // that `variable` names what no plotter knows
     RadRun run;
@@ -51,6 +54,10 @@ void decode_word(const char* word) {
         nids.plt_strong = 1;
     } else if (strnicmp(word, "numplt", 6) == 0) {
         nids.num_plt = rad_word_int(word, 6);
+    } else if (stricmp(word, "storms") == 0) {
+        nids.symbols = true;
+    } else if (stricmp(word, "nostorms") == 0) {
+        nids.symbols = false;
     } else {
         rad_take_word(nids.words, word);
     }
@@ -183,9 +190,15 @@ bool draw_data() {
     frame.pages = nids.words.graph != 0 || is_selected("table");
     frame.num_plt = nids.num_plt;
     frame.strong = nids.plt_strong != 0;
+    // Their symbols take the place of those of the tables, which are of the same
+    // storms.
+    frame.symbols = nids.storms.symbols.empty();
     const bool any = NIDS_draw_pages(frame) != 0;
+    const bool symbols = nids_draw_storms(
+        {&nids.info, frame.plot, frame.data, frame.scale, frame.num_plt, frame.strong},
+        nids.storms);
     rad_draw_watches(nids.info.date);
-    return any;
+    return any || symbols;
 }
 
 } // namespace
@@ -235,6 +248,8 @@ int NIDS_plot_summary() {
     NIDS_set_colors(info);
     frame.data = attributes("color_data", rad_plain_color());
     frame.grid = attributes("color_grid", "red");
+    nids.storms = {};
+    frame.storms = nids.symbols ? &nids.storms : nullptr;
     PLT_mess("NIDS Sum");
     nids.any_drawn = NIDS_draw_packets(frame) != 0;
     if (NIDS_is_whole() == 0) {
@@ -254,7 +269,9 @@ int NIDS_plot_data() {
 }
 
 int NIDS_plot_param() {
-    return rad_decode_words(decode_word);
+    const int result = rad_decode_words(decode_word);
+    NIDS_take_symbols(nids.symbols ? 1 : 0);
+    return result;
 }
 
 void NIDS_callback(int, const char* str, float x, float y) {

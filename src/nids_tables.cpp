@@ -132,7 +132,7 @@ constexpr NidsProduct products[] = {
     {.code = 59, .mosaic = composite, .table = NidsTable::hail},
     {.code = 60, .mosaic = composite},
     {.code = 61, .mosaic = composite, .table = NidsTable::vortices},
-    {.code = 62, .mosaic = composite},
+    {.code = 62, .mosaic = composite, .trends = true},
     {.code = 63, .last = 64, .mosaic = composite, .extra = NidsExtra::layer},
     {.code = 65, .label = "Layer 1 comp refl (max Dbz)", .bin_nmi = 2.16F, .range_nmi = 124.0F,
      .mosaic = composite, .extra = NidsExtra::layer},

@@ -74,6 +74,7 @@ struct NidsProduct {
     bool decibel = false;     // cells are decibels of 0.01 inch
     bool barb_levels = false; // levels 0, 4 ... 16 for the colours
     bool show_range = true;   // in the parameter line
+    bool trends = false;      // packets of cell trends at the offset of the graphic block
     bool compressed = false;  // the symbology block may be bzip2-compressed
 };
 

@@ -26,6 +26,8 @@ namespace {
 // raw data take.
 constexpr KnownWord layer_words[] = {
     {"strong"  },
+    {"storms"  },
+    {"nostorms"},
     {"numplt",   true},
     {"run",          true},
     {"nostatus"},

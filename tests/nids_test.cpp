@@ -29,6 +29,9 @@ struct Dump : NidsSink {
     void text(const NIDS_text_data& d) {
         out << "t" << d.val << ":" << d.x << "," << d.y << "'" << d.data << "' ";
     }
+    void symbol(const NIDS_symbol& d) {
+        out << "s" << static_cast<int>(d.kind) << ":" << d.x << "," << d.y << " ";
+    }
     void page(int number) { out << "{" << number << "}"; }
 };
 
@@ -280,6 +283,7 @@ TEST(NidsDamage, CutsAndFlips) {
     for (const auto& [name, bytes] : nids_samples()) {
         SCOPED_TRACE(name);
         NIDS_set_ext_info(name == "collective" ? "#1" : "");
+        NIDS_take_symbols(name == "cells" || name == "trends" ? 1 : 0);
         const std::string whole = walk(bytes);
         ASSERT_GT(whole.size(), 20U);
         for (std::size_t size = 0; size < bytes.size(); ++size) {
@@ -297,6 +301,7 @@ TEST(NidsDamage, CutsAndFlips) {
         }
         EXPECT_EQ(walk(bytes), whole); // nothing is left of what came before
     }
+    NIDS_take_symbols(0);
 }
 
 } // namespace

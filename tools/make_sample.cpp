@@ -2,6 +2,7 @@
 //   make_sample FILE             a storm as a reflectivity product (code 94)
 //   make_sample --super FILE     the same in super resolution (code 153)
 //   make_sample --storms FILE    the same as a composite with a storm table (code 37)
+//   make_sample --symbols FILE   the same with packets of storm symbols
 //   make_sample --lev2 FILE      the same as a Level II volume, with velocities
 //   make_sample --nowrad FILE    a national mosaic; --nowrad-us the Lambert section
 //   make_sample --kavrad FILE    the same weather on the coarse KAVRAD grid
@@ -68,8 +69,8 @@ int main(int argc, char** argv) {
     if (option == "--super") {
         return write_file(argv[2], nids_sample_storm(153)) ? 0 : 1;
     }
-    if (option == "--storms") {
-        return write_file(argv[2], nids_sample_storm_table()) ? 0 : 1;
+    if (option == "--storms" || option == "--symbols") {
+        return write_file(argv[2], nids_sample_storm_table(option == "--symbols")) ? 0 : 1;
     }
     if (option == "--lev2") {
         return write_file(argv[2], lev2_sample_storm()) ? 0 : 1;
@@ -120,7 +121,8 @@ int main(int argc, char** argv) {
     }
     std::fprintf(
         stderr,
-        "usage: make_sample FILE | --super FILE | --storms FILE | --lev2 FILE | --nowrad FILE | "
+        "usage: make_sample FILE | --super FILE | --storms FILE | --symbols FILE | --lev2 FILE | "
+        "--nowrad FILE | "
         "--nowrad-us FILE | --kavrad FILE | --rrwds FILE | --rcm FILE | --rcm-region FILE | "
         "--rcm-seeds DIR | --mdr FILE | "
         "--rcm-summary FILE | --summary DIR | --summary-seeds KIND DIR | "

@@ -56,27 +56,81 @@ std::vector<Cell> find_cells() {
     return cells;
 }
 
-// A line of the table. What a radar derives from many elevations follows from the
-// cell's strength here.
-std::string table_line(const Cell& cell, int index) {
-    const float range_nmi = std::hypot(cell.x, cell.y) / 1.852F;
-    const float azimuth = std::fmod(std::atan2(cell.x, cell.y) * 57.29578F + 360.0F, 360.0F);
-    const bool rotates = storm_mesocyclone_km(cell.x, cell.y) < 14.0F;
+// What a radar derives of a cell from many elevations follows from its strength here.
+struct CellFacts {
+    std::string name;
+    float range_nmi, azimuth;
+    bool rotates;
+    int rank; // of its rotation, 0: none
+    int severe, hail;
+    float inches, vil, top;
+    int dir, knots;
+};
+
+CellFacts cell_facts(const Cell& cell, int index) {
     const float over = std::max(cell.dbz - 45.0F, 0.0F);
-    const int severe = std::clamp(static_cast<int>(over * 0.7F) * 10, 0, 100);
-    const int hail = std::clamp(static_cast<int>(over * 0.9F) * 10, 0, 100);
-    const float inches = std::round(over * 0.5F) / 4.0F;
+    CellFacts facts;
+    facts.name = {static_cast<char>('A' + index * 7 % 26), static_cast<char>('0' + index % 10)};
+    facts.range_nmi = std::hypot(cell.x, cell.y) / 1.852F;
+    facts.azimuth = std::fmod(std::atan2(cell.x, cell.y) * 57.29578F + 360.0F, 360.0F);
+    facts.rotates = storm_mesocyclone_km(cell.x, cell.y) < 14.0F;
+    facts.rank = facts.rotates ? 9 : index % 3 == 0 ? 2 : 0;
+    facts.severe = std::clamp(static_cast<int>(over * 0.7F) * 10, 0, 100);
+    facts.hail = std::clamp(static_cast<int>(over * 0.9F) * 10, 0, 100);
+    facts.inches = std::round(over * 0.5F) / 4.0F;
+    facts.vil = 8.0F + over * 2.6F;
+    facts.top = 28.0F + over;
+    facts.dir = facts.rotates ? 265 : 238 + index * 5 % 19;
+    facts.knots = facts.rotates ? 24 : 30 + index * 7 % 16;
+    return facts;
+}
+
+std::string table_line(const Cell& cell, int index) {
+    const CellFacts facts = cell_facts(cell, index);
+    const float over = std::max(cell.dbz - 45.0F, 0.0F);
+    const std::string rank = facts.rank > 0 ? std::to_string(facts.rank) : "NONE";
     std::array<char, 120> line{};
     std::snprintf(line.data(), line.size(),
-                  "    %c%d  %3.0f/%3.0f %-4s %4s  %3d/%3d/%5.2f%6.0f%4.0f%5.1f%6.1f  %3d/%3d  ",
-                  'A' + index * 7 % 26, index % 10, azimuth, range_nmi, rotates ? "TVS" : "NONE",
-                  rotates          ? "9"
-                  : index % 3 == 0 ? "2"
-                                   : "NONE",
-                  severe, hail, inches, 8.0F + over * 2.6F, cell.dbz + 3.0F, 6.0F + over * 0.5F,
-                  28.0F + over, rotates ? 265 : 238 + index * 5 % 19,
-                  rotates ? 24 : 30 + index * 7 % 16);
+                  "    %s  %3.0f/%3.0f %-4s %4s  %3d/%3d/%5.2f%6.0f%4.0f%5.1f%6.1f  %3d/%3d  ",
+                  facts.name.c_str(), facts.azimuth, facts.range_nmi,
+                  facts.rotates ? "TVS" : "NONE", rank.c_str(), facts.severe, facts.hail,
+                  facts.inches, facts.vil, cell.dbz + 3.0F, 6.0F + over * 0.5F, facts.top,
+                  facts.dir, facts.knots);
     return line.data();
+}
+
+// The place of a cell that moves evenly, minutes from now.
+NidsPlace cell_place(const Cell& cell, const CellFacts& facts, int minutes, float bend) {
+    const float km = static_cast<float>(facts.knots * minutes) * 1.852F / 60.0F;
+    const float toward = (static_cast<float>(facts.dir) + 180.0F + bend) / 57.29578F;
+    return {static_cast<int>(std::lround((cell.x + km * std::sin(toward)) * 4.0F)),
+            static_cast<int>(std::lround((cell.y + km * std::cos(toward)) * 4.0F))};
+}
+
+// The cell, its track and what it is warned of, as packets of symbols.
+Bytes cell_packets(const Cell& cell, int index) {
+    const CellFacts facts = cell_facts(cell, index);
+    const NidsPlace at = cell_place(cell, facts, 0, 0);
+    std::vector<NidsPlace> past = {at};
+    std::vector<NidsPlace> forecast = {at};
+    for (int i = 1; i <= 4; ++i) {
+        past.push_back(cell_place(cell, facts, -6 * i, static_cast<float>(6 * i)));
+        forecast.push_back(cell_place(cell, facts, 15 * i, 0));
+    }
+    Bytes out = nids_join({nids_name_packet(2, at, "\" "), nids_name_packet(15, at, facts.name),
+                           nids_track_packet(23, '!', past), nids_track_packet(24, '#', forecast)});
+    if (facts.hail > 0) {
+        out = nids_join({out, nids_symbol_packet(19, {at.i, at.j, facts.hail, facts.severe,
+                                                      static_cast<int>(facts.inches + 0.5F)})});
+    }
+    if (facts.rank > 0) {
+        out = nids_join({out, nids_symbol_packet(20, {at.i + 6, at.j - 6, facts.rotates ? 9 : 11,
+                                                      8 + facts.rank})});
+    }
+    if (facts.rotates) {
+        out = nids_join({out, nids_symbol_packet(12, {at.i + 4, at.j - 10})});
+    }
+    return out;
 }
 
 } // namespace
@@ -117,7 +171,7 @@ Bytes nids_sample_storm(int code) {
     return nids_wrapped("SD", nids_message(s));
 }
 
-Bytes nids_sample_storm_table() {
+Bytes nids_sample_storm_table(bool symbols) {
     std::vector<Bytes> rows;
     float most = 0;
     for (int j = 0; j < 2 * half_km; ++j) {
@@ -146,6 +200,9 @@ Bytes nids_sample_storm_table() {
     std::vector<std::string> lines;
     int index = 0;
     for (const Cell& cell : find_cells()) {
+        if (symbols) {
+            s.layers[0] = nids_join({s.layers[0], cell_packets(cell, index)});
+        }
         if (index % 4 == 0) {
             lines.assign(1, " STM ID  AZ/RAN TVS  MDA  POSH/POH/MX SIZE VIL DBZM  HT  TOP  "
                             "FCST MVMT ");

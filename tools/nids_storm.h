@@ -9,5 +9,6 @@
 Bytes nids_sample_storm(int code = 94);
 
 // The same as a composite reflectivity product (code 37): 464 rows of cells of 1 km,
-// and the pages of its storm table.
-Bytes nids_sample_storm_table();
+// and the pages of its storm table. With `symbols` its cells, their tracks, hail and
+// rotation come after the rows, as packets of symbols.
+Bytes nids_sample_storm_table(bool symbols = false);

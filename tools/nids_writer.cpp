@@ -116,6 +116,46 @@ Bytes nids_text_packet(int code, int value, int i, int j, const std::string& tex
     return out;
 }
 
+Bytes nids_symbol_packet(int code, std::initializer_list<int> values) {
+    return nids_join({nids_words({code, 2 * static_cast<int>(values.size())}), nids_words(values)});
+}
+
+Bytes nids_name_packet(int code, NidsPlace at, const std::string& name) {
+    Bytes out = nids_words({code, static_cast<int>(name.size()) + 4, at.i, at.j});
+    put_text(out, name);
+    return out;
+}
+
+Bytes nids_track_packet(int code, char letter, const std::vector<NidsPlace>& places) {
+    Bytes body;
+    Bytes line;
+    for (const NidsPlace& at : places) {
+        if (&at != places.data()) { // the first is where the storm is
+            put(body, nids_name_packet(2, at, std::string(1, letter) + " "));
+        }
+        put(line, nids_words({at.i, at.j}));
+    }
+    put(body, nids_words({6, static_cast<int>(line.size())}));
+    put(body, line);
+    return nids_join({nids_words({code, static_cast<int>(body.size())}), body});
+}
+
+Bytes nids_trend_packet(const std::string& name, NidsPlace at,
+                        const std::vector<std::array<int, 3>>& volumes) {
+    constexpr std::array<int, 3> codes = {1, 4, 5}; // top, hail, severe hail
+    const int count = static_cast<int>(volumes.size());
+    Bytes body;
+    put_text(body, name);
+    put(body, nids_words({at.i, at.j}));
+    for (std::size_t k = 0; k < codes.size(); ++k) {
+        put(body, nids_words({codes[k], 256 * count + count})); // the newest is the last
+        for (auto volume = volumes.rbegin(); volume != volumes.rend(); ++volume) {
+            put16(body, (*volume)[k]);
+        }
+    }
+    return nids_join({nids_words({21, static_cast<int>(body.size())}), body});
+}
+
 Bytes nids_page_packets(const std::vector<std::string>& lines, const std::vector<int>& columns) {
     constexpr int line_step = 10;
     constexpr int right = 511;
@@ -138,7 +178,7 @@ Bytes nids_page_packets(const std::vector<std::string>& lines, const std::vector
 Bytes nids_message(const NidsSample& s) {
     constexpr int head = 18 + 102;
     Bytes symb = s.layers.empty() ? Bytes{} : symbology(s.layers);
-    const Bytes graph = s.pages.empty() ? Bytes{} : graphic(s.pages);
+    const Bytes graph = s.pages.empty() ? s.trends : graphic(s.pages);
     const Bytes tab = s.tabular.empty() ? Bytes{} : tabular(s.tabular);
     const auto offset = [&](const Bytes& part, std::size_t before) {
         return part.empty() ? 0 : (head + before) / 2;
@@ -331,5 +371,50 @@ std::vector<std::pair<std::string, Bytes>> nids_samples() {
     };
     all.emplace_back("storms", nids_message(storms));
     all.emplace_back("tracks", nids_message(tracks));
+
+    // The storms of that table, and others, by their symbols.
+    NidsSample cells = tracks;
+    const NidsPlace k3 = {-122, -203};
+    cells.layers[0] = nids_join({
+        nids_name_packet(2, k3, "\" "),
+        nids_name_packet(15, k3, "K3"),
+        nids_track_packet(23, '!', {k3,   {-150, -220}, {-180, -230}}
+          ),
+        nids_track_packet(24, '#', {k3,   {-60, -180} }
+          ),
+        nids_symbol_packet(19, {128,  74,           90,             80, 2}
+          ),
+        nids_name_packet(15, {128,    74             },
+          "P1"),
+        nids_words({28,   0,            0,6, 1, 2, 3}
+          ), // generic data
+        nids_symbol_packet(20, {-100,   120,              9,                     24, 40, 160, 11, 8}
+          ),
+        nids_text_packet(8, 1, 40, 160, "86"),
+        nids_symbol_packet(12, {200, -40       }
+          ),
+        nids_symbol_packet(26, {230,  -60          }
+          ),
+        nids_symbol_packet(3, {10,    -90,              20           }
+          ),
+        nids_symbol_packet(25, {10,  -90,          40                        }
+          ),
+    });
+    NidsSample trends = tracks;
+    trends.code = 62;
+    trends.layers.clear();
+    trends.pages.clear();
+    trends.trends = nids_join({
+        nids_words({22,             0x0201, 754, 764}
+        ),
+        nids_trend_packet("R7", {-244,           406},
+        {{1318, 60, 30},              {290, 90, 90}}
+        ),
+        nids_trend_packet("S2", {300, 200},
+        {{254, 100, 70}}
+        )
+    });
+    all.emplace_back("cells", nids_message(cells));
+    all.emplace_back("trends", nids_message(trends));
     return all;
 }

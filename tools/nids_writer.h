@@ -26,6 +26,20 @@ Bytes nids_raster_packet(int code, int pack, const std::vector<Bytes>& rows);
 // Text of code 1 or 8.
 Bytes nids_text_packet(int code, int value, int i, int j, const std::string& text);
 
+// Storm symbols: a packet of these halfwords, of a name or a symbol's letter at a
+// place, of a track (23 past, 24 forecast) from a place by the letters and a line.
+// Places are quarters of a kilometre east and north of the radar.
+struct NidsPlace {
+    int i, j;
+};
+Bytes nids_symbol_packet(int code, std::initializer_list<int> values);
+Bytes nids_name_packet(int code, NidsPlace at, const std::string& name);
+Bytes nids_track_packet(int code, char letter, const std::vector<NidsPlace>& places);
+// A storm's name with its top, percent of hail and of severe hail over the last
+// volumes, the last first (packet 21; eighths of a kilometre).
+Bytes nids_trend_packet(const std::string& name, NidsPlace at,
+                        const std::vector<std::array<int, 3>>& volumes);
+
 // A page of the graphic block: lines of text in a table with rules at `columns`.
 Bytes nids_page_packets(const std::vector<std::string>& lines, const std::vector<int>& columns);
 
@@ -43,6 +57,7 @@ struct NidsSample {
     std::array<int, 16> thres{};
     std::vector<Bytes> layers; // packets of each symbology layer
     std::vector<Bytes> pages;  // packets of each page of the graphic block
+    Bytes trends;              // in the place of pages: packets without a block
     std::string tabular;       // one page of 80 columns a line
     bool bzip2 = false;        // pack the symbology block and what follows
 };

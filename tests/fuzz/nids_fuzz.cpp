@@ -15,6 +15,11 @@ struct CheckedSink : NidsSink {
             std::abort();
         }
     }
+    void symbol(const NIDS_symbol& symbol) {
+        if (!std::isfinite(symbol.x) || !std::isfinite(symbol.y2) || !std::isfinite(symbol.top)) {
+            std::abort();
+        }
+    }
 };
 
 } // namespace
@@ -26,17 +31,26 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // The first byte may select a product of a collective file.
     const bool collective = size > 0 && data[0] == '*';
     const std::vector<std::uint8_t> bytes(data, data + size);
-    for (const char* selector : {"", "#1"}) {
-        NIDS_set_ext_info(selector);
+    struct Way {
+        const char* selector;
+        int symbols;
+    };
+    for (const Way& way : {
+             Way{"",   0},
+             Way{"",   1},
+             Way{"#1", 0}
+    }) {
+        if (*way.selector != '\0' && !collective) {
+            break;
+        }
+        NIDS_set_ext_info(way.selector);
+        NIDS_take_symbols(way.symbols);
         NIDS_info info;
         CheckedSink sink;
         const NidsFile file = nids_memory(bytes);
         nids_walk(file.get(), info, sink);
         std::array<unsigned char, 4> rest{}; // what is left is read, or refused
         NIDS_read_long(rest.data(), file.get());
-        if (!collective) {
-            break;
-        }
     }
     return 0;
 }

@@ -10,7 +10,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 namespace {
 
 bool open_session() {
-    RES_put("plot_param", "site,dist");
+    RES_put("plot_param", "site,dist,storms");
     RES_put("variable", "comp,track,table,model");
     return open_plot_session("p,/dev/null") && NIDS_plot_param() == 0;
 }

@@ -18,6 +18,7 @@ struct NidsSink {
     void vector(const NIDS_vector_data& /*data*/) {}
     void wind(const NIDS_wind_data& /*data*/) {}
     void text(const NIDS_text_data& /*data*/) {}
+    void symbol(const NIDS_symbol& /*data*/) {} // while they are taken
     void page(int /*number*/) {}
 };
 
@@ -26,6 +27,7 @@ template <typename Sink> void nids_walk_packet(FILE* file, int type, Sink& sink)
     NIDS_vector_data vector;
     NIDS_wind_data wind;
     NIDS_text_data text;
+    NIDS_symbol symbol;
     float angle = 0;
     float width = 0;
     switch (type) {
@@ -66,6 +68,9 @@ template <typename Sink> void nids_walk_packet(FILE* file, int type, Sink& sink)
         }
         break;
     default:
+        while (NIDS_is_symbol(type) != 0 && NIDS_get_symbol(file, &symbol) > 0) {
+            sink.symbol(symbol);
+        }
         break;
     }
 }
@@ -83,6 +88,12 @@ template <typename Sink> int nids_walk(FILE* file, NIDS_info& info, Sink& sink) 
     }
     if (status == 0) {
         sink.packet(type);
+    }
+    if (NIDS_trends(file) == 1) {
+        while (NIDS_packet(file, &type) > 0) {
+            sink.packet(type);
+            nids_walk_packet(file, type, sink);
+        }
     }
     if (NIDS_graphic(file) == 1) {
         for (int page = NIDS_graphic_layer(file); page != 0; page = NIDS_graphic_layer(file)) {
