@@ -8,6 +8,7 @@
 #include "map.h"
 #include "nids_report.h"
 #include "rad_fill.h"
+#include "rad_storm.h"
 #include "region.h"
 #include "units.h"
 #include "var_tool.h"
@@ -40,24 +41,6 @@ void set_attributes(const Gattribs& data) {
     GPH_mark_attr(&data, mark_scale);
 }
 
-void draw_mark(Gpt p, int color, int type) {
-    if (color < 0) {
-        return;
-    }
-    gset_marker_colr_ind(color);
-    gset_marker_width(2);
-    gset_marker_type(type);
-    GPH_mark(p.x, p.y);
-}
-
-void draw_text(const NIDS_page_frame& frame, Gpt p, int hor, const char* text) {
-    GPH_text_attr(&frame.data, MAP_get_vert() * 0.02F);
-    GPH_text_align(hor, GBASE_VERT);
-    if (frame.data.color >= 0) {
-        gtext(&p, text);
-    }
-}
-
 // What the storm is warned of, how it moves, its name and its top.
 void draw_composite(const NIDS_page_frame& frame, const NIDS_report& storm, Gpt p) {
     constexpr int mark_plus = 2;
@@ -67,33 +50,24 @@ void draw_composite(const NIDS_page_frame& frame, const NIDS_report& storm, Gpt 
     constexpr int mark_triangle = 9; // on its tip
     set_attributes(frame.data);
     if (storm.shail >= 50) {
-        draw_mark(p, CLR_get_ind("green"), storm.shail >= 75 ? mark_star : mark_cross);
+        rad_draw_mark(p, CLR_get_ind("green"), storm.shail >= 75 ? mark_star : mark_cross);
     }
     if (storm.meso != 0) {
-        draw_mark(p, CLR_get_ind("yellow"), mark_circle);
+        rad_draw_mark(p, CLR_get_ind("yellow"), mark_circle);
     }
     if (storm.tvs != 0) {
-        draw_mark(p, CLR_get_ind("red"), mark_triangle);
+        rad_draw_mark(p, CLR_get_ind("red"), mark_triangle);
     }
     if (storm.shail < 50 && storm.meso == 0 && storm.tvs == 0) {
-        draw_mark(p,
-                  frame.data.color < 0 || gget_inverse() != 0 ? frame.data.color
-                                                              : CLR_get_ind("white"),
-                  mark_plus);
+        rad_draw_mark(p, frame.data.color < 0 ? -1 : rad_white(frame.data), mark_plus);
     }
-    const float height = MAP_get_vert();
-    if (is_set(storm.dir) && frame.data.color >= 0) {
-        WIND_barb(p.x, p.y, frame.plot.dir_adj(storm.dir, p.x, p.y), storm.spd, height * 0.075F,
-                  0.0F);
-    }
-    const float v = height * 0.01F;
-    draw_text(frame, {p.x - v, p.y + v}, GRIGHT_HOR, storm.id);
     // Only the lists have a column of tops.
+    char top[16] = "";
     if (storm.tops > 0 || nids_product(frame.info->code).table == NidsTable::list) {
-        char top[16] = "";
         std::snprintf(top, sizeof top, "%.0f", static_cast<double>(storm.tops));
-        draw_text(frame, {p.x + v, p.y + v}, GLEFT_HOR, top);
     }
+    const float dir = is_set(storm.dir) ? frame.plot.dir_adj(storm.dir, p.x, p.y) : missing_f;
+    rad_draw_storm(p, frame.data, {storm.id, dir, storm.spd, top});
 }
 
 // Where the storm goes in two hours.

@@ -13,9 +13,9 @@
 #include "plt_tool.h"
 #include "rad_fill.h"
 #include "rad_run.h"
+#include "rad_storm.h"
 #include "region.h"
 #include "var_tool.h"
-#include "windbarb.h"
 #include "zyrcty.h"
 #include "zyrraw.h"
 #include "zyrresrc.h"
@@ -259,23 +259,6 @@ void draw_echoes(const Grid& grid) {
 
 // --- Symbols ----------------------------------------------------------------------
 
-void draw_mark(Gpt p, int color, int type) {
-    if (color >= 0 && rad_is_place(p)) {
-        gset_marker_colr_ind(color);
-        gset_marker_width(2);
-        gset_marker_type(type);
-        GPH_mark(p.x, p.y);
-    }
-}
-
-void draw_text(const Gattribs& data, Gpt p, int hor, const char* text) {
-    GPH_text_attr(&data, MAP_get_vert() * 0.02F);
-    GPH_text_align(hor, GBASE_VERT);
-    if (data.color >= 0) {
-        gtext(&p, text);
-    }
-}
-
 // Its kind of hail, how it moves, its name and its height.
 void draw_storm(const Grid& grid, const Gattribs& data, const RCM_storm& storm) {
     constexpr int mark_plus = 2;
@@ -285,23 +268,17 @@ void draw_storm(const Grid& grid, const Gattribs& data, const RCM_storm& storm) 
     if (!rad_is_place(p)) {
         return;
     }
-    // White on white paper would be no mark.
-    const int plain = gget_inverse() != 0 ? data.color : CLR_get_ind("white");
     const bool hail = storm.hail == rcm_hail_positive || storm.hail == rcm_hail_probable;
-    draw_mark(p, hail ? CLR_get_ind("lgreen") : plain,
-              storm.hail == rcm_hail_positive ? mark_star
-              : hail                          ? mark_cross
-                                              : mark_plus);
-    const float height = MAP_get_vert();
-    if (is_set(storm.dir) && is_set(storm.spd) && data.color >= 0) {
-        const float dir = grid.plot.dir_adj(static_cast<float>(storm.dir), p.x, p.y);
-        WIND_barb(p.x, p.y, dir, static_cast<float>(storm.spd), height * 0.075F, 0.0F);
-    }
-    const float v = height * 0.01F;
-    draw_text(data, {p.x - v, p.y + v}, GRIGHT_HOR, storm.id);
-    if (is_set(storm.hgt)) {
-        draw_text(data, {p.x + v, p.y + v}, GLEFT_HOR, std::to_string(storm.hgt).c_str());
-    }
+    rad_draw_mark(p, hail ? CLR_get_ind("lgreen") : rad_white(data),
+                  storm.hail == rcm_hail_positive ? mark_star
+                  : hail                          ? mark_cross
+                                                  : mark_plus);
+    const bool moves = is_set(storm.dir) && is_set(storm.spd);
+    const std::string top = is_set(storm.hgt) ? std::to_string(storm.hgt) : "";
+    rad_draw_storm(p, data,
+                   {storm.id,
+                    moves ? grid.plot.dir_adj(static_cast<float>(storm.dir), p.x, p.y) : missing_f,
+                    static_cast<float>(storm.spd), top.c_str()});
 }
 
 void draw_composite(const Grid& grid, const Gattribs& data, const RCM_report& report) {
@@ -312,11 +289,11 @@ void draw_composite(const Grid& grid, const Gattribs& data, const RCM_report& re
     }
     for (int i = 0; i < report.num_meso; ++i) {
         const RCM_mark& meso = report.meso[i];
-        draw_mark(place_of(grid, meso.x, meso.y), CLR_get_ind("yellow"), mark_circle);
+        rad_draw_mark(place_of(grid, meso.x, meso.y), CLR_get_ind("yellow"), mark_circle);
     }
     for (int i = 0; i < report.num_tvs; ++i) {
         const RCM_mark& tvs = report.tvs[i];
-        draw_mark(place_of(grid, tvs.x, tvs.y), CLR_get_ind("lred"), mark_vortex);
+        rad_draw_mark(place_of(grid, tvs.x, tvs.y), CLR_get_ind("lred"), mark_vortex);
     }
 }
 
