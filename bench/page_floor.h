@@ -38,9 +38,9 @@ struct Run {
     int code = -1;
 };
 
-// Runs the program with the source tree's data files, its output thrown away.
-inline Run run_program(const std::vector<std::string>& args) {
-    std::vector<char*> argv{const_cast<char*>(ZYR_PROGRAM)};
+// Runs a program with the source tree's data files, its output thrown away.
+inline Run run_process(const char* program, const std::vector<std::string>& args) {
+    std::vector<char*> argv{const_cast<char*>(program)};
     for (const auto& arg : args) {
         argv.push_back(const_cast<char*>(arg.c_str()));
     }
@@ -53,7 +53,7 @@ inline Run run_program(const std::vector<std::string>& args) {
         for (const int stream : {0, 1, 2}) {
             dup2(null, stream);
         }
-        execv(ZYR_PROGRAM, argv.data());
+        execv(program, argv.data());
         _exit(127);
     }
     int status = 0;
@@ -61,6 +61,15 @@ inline Run run_program(const std::vector<std::string>& args) {
     wait4(child, &status, 0, &usage);
     return {seconds_of(usage.ru_utime) + seconds_of(usage.ru_stime), usage.ru_maxrss,
             WIFEXITED(status) ? WEXITSTATUS(status) : -1};
+}
+
+inline Run run_program(const std::vector<std::string>& args) {
+    return run_process(ZYR_PROGRAM, args);
+}
+
+// The bench itself as a process of its own, for floors with the start of one.
+inline Run run_self(const std::vector<std::string>& args) {
+    return run_process("/proc/self/exe", args);
 }
 
 template <typename Work> double least_time(int rounds, Work work) {

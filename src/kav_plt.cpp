@@ -91,7 +91,7 @@ int KAVRAD_plot_summary() {
     const int nx = state.info.domain.nx;
     KAVRAD_packet packet;
     int column = 0;
-    for (int line = 0; KAVRAD_get_packet(state.ifile, &packet) != 0;) {
+    for (int line = 0; !mosaic.is_past(line) && KAVRAD_get_packet(state.ifile, &packet) != 0;) {
         if (packet.run == -1) {
             if (column == 0) {
                 continue; // it closes the line that ended by itself

@@ -22,6 +22,8 @@ constexpr Projection rows[] = {
      .file_word = "LL",
      .forward = latlon,
      .inverse = latlon_inverse,
+     .by_lat = latlon_lat,
+     .by_lon = latlon_lon,
      .edge = {.width = 360.0, .gap = 50.0F, .limit = 180.0F, .side = 150.0F}},
     {.code = proj_pstereo,
      .numbers = MapNumbers::own_plon,
@@ -32,6 +34,8 @@ constexpr Projection rows[] = {
      .derive = derive_stereo,
      .forward = stereo,
      .inverse = stereo_inverse,
+     .by_lat = stereo_lat,
+     .by_lon = stereo_lon,
      .factor = stereo_factor,
      .dir_adj = stereo_dir_adj,
      .dir = stereo_dir,
@@ -56,6 +60,8 @@ constexpr Projection rows[] = {
      .derive = derive_lambert,
      .forward = lambert,
      .inverse = lambert_inverse,
+     .by_lat = lambert_lat,
+     .by_lon = lambert_lon,
      .factor = lambert_factor,
      .dir_adj = lambert_dir_adj,
      // Its width carries the end of a line out of the picture.
@@ -93,6 +99,8 @@ constexpr Projection rows[] = {
      .file_word = "ME",
      .forward = mercator,
      .inverse = mercator_inverse,
+     .by_lat = mercator_lat,
+     .by_lon = mercator_lon,
      .edge = {.width = 400.31555892808814, .gap = 50.0F, .limit = 200.1603F, .side = 150.0F}},
     {.code = proj_pixel,
      .name = "pixel",
@@ -109,7 +117,7 @@ constexpr Projection rows[] = {
      .forward = axes,
      .inverse = axes_inverse,
      .second_step = 1},
-    {.code = proj_xz,    .name = "xz", .set_limits = corner_limits                                                                 },
+    {.code = proj_xz,                                                .name = "xz",                                                        .set_limits = corner_limits                                                                    },
     {.code = proj_xlogp,
      .name = "xlogp",
      .words = {"xlogy", "xlogp", "vert"},
@@ -170,8 +178,8 @@ constexpr Projection rows[] = {
      .set_limits = xp_limits,
      .forward = xp,
      .inverse = xp_inverse},
-    {.code = proj_zoom,            .name = "zoom",                                          .words = {"zoom"},                                                                        .set_limits = corner_limits},
-    {.code = proj_size,              .words = {"size"},                                         .set_limits = corner_limits                                                                       },
+    {.code = proj_zoom,                                                         .name = "zoom",                                                         .words = {"zoom"},                                                                            .set_limits = corner_limits},
+    {.code = proj_size,                                                  .words = {"size"},                                                    .set_limits = corner_limits       },
 };
 
 // Without projection the pair is the place on the plot.
@@ -328,6 +336,18 @@ int Map::tran(float lat, float lon, float* x, float* y) const {
         return store(map_nowhere, x, y);
     }
     return store(row->forward(*this, lat, on_map ? wrap_lon(lon) : lon), x, y);
+}
+
+MapPair Map::lat_half(float lat) const {
+    return std::isfinite(lat) && is_set(lat) ? row->by_lat(*this, lat) : map_nowhere;
+}
+
+MapPair Map::lon_half(float lon) const {
+    return std::isfinite(lon) && is_set(lon) ? row->by_lon(*this, wrap_lon(lon)) : map_nowhere;
+}
+
+int Map::join(const MapPair& lat, const MapPair& lon, float* x, float* y) {
+    return store(lat * lon, x, y);
 }
 
 int Map::untran(float x, float y, float* lat, float* lon) const {

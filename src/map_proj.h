@@ -59,6 +59,10 @@ struct MapPair {
 };
 constexpr MapPair map_nowhere{0.0, 0.0, false};
 
+constexpr MapPair operator*(const MapPair& a, const MapPair& b) {
+    return {a.first * b.first, a.second * b.second, a.ok && b.ok};
+}
+
 struct Map;
 
 // --- Projections ------------------------------------------------------------
@@ -93,6 +97,10 @@ struct Projection {
     // Image of latitude and longitude, and back; null: no formula.
     MapPair (*forward)(const Map&, double lat, double lon) = nullptr;
     MapPair (*inverse)(const Map&, double x, double y) = nullptr;
+    // The image as a product of what follows from the latitude and what follows
+    // from the longitude, for nets of points; null: it is none.
+    MapPair (*by_lat)(const Map&, double lat) = nullptr;
+    MapPair (*by_lon)(const Map&, double lon) = nullptr;
     float (*factor)(const Map&, double lat) = nullptr;                     // map scale; null: 1
     float (*dir_adj)(const Map&, float dir, float x, float y) = nullptr;   // null: unchanged
     float (*dir)(const Map&, double plot_dir, float x, float y) = nullptr; // null: unchanged
@@ -156,6 +164,12 @@ struct Map {
     // As MAP_tran and MAP_untran (maptran.h).
     int tran(float lat, float lon, float* x, float* y) const;
     int untran(float x, float y, float* lat, float* lon) const;
+    // The two halves of the image where the projection has them, and the image
+    // they make, which is that of tran to the last bit.
+    [[nodiscard]] bool has_halves() const { return row->by_lat != nullptr; }
+    [[nodiscard]] MapPair lat_half(float lat) const;
+    [[nodiscard]] MapPair lon_half(float lon) const;
+    static int join(const MapPair& lat, const MapPair& lon, float* x, float* y);
     // Position on the domain's grid, 0, 0 at the upper left, to plot point and
     // back. Return 1; 0 with both outputs missing where MAP_grid_tran gives -1.
     int grid_tran(float gx, float gy, float* x, float* y) const;

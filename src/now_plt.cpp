@@ -102,7 +102,7 @@ int NOWRad_plot_summary() {
     RadMosaic mosaic(state.info.domain, MAP_current(), state.plot.run_len,
                      RadMosaic::Corners::from_top, 0);
     int number = 0;
-    for (int line = 0; NOWRad_line(state.ifile, &number) != 0; ++line) {
+    for (int line = 0; !mosaic.is_past(line) && NOWRad_line(state.ifile, &number) != 0; ++line) {
         NOWRad_packet packet;
         for (int column = 0; NOWRad_get_packet(state.ifile, &packet) != 0;) {
             mosaic.draw(line, column, packet.run, packet.value);

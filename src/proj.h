@@ -67,6 +67,8 @@ inline float to_float(double value) {
 void take_stereo(Map& m);
 void derive_stereo(Map& m);
 MapPair stereo(const Map& m, double lat, double lon);
+MapPair stereo_lat(const Map& m, double lat);
+MapPair stereo_lon(const Map& m, double lon);
 MapPair stereo_inverse(const Map& m, double x, double y);
 float stereo_factor(const Map& m, double lat);
 float stereo_dir_adj(const Map& m, float dir, float x, float y);
@@ -74,14 +76,20 @@ float stereo_dir(const Map& m, double plot_dir, float x, float y);
 
 // proj_cylinder: latitude-longitude and Mercator.
 MapPair latlon(const Map& m, double lat, double lon);
+MapPair latlon_lat(const Map& m, double lat);
+MapPair latlon_lon(const Map& m, double lon);
 MapPair latlon_inverse(const Map& m, double x, double y);
 MapPair mercator(const Map& m, double lat, double lon);
+MapPair mercator_lat(const Map& m, double lat);
+MapPair mercator_lon(const Map& m, double lon);
 MapPair mercator_inverse(const Map& m, double x, double y);
 
 // proj_lambert: Lambert conformal.
 void take_lambert(Map& m);
 void derive_lambert(Map& m);
 MapPair lambert(const Map& m, double lat, double lon);
+MapPair lambert_lat(const Map& m, double lat);
+MapPair lambert_lon(const Map& m, double lon);
 MapPair lambert_inverse(const Map& m, double x, double y);
 float lambert_factor(const Map& m, double lat);
 float lambert_dir_adj(const Map& m, float dir, float x, float y);

@@ -25,16 +25,25 @@ void derive_lambert(Map& m) {
     m.mult = to_float(cos_deg(t1) / (std::pow(tan1, n) * n));
 }
 
-MapPair lambert(const Map& m, double lat, double lon) {
+MapPair lambert_lat(const Map& m, double lat) {
     const double sgn = m.scale;
     const double n = m.xfactor;
     if (!is_set(m.xfactor) || !is_set(m.mult)) {
         return map_nowhere; // true latitudes that make no cone
     }
     const double held = std::max(sgn * lat, -89.0);
-    const double theta = n * turn_once(lon - m.domain.plon) * rad;
     const double r = m.mult * R * std::pow(tan_deg(45.0 - held / 2.0), n);
-    return {r * std::sin(theta), -sgn * r * std::cos(theta)};
+    return {r, -sgn * r};
+}
+
+MapPair lambert_lon(const Map& m, double lon) {
+    const double n = m.xfactor;
+    const double theta = n * turn_once(lon - m.domain.plon) * rad;
+    return {std::sin(theta), std::cos(theta)};
+}
+
+MapPair lambert(const Map& m, double lat, double lon) {
+    return lambert_lat(m, lat) * lambert_lon(m, lon);
 }
 
 MapPair lambert_inverse(const Map& m, double x, double y) {

@@ -14,13 +14,21 @@ void derive_stereo(Map& m) {
     m.mult = to_float(R * (1.0 + m.scale * sin_deg(m.tlat1)));
 }
 
-MapPair stereo(const Map& m, double lat, double lon) {
+MapPair stereo_lat(const Map& m, double lat) {
     const double s = -m.scale;
     // The far pole is infinitely far away: latitudes behind it are held.
     const double held = s * lat > 75.0 ? 75.0 : s * lat;
     const double r = m.mult * tan_deg((held + 90.0) / 2.0);
+    return {r, s * r};
+}
+
+MapPair stereo_lon(const Map& m, double lon) {
     const double theta = (lon - m.domain.plon) * rad;
-    return {r * std::sin(theta), s * r * std::cos(theta)};
+    return {std::sin(theta), std::cos(theta)};
+}
+
+MapPair stereo(const Map& m, double lat, double lon) {
+    return stereo_lat(m, lat) * stereo_lon(m, lon);
 }
 
 MapPair stereo_inverse(const Map& m, double x, double y) {

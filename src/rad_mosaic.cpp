@@ -104,9 +104,20 @@ RadMosaic::RadMosaic(const Domain& product, const Map& plot, int run_len, Corner
         left_ = own_.limits.x_min;
         top_ = own_.limits.y_max;
     }
+    rows_ = {0, product.ny};
+}
+
+// What the first echo needs. Files without one cost no work on the map.
+void RadMosaic::prepare() {
+    found_ = true;
+    const auto count = static_cast<std::size_t>(own_.domain.nx) + 1;
     for (Edge& edge : edges_) {
-        edge.points.resize(static_cast<std::size_t>(product.nx) + 1);
-        edge.line.assign(edge.points.size(), missing);
+        edge.points.resize(count);
+        edge.line.assign(count, missing);
+    }
+    if (own_.domain.proj == proj_latlon && plot_.has_halves()) {
+        turns_.resize(count);
+        turned_.assign(count, false);
     }
     find_window();
 }
@@ -141,8 +152,8 @@ void RadMosaic::look_at(float x, float y, std::array<double, 4>* box, bool* whol
     (*box)[3] = std::max((*box)[3], b);
 }
 
-// Rows and columns that may meet the window, by a net of points of the window:
-// a box about their images, and a mesh more on each side.
+// Rows and columns that may meet the window, by points along its edge: a box about
+// their images, and as much as lies between two points more on each side.
 void RadMosaic::find_window() {
     const Domain& own = own_.domain;
     rows_ = {0, own.ny};
@@ -150,12 +161,13 @@ void RadMosaic::find_window() {
     const MAP_limits& lim = plot_.limits;
     std::array<double, 4> box = {1e9, -1e9, 1e9, -1e9};
     bool whole = false;
-    for (int j = 0; j <= samples && !whole; ++j) {
-        for (int i = 0; i <= samples && !whole; ++i) {
-            look_at(lim.x_min + (lim.x_max - lim.x_min) * static_cast<float>(i) / samples,
-                    lim.y_min + (lim.y_max - lim.y_min) * static_cast<float>(j) / samples, &box,
-                    &whole);
-        }
+    for (int i = 0; i <= samples && !whole; ++i) {
+        const float x = lim.x_min + (lim.x_max - lim.x_min) * static_cast<float>(i) / samples;
+        const float y = lim.y_min + (lim.y_max - lim.y_min) * static_cast<float>(i) / samples;
+        look_at(x, lim.y_min, &box, &whole);
+        look_at(x, lim.y_max, &box, &whole);
+        look_at(lim.x_min, y, &box, &whole);
+        look_at(lim.x_max, y, &box, &whole);
     }
     if (whole) {
         return;
@@ -164,7 +176,7 @@ void RadMosaic::find_window() {
     for (const float pole : {90.0F, -90.0F}) {
         float x = missing_f;
         float y = missing_f;
-        if (degrees && plot_.tran(pole, own.clon, &x, &y) != 0 && plot_.shows(x, y, 2.0)) {
+        if (plot_.tran(pole, own.clon, &x, &y) != 0 && plot_.shows(x, y, 2.0)) {
             return; // all longitudes meet in the window
         }
     }
@@ -176,12 +188,39 @@ void RadMosaic::find_window() {
                      static_cast<int>(std::clamp(last, 0.0, static_cast<double>(count)))};
     };
     rows_ = range(top_ - box[3], top_ - box[2], own.dy, own.ny + first_line_);
-    rows_.first -= first_line_;
-    rows_.end -= first_line_;
+    rows_.first = std::max(rows_.first - first_line_, 0);
+    rows_.end = std::min(rows_.end - first_line_, own.ny);
     // An image or a window that goes round the earth has no first column.
     if (!degrees || (static_cast<double>(own.dx) * own.nx < 340.0 && box[1] - box[0] < 180.0)) {
         columns_ = range(box[0] - left_, box[1] - left_, own.dx, own.nx);
     }
+}
+
+// Where the line of a corner meets its column on the plot. Returns 0 for nowhere.
+int RadMosaic::place(Edge& edge, int line, int column, Gpt& p) {
+    const Domain& own = own_.domain;
+    const auto at = static_cast<std::size_t>(column);
+    const auto x = [&] { return static_cast<float>(left_ + column * static_cast<double>(own.dx)); };
+    const auto y = [&] {
+        return static_cast<float>(top_ - (line + first_line_) * static_cast<double>(own.dy));
+    };
+    if (!turns_.empty()) {
+        if (edge.half_line != line) {
+            edge.half_line = line;
+            edge.half = plot_.lat_half(y());
+        }
+        if (!turned_[at]) {
+            turned_[at] = true;
+            turns_[at] = plot_.lon_half(x());
+        }
+        return Map::join(edge.half, turns_[at], &p.x, &p.y);
+    }
+    float lat = y();
+    float lon = x();
+    if (own.proj != proj_latlon && (own_.untran(lon, lat, &lat, &lon) == 0 || !is_set(lat))) {
+        return 0;
+    }
+    return plot_.tran(lat, lon, &p.x, &p.y);
 }
 
 const Gpt& RadMosaic::corner(int line, int column) {
@@ -192,15 +231,7 @@ const Gpt& RadMosaic::corner(int line, int column) {
     }
     edge.line[at] = line;
     Gpt& p = edge.points[at];
-    const auto x = static_cast<float>(left_ + column * static_cast<double>(own_.domain.dx));
-    const auto y =
-        static_cast<float>(top_ - (line + first_line_) * static_cast<double>(own_.domain.dy));
-    float lat = y;
-    float lon = x;
-    if (own_.domain.proj != proj_latlon && own_.untran(x, y, &lat, &lon) == 0) {
-        lat = missing_f;
-    }
-    if (!is_set(lat) || plot_.tran(lat, lon, &p.x, &p.y) == 0) {
+    if (place(edge, line, column, p) == 0) {
         p = {missing_f, missing_f};
     }
     return p;
@@ -228,14 +259,17 @@ bool RadMosaic::in_view(const std::array<Gpt, 5>& figure) const {
     return left <= lim.x_max && right >= lim.x_min && low <= lim.y_max && high >= lim.y_min;
 }
 
-void RadMosaic::draw(int line, int column, int run, float value) {
-    if (!rows_.holds(line) || line < 0 || line >= own_.domain.ny) {
-        return;
-    }
+// A run on a line that may meet the window.
+void RadMosaic::draw_seen(int line, int column, int run, float value) {
     const Gattribs* look = fills_.get(value);
     const int end =
         static_cast<int>(std::min<long>(static_cast<long>(column) + run, own_.domain.nx));
     if (look == nullptr || column >= end || column < 0) {
+        return;
+    }
+    if (!found_) {
+        prepare();
+        draw(line, column, run, value); // where the line is still seen
         return;
     }
     // The pieces before the window are passed over as a whole.

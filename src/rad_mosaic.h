@@ -33,7 +33,8 @@ bool rad_mosaic_begin(RadMosaicPlot& plot, const char* label, const Domain& doma
 const Domain* rad_mosaic_domain();
 
 // The image of a mosaic on the plot. Runs come line after line; what lies
-// outside the window costs no transformation.
+// outside the window costs no transformation, and where the projection of the plot
+// allows it each line and each column costs its trigonometry but once.
 class RadMosaic {
 public:
     // In which order a figure's corners go out.
@@ -48,24 +49,35 @@ public:
     // A run of columns of one value. Columns and lines outside the image are left out.
     // Packed bytes can ask for any number of figures: what exceeds the largest real
     // mosaic is cut with a message.
-    void draw(int line, int column, int run, float value);
+    void draw(int line, int column, int run, float value) {
+        if (line >= rows_.first && line < rows_.end) {
+            draw_seen(line, column, run, value);
+        }
+    }
+    // Whether no line from this one on meets the window. False while nothing was
+    // drawn.
+    [[nodiscard]] bool is_past(int line) const { return found_ && line >= rows_.end; }
 
 private:
     // The corners on a line between two rows, by column, as far as they are known.
     struct Edge {
         std::vector<Gpt> points;
         std::vector<int> line; // that a point was worked out for
+        int half_line = missing;
+        MapPair half; // of the images on half_line
     };
 
     struct Range {
         int first, end;
-        [[nodiscard]] bool holds(int i) const { return i >= first && i < end; }
     };
 
     // Figures that the finest mosaic can ask for: each cell of a fine KAVRAD.
     static constexpr long most_asked = 30000000;
 
+    void prepare();
     void find_window();
+    void draw_seen(int line, int column, int run, float value);
+    int place(Edge& edge, int line, int column, Gpt& p);
     bool has_room();
     [[nodiscard]] bool in_view(const std::array<Gpt, 5>& figure) const;
     void look_at(float x, float y, std::array<double, 4>* box, bool* whole) const;
@@ -77,7 +89,10 @@ private:
     int chunk_;
     double left_ = 0, top_ = 0;        // in the product's own coordinates
     Range rows_{0, 0}, columns_{0, 0}; // that may meet the window
+    bool found_ = false;               // they are worked out, which only an echo needs
     std::array<Edge, 2> edges_;
+    std::vector<MapPair> turns_; // halves of the images by column; empty: none
+    std::vector<bool> turned_;   // those worked out
     RadFills fills_;
     long asked_ = 0, drawn_ = 0;     // figures
     const Gattribs* look_ = nullptr; // in force
