@@ -15,6 +15,7 @@
 //   make_sample --summary-seeds KIND DIR
 //                                small summaries: text or netcdf
 //   make_sample --mosaic-seeds DIR small mosaics of every kind
+//   make_sample --all DIR        a file of every kind, as the documents name them
 //   make_sample --seeds DIR      small products of every kind, whole and damaged
 //   make_sample --lev2-seeds DIR small Level II volumes of every kind, the same
 //   make_sample --image-seeds KIND DIR
@@ -59,12 +60,38 @@ bool write_files(const std::string& dir, const std::vector<std::pair<std::string
     return good;
 }
 
+// What the pages of doc/ plot.
+std::vector<std::pair<std::string, Bytes>> all_samples() {
+    std::vector<std::pair<std::string, Bytes>> all = {
+        {"storm.nids",              nids_sample_storm()      },
+        {"super.nids",              nids_sample_storm(153)   },
+        {"storms.nids",             nids_sample_storm_table()},
+        {"velocity.nids",           nids_sample_velocity()   },
+        {"classes.nids",            nids_sample_classes()    },
+        {"profile.nids",            nids_sample_profile()    },
+        {"KTLX20190520_223124_V06", lev2_sample_storm()      },
+        {"mosaic.now",              nowrad_sample('C')       },
+        {"lambert.now",             nowrad_sample('L')       },
+        {"mosaic.kav",              kavrad_sample(true)      },
+        {"storm.rrw",               rrwds_sample()           },
+        {"message.rcm",             rcm_sample(false)        },
+        {"region.rcm",              rcm_region_sample()      },
+    };
+    for (auto& sample : summary_samples()) {
+        all.push_back(std::move(sample));
+    }
+    return all;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     const std::string option = argc == 3 ? argv[1] : "";
     if (argc == 2 && *argv[1] != '-') {
         return write_file(argv[1], nids_sample_storm()) ? 0 : 1;
+    }
+    if (option == "--all") {
+        return write_files(argv[2], all_samples()) ? 0 : 1;
     }
     if (option == "--super") {
         return write_file(argv[2], nids_sample_storm(153)) ? 0 : 1;
@@ -126,7 +153,7 @@ int main(int argc, char** argv) {
         "--nowrad-us FILE | --kavrad FILE | --rrwds FILE | --rcm FILE | --rcm-region FILE | "
         "--rcm-seeds DIR | --mdr FILE | "
         "--rcm-summary FILE | --summary DIR | --summary-seeds KIND DIR | "
-        "--mosaic-seeds DIR | --seeds DIR | "
+        "--mosaic-seeds DIR | --all DIR | --seeds DIR | "
         "--lev2-seeds DIR | --image-seeds KIND DIR | --overlay-seeds DIR\n");
     return 2;
 }

@@ -8,7 +8,9 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -133,41 +135,149 @@ Bytes cell_packets(const Cell& cell, int index) {
     return out;
 }
 
-} // namespace
+// A bin of a radial; place in km from the radar.
+struct Bin {
+    int radial, index;
+    float x, y, range;
+};
 
-Bytes nids_sample_storm(int code) {
-    const bool super = code == 153;
-    const int radials = super ? 720 : 360;
-    const int bins = super ? 1840 : 460;
-    const float bin_km = super ? 0.25F : 1.0F;
-    float max_dbz = -30.0F;
+// Reflectivity of a bin, which is measured to about half a decibel.
+float bin_dbz(const Bin& bin) {
+    return storm_dbz(bin.x, bin.y) + 1.2F * storm_grain(bin.radial + 7000, bin.index);
+}
+
+int byte_level(float level) {
+    return static_cast<int>(std::clamp(level, 2.0F, 255.0F));
+}
+
+Bytes polar_packet(int radials, int bins, float bin_km,
+                   const std::function<int(const Bin&)>& level) {
     std::vector<Bytes> data;
     for (int i = 0; i < radials; ++i) {
-        Bytes radial(static_cast<std::size_t>(bins));
+        Bytes radial;
         const float azimuth =
             (static_cast<float>(i) + 0.5F) * 6.2831853F / static_cast<float>(radials);
         for (int j = 0; j < bins; ++j) {
             const float range = (static_cast<float>(j) + 0.5F) * bin_km;
-            const float dbz = storm_dbz(range * std::sin(azimuth), range * std::cos(azimuth));
-            // Each bin is measured to about half a decibel, and what is weaker
-            // than the receiver's noise is not seen.
-            const float seen = dbz + 1.2F * storm_grain(i + 7000, j);
-            const bool heard = seen > -31.0F + 20.0F * std::log10(std::max(range, 1.0F)) * 0.75F;
-            const float level = std::round((seen + 32.0F) / 0.5F) + 2.0F;
-            radial[static_cast<std::size_t>(j)] =
-                heard && seen > -5.0F ? static_cast<std::uint8_t>(std::clamp(level, 2.0F, 255.0F))
-                                      : 0;
-            max_dbz = std::max(max_dbz, seen);
+            radial.push_back(static_cast<std::uint8_t>(
+                level({i, j, range * std::sin(azimuth), range * std::cos(azimuth), range})));
         }
         data.push_back(std::move(radial));
     }
+    return nids_radial_packet(16, bins, data);
+}
+
+} // namespace
+
+Bytes nids_sample_storm(int code) {
+    const bool super = code == 153;
+    const float bin_km = super ? 0.25F : 1.0F;
+    float max_dbz = -30.0F;
     NidsSample s;
     s.code = code;
     s.thres = {-320, 5, 254};
+    s.layers = {polar_packet(super ? 720 : 360, super ? 1840 : 460, bin_km, [&](const Bin& bin) {
+        const float seen = bin_dbz(bin);
+        // What is weaker than the receiver's noise is not seen.
+        const bool heard = seen > -31.0F + 20.0F * std::log10(std::max(bin.range, 1.0F)) * 0.75F;
+        max_dbz = std::max(max_dbz, seen);
+        return heard && seen > -5.0F ? byte_level(std::round((seen + 32.0F) / 0.5F) + 2.0F) : 0;
+    })};
     s.p[3] = 5;
     s.p[4] = static_cast<int>(max_dbz);
-    s.layers = {nids_radial_packet(16, bins, data)};
     s.bzip2 = true;
+    return nids_wrapped("SD", nids_message(s));
+}
+
+Bytes nids_sample_velocity() {
+    float low = 0;
+    float high = 0;
+    NidsSample s;
+    s.code = 99;
+    s.thres = {-635, 5, 254};
+    s.layers = {polar_packet(360, 1200, 0.25F, [&](const Bin& bin) {
+        if (bin_dbz(bin) < 5.0F) {
+            return 0;
+        }
+        const StormWind wind = storm_wind(bin.x, bin.y);
+        const float speed = (wind.east * bin.x + wind.north * bin.y) / bin.range +
+                            1.6F * storm_grain(bin.radial + 9000, bin.index);
+        low = std::min(low, speed);
+        high = std::max(high, speed);
+        return byte_level(std::round((speed + 63.5F) / 0.5F) + 2.0F);
+    })};
+    s.p[3] = 5;
+    s.p[4] = static_cast<int>(low * 1.944F); // knots
+    s.p[5] = static_cast<int>(high * 1.944F);
+    s.bzip2 = true;
+    return nids_wrapped("SD", nids_message(s));
+}
+
+Bytes nids_sample_classes() {
+    // From the weakest echo up: ice, snow, wet snow, rain, heavy rain, hail.
+    constexpr std::array<std::pair<float, int>, 7> classes = {
+        {{5.0F, 30},
+         {15.0F, 40},
+         {24.0F, 50},
+         {30.0F, 60},
+         {43.0F, 70},
+         {54.0F, 100},
+         {60.0F, 110}}
+    };
+    NidsSample s;
+    s.code = 165;
+    s.layers = {polar_packet(360, 1200, 0.25F, [&](const Bin& bin) {
+        const float dbz = bin_dbz(bin);
+        int level = 0;
+        for (const auto& [least, word] : classes) {
+            level = dbz >= least ? word : level;
+        }
+        return level;
+    })};
+    s.p[3] = 5;
+    s.bzip2 = true;
+    return nids_wrapped("SD", nids_message(s));
+}
+
+Bytes nids_sample_profile() {
+    constexpr int heights = 15; // of 2000 feet
+    constexpr int times = 10;
+    constexpr int left = 60;
+    constexpr int bottom = 470;
+    constexpr int step_x = 42;
+    constexpr int step_y = 28;
+    Bytes lines;
+    Bytes barbs;
+    Bytes texts = nids_text_packet(8, 0, 4, 2, "ALT KFT");
+    const auto put = [](Bytes& out, const Bytes& more) {
+        out.insert(out.end(), more.begin(), more.end());
+    };
+    std::array<char, 8> text{};
+    for (int row = 0; row < heights; ++row) {
+        const int y = bottom - row * step_y;
+        put(lines, nids_words({10, 10, 0, left - 10, y, 511, y}));
+        std::snprintf(text.data(), text.size(), "%2d", 2 * (row + 1));
+        put(texts, nids_text_packet(8, 0, left - 35, y - 6, text.data()));
+        for (int column = 0; column < times; ++column) {
+            // The wind veers with height, and backs in the low levels as the storm comes.
+            const int from = 165 + row * 7 - (row < 4 ? column * 2 : 0);
+            const int knots = 18 + row * 5 + (row < 4 ? column * 2 : 0);
+            put(barbs, nids_words({4, 10, 1 + (row + column) % 3, left + column * step_x, y, from,
+                                   knots}));
+        }
+    }
+    for (int column = 0; column < times; ++column) {
+        const int minutes = 21 * 60 + 45 + column * 5;
+        std::snprintf(text.data(), text.size(), "%02d%02d", minutes / 60, minutes % 60);
+        put(texts, nids_text_packet(8, 0, left + column * step_x - 12, bottom + 20, text.data()));
+    }
+    NidsSample s;
+    s.code = 48;
+    s.thres = {0, 4, 8, 12, 16, 20};
+    s.p[4] = 18 + (heights - 1) * 5;
+    put(lines, barbs);
+    put(lines, texts);
+    s.layers = {lines};
     return nids_wrapped("SD", nids_message(s));
 }
 
