@@ -1,6 +1,7 @@
 // version.cpp: the program's version text, for every module. It keeps nothing.
+// The number comes from the build.
 #include "zyr.h"
 
 const char* ZYR_version() {
-    return "5.60.2-LINUX-X11";
+    return ZYR_VERSION "-LINUX-X11";
 }
