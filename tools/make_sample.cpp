@@ -63,19 +63,20 @@ bool write_files(const std::string& dir, const std::vector<std::pair<std::string
 // What the pages of doc/ plot.
 std::vector<std::pair<std::string, Bytes>> all_samples() {
     std::vector<std::pair<std::string, Bytes>> all = {
-        {"storm.nids",              nids_sample_storm()      },
-        {"super.nids",              nids_sample_storm(153)   },
-        {"storms.nids",             nids_sample_storm_table()},
-        {"velocity.nids",           nids_sample_velocity()   },
-        {"classes.nids",            nids_sample_classes()    },
-        {"profile.nids",            nids_sample_profile()    },
-        {"KTLX20190520_223124_V06", lev2_sample_storm()      },
-        {"mosaic.now",              nowrad_sample('C')       },
-        {"lambert.now",             nowrad_sample('L')       },
-        {"mosaic.kav",              kavrad_sample(true)      },
-        {"storm.rrw",               rrwds_sample()           },
-        {"message.rcm",             rcm_sample(false)        },
-        {"region.rcm",              rcm_region_sample()      },
+        {"storm.nids",              nids_sample_storm()          },
+        {"super.nids",              nids_sample_storm(153)       },
+        {"storms.nids",             nids_sample_storm_table()    },
+        {"symbols.nids",            nids_sample_storm_table(true)},
+        {"velocity.nids",           nids_sample_velocity()       },
+        {"classes.nids",            nids_sample_classes()        },
+        {"profile.nids",            nids_sample_profile()        },
+        {"KTLX20190520_223124_V06", lev2_sample_storm()          },
+        {"mosaic.now",              nowrad_sample('C')           },
+        {"lambert.now",             nowrad_sample('L')           },
+        {"mosaic.kav",              kavrad_sample(true)          },
+        {"storm.rrw",               rrwds_sample()               },
+        {"message.rcm",             rcm_sample(false)            },
+        {"region.rcm",              rcm_region_sample()          },
     };
     for (auto& sample : summary_samples()) {
         all.push_back(std::move(sample));
