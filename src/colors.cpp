@@ -31,6 +31,8 @@ struct Rgb {
 
 constexpr int max_colors = 256;
 constexpr const char* default_table = "zyr.clr";
+constexpr int device_metafile = 3; // of flag 2, and the pages after it
+constexpr int device_hpgl = 5;
 constexpr int kept_names = 16; // slots whose names survive a new table
 
 struct ColorTable {
@@ -264,6 +266,17 @@ int add_numeric(const char* name) {
     return CLR_add(name, color.red, color.grn, color.blu);
 }
 
+std::string nearest_name(const char* name) {
+    KnownWords names;
+    for (int i = 0; i < table.num_colors; ++i) {
+        if (table.colors[i].name[0] != '\0' && table.colors[i].name[0] != '#') {
+            names.push_back({table.colors[i].name.data()});
+        }
+    }
+    names.push_back({"none"});
+    return std::string(nearest_word(names, name));
+}
+
 // A name that is none is warned of once, while there is a table to look it up in.
 void warn_name(const char* name) {
     constexpr std::size_t most = 50;
@@ -273,15 +286,22 @@ void warn_name(const char* name) {
         return;
     }
     unknown.emplace_back(name);
-    KnownWords names;
-    for (int i = 0; i < table.num_colors; ++i) {
-        if (table.colors[i].name[0] != '\0' && table.colors[i].name[0] != '#') {
-            names.push_back({table.colors[i].name.data()});
-        }
-    }
-    names.push_back({"none"});
     MESS_print(mess_warn, "CLR_get_ind: Unknown color: %s, the nearest is %s\n", name,
-               std::string(nearest_word(names, name)).c_str());
+               nearest_name(name).c_str());
+}
+
+// A window reports what it cannot show; a page looks at no background. Names of
+// the window server alone cannot be known here.
+void warn_background() {
+    const char* name = RES_get("background");
+    const int device = FLAG_get(flag_device);
+    const auto is = [name](const char* word) { return begins(name, word); };
+    if (device < device_metafile || device > device_hpgl || name == nullptr || *name == '\0' ||
+        is("none") || is("def") || is("over") || is("#") || is("rgb:") || CLR_look_up(name) != -1) {
+        return;
+    }
+    MESS_print(mess_warn, "background: Unknown color: %s, the nearest is %s; paper is white\n",
+               name, nearest_name(name).c_str());
 }
 
 const Rgb& color_at(int ind) {
@@ -371,6 +391,7 @@ bool read_tables(const char* names, bool count_fills) {
         const FILE_ptr file(FILE_open_text(path.data()));
         if (!file) {
             MESS_print(mess_warn, "CLR_read_table: Unable to open color table: %s\n", path.data());
+            FILE_tell_nearest("CLR_read_table", RES_get("file_path"), name);
             continue;
         }
         read_table_file(file.get(), first_file, count_fills);
@@ -463,6 +484,7 @@ int CLR_get_ind(const char* name) {
 }
 
 int CLR_check_settings() {
+    warn_background();
     for (const ResRow& row : res_rows) {
         if (std::strncmp(row.def, "color_", 6) != 0 || !res_is_listed(row, true) ||
             row.type == RES_color_table || row.type == RES_color_fill) {

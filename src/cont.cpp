@@ -179,7 +179,31 @@ int decode_range(char* entry) {
     }
 }
 
+// A level file among colors, which the look-up of names would take for one.
+bool is_level_file(const char* entry) {
+    if (std::strpbrk(entry, "./") == nullptr || std::strpbrk(entry, ":=#") != nullptr) {
+        return false;
+    }
+    float level = 0.0F;
+    const char* end = nullptr;
+    return (!leading_number(entry, &level, &end) || *end != '\0') && CLR_look_up(entry) == -1;
+}
+
+void report_misplaced_file(const char* name) {
+    if (unread_file != name) {
+        unread_file = name;
+        MESS_print(mess_warn,
+                   "CONT_set_fill_colors: A level file stands alone, in a list it is left out: "
+                   "%s\n",
+                   name);
+    }
+}
+
 int decode_single(char* entry) {
+    if (is_level_file(entry)) {
+        report_misplaced_file(entry);
+        return 0;
+    }
     const int at = contours.color_num;
     char label[cont_label_size] = "";
     const bool labelled = take_label(entry, label);
@@ -289,6 +313,8 @@ void report_level_file(const char* name, bool by_user) {
     }
     unread_file = name;
     MESS_print(mess_warn, "CONT_set_fill_colors: Unable to read contour level file: %s\n", name);
+    const std::string end = std::strchr(name, '.') != nullptr ? "" : level_extension;
+    FILE_tell_nearest("CONT_set_fill_colors", RES_get("file_path"), (name + end).c_str());
     if (by_user) {
         MESS_print(mess_warn, "CONT_set_fill_colors: The product's own colors are taken\n");
     }

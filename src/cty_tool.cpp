@@ -17,6 +17,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <string_view>
 
 namespace {
@@ -34,6 +35,7 @@ struct Picture {
     CTY_enter enter = nullptr; // fills it
 };
 Picture picture;
+std::string missing_file; // the one that was reported last
 
 // --- Table of the picture ----------------------------------------------------
 
@@ -292,6 +294,15 @@ bool string_fits(const char* text, const CTY_data& city) {
 
 } // namespace
 
+void CTY_tell_missing(const char* name) {
+    if (missing_file == name) {
+        return;
+    }
+    missing_file = name;
+    MESS_print(mess_warn, "CTY_open_file: Database file not found: %s\n", name);
+    FILE_tell_nearest("CTY_open_file", RES_get("file_path"), name);
+}
+
 int CTY_open_file(const char* city_file, int* num_stats) {
     const char* name = RES_get("city_file");
     if (name == nullptr || *name == '\0') {
@@ -307,7 +318,7 @@ int CTY_open_file(const char* city_file, int* num_stats) {
     FILE_add_path(RES_get("file_path"), name, path);
     const int fd = CTY_open(path, 0, 0);
     if (fd == -1) {
-        MESS_print(mess_warn, "CTY_open_file: Database file not found: %s\n", name);
+        CTY_tell_missing(name);
     } else if (num_stats != nullptr) {
         *num_stats = CTY_estimate(path);
     }

@@ -405,8 +405,7 @@ void settle_current(const char* request, char* outfile) {
 void take_answer(const char* answer) {
     FileState& s = file_state();
     s.filename_type = 1;
-    const bool relative = *answer == '#' || is_request(answer);
-    if (!relative) {
+    if (!FILE_is_request(answer)) {
         FILE_set_file(answer, s.filename);
         return;
     }
@@ -528,7 +527,7 @@ int FILE_set_file(const char* file, char* out_file) {
         copy_text(out_file, file_name_size, name);
         return 0;
     }
-    if (*name == '#' || is_request(name)) {
+    if (FILE_is_request(name)) {
         FILE_set_current(begins_exactly(name, "cu") ? name + 2 : name, out_file);
         MESS_print(mess_mess, "Current filename: %s\n", out_file);
         return 0;
@@ -650,6 +649,30 @@ long FILE_set_current(const char* request, char* filename) {
     copy_text(filename, file_name_size, name_at(at.seconds).c_str());
     const long step = FILE_get_late_off();
     return step < 1 ? at.seconds : at.seconds - at.seconds % step;
+}
+
+const char* FILE_request_rest(const char* request) {
+    Date date;
+    const char* text = request;
+    if (*text == '#') {
+        ++text;
+        read_digits(&text, &date);
+    }
+    Request at = {text, 0};
+    at.read_sign();
+    if (at.read_offset()) {
+        at.read_sign();
+    }
+    bool limited = false;
+    if (at.read_latest(&limited) > 0) {
+        at.read_sign();
+    }
+    at.read_offset();
+    return at.text;
+}
+
+bool FILE_is_request(const char* name) {
+    return *name == '#' || is_request(name);
 }
 
 int FILE_set_date_off(const Date* date, int offset, char* out_file) {

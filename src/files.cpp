@@ -14,6 +14,7 @@
 
 #include "date.h"
 #include "file_state.h"
+#include "near_word.h"
 #include "no_memory.h"
 #include "text_list.h"
 #include "tools.h"
@@ -22,10 +23,12 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 #include <set>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -53,6 +56,7 @@ struct Saved {
 struct Module {
     FileState state;
     Saved saved;
+    std::string no_conventions;               // the file of them that was missed
     std::vector<std::FILE*> pipes;            // streams that FILE_close must wait for
     std::set<std::pair<dev_t, ino_t>> inputs; // plain files that were opened for reading
 };
@@ -352,6 +356,32 @@ char* FILE_add_user_path(const char* in, char* out) {
     return out;
 }
 
+void FILE_tell_nearest(const char* routine, const char* path, const char* file) {
+    char name[file_name_size];
+    const std::string full = FILE_add_user_path(FILE_add_path(path, file, name), name);
+    const std::size_t slash = full.rfind('/');
+    const std::string directory = slash == std::string::npos ? "" : full.substr(0, slash + 1);
+    std::vector<std::string> there;
+    std::error_code error;
+    constexpr std::size_t most = 10000;
+    for (std::filesystem::directory_iterator
+             at(directory.empty() ? std::string(".") : directory, error),
+         end;
+         !error && at != end && there.size() < most; at.increment(error)) {
+        there.push_back(at->path().filename().string());
+    }
+    std::sort(there.begin(), there.end()); // of equally near ones the same in any directory
+    KnownWords words;
+    for (const std::string& one : there) {
+        words.push_back({one.c_str()});
+    }
+    const std::string nearest(close_word(words, full.substr(directory.size())));
+    if (!nearest.empty()) {
+        MESS_print(mess_warn, "%s: The nearest file is %s%s\n", routine, directory.c_str(),
+                   nearest.c_str());
+    }
+}
+
 int FILE_make_dir(const char* path, int drop) {
     std::string name = path == nullptr ? "" : path;
     std::replace(name.begin(), name.end(), '\\', '/');
@@ -442,7 +472,11 @@ int FILE_set_name(const char* kind) {
     FILE_add_path(RES_get("file_path"), conv_name, path);
     const FILE_ptr file(FILE_open_text(path));
     if (file == nullptr) {
-        MESS_print(mess_warn, "FILE_set_name: No file name convention file: %s\n", path);
+        if (module.no_conventions != path) { // each kind of file asks for it
+            module.no_conventions = path;
+            MESS_print(mess_warn, "FILE_set_name: No file name convention file: %s\n", path);
+            FILE_tell_nearest("FILE_set_name", RES_get("file_path"), conv_name);
+        }
         copy_text(s.conv, sizeof s.conv, name);
         return 0;
     }

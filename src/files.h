@@ -55,6 +55,9 @@ char* FILE_add_path_delim(char* path);
 // `file` behind `path` (null: none); `file` alone if it is a standard stream
 // or a full path. `out` may be `file`. Returns `out`.
 char* FILE_add_path(const char* path, const char* file, char* out);
+// After the message that there is no such file: names the one beside it that is
+// spelt nearest, in a line of its own. Nothing where none is near.
+void FILE_tell_nearest(const char* routine, const char* path, const char* file);
 // Replaces a leading "~" or "~user" by that home directory. `out` may be `in`.
 char* FILE_add_user_path(const char* in, char* out);
 // Makes the directories of a path, all parts but the last `drop`. Returns 1 if
@@ -115,6 +118,10 @@ int FILE_set_header_date(const Date* date, char* out_file);
 // A request ("[#date][offset][la[#tries]][offset]"; null: "la") to a name.
 // Returns its time, seconds since 1970, rounded down to the time step.
 long FILE_set_current(const char* request, char* filename);
+// What of a request is none, from there on; empty if all of it can be read.
+const char* FILE_request_rest(const char* request);
+// Whether a typed name is a request: it begins with "la" or "cu", or "#".
+bool FILE_is_request(const char* name);
 // The name of a date plus seconds. Returns offset / step.
 int FILE_set_date_off(const Date* date, int offset, char* out_file);
 // Shows the files of the convention on the terminal.

@@ -18,13 +18,20 @@ int scaled(float fraction, int side) {
     return trunc_int(static_cast<float>(side) * fraction);
 }
 
-// A point has no extent, and coordinates beyond the limit are held back.
-bool usable(const Grectangle& area) {
+// Do two stretches have a part in common?
+template <typename Number> bool meet(Number at, Number length, Number from, Number size) {
+    return at < from + size && at + length > from;
+}
+
+// A point has no extent, and coordinates beyond the limit are held back. Nothing
+// is seen of what lies beside the page.
+bool usable(const Grectangle& area, const Grectangle& page) {
     constexpr int least = 2;
     constexpr int most = 100000;
     const auto in_range = [](int v, int low) { return v >= low && v <= most; };
     return in_range(area.width, least) && in_range(area.height, least) && in_range(area.x, -most) &&
-           in_range(area.y, -most);
+           in_range(area.y, -most) && meet(area.x, area.width, page.x, page.width) &&
+           meet(area.y, area.height, page.y, page.height);
 }
 
 } // namespace
@@ -41,6 +48,10 @@ bool read_panel(const char* text, Gpanel* panel) {
         *panel = {1.0F / columns, 1.0F / rows, panel->x / columns, 1.0F - (panel->y + 1.0F) / rows};
     }
     return whole;
+}
+
+bool is_on_page(const Gpanel& panel) {
+    return meet(panel.x, panel.width, 0.0F, 1.0F) && meet(panel.y, panel.height, 0.0F, 1.0F);
 }
 
 Grectangle panel_area(const Gpanel& panel, const Grectangle& page) {
@@ -78,7 +89,7 @@ void set_page_area(const char* text, const Grectangle& page, float unit) {
         } else {
             area = unit_area(text, page, unit);
         }
-        if (!usable(area)) {
+        if (!usable(area, page)) {
             MESS_print(mess_warn, "gopen_ws: geometry leaves no room: %s\n", text);
             area = page;
         }

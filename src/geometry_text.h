@@ -16,6 +16,8 @@ struct Gpanel {
 // w columns and h rows and the cell x, y in it, row 0 at the top. What is not
 // given keeps its start value. Returns whether all four numbers were given.
 bool read_panel(const char* text, Gpanel* panel);
+// Whether any part of the panel lies on the page.
+bool is_on_page(const Gpanel& panel);
 // The panel of a page, in the units of the page.
 Grectangle panel_area(const Gpanel& panel, const Grectangle& page);
 // "wxh+x+y", "wxh" or "+x+y", each number times `unit`; an offset is from the

@@ -221,6 +221,7 @@ int ghpgl_open_ws(const char* conn_id) {
     gset_win_type(ws_hpgl);
     if (ghpgl_open_file(name.data()) == nullptr) {
         gerr_printf("gopen_ws", "unable to open HPGL file\n");
+        explain_output("gopen_ws");
         return -1;
     }
     hp.page = usual_page;
@@ -282,6 +283,7 @@ int ghpgl_close_file() {
     Commands().put(hp.end);
     if (close_output(std::exchange(hp.out_file, nullptr)) != 0) {
         gerr_printf("ghpgl_close_file", "unable to write HPGL file\n");
+        explain_output("ghpgl_close_file");
         return -1;
     }
     MESS_print(mess_mess, "Created HPGL file\n");

@@ -82,6 +82,7 @@ int gmeta_open_ws(const char* conn_id) {
                 name.data(), name.size());
     if (gmeta_open_file(name.data()) == nullptr) {
         gerr_printf("gopen_ws", "unable to open metafile\n");
+        explain_output("gopen_ws");
         return -1;
     }
     gmeta_init_file();
@@ -118,6 +119,7 @@ int gmeta_close_file() {
     const int status = close_output(std::exchange(meta.out_file, nullptr));
     if (status < 0) {
         gerr_printf("gmeta_close_file", "unable to write metafile\n");
+        explain_output("gmeta_close_file");
     } else if (status == 0) {
         MESS_print(mess_mess, "Created metafile\n");
     }

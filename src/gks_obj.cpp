@@ -12,6 +12,7 @@
 #include "gks_attr.h"
 #include "gks_draw.h"
 #include "no_memory.h"
+#include "out_file.h"
 #include "zyr.h"
 
 #include <algorithm>
@@ -268,6 +269,7 @@ int gobj_print_meta() {
         const Replay replay;
         if (gmeta_open_file(name) == nullptr) {
             gerr_printf("gprint_meta", "unable to open metafile\n");
+            explain_output("gprint_meta");
             return -1;
         }
         gmeta_init_file();

@@ -311,6 +311,7 @@ int gps_open_ws(const char* conn_id) {
     gset_win_type(ws_postscript);
     if (gps_open_file(name.data()) == nullptr) {
         gerr_printf("gopen_ws", "unable to open postscript file\n");
+        explain_output("gopen_ws");
         return -1;
     }
     gps_init();
@@ -380,6 +381,7 @@ int gps_close_file() {
     const int status = close_output(std::exchange(ps.out_file, nullptr));
     if (status < 0) {
         gerr_printf("gps_close_file", "unable to write postscript file\n");
+        explain_output("gps_close_file");
     } else if (status == 0) {
         MESS_print(mess_mess, "Created Postscript file\n");
     }

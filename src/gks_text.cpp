@@ -58,7 +58,8 @@ struct FontState {
     Gfont font{};
     int in_memory = 1; // place in the list that `font` was read for
     int aside_in_memory = 1;
-    std::vector<Gpen_step> steps; // of the glyph that is drawn
+    std::vector<Gpen_step> steps;     // of the glyph that is drawn
+    std::vector<std::string> unknown; // names that were warned of
 };
 FontState font_state;
 
@@ -138,6 +139,7 @@ int setup_list() {
         const FILE_ptr file = open_along_path(text + 3);
         if (!file) {
             MESS_print(mess_warn, "gsetup_fonts: unable to load font list file: %s\n", text + 3);
+            FILE_tell_nearest("gsetup_fonts", RES_get("file_path"), text + 3);
             return -1;
         }
         read_given_list(file.get());
@@ -185,6 +187,9 @@ int read_font(const char* name) {
     std::string text;
     if (!file || !read_file(file.get(), &text) || gparse_font(text, &font_state.font) != 0) {
         MESS_print(mess_warn, "read_font: unable to load font file: %s\n", name);
+        if (!file) {
+            FILE_tell_nearest("read_font", RES_get("file_path"), name);
+        }
         return -1;
     }
     return 0;
@@ -194,6 +199,24 @@ int read_listed_font(int ind) {
     font_state.in_memory = ind;
     const bool listed = ind >= 1 && ind <= font_state.num_fonts;
     return read_font(listed ? font_state.fonts[ind - 1].name.data() : "modern.fnt");
+}
+
+// A name that the list lacks, once, as every text asks for its font.
+void warn_font(const char* name) {
+    constexpr std::size_t most = 50;
+    std::vector<std::string>& unknown = font_state.unknown;
+    if (*name == '\0' || font_state.num_fonts == 0 || unknown.size() == most ||
+        std::find(unknown.begin(), unknown.end(), name) != unknown.end()) {
+        return;
+    }
+    unknown.emplace_back(name);
+    KnownWords words;
+    for (int i = 0; i < font_state.num_fonts; ++i) {
+        words.push_back({font_state.fonts[i].abbr.data()});
+    }
+    MESS_print(mess_warn,
+               "gget_font_index: Unknown font: %s, the nearest is %s, the first is taken\n", name,
+               std::string(nearest_word(words, name)).c_str());
 }
 
 // --- Layout -------------------------------------------------------------------
@@ -633,6 +656,7 @@ int gget_font_index(const char* name) {
             return i + 1;
         }
     }
+    warn_font(name);
     return 1;
 }
 

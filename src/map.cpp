@@ -205,6 +205,7 @@ int database_entry(const char* entry) {
     const FILE_ptr file = name[0] == '\0' ? nullptr : open_on_path("file_path", name);
     if (!file) {
         MESS_print(mess_warn, "MAP_process: Map file not found: %s\n", name);
+        FILE_tell_nearest("MAP_process", RES_get("file_path"), name);
         return -1;
     }
     if (attr.color == -1) {
@@ -327,6 +328,7 @@ void process_list_file(const char* name) {
     if (!file) {
         if ((state.over & map_plain) != 0) { // once of the two passes of a frame
             MESS_print(mess_warn, "MAP_draw: Unable to open map list file: %s\n", name);
+            FILE_tell_nearest("MAP_draw", RES_get("file_path"), name);
         }
         return;
     }

@@ -51,6 +51,28 @@ std::size_t same_beginning(std::string_view a, std::string_view b) {
     return n;
 }
 
+struct Nearest {
+    std::string_view word;
+    int changes = static_cast<int>(2 * longest);
+};
+
+Nearest search(const KnownWords& words, std::string_view typed) {
+    typed = typed.substr(0, longest);
+    Nearest nearest;
+    std::size_t begins = 0;
+    for (const KnownWord& word : words) {
+        const std::string_view text = std::string_view(word.text).substr(0, longest);
+        const int count = changes(text, typed);
+        const std::size_t beginning = same_beginning(text, typed);
+        // Of equal ones that which begins as it was typed: "gren" is "green", not "grey".
+        if (count < nearest.changes || (count == nearest.changes && beginning > begins)) {
+            nearest = {word.text, count};
+            begins = beginning;
+        }
+    }
+    return nearest;
+}
+
 } // namespace
 
 bool is_known_word(const KnownWords& words, std::string_view typed) {
@@ -62,21 +84,15 @@ bool is_known_word(const KnownWords& words, std::string_view typed) {
 }
 
 std::string_view nearest_word(const KnownWords& words, std::string_view typed) {
-    typed = typed.substr(0, typed.find_first_of("=:"));
-    typed = typed.substr(0, longest);
-    std::string_view nearest;
-    int fewest = static_cast<int>(2 * longest);
-    std::size_t begins = 0;
-    for (const KnownWord& word : words) {
-        const std::string_view text = std::string_view(word.text).substr(0, longest);
-        const int count = changes(text, typed);
-        const std::size_t beginning = same_beginning(text, typed);
-        // Of equal ones that which begins as it was typed: "gren" is "green", not "grey".
-        if (count < fewest || (count == fewest && beginning > begins)) {
-            nearest = word.text;
-            fewest = count;
-            begins = beginning;
-        }
+    return search(words, typed.substr(0, typed.find_first_of("=:"))).word;
+}
+
+std::string_view close_word(const KnownWords& words, std::string_view typed) {
+    const Nearest nearest = search(words, typed);
+    std::size_t length = std::max(typed.size(), nearest.word.size());
+    const std::size_t point = typed.rfind('.');
+    if (point != std::string_view::npos && nearest.word.ends_with(typed.substr(point))) {
+        length -= typed.size() - point;
     }
-    return nearest;
+    return 3 * static_cast<std::size_t>(nearest.changes) <= length ? nearest.word : "";
 }

@@ -18,3 +18,6 @@ bool is_known_word(const KnownWords& words, std::string_view typed);
 // replaced, or two swapped) to become `typed`; empty for an empty list. A value
 // after "=" or ":" does not count.
 std::string_view nearest_word(const KnownWords& words, std::string_view typed);
+// The same, but empty when that takes a change for more than a third of the
+// letters, those of a common ending such as ".map" aside: then it is another word.
+std::string_view close_word(const KnownWords& words, std::string_view typed);

@@ -47,6 +47,7 @@ OutputPtr NIDS_grd_open(const NIDS_info& info, const char* datim) {
         grid.reset(open_output(name, false));
         if (grid == nullptr) {
             MESS_print(mess_warn, "NIDS_grd_open: Unable to open grid file: %s\n", name);
+            explain_output("NIDS_grd_open");
             PLT_lost_output();
         }
     }

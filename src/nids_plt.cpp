@@ -88,28 +88,16 @@ Gattribs attributes(const char* resource, const char* otherwise) {
     return attrib;
 }
 
-// What the plotters know by `variable`: one list serves the runs of several kinds
-// of file, so that a word of another plotter is no mistake.
-constexpr KnownWord variables[] = {
-    {"comp" },
-    {"track"},
-    {"table"},
-    {"watch"},
-    {"none" },
-    {"id"   },
-    {"tvs"  },
-    {"meso" },
-    {"posh" },
-    {"poh"  },
-    {"hsize"},
-    {"vil"  },
-    {"dbzm" },
-    {"dbzht"},
-    {"top"  },
-    {"dir"  },
-    {"spd"  },
-    {"mvmt" },
- // moments of Level II
+// What this plotter knows by `variable`: the kinds of the plot, and the columns of
+// the tables of storms.
+constexpr KnownWord own_variables[] = {
+    {"comp"}, {"track"}, {"table"}, {"watch"}, {"none"},  {"id"},  {"tvs"}, {"meso"}, {"posh"},
+    {"poh"},  {"hsize"}, {"vil"},   {"dbzm"},  {"dbzht"}, {"top"}, {"dir"}, {"spd"},  {"mvmt"},
+};
+// What the others know: a word of theirs is no mistake, as settings serve runs of
+// several kinds of file.
+constexpr KnownWord other_variables[] = {
+  // moments of Level II
     {"ref",   true},
     {"vel",       true},
     {"spect",true},
@@ -131,19 +119,36 @@ constexpr KnownWord variables[] = {
     {"echotop"  },
 };
 
-// Warns once of a variable that no plotter knows.
+// Warns once of a variable that no plotter knows, and of variables of which this
+// plotter draws none.
 void check_variables() {
-    KnownWords words(std::begin(variables), std::end(variables));
+    KnownWords words(std::begin(own_variables), std::end(own_variables));
+    const KnownWords others(std::begin(other_variables), std::end(other_variables));
+    const char* foreign = nullptr;
+    bool any = VAR_get_num() == 0;
     for (int i = 0; i < VAR_get_num() && !nids.told_variable; ++i) {
         const char* name = VAR_get_name(i);
         const std::string_view word(name, std::strcspn(name, "-"));
-        if (word.empty() || is_known_word(words, word)) {
+        const bool own = word.empty() || is_known_word(words, word);
+        any = any || own;
+        if (own) {
+            continue;
+        }
+        if (is_known_word(others, word)) {
+            foreign = name;
             continue;
         }
         nids.told_variable = true;
         VAR_add_names(&words);
+        words.insert(words.end(), others.begin(), others.end());
         MESS_print(mess_warn, "NIDS_plot: Unknown variable: %s, the nearest is %s\n", name,
                    std::string(nearest_word(words, word)).c_str());
+    }
+    if (!any && foreign != nullptr && !nids.told_variable) {
+        nids.told_variable = true;
+        MESS_print(mess_warn,
+                   "NIDS_plot: No variable of a NIDS product: %s, its own data are drawn\n",
+                   foreign);
     }
 }
 

@@ -34,6 +34,7 @@ namespace {
 struct Output {
     std::FILE* file = nullptr;
     bool given_up = false;
+    std::array<char, file_name_size> name{}; // as it was asked for
     std::array<char, PATH_MAX> target{};     // the name to take
     std::array<char, PATH_MAX> unfinished{}; // the file beside it
     volatile std::sig_atomic_t pending = 0;  // `unfinished` lies there
@@ -43,6 +44,7 @@ struct Output {
 struct Module {
     std::array<Output, 4> outputs;
     bool guarded = false; // by the signals and at exit
+    std::string fault;    // the output that failed last and why; empty if that was said
     pid_t owner = 0;      // a process that was split off removes nothing
 };
 Module module;
@@ -160,6 +162,14 @@ std::FILE* open_beside(Output& output, const struct stat* old) {
     return file;
 }
 
+void note_fault(const char* name, const char* why) {
+    module.fault = std::string(name) + ": " + why;
+}
+
+const char* reason(int error) {
+    return error != 0 ? std::strerror(error) : "it was not written whole";
+}
+
 // Lets the whole file take its name.
 bool take_name(Output& output) {
     if (FILE_is_input(output.target.data()) != 0) {
@@ -169,6 +179,7 @@ bool take_name(Output& output) {
     }
     const HeldSignals held;
     if (std::rename(output.unfinished.data(), output.target.data()) != 0) {
+        note_fault(output.name.data(), std::strerror(errno));
         return false;
     }
     output.pending = 0;
@@ -193,6 +204,7 @@ bool is_input(const char* path) {
     }
     if (found) {
         MESS_print(mess_error, "open_output: The output is an input of the run: %s\n", path);
+        errno = 0;
     }
     return found;
 }
@@ -282,8 +294,14 @@ std::FILE* open_output(const char* name, bool append) {
     }
     guard();
     output->given_up = false;
+    copy_text(output->name.data(), output->name.size(), name);
+    errno = EIO;
     output->file = open_any(*output, name, append);
     if (output->file == nullptr) {
+        module.fault.clear();
+        if (errno != 0) {
+            note_fault(name, std::strerror(errno));
+        }
         remove_unfinished_of(*output);
         return nullptr;
     }
@@ -317,8 +335,17 @@ int close_output(std::FILE* file) {
         return -1;
     }
     output->file = nullptr;
+    errno = 0;
     const bool failed = std::fflush(file) != 0 || std::ferror(file) != 0;
-    int status = FILE_close(file) != 0 || failed ? -1 : 0;
+    const int flushed = errno;
+    const int closed = FILE_close(file);
+    int status = closed != 0 || failed ? -1 : 0;
+    module.fault.clear();
+    if (status != 0) {
+        note_fault(output->name.data(), *output->name.data() == '|' && closed > 0
+                                            ? "the command failed"
+                                            : reason(failed ? flushed : errno));
+    }
     if (output->given_up || ZYR_lacked_memory()) {
         status = 1;
     }
@@ -333,6 +360,13 @@ void discard_output(std::FILE* file) {
     if (Output* const output = slot_of(file); file != nullptr && output != nullptr) {
         output->given_up = true;
         static_cast<void>(close_output(file));
+    }
+}
+
+void explain_output(const char* routine) {
+    if (!module.fault.empty()) {
+        MESS_print(mess_warn, "%s: %s\n", routine, module.fault.c_str());
+        module.fault.clear();
     }
 }
 

@@ -32,6 +32,9 @@ void output_name(const char* conn_id, std::initializer_list<const char*> environ
 [[nodiscard]] int close_output(std::FILE* file);
 // Closes an output that is not whole: the old file stays.
 void discard_output(std::FILE* file);
+// Names the output that could not be opened or written last, and why: the line
+// after a device's own. Nothing where that was said already.
+void explain_output(const char* routine);
 // A run that fails keeps nothing of what is open: close_output then gives 1.
 void give_up_outputs();
 

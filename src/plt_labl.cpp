@@ -84,6 +84,8 @@ std::string three_letters(const char* word) {
     return text;
 }
 
+constexpr const char* label_codes = "DVWymbhdnfF%";
+
 // Text of one label code; empty for letters that are none.
 std::string label_code(char code) {
     char text[200] = "";
@@ -368,6 +370,10 @@ int PLT_label_for_time(long fhour) {
 
 int PLT_label_format(const char* form, char* text) {
     return copy_text(text, plt_label_size, expand(form).c_str());
+}
+
+bool PLT_is_label_code(char code) {
+    return code != '\0' && std::strchr(label_codes, code) != nullptr;
 }
 
 float PLT_low_right_begin() {

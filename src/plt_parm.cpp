@@ -378,7 +378,8 @@ void PLT_add_param_words(KnownWords* known) {
 
 int PLT_panel_decode(const char* text) {
     Gpanel panel;
-    if (!read_panel(text, &panel) || panel.width <= 0.0F || panel.height <= 0.0F) {
+    if (!read_panel(text, &panel) || panel.width <= 0.0F || panel.height <= 0.0F ||
+        !is_on_page(panel)) {
         return -1;
     }
     return GPH_set_view_size(panel.width, panel.height, panel.x, panel.y);

@@ -209,6 +209,7 @@ void dump_image(const char* key, int frame) {
         MESS_print(mess_mess, "Wrote %s file: %s\n", label, path);
     } else {
         MESS_print(mess_warn, "PLT_dump: Unable to write %s file: %s\n", label, path);
+        explain_output("PLT_dump");
         PLT_lost_output();
     }
 }

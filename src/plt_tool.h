@@ -158,6 +158,8 @@ int PLT_label_date(const Date* date);
 int PLT_label_for_time(long fhour);
 // Expands the codes of `form` into `text`, which holds plt_label_size bytes.
 int PLT_label_format(const char* form, char* text);
+// Whether the letter after "%" is a label code.
+bool PLT_is_label_code(char code);
 // Left end of the lower right labels as PLT_labels would write them beside no
 // bar; the viewport's right edge when there are none.
 float PLT_low_right_begin();

@@ -4,10 +4,10 @@
 #include "rad_check.h"
 
 #include "cont.h"
-#include "date.h"
 #include "near_word.h"
 #include "plt_tool.h"
 #include "rad_run.h"
+#include "rad_values.h"
 #include "res_table.h"
 #include "text_list.h"
 #include "text_scan.h"
@@ -15,7 +15,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -140,12 +139,44 @@ void check_options() {
 
 // --- Words --------------------------------------------------------------------
 
+// Types of plot as a user may call them, and their words.
+struct PlainName {
+    const char* name;
+    const char* word;
+};
+constexpr PlainName plot_names[] = {
+    {"contour",    "ln"  },
+    {"line",       "ln"  },
+    {"dashed",     "dln" },
+    {"filled",     "cf"  },
+    {"shaded",     "cf"  },
+    {"vector",     "vect"},
+    {"streamline", "strm"},
+};
+
+// The nearest word and, where that was taken from a plain name, the name.
+std::string nearest_of(const char* resource, KnownWords words, const char* item) {
+    const bool plain = std::strcmp(resource, "plot_type") == 0;
+    for (const PlainName& row : plot_names) {
+        if (plain) {
+            words.push_back({row.name});
+        }
+    }
+    const std::string nearest(nearest_word(words, item));
+    for (const PlainName& row : plot_names) {
+        if (plain && nearest == row.name) {
+            return std::string(row.word) + " (" + row.name + ")";
+        }
+    }
+    return nearest;
+}
+
 void check_list(const char* resource, const KnownWords& words, bool signs) {
     each_item(resource, [&](const char* item) {
         item += signs && (*item == '+' || *item == '-') ? 1 : 0;
         if (!is_known_word(words, item)) {
             MESS_print(mess_warn, "%s: Unknown word: %s, the nearest is %s\n", resource, item,
-                       std::string(nearest_word(words, item)).c_str());
+                       nearest_of(resource, words, item).c_str());
         }
     });
 }
@@ -184,7 +215,7 @@ void check_label() {
     });
 }
 
-// --- Device and page ----------------------------------------------------------
+// --- Device -------------------------------------------------------------------
 
 void check_device() {
     const char* value = RES_get("device");
@@ -211,84 +242,6 @@ void check_device() {
     }
 }
 
-bool take_number(const char** text) {
-    const std::size_t digits = std::strspn(*text, ".0123456789");
-    *text += digits;
-    return digits > 0;
-}
-
-// "+x": an offset may have a sign of its own, as in "+-5".
-bool take_offset(const char** text) {
-    if (**text != '+' && **text != '-') {
-        return false;
-    }
-    *text += (*text)[1] == '-' ? 2 : 1;
-    return take_number(text);
-}
-
-// "wxh", "+x+y" or both, with "=" in front for a window, "p" for a panel.
-bool is_geometry(const char* text) {
-    const char* at = text + (*text == '=' || lower(*text) == 'p' ? 1 : 0);
-    bool given = false;
-    if (take_number(&at)) {
-        if (lower(*at++) != 'x' || !take_number(&at)) {
-            return false;
-        }
-        given = true;
-    }
-    if (take_offset(&at)) {
-        given = take_offset(&at);
-    }
-    return given && *at == '\0';
-}
-
-void check_geometry() {
-    const char* value = RES_get("geometry");
-    if (value != nullptr && *value != '\0' && !is_geometry(value)) {
-        MESS_print(mess_warn,
-                   "geometry: No size: %s, the device's own is taken; a size is WIDTHxHEIGHT or "
-                   "WIDTHxHEIGHT+X+Y\n",
-                   value);
-    }
-}
-
-// --- Times --------------------------------------------------------------------
-
-// "hours", "hours:minutes" or ":minutes", with a sign.
-bool is_span(std::string_view text) {
-    text.remove_prefix(text.starts_with('-') || text.starts_with('+') ? 1 : 0);
-    const auto digits = std::count_if(text.begin(), text.end(), is_digit);
-    const auto colons = std::count(text.begin(), text.end(), ':');
-    return digits > 0 && colons <= 1 && digits + colons == std::ssize(text);
-}
-
-void check_zone(const char* zone) {
-    if (DATE_is_TZ(zone) == 0) {
-        MESS_print(mess_warn,
-                   "tz: No hours from UTC: %s, times stay in UTC; a zone is NAME:HOURS, as "
-                   "CST:-6\n",
-                   zone);
-    }
-}
-
-void check_times() {
-    each_item("num_hour", [](const char* item) {
-        if (!is_span(item)) {
-            MESS_print(mess_warn,
-                       "num_hour: No hours: %s, 0 is taken; a time is HOURS or HOURS:MINUTES\n",
-                       item);
-        }
-    });
-    each_item("plot_param", [](const char* item) {
-        if (strnicmp(item, "tz", 2) == 0) {
-            check_zone(item[2] == '\0' ? "" : item + 3);
-        }
-    });
-    if (const char* zone = std::getenv("zyrtz")) {
-        check_zone(zone);
-    }
-}
-
 } // namespace
 
 void RAD_check_settings() {
@@ -299,6 +252,5 @@ void RAD_check_settings() {
     check_conversion("file_param", CV_file_param);
     check_label();
     check_device();
-    check_geometry();
-    check_times();
+    RAD_check_values();
 }

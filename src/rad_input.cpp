@@ -12,6 +12,7 @@
 
 #include <cstring>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -130,13 +131,18 @@ bool set_format(const char* item) {
     return native || netcdf;
 }
 
-void tell_unknown(const char* item) {
+// What is after "_" is the part of a convention's name that the user fills in.
+std::string nearest_input(std::string_view item) {
     KnownWords words;
     for (const Rule& rule : input_rules) {
         words.push_back({rule.word});
     }
+    return std::string(nearest_word(words, item.substr(0, item.find('_'))));
+}
+
+void tell_unknown(const char* item) {
     MESS_print(mess_warn, "input: Unknown word: %s, the nearest is %s\n", item,
-               std::string(nearest_word(words, item)).c_str());
+               nearest_input(item).c_str());
 }
 
 // Returns whether an item of `input` was known.
@@ -170,6 +176,9 @@ void check_item(const char* item, const Rule& rule, bool given, bool found) {
                    "in_file: Unknown word: %s; without -inp radar summaries are read, the type of "
                    "a file is found by -inp auto\n",
                    item);
+    } else if (!found && std::strpbrk(item, "@./%*") == nullptr) { // a name alone is a file's
+        MESS_print(mess_warn, "in_file: Unknown word: %s, the nearest is %s\n", item,
+                   nearest_input(item).c_str());
     }
 }
 

@@ -84,6 +84,8 @@ constexpr int cty_fields = 9;
 // 4000. Returns the descriptor; -1 after the warning "CTY_open_file: Database
 // file not found: %s\n", or in silence when the name is "none".
 int CTY_open_file(const char* city_file, int* num_stats);
+// The warning of it, once for a file: every lookup asks for that.
+void CTY_tell_missing(const char* name);
 
 // First station whose identifier, name or five-digit WMO number is `id`, in
 // any case. Both return 1, or 0 with the outputs unchanged.

@@ -45,11 +45,31 @@ constexpr Mistake mistakes[] = {
      "page.ps"},
     {"radial -va comp,vel2,City", 0, "", "page.ps"},
     {"radial -pl vaule", 0, "plot_type: Unknown word: vaule, the nearest is value\n", "page.ps"},
+    {"radial -pl contuor", 0, "plot_type: Unknown word: contuor, the nearest is ln (contour)\n",
+     "page.ps"},
+    {"radial -va vel", 0,
+     "NIDS_plot: No variable of a NIDS product: vel, its own data are drawn\n", "page.ps"},
     {"radial -pf ovr", 0, "file_param: Unknown word: ovr, the nearest is over\n", "page.ps"},
     {"radial -la xx:hello,UL1:x,lc:~y", 0,
      "label: No place: xx:hello, a label begins with ul:, uc:, ur:, ll:, lc: or lr:\n",
      "page.ps"},
     {"radial -la ul:Norman,~OK", 0, "label: No place:  OK, a label begins with ul:*\n", "page.ps"},
+    {"radial -la ul:%q,ll:%D", 0, "label: Unknown code: %q in ul:%q, it is left out; the codes *",
+     "page.ps"},
+    {"radial -pp font=romn", 0,
+     "gget_font_index: Unknown font: romn, the nearest is roman, the first is taken\n", "page.ps"},
+    // Numbers.
+    {"radial -pp dist=abc", 0, "plot_param: No number: dist=abc, at \"abc\"; *", "page.ps"},
+    {"radial -pp dist=50nm", 0, "plot_param: No number: dist=50nm, at \"nm\"; *", "page.ps"},
+    {"radial -pp bar=x", 0, "plot_param: No number: bar=x, *", "page.ps"},
+    {"radial -pp lalo", 0, "plot_param: No number: lalo, at \"\"; *lalo=5:10\n", "page.ps"},
+    {"radial -pp vp_size=9", 0, "plot_param: No part of the page: vp_size=9, *", "page.ps"},
+    {"radial -pp font=bold,dist=50:100,bar=0:70,lalo=5:5,vp_size=2x2+1+1", 0, "", "page.ps"},
+    {"radial -in nids", 0, "con_interval: No interval: nids, *named by -inp\n", "page.ps"},
+    {"radial -cb abc,>20", 0, "con_base: No number: abc, *", "page.ps"},
+    {"radial -sc big", 0, "plot_scale: No number: big, 1 is taken\n", "page.ps"},
+    {"radial -pr high", 0, "stat_prior: No number: high, *", "page.ps"},
+    {"radial -pr +1 -sc 1.5 -in 5 -cb <70", 0, "", "page.ps"},
     // Colours and levels.
     {"radial -com reddish", 0,
      "CLR_get_ind: Unknown color: reddish, the nearest is red\n",
@@ -67,6 +87,22 @@ constexpr Mistake mistakes[] = {
      "CONT_set_fill_colors: The product's own colors are taken\n",
      "page.ps"},
     {"radial -fl nofont", 0, "read_font: unable to load font file: nofont\n", "page.ps"},
+    {"radial -fl romn.fnt", 0, "read_font: unable to load font file: romn.fnt\nread_font: The "
+     "nearest file is */roman.fnt\n", "page.ps"},
+    {"radial -bg navi", 0, "background: Unknown color: navi, the nearest is navy; paper is white\n",
+     "page.ps"},
+    {"radial -bg navy", 0, "", "page.ps"},
+    {"radial -ct zry.clr", 0,
+     "CLR_read_table: Unable to open color table: */zry.clr\n"
+     "CLR_read_table: The nearest file is */zyr.clr\n"
+     "CLR_read_table: The default color table is taken: zyr.clr\n", "page.ps"},
+    {"radial -cof velocty", 0,
+     "CONT_set_fill_colors: Unable to read contour level file: velocty\n"
+     "CONT_set_fill_colors: The nearest file is */velocity.lvl\n"
+     "CONT_set_fill_colors: The product's own colors are taken\n", "page.ps"},
+    {"radial -cof 20:red,nofile.lvl", 0,
+     "CONT_set_fill_colors: A level file stands alone, in a list it is left out: nofile.lvl\n",
+     "page.ps"},
     // Messages: a slip silences nothing.
     {"radial -me wran", 0, "MESS_set_str: Unknown word: wran, the nearest is warn\n", "page.ps"},
     {"radial -me warn,-dbeug", 0, "MESS_set_str: Unknown word: -dbeug, the nearest is debug\n",
@@ -83,6 +119,15 @@ constexpr Mistake mistakes[] = {
     {"radial -pd ps,35,-97,0,31,.1,.1", 0, "DOM_decode: Invalid plot domain\n*no extent*",
      "page.ps"},
     {"radial -mf nomap.map", 0, "MAP_process: Map file not found: nomap.map\n", "page.ps"},
+    {"radial -mf us_sate.map", 0, "MAP_process: Map file not found: us_sate.map\n"
+     "MAP_process: The nearest file is */us_state.map\n", "page.ps"},
+    {"radial -mf fi:use.lst", 0, "MAP_draw: Unable to open map list file: use.lst\n"
+     "MAP_draw: The nearest file is */usa.lst\n", "page.ps"},
+    {"radial -cf sao.ctz", 0, "CTY_open_file: Database file not found: sao.ctz\n"
+     "CTY_open_file: The nearest file is */sao.cty\n", "page.ps"},
+    {"./list -inp rcmsite -id TLX -cf sao.ctz -pd us", 10,
+     "CTY_open_file: Database file not found: sao.ctz\n"
+     "CTY_open_file: The nearest file is */sao.cty\nRCM_open_file: *", "!page.ps"},
     {"radial -mf rf:norow.raw", 0, "RAW_file_open: Unable to open file:norow.raw\n", "page.ps"},
     {"radial -mf im:none.gif", 0, "MAP_process: Images are drawn in a window alone: none.gif\n",
      "page.ps"},
@@ -123,6 +168,26 @@ constexpr Mistake mistakes[] = {
      "!page.ps"},
     {"radial -ge big", 0, "geometry: No size: big, the device's own is taken; *", "page.ps"},
     {"radial -ge 5x4+1", 0, "geometry: No size: 5x4+1, *", "page.ps"},
+    {"radial -ge P9x9+10+10", 0, "gopen_ws: geometry leaves no room: P9x9+10+10\n", "page.ps"},
+    {"radial -de p,radial/x.ps", 4,
+     "gopen_ws: unable to open postscript file\n\n"
+     "gopen_ws: radial/x.ps: Not a directory\nGPH_begin: *", "!page.ps"},
+    {"radial -de m,.", 4,
+     "gopen_ws: unable to open metafile\n\ngopen_ws: .: Is a directory\nGPH_begin: *",
+     "!page.ps"},
+    {"radial -de h,|false", 4,
+     "ghpgl_close_file: unable to write HPGL file\n\nghpgl_close_file: |false: *", "!page.ps"},
+    {"radial -de m,/dev/full", 4,
+     "gmeta_close_file: unable to write metafile\n\n"
+     "gmeta_close_file: /dev/full: No space left on device\n", "!page.ps"},
+    {"radial -de d -of png=radial/x.png", 4,
+     "Unable to open PNG file\nPLT_dump: Unable to write PNG file: radial/x.png\nPLT_dump: radial/x.png: Not a directory\n",
+     "!page.ps"},
+    {"radial -of jpg=x.jpg", 0, "out_file: Unknown word: jpg=x.jpg, the nearest is png; *",
+     "page.ps"},
+    {"radial -of x.gif", 0, "out_file: Unknown word: x.gif, the nearest is gif; *", "page.ps"},
+    {"radial -of xwd=x", 0, "out_file: Left out: xwd=x, plot_param takes it: -pp xwd=x\n",
+     "page.ps"},
     // Texts without end, and none.
     {"radial -df /dev/zero", 0, "FILE_open_text: Text ends after 64 MB: /dev/zero\n*", ""},
     {"radial -nc /dev/zero", 0, "FILE_open_text: Text ends after 64 MB: /dev/zero\n*",
@@ -144,6 +209,15 @@ constexpr Mistake mistakes[] = {
     {"--list variables", 0, "", "!page.ps"},
     // Times.
     {"radial -nh abc", 0, "num_hour: No hours: abc, 0 is taken; a time is HOURS or *", "page.ps"},
+    {"radial -nh -1,0", 0, "num_hour: No step: 0, that of the files is taken\n", "page.ps"},
+    {"radial -nh 0,1,2", 0, "num_hour: Left out: 2, there are but hours and a step\n", "page.ps"},
+    {"radial -ho 12h", 0, "hour: No time: 12h, it is left out; a time is *", "page.ps"},
+    {"radial -ho 25:99", 0, "hour: No time: 25:99, *", "page.ps"},
+    {"radial -ho 2:00pm", 0, "hour: No time: 2:00pm, *", "page.ps"},
+    {"radial -ho 2013-05-20", 0, "hour: No time: 2013-05-20, *", "page.ps"},
+    {"radial -ho 1d12:30 -nh -0:30,:5 -cu -1:30la#5", 0, "", "page.ps"},
+    {"radial -cu foo", 0, "current: No time: foo, \"foo\" is left out; a request is la, *",
+     "page.ps"},
     {"radial -pp tz=CST", 0,
      "tz: No hours from UTC: CST, times stay in UTC; a zone is *",
      "page.ps"},
@@ -156,6 +230,9 @@ constexpr Mistake mistakes[] = {
     {"list", 0, "FILE_list_file: No file fits %D/%Y%m%d%h%n.nids\n", "!page.ps"},
     {"radial -if kavrad", 0, "in_file: kavrad names files of another type than the input\n",
      "page.ps"},
+    {"radial -if ndis_n0r", 0, "in_file: Unknown word: ndis_n0r, the nearest is nids\n", "page.ps"},
+    {"radial -nc nam_conv", 0, "FILE_set_name: No file name convention file: */nam_conv\n"
+     "FILE_set_name: The nearest file is */name_conv\n", "page.ps"},
     {"radial -if nids_wmo_N0Q:s=TLX", 0, "", "page.ps"},
     {"radial -inp nowrad -pd us", 10,
      "NOWRad_open_file: Not a NOWrad file: ./radial\n"

@@ -164,30 +164,38 @@ TEST_F(ProgramTest, FaultsThatEndTheRun) {
         std::string err; // all of it
     };
     const std::string closed = "GPH_begin: Error opening workstation\n";
+    const std::string no_dir = "gopen_ws: radial/x: Not a directory\n";
     for (const Row& row : std::initializer_list<Row>{
              {"gone lost -de p,page.ps",      10,
               "NIDS_open_file: Unable to open file:./gone\n"
-              "NIDS_open_file: Unable to open file:./lost\n"                                             },
-             {"radial -de p,/dev/full",       4,  "gps_close_file: unable to write postscript file\n\n"  },
-             {"gone -de p,page.ps",           10, "NIDS_open_file: Unable to open file:./gone\n"         },
-             {"-cu -1 -de p,page.ps",         10, "File not found: ./201905202130.nids\n"                },
-             {"-ba",                          10, "File not found: ./201905201411.nids\n"                }, // the 500 minutes before
-             {"radial -ba",                   4,  no_window                                              },
-             {"radial -de d",                 4,  no_window                                              },
-             {"radial -de w",                 4,  no_window                                              },
-             {"radial -de m,radial/x",        4,  "gopen_ws: unable to open metafile\n\n" + closed       },
-             {"radial -de q,radial/x",        4,  "gopen_ws: unable to open HPGL file\n\n" + closed      },
-             {"radial -de q,/dev/full",       4,  "ghpgl_close_file: unable to write HPGL file\n\n"      },
-             {"radial -de p,radial/x",        4,  "gopen_ws: unable to open postscript file\n\n" + closed},
+              "NIDS_open_file: Unable to open file:./lost\n"                                    },
+             {"radial -de p,/dev/full",       4,
+              "gps_close_file: unable to write postscript file\n\ngps_close_file: /dev/full: No "
+              "space left on device\n"                                                          },
+             {"gone -de p,page.ps",           10, "NIDS_open_file: Unable to open file:./gone\n"},
+             {"-cu -1 -de p,page.ps",         10, "File not found: ./201905202130.nids\n"       },
+             {"-ba",                          10, "File not found: ./201905201411.nids\n"       }, // the 500 minutes before
+             {"radial -ba",                   4,  no_window                                     },
+             {"radial -de d",                 4,  no_window                                     },
+             {"radial -de w",                 4,  no_window                                     },
+             {"radial -de m,radial/x",        4,
+              "gopen_ws: unable to open metafile\n\n" + no_dir + closed                         },
+             {"radial -de q,radial/x",        4,
+              "gopen_ws: unable to open HPGL file\n\n" + no_dir + closed                        },
+             {"radial -de q,/dev/full",       4,
+              "ghpgl_close_file: unable to write HPGL file\n\nghpgl_close_file: /dev/full: No "
+              "space left on device\n"                                                          },
+             {"radial -de p,radial/x",        4,
+              "gopen_ws: unable to open postscript file\n\n" + no_dir + closed                  },
              {"radial -inp= -pd us -va def",  10,
               "Unable to open file:./radial\nRAD_open_file: It looks like a NIDS product, read "
-              "with -inp nids\n"                                                                         },
+              "with -inp nids\n"                                                                },
              {"gone -inp rcn -pd us -va def", 10,
-              "input: Unknown word: rcn, the nearest is rcm\nUnable to open file:./gone\n"               },
+              "input: Unknown word: rcn, the nearest is rcm\nUnable to open file:./gone\n"      },
              {"radial_cut -de p,x",           0,
-              "NIDS_plot_summary: The product is damaged or not whole:radial_cut\n"                      },
+              "NIDS_plot_summary: The product is damaged or not whole:radial_cut\n"             },
              {"radial -dr any -de p,x",       0,
-              "draw: Unknown word: any, the nearest is all\nPLT_open: Nothing to draw: any\n"            },
+              "draw: Unknown word: any, the nearest is all\nPLT_open: Nothing to draw: any\n"   },
     }) {
         const ProgramRun result = run(row.args);
         EXPECT_EQ(result.code, row.code) << row.args;
