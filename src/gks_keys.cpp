@@ -54,7 +54,7 @@ constexpr std::array key_map = {
 constexpr Key_help return_help = {"Return", "end the program"};
 constexpr std::array plotter_help = {
     Key_help{"Alt-r",              "draw the picture again"              },
-    Key_help{"Alt-v",              "print where the pointer is"          },
+    Key_help{"Alt-v",              "print place and value at the pointer"},
     Key_help{"Shift, left button", "draw a rectangle to zoom into"       },
     Key_help{"left, right button", "frame back, on; loop: slower, faster"},
     Key_help{"middle button",      "start or stop the loop"              },

@@ -6,9 +6,11 @@
 #include "cont.h"
 #include "date.h"
 #include "lev2.h"
+#include "lev2_stream.h"
 #include "map.h"
 #include "maptran.h"
 #include "rad_fill.h"
+#include "rad_probe.h"
 #include "rad_run.h"
 #include "region.h"
 #include "text_num.h"
@@ -22,6 +24,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
+#include <utility>
 
 namespace {
 
@@ -311,14 +315,19 @@ int zero_words(const LEV2_gates& gates, int gate) {
     return static_cast<int>(zeros / word_bytes);
 }
 
+// Where the gates of the moment selected lie.
+RadEdges radial_edges(const Map& own, Gpt site, const LEV2_data& data, const LEV2_gates& gates) {
+    const RadBeam beam = {data.rad_az, -radial_width / 2, radial_width, gates.first_km / 100.0,
+                          static_cast<double>(gates.size_km) * own.domain.dx};
+    return rad_radial_edges(own, site, beam);
+}
+
 // Draws the gates of the moment selected.
 void draw_radial(Walk& walk, const LEV2_data& data) {
     const LEV2_gates& gates = LEV2_get_gates();
     walk.clear_air = data.cov_patt >= first_clear && data.cov_patt <= last_clear;
     walk.elev = data.elev_ang;
-    const RadBeam beam = {data.rad_az, -radial_width / 2, radial_width, gates.first_km / 100.0,
-                          static_cast<double>(gates.size_km) * lev2.domain.dx};
-    const RadEdges edges = rad_radial_edges(walk.own, walk.site, beam);
+    const RadEdges edges = radial_edges(walk.own, walk.site, data, gates);
     walk.looks.take(gates);
     walk.strip.begin();
     for (int i = 0; i < gates.count; ++i) {
@@ -400,6 +409,61 @@ void tell_empty(const Walk& walk) {
                    "LEV2_plot: Scan %d has no value that is drawn, the largest is %.1f\n",
                    lev2.scan_num, walk.largest);
     }
+}
+
+// --- Value at a place -----------------------------------------------------------
+
+// The value at a point on the volume's own map, of the scan that is drawn: what is
+// drawn last lies on top, and what has no value is not drawn over another.
+std::string scan_value(const Map& own, Gpt site, Gpt at) {
+    float value = lev2_below;
+    LEV2_data data;
+    for (; !is_done() && LEV2_get_block(&data) != 0; LEV2_next_block()) {
+        const bool radial = data.type == lev2_radial_fixed || data.type == lev2_radial_generic;
+        if (!radial || data.elev_num != lev2.scan_num || LEV2_set_data_type(lev2.scan_type) == 0) {
+            continue;
+        }
+        const LEV2_gates& gates = LEV2_get_gates();
+        const int gate = rad_figure_at(radial_edges(own, site, data, gates), at);
+        if (gate < std::max(lev2.words.clutter, 0) || gate >= gates.count) {
+            continue;
+        }
+        const float here = gates.value(gates.word(gate));
+        value = here > lev2_below ? here : value;
+    }
+    if (value <= lev2_below) {
+        return "";
+    }
+    return value == lev2_folded ? "RF" : rad_number_text(value) + rad_unit_text(moment().label);
+}
+
+// The value of the picture on show at a plot point, from its file; empty when there
+// is none, or while a volume is read.
+std::string value_at(float x, float y) {
+    const RadSource* source = lev2_stream_is_open() ? nullptr : rad_shown_source();
+    Gpt place{missing_f, missing_f}; // latitude, longitude
+    MAP_untran(x, y, &place.x, &place.y);
+    if (source == nullptr || !rad_is_place(place)) {
+        return "";
+    }
+    const RadQuiet quiet;
+    LEV2_info info;
+    if (lev2_open_volume(source->name.c_str()) == 0) {
+        return "";
+    }
+    LEV2_get_header(&info);
+    Domain domain;
+    LEV2_get_domain(info.lat, info.lon, static_cast<float>(lev2.range), &domain);
+    const Map own = map_make(domain);
+    Gpt site{missing_f, missing_f};
+    Gpt at{missing_f, missing_f};
+    own.tran(info.lat, info.lon, &site.x, &site.y);
+    own.tran(place.x, place.y, &at.x, &at.y);
+    const int scan = std::exchange(lev2.scan_num, source->scan);
+    std::string value = rad_is_place(at) ? scan_value(own, site, at) : "";
+    lev2.scan_num = scan;
+    LEV2_close_file();
+    return value;
 }
 
 // --- Frame --------------------------------------------------------------------
@@ -505,6 +569,7 @@ int LEV2_plot_summary() {
     walk.own.tran(lev2.info.lat, lev2.info.lon, &walk.site.x, &walk.site.y);
     PLT_mess("LEV2 Sum");
     draw_scan(walk);
+    rad_note_scan(lev2.scan_num);
     LEV2_list_cuts(mess_mess);
     if (walk.left) {
         MESS_print(mess_mess, "Read to the end of scan %d, \"--info\" lists all\n", lev2.scan_num);
@@ -520,7 +585,9 @@ int LEV2_plot_param() {
 }
 
 void LEV2_callback(int, const char* str, float x, float y) {
-    PLT_print_location(str, x, y);
+    if (PLT_print_location(str, x, y) == 0) {
+        rad_tell_value(value_at(x, y));
+    }
     PLT_plot_zoom(str, x, y);
     PLT_plot_resize(str, x, y);
 }

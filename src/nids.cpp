@@ -138,9 +138,11 @@ struct Walk {
     int ras_data_len = 0;
     int cur_radius = 0, cur_column = 0; // bytes read of the radial or row
     RecordHeader vect_hdr;
-    int cur_vector = 0;                    // bytes read of the packet
-    const std::uint8_t* bin_at = nullptr;  // bins of a digital radial that the
-    const std::uint8_t* bin_end = nullptr; // stream has given up, in its buffer
+    int cur_vector = 0;                     // bytes read of the packet
+    const std::uint8_t* bin_at = nullptr;   // bins of a digital radial that the
+    const std::uint8_t* bin_end = nullptr;  // stream has given up, in its buffer
+    const std::uint8_t* bin_from = nullptr; // the first of those
+    int level = 0;                          // of the run before them
     RecordHeader text_hdr;
     BlockHeader pr_symb;
     BlockHeader gr_alpha;
@@ -588,9 +590,10 @@ int next_bins(FILE* ifile, NIDS_data* data) {
         return -1;
     }
     ++walk.cur_radius;
+    walk.level = level;
     *data = walk.bin[level];
     const int n = std::min(stream.oavail, walk.rad_data_hdr.len - walk.cur_radius);
-    walk.bin_at = stream.out.data() + stream.optr;
+    walk.bin_at = walk.bin_from = stream.out.data() + stream.optr;
     walk.bin_end = walk.bin_at + n;
     walk.cur_radius += n;
     stream.optr += n;
@@ -607,6 +610,7 @@ int nibble_run(FILE* ifile, NIDS_data* data) {
         return -1;
     }
     data->run = static_cast<float>(b >> 4);
+    walk.level = b & 0xF;
     data->val = nids_header().thres[b & 0xF];
     return 1;
 }
@@ -620,6 +624,7 @@ int two_byte_run(FILE* ifile, NIDS_data* data) {
         return -1;
     }
     data->run = static_cast<float>(run);
+    walk.level = walk.packet_code == nids_packet_dig_precip ? level : level & 0xF;
     data->val = walk.packet_code == nids_packet_dig_precip
                     ? walk.bin[level].val
                     : static_cast<float>(level >> 4) * 100.0F + nids_header().thres[level & 0xF];
@@ -830,6 +835,11 @@ int NIDS_get_data(FILE* ifile, NIDS_data* data) {
         return 1;
     }
     return next_data(ifile, data);
+}
+
+int NIDS_get_level() {
+    const bool ready = walk.packet_code == nids_packet_dig_radial && walk.bin_at != walk.bin_from;
+    return ready ? walk.bin_at[-1] : walk.level;
 }
 
 int NIDS_get_vector(FILE* ifile, NIDS_vector_data* vect_data) {

@@ -208,6 +208,9 @@ int NIDS_get_rastor(FILE* ifile);
 // stream. For a packet of another kind 1, and `data` is left alone.
 int NIDS_get_data(FILE* ifile, NIDS_data* data);
 
+// Level of the run read last, as it is in the product: one of 16, or of 256.
+int NIDS_get_level();
+
 // Next record of the packet. Return 1; 0 when the packet has no more; -1 at
 // the end of the stream.
 int NIDS_get_vector(FILE* ifile, NIDS_vector_data* vect_data);

@@ -20,19 +20,13 @@ constexpr int raster_chunk = 10;   // cells of a raster figure on the product's 
 constexpr float barb_size = 20.0F; // plot units
 constexpr float text_height = 8.0F;
 
-// The edges of a radial whose bins begin at the site.
-RadEdges radial_edges(const NIDS_frame& frame, float sangle, float dangle) {
-    const RadBeam beam = {sangle, 0.0F, dangle, 0.0, frame.info->domain.dx};
-    return rad_radial_edges(frame.own, frame.site, beam);
-}
-
 // These take the figures that they draw off `room`, and end where none is left.
 void draw_radials(const NIDS_frame& frame, RadFills& fills, long& room) {
     RadStrip strip(frame.own, frame.plot);
     float sangle = 0;
     float dangle = 0;
     while (room > 0 && NIDS_get_radial(frame.ifile, &sangle, &dangle) > 0) {
-        const RadEdges edges = radial_edges(frame, sangle, dangle);
+        const RadEdges edges = nids_radial_edges(frame, sangle, dangle);
         strip.begin();
         int bin = 0;
         NIDS_data data;
@@ -81,52 +75,13 @@ void draw_row(const NIDS_frame& frame, RadFills& fills, std::FILE* grid, const R
 void draw_raster(const NIDS_frame& frame, RadFills& fills, long& room) {
     OutputPtr grid = NIDS_grd_open(*frame.info, frame.datim);
     RadStrip strip(frame.own, frame.plot);
-    const double d = frame.info->domain.dx;
-    const double left = frame.site.x - d * (frame.info->nx - 1) / 2;
-    const double top = frame.site.y + d * (frame.info->ny - 1) / 2;
     for (int row = 0; room > 0 && NIDS_get_rastor(frame.ifile) > 0; ++row) {
-        const RadEdges edges = {
-            {left, top - row * d,       d, 0.0},
-            {left, top - (row + 1) * d, d, 0.0}
-        };
+        const RadEdges edges = nids_row_edges(frame, row);
         draw_row(frame, fills, grid.get(), edges, strip, room);
     }
     if (grid && close_output(grid.release()) != 0) {
         MESS_print(mess_warn, "NIDS_plot: Unable to write grid file\n");
         PLT_lost_output();
-    }
-}
-
-// Passes over a radial, raster or vector packet whose drawing is switched off.
-void skip_packet(const NIDS_frame& frame, int type) {
-    const auto skip_runs = [&] {
-        NIDS_data data;
-        while (NIDS_get_data(frame.ifile, &data) > 0) {
-        }
-    };
-    NIDS_vector_data vector;
-    float sangle = 0;
-    float dangle = 0;
-    switch (type) {
-    case nids_packet_radial:
-    case nids_packet_dig_radial:
-        while (NIDS_get_radial(frame.ifile, &sangle, &dangle) > 0) {
-            skip_runs();
-        }
-        break;
-    case nids_packet_raster:
-    case nids_packet_dig_precip:
-        while (NIDS_get_rastor(frame.ifile) > 0) {
-            skip_runs();
-        }
-        break;
-    case nids_packet_vector:
-    case nids_packet_vector_val:
-        while (NIDS_get_vector(frame.ifile, &vector) > 0) {
-        }
-        break;
-    default:
-        break;
     }
 }
 
@@ -215,6 +170,67 @@ bool is_summary(int type) {
 
 } // namespace
 
+// The bins begin at the site.
+RadEdges nids_radial_edges(const NIDS_frame& frame, float sangle, float dangle) {
+    const RadBeam beam = {sangle, 0.0F, dangle, 0.0, frame.info->domain.dx};
+    return rad_radial_edges(frame.own, frame.site, beam);
+}
+
+RadEdges nids_row_edges(const NIDS_frame& frame, int row) {
+    const double d = frame.info->domain.dx;
+    const double left = frame.site.x - d * (frame.info->nx - 1) / 2;
+    const double top = frame.site.y + d * (frame.info->ny - 1) / 2;
+    return {
+        {left, top - row * d,       d, 0.0},
+        {left, top - (row + 1) * d, d, 0.0}
+    };
+}
+
+void nids_pass_packet(std::FILE* ifile, int type) {
+    const auto skip_runs = [&] {
+        NIDS_data data;
+        while (NIDS_get_data(ifile, &data) > 0) {
+        }
+    };
+    NIDS_vector_data vector;
+    NIDS_wind_data wind;
+    NIDS_text_data text;
+    NIDS_symbol symbol;
+    float sangle = 0;
+    float dangle = 0;
+    switch (type) {
+    case nids_packet_radial:
+    case nids_packet_dig_radial:
+        while (NIDS_get_radial(ifile, &sangle, &dangle) > 0) {
+            skip_runs();
+        }
+        break;
+    case nids_packet_raster:
+    case nids_packet_dig_precip:
+        while (NIDS_get_rastor(ifile) > 0) {
+            skip_runs();
+        }
+        break;
+    case nids_packet_vector:
+    case nids_packet_vector_val:
+        while (NIDS_get_vector(ifile, &vector) > 0) {
+        }
+        break;
+    case nids_packet_wind:
+        while (NIDS_get_wind(ifile, &wind) > 0) {
+        }
+        break;
+    case nids_packet_text:
+    case nids_packet_text_val:
+        NIDS_get_text(ifile, &text);
+        break;
+    default:
+        while (NIDS_is_symbol(type) != 0 && NIDS_get_symbol(ifile, &symbol) > 0) {
+        }
+        break;
+    }
+}
+
 int NIDS_draw_packets(const NIDS_frame& frame) {
     RadFills fills;
     int type = frame.info->type;
@@ -228,7 +244,7 @@ int NIDS_draw_packets(const NIDS_frame& frame) {
             if (frame.storms != nullptr && NIDS_is_symbol(type) != 0) {
                 nids_take_storms(frame.ifile, frame.storms);
             } else if (is_summary(type) && FLAG_getplot(part_summary) == 0) {
-                skip_packet(frame, type);
+                nids_pass_packet(frame.ifile, type);
                 any = true;
             } else {
                 any = draw_packet(frame, fills, type, room) || any;

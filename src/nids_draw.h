@@ -5,6 +5,7 @@
 #include "map_proj.h"
 #include "nids.h"
 #include "out_file.h"
+#include "rad_fill.h"
 #include "zyrgks.h"
 
 #include <cstdio>
@@ -35,6 +36,11 @@ struct NIDS_frame {
 // Draws every packet from the one whose header was read last to the end of the
 // block or of what can be read. Returns 1; 0 when none is of a kind that is drawn.
 int NIDS_draw_packets(const NIDS_frame& frame);
+// The edges of the radial read last, and of a raster row, counted from the top.
+RadEdges nids_radial_edges(const NIDS_frame& frame, float sangle, float dangle);
+RadEdges nids_row_edges(const NIDS_frame& frame, int row);
+// Passes over a packet whose drawing is switched off, or that has no bins or cells.
+void nids_pass_packet(std::FILE* ifile, int type);
 
 // --- Text grid file (nids_grid.cpp) -------------------------------------------
 

@@ -14,9 +14,11 @@
 #include "near_word.h"
 #include "nids_draw.h"
 #include "nids_pages.h"
+#include "nids_probe.h"
 #include "nids_storms.h"
 #include "nids_tables.h"
 #include "plt_tool.h"
+#include "rad_probe.h"
 #include "rad_run.h"
 #include "region.h"
 #include "units.h"
@@ -206,6 +208,34 @@ bool draw_data() {
     return any || symbols;
 }
 
+// --- Value at a place -----------------------------------------------------------
+
+// The value of the picture on show at a plot point, from its file; empty when there
+// is none, or while a product is read.
+std::string value_at(float x, float y) {
+    const RadSource* source = nids.ifile == nullptr ? rad_shown_source() : nullptr;
+    Gpt place{missing_f, missing_f}; // latitude, longitude
+    MAP_untran(x, y, &place.x, &place.y);
+    if (source == nullptr || !rad_is_place(place)) {
+        return "";
+    }
+    const RadQuiet quiet;
+    const FILE_ptr file(FILE_open_data(source->name.c_str()));
+    NIDS_info info;
+    if (file == nullptr || NIDS_get_header(file.get(), &info) == 0 || NIDS_is_plausible() == 0) {
+        return "";
+    }
+    NIDS_frame frame;
+    frame.ifile = file.get();
+    frame.info = &info;
+    frame.clutter_rad = nids.words.clutter;
+    frame.own = map_make(info.domain);
+    frame.own.tran(info.domain.clat, info.domain.clon, &frame.site.x, &frame.site.y);
+    Gpt at{missing_f, missing_f};
+    frame.own.tran(place.x, place.y, &at.x, &at.y);
+    return rad_is_place(at) ? nids_value_at(frame, at) : "";
+}
+
 } // namespace
 
 int NIDS_set_date(const Date* datim) {
@@ -281,7 +311,9 @@ int NIDS_plot_param() {
 
 void NIDS_callback(int, const char* str, float x, float y) {
     const Domain& site = nids.info.domain;
-    NIDS_print_loc_elev(str, x, y, site.clat, site.clon, nids.info.elev);
+    if (NIDS_print_loc_elev(str, x, y, site.clat, site.clon, nids.info.elev) == 0) {
+        rad_tell_value(value_at(x, y));
+    }
     PLT_plot_zoom(str, x, y);
     PLT_plot_resize(str, x, y);
     CONT_flash_value(str, x, y);

@@ -8,6 +8,7 @@
 #include "date.h"
 #include "map.h"
 #include "maptran.h"
+#include "rad_probe.h"
 #include "region.h"
 #include "text_list.h"
 #include "units.h"
@@ -183,6 +184,7 @@ bool plot_file(const RadPlotter& plotter, RadRun& run, const char* name, int fra
         gselect_frame(gcreate_frame(frame));
     }
     PLT_set_data_file(frame, name);
+    rad_note_source(frame, name);
     plotter.frame();
     plotter.close();
     if (several) {
@@ -224,6 +226,7 @@ int shift_frames() {
     }
     for (int i = 0; i < frames - 1; ++i) {
         gcopy_frame(i, i + 1);
+        rad_shift_source(i);
     }
     gselect_frame(gcreate_frame(frames - 1));
     return frames;
@@ -337,6 +340,7 @@ int rad_plot_files(const RadPlotter& plotter, RadRun& run, Domain* domain, bool 
         set_up_map(domain);
     }
     FILE_first(&run.base_date);
+    rad_forget_sources();
     char name[file_name_size] = "";
     int left_out = 0;
     int frame = 0;
@@ -385,6 +389,7 @@ bool rad_show_next(const RadPlotter& plotter, RadRun& run, const char* name) {
         PLT_shift_data_files();
     }
     PLT_set_data_file(std::max(frames - 1, 0), name);
+    rad_note_source(std::max(frames - 1, 0), name);
     plotter.begin();
     plotter.frame();
     plotter.close();
