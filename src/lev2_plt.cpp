@@ -26,6 +26,7 @@
 #include <cstring>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -413,23 +414,71 @@ void tell_empty(const Walk& walk) {
 
 // --- Value at a place -----------------------------------------------------------
 
-// The value at a point on the volume's own map, of the scan that is drawn: what is
-// drawn last lies on top, and what has no value is not drawn over another.
-std::string scan_value(const Map& own, Gpt site, Gpt at) {
-    float value = lev2_below;
+// The gates of a radial on the volume's own map, with bytes of their own.
+struct KeptRadial {
+    RadEdges edges;
+    LEV2_gates gates;
+    std::vector<std::uint8_t> bytes;
+};
+
+// The scan that was asked for last: to unpack a volume again up to a high cut may take
+// a second. `kept = {}` forgets it.
+struct Kept {
+    RadSource source; // of the picture; without a name there is none
+    int type = 0;     // moment
+    Map own;          // of the volume
+    std::vector<KeptRadial> radials;
+};
+Kept kept;
+constexpr std::size_t most_kept_bytes = 32UL * 1024 * 1024; // no scan has a quarter of it
+
+// Reads the scan of a picture from its file. Whether it could be read.
+bool keep_scan(const RadSource& source) {
+    LEV2_info info;
+    kept = {};
+    if (lev2_open_volume(source.name.c_str()) == 0) {
+        return false;
+    }
+    LEV2_get_header(&info);
+    Domain domain;
+    LEV2_get_domain(info.lat, info.lon, static_cast<float>(lev2.range), &domain);
+    kept.source = source;
+    kept.type = lev2.scan_type;
+    kept.own = map_make(domain);
+    Gpt site{missing_f, missing_f};
+    kept.own.tran(info.lat, info.lon, &site.x, &site.y);
+    const int scan = std::exchange(lev2.scan_num, source.scan);
+    std::size_t bytes = 0;
     LEV2_data data;
-    for (; !is_done() && LEV2_get_block(&data) != 0; LEV2_next_block()) {
+    for (; !is_done() && bytes < most_kept_bytes && LEV2_get_block(&data) != 0; LEV2_next_block()) {
         const bool radial = data.type == lev2_radial_fixed || data.type == lev2_radial_generic;
         if (!radial || data.elev_num != lev2.scan_num || LEV2_set_data_type(lev2.scan_type) == 0) {
             continue;
         }
         const LEV2_gates& gates = LEV2_get_gates();
-        const int gate = rad_figure_at(radial_edges(own, site, data, gates), at);
-        if (gate < std::max(lev2.words.clutter, 0) || gate >= gates.count) {
-            continue;
+        bytes += gates.bytes.size() + sizeof(KeptRadial);
+        kept.radials.push_back({
+            radial_edges(kept.own, site, data, gates),
+            gates,
+            {gates.bytes.begin(), gates.bytes.end()}
+        });
+        kept.radials.back().gates.bytes = kept.radials.back().bytes; // stays when it moves
+    }
+    lev2.scan_num = scan;
+    LEV2_close_file();
+    return true;
+}
+
+// The value at a point on the own map of the scan kept: what is drawn last lies on top,
+// and what has no value is not drawn over another.
+std::string kept_value(Gpt at) {
+    float value = lev2_below;
+    for (const KeptRadial& radial : kept.radials) {
+        const int gate = rad_figure_at(radial.edges, at);
+        if (gate >= std::max(lev2.words.clutter, 0) && gate < radial.gates.count) {
+            const float here = radial.gates.value(radial.gates.word(gate));
+            value = here > lev2_below ? here : value;
         }
-        const float here = gates.value(gates.word(gate));
-        value = here > lev2_below ? here : value;
     }
     if (value <= lev2_below) {
         return "";
@@ -447,23 +496,13 @@ std::string value_at(float x, float y) {
         return "";
     }
     const RadQuiet quiet;
-    LEV2_info info;
-    if (lev2_open_volume(source->name.c_str()) == 0) {
+    const bool known = kept.source == *source && kept.type == lev2.scan_type;
+    if (!known && !keep_scan(*source)) {
         return "";
     }
-    LEV2_get_header(&info);
-    Domain domain;
-    LEV2_get_domain(info.lat, info.lon, static_cast<float>(lev2.range), &domain);
-    const Map own = map_make(domain);
-    Gpt site{missing_f, missing_f};
     Gpt at{missing_f, missing_f};
-    own.tran(info.lat, info.lon, &site.x, &site.y);
-    own.tran(place.x, place.y, &at.x, &at.y);
-    const int scan = std::exchange(lev2.scan_num, source->scan);
-    std::string value = rad_is_place(at) ? scan_value(own, site, at) : "";
-    lev2.scan_num = scan;
-    LEV2_close_file();
-    return value;
+    kept.own.tran(place.x, place.y, &at.x, &at.y);
+    return rad_is_place(at) ? kept_value(at) : "";
 }
 
 // --- Frame --------------------------------------------------------------------

@@ -13,6 +13,8 @@ struct RadSource {
     std::string name;
     int scan = 0;                                        // the plotter's: which part of the file
     std::int64_t size = 0, seconds = 0, nanoseconds = 0; // of the file as it was drawn
+
+    bool operator==(const RadSource&) const = default;
 };
 
 // The pictures drawn so far are no more.
