@@ -628,6 +628,9 @@ int gps_set_orient(int portrait);
 int gps_set_scale(float scale);
 int gps_set_colorPS(int value);
 int gps_get_colorPS();
+// Small pages for printers of so many dots an inch, 72 to 2400; 0: plain ones. -1, and
+// nothing changed, for other numbers.
+int gps_set_small(int dpi);
 int gps_set_reverse(int value);
 
 // --- HPGL (gks_hpgl.cpp), the twin of the PostScript device -------------------

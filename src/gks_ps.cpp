@@ -7,6 +7,8 @@
 #include "geometry_text.h"
 #include "gks.h"
 #include "gks_attr.h"
+#include "gks_join.h"
+#include "gks_pack.h"
 #include "gks_pipe.h"
 #include "gks_print.h"
 #include "out_file.h"
@@ -19,6 +21,7 @@
 
 #include <array>
 #include <bit>
+#include <cmath>
 #include <cstdarg>
 #include <cstdint>
 #include <cstdlib>
@@ -62,11 +65,26 @@ struct Printer {
     float sy = 8.5F;
     std::array<PrintColor, num_colrs> colors{};
 
-    std::FILE* out_file = nullptr;
+    int pr_small = 0; // dots an inch of the printer that a small page is for; 0: a plain page
+
+    std::FILE* out_file = nullptr; // where the drawing goes
+    std::FILE* page = nullptr;     // of a small page, which takes the drawing packed
     bool append = false;
     std::string_view end; // of the page that is added to
+    Gpage_box clip{};     // of a small page
+    Gpage_pt last{};      // place in its path
 };
 Printer ps;
+
+bool is_small() {
+    return ps.page != nullptr;
+}
+
+constexpr float page_units = 100.0F; // of a small page, a point
+
+int page_unit(float v) {
+    return static_cast<int>(std::lrint(static_cast<double>(v) * page_units));
+}
 
 // One of the coordinates of a path. Cells have sides along the axes, and figures
 // end where they begin: the number of the first point, and the one written last,
@@ -102,20 +120,42 @@ private:
     Written first_, last_;
 };
 
+void write_kept();
+
 // The text of one primitive.
 class Text : public OutText {
 public:
-    Text() : OutText(ps.out_file) {}
+    // What is kept of the primitives before it comes first.
+    Text() : OutText(ps.out_file) { write_kept(); }
     // `op` is " mv\n" or " ln\n"; device units.
     void point(float x, float y, std::string_view op) {
+        if (is_small()) {
+            step(page_unit(x), page_unit(y), op == move);
+            return;
+        }
         make_room(std::size_t{2} * fixed2_size + op.size() + 1);
         char* p = format_fixed2(place(), x);
         *p++ = ' ';
         advance(format_fixed2(p, y));
         put(op);
     }
+    // Of a small page: to a place, or by a step from the last one.
+    void step(int x, int y, bool begins) {
+        number(begins ? x : x - ps.last.x);
+        put(" ");
+        number(begins ? y : y - ps.last.y);
+        put(begins ? " M\n" : " l\n");
+        ps.last = {x, y};
+    }
     // World coordinates.
     void path(int n, const Gpt* pts) {
+        if (is_small()) {
+            const Gpipe& pipe = gget_pipe();
+            for (int i = 0; i < n; ++i) {
+                step(page_unit(pipe_x(pipe, pts[i].x)), page_unit(pipe_y(pipe, pts[i].y)), i == 0);
+            }
+            return;
+        }
         const Gpipe& pipe = gget_pipe();
         Coordinate x;
         Coordinate y;
@@ -133,7 +173,7 @@ public:
 };
 
 // A grey that is no colour's own: the fixed levels of the print colours.
-void put_gray(Text& out, float level, std::string_view command) {
+void put_gray(OutText& out, float level, std::string_view command) {
     if (ps.gray_level != level) {
         out.put(command);
     }
@@ -145,7 +185,7 @@ const PrintColor& print_color(int ind) {
     return ps.colors[ind >= 0 && ind < num_colrs ? ind : background_colr];
 }
 
-void put_rgb(Text& out, int ind) {
+void put_rgb(OutText& out, int ind) {
     if (ps.ps_col_ind == ind && ps.gray_level < 0.0F) {
         return;
     }
@@ -154,13 +194,13 @@ void put_rgb(Text& out, int ind) {
     ps.ps_col_ind = ind;
 }
 
-void put_print_colr(Text& out, int ind) {
+void put_print_colr(OutText& out, int ind) {
     constexpr std::array commands = {"0 setgray\n", "1 setgray\n", ".7 setgray\n"};
     put_gray(out, gprint_gray(ind), commands[(ind - first_print_colr) / 3]);
 }
 
 // Lines and text: in grey output always black.
-void put_color(Text& out, int ind) {
+void put_color(OutText& out, int ind) {
     if (gis_print_colr(ind)) {
         put_print_colr(out, ind);
     } else if (ps.pr_color != 0) {
@@ -170,7 +210,7 @@ void put_color(Text& out, int ind) {
     }
 }
 
-void put_fill_color(Text& out, int ind) {
+void put_fill_color(OutText& out, int ind) {
     if (ps.pr_color != 0) {
         put_color(out, ind);
     } else if (gget_fill_print_solid() != 0) {
@@ -186,7 +226,7 @@ void put_fill_color(Text& out, int ind) {
     }
 }
 
-void put_width(Text& out, int ind, float width) {
+void put_width(OutText& out, int ind, float width) {
     const int factor = gprint_factor(ind);
     const int bold = factor > 1 ? factor : gget_line_print_bold();
     const float wanted = static_cast<float>(bold) * width;
@@ -204,20 +244,107 @@ void put_width(Text& out, int ind, float width) {
     ps.line_width = wanted;
 }
 
-void put_type(Text& out, int type) {
+void put_type(OutText& out, int type) {
     constexpr std::array dashes = {"[] 0 setdash\n", "[6] 0 setdash\n", "[3 6] 0 setdash\n",
                                    "[6 6 3 6] 0 setdash\n", "[2] 0 setdash\n"};
+    constexpr std::array small_dashes = {"[] 0 setdash\n", "[600] 0 setdash\n",
+                                         "[300 600] 0 setdash\n", "[600 600 300 600] 0 setdash\n",
+                                         "[200] 0 setdash\n"};
     if (static_cast<float>(type) == ps.line_type) {
         return;
     }
     if (type >= 1 && type <= static_cast<int>(dashes.size())) {
-        out.put(dashes[type - 1]);
+        out.put(is_small() ? small_dashes[type - 1] : dashes[type - 1]);
     }
     ps.line_type = static_cast<float>(type);
 }
 
 float hold(float v) {
     return hold_within(v, print_limit);
+}
+
+// What a primitive is, with the number of its points. A packed page has no reader of it.
+void put_comment(OutText& out, std::string_view kind, int n) {
+    if (!is_small()) {
+        out.put(kind);
+        out.number(n);
+        out.put("\n");
+    }
+}
+
+// --- A small page ---------------------------------------------------------------
+
+void write_kept() {
+    if (is_small()) {
+        gjoin_flush(ps.out_file, ps.clip, put_fill_color);
+    }
+}
+
+// The colour index under which a fill prints now.
+int print_index(int ind) {
+    const bool black = ps.pr_color == 0 && gget_fill_print_solid() != 0;
+    return black ? first_print_colr : ind;
+}
+
+int fill_small(int n, const Gpt* pts, int color) {
+    constexpr int corners = 4;
+    const Gpipe& pipe = gget_pipe();
+    if (n == corners ||
+        (n == corners + 1 && pts[0].x == pts[corners].x && pts[0].y == pts[corners].y)) {
+        std::array<Gpage_pt, corners> at{};
+        for (int i = 0; i < corners; ++i) {
+            at[i] = {page_unit(pipe_x(pipe, pts[i].x)), page_unit(pipe_y(pipe, pts[i].y))};
+        }
+        if (gjoin_add(at, print_index(color))) {
+            return 0;
+        }
+        write_kept();
+        if (gjoin_add(at, print_index(color))) {
+            return 0;
+        }
+    }
+    Text out;
+    out.path(n, pts);
+    out.put("cp\n");
+    put_fill_color(out, color);
+    out.put("fill\n");
+    return 0;
+}
+
+// They begin at the corner of the page, from which the plot is moved and scaled.
+Gpage_dots printer_dots() {
+    const auto scale = static_cast<double>(ps.pr_scale);
+    constexpr double inch = static_cast<double>(points_per_inch * page_units);
+    const double margin = ps.pr_eps != 0 ? 0.0 : 0.25;
+    const double height = std::round(100.0 * (static_cast<double>(ps.sy) - margin)) / 100.0;
+    return {inch / ps.pr_small / scale, -margin * inch / scale,
+            (ps.pr_port != 0 ? -margin : height) * inch / scale};
+}
+
+// From here on the drawing is packed. Its dictionary is its own, and what it sets is
+// gone after it: another plot may be added to the page.
+void begin_small() {
+    ps.page = ps.out_file;
+    ps.last = {};
+    ps.clip = {-page_unit(print_limit), page_unit(print_limit), -page_unit(print_limit),
+               page_unit(print_limit)};
+    constexpr std::string_view unpack =
+        "{currentfile/ASCII85Decode filter dup/FlateDecode filter cvx exec flushfile}exec\n";
+    std::fwrite(unpack.data(), 1, unpack.size(), ps.page);
+    ps.out_file = gpack_open(ps.page);
+    gjoin_begin(printer_dots());
+    Text out;
+    out.put("gsave 16 dict begin .01 dup scale/lw{100 mul setlinewidth}bind def 1 dot lw\n");
+    out.put(gjoin_prologue());
+}
+
+void end_small() {
+    {
+        Text out;
+        out.put("end grestore\n");
+    }
+    gpack_close(ps.out_file);
+    ps.out_file = std::exchange(ps.page, nullptr);
 }
 
 // --- Options and geometry -----------------------------------------------------
@@ -236,6 +363,8 @@ bool decode_switch(const char* option) {
         gset_inverse(1);
     } else if (stricmp(option, "gray") == 0) {
         gps_set_colorPS(0);
+    } else if (stricmp(option, "nosmall") == 0) {
+        gps_set_small(0);
     } else {
         return false;
     }
@@ -250,6 +379,11 @@ bool decode_option(const char* option) {
     if (const char* width = gprint_value(option, "lwidth")) {
         return take_float(&width, &value) &&
                gps_set_base_width(static_cast<float>(trunc_int(value))) == 0;
+    }
+    if (const char* dots = gprint_value(option, "small")) {
+        constexpr int laser = 300;
+        int dpi = laser;
+        return (*dots == '\0' || take_int(&dots, &dpi)) && gps_set_small(dpi) == 0;
     }
     Gpage page{};
     if (gprint_page(option, &page)) {
@@ -274,7 +408,10 @@ void put_heading() {
         gps_printf(ps.pr_port != 0 ? "%%%%BoundingBox: 0 0 756 576\n"
                                    : "%%%%BoundingBox: 0 0 576 756\n");
     } else {
-        gps_printf("%%!PS-Adobe-1.0\n");
+        gps_printf(ps.pr_small != 0 ? "%%!PS-Adobe-3.0\n" : "%%!PS-Adobe-1.0\n");
+    }
+    if (ps.pr_small != 0) {
+        gps_printf("%%%%LanguageLevel: 3\n%%%%DocumentData: Clean7Bit\n");
     }
     gps_comment("%%%%Title: ZYR Graphics Display: %s", gget_win_title());
     gps_printf("%%%%Creator: ZYR Postscript Processor-2.0\n");
@@ -366,12 +503,18 @@ int gps_init_file() {
         gps_printf("%%%%Begin plot\n");
     }
     gps_comment("%%%%ZYR Plot: %s", gget_win_title());
+    if (ps.pr_small != 0 && ps.out_file != nullptr) {
+        begin_small();
+    }
     return 0;
 }
 
 int gps_close_file() {
     if (ps.out_file == nullptr) {
         return -1;
+    }
+    if (is_small()) {
+        end_small();
     }
     gps_printf("%%%%End of plot\n");
     if (!ps.append) {
@@ -401,6 +544,9 @@ int gps_printf(const char* format, ...) {
 
 int gps_comment(const char* format, ...) {
     constexpr std::size_t most = 250;
+    if (is_small()) {
+        return 0; // nobody reads it there
+    }
     std::va_list args;
     va_start(args, format);
     put_line(ps.out_file, most, format, args);
@@ -437,9 +583,7 @@ int gps_path(int n, const Gpt* pts) {
 
 int gps_polyline(int n, const Gpt* pts, int color, float width, int type) {
     Text out;
-    out.put("%%PL:");
-    out.number(n);
-    out.put("\n");
+    put_comment(out, "%%PL:", n);
     put_width(out, color, width);
     put_color(out, color);
     put_type(out, type);
@@ -453,10 +597,12 @@ int gps_fill_area(int n, const Gpt* pts, int color, int style) {
     if (style != GSOLID) {
         return 0;
     }
+    if (is_small()) {
+        return fill_small(n, pts, color);
+    }
     Text out;
-    out.put("%%FA:");
-    out.number(n);
-    out.put("\nnp\n");
+    put_comment(out, "%%FA:", n);
+    out.put("np\n");
     out.path(n, pts);
     out.put("cp\n");
     put_fill_color(out, color);
@@ -466,9 +612,7 @@ int gps_fill_area(int n, const Gpt* pts, int color, int style) {
 
 float gps_begin_markers(int n, int color, float width) {
     Text out;
-    out.put("%%PM:");
-    out.number(n);
-    out.put("\n");
+    put_comment(out, "%%PM:", n);
     put_width(out, color, width);
     put_color(out, color);
     put_type(out, 1);
@@ -535,7 +679,7 @@ int gps_clear_region(const Glim& lim) {
         {lim.x_min, lim.y_max}
     };
     Text out;
-    out.put("%%CLR\nnp\n");
+    out.put(is_small() ? "np\n" : "%%CLR\nnp\n");
     out.path(4, pts);
     out.put("cp\n");
     put_fill_color(out, -1);
@@ -549,7 +693,13 @@ float gps_kept_width(float width) {
 
 int gps_set_clip(float x0, float y0, float x1, float y1) {
     constexpr float margin = 0.1F;
+    const Gpage_box box = {page_unit(x0 - margin), page_unit(x1 + margin), page_unit(y0 - margin),
+                           page_unit(y1 + margin)};
+    if (is_small() && ps.clip == box) {
+        return 0;
+    }
     Text out;
+    ps.clip = box;
     out.put("initclip\nnp\n");
     out.point(x0 - margin, y0 - margin, Text::move);
     out.point(x0 - margin, y1 + margin, Text::line);
@@ -597,6 +747,7 @@ int gps_set_color_rep(float red, float grn, float blu, int ind) {
     if (ind < -1 || ind >= num_colrs) {
         return -1;
     }
+    write_kept(); // in the colours that it was drawn in
     PrintColor& color = ps.colors[ind < 0 ? background_colr : ind];
     const auto before = color.rgb_text;
     const double sum =
@@ -643,6 +794,16 @@ int gps_set_colorPS(int value) {
 
 int gps_get_colorPS() {
     return ps.pr_color;
+}
+
+int gps_set_small(int dpi) {
+    constexpr int least = 72;
+    constexpr int most = 2400;
+    if (dpi != 0 && (dpi < least || dpi > most)) {
+        return -1;
+    }
+    ps.pr_small = dpi;
+    return 0;
 }
 
 int gps_set_reverse(int value) {

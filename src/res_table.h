@@ -10,7 +10,7 @@
 #include <iterator>
 
 // What the help prints after a row's first line.
-enum class HelpMore { none, levels, domain, region };
+enum class HelpMore { none, levels, domain, region, device };
 
 struct ResRow {
     res_type type;
@@ -77,7 +77,7 @@ inline constexpr ResRow res_rows[] = {
     {RES_color_fill, "color_fill", "zyrclrfill", "cof", CV_string, HelpMore::none, "-cof clr[,...]", "Fill contour colors"},
     {RES_color_label, "color_label", "zyrclrlab", "cola", CV_string, HelpMore::none, "-cola clr", "Line label color"},
     {RES_color_clabel, "color_clabel", "zyrclrclab", "cocl", CV_string, HelpMore::none, "-cocl clr", "Fill label color"},
-    {RES_device, "device", "zyrdevice", "de", CV_device, HelpMore::none, "-de dev[,name]", "Output device: d,p,q,w,m"},
+    {RES_device, "device", "zyrdevice", "de", CV_device, HelpMore::device, "-de dev[,name]", "Output device: d,p,q,w,m"},
     {RES_title, "title", "zyrtitle", "ti", CV_string, HelpMore::none, "-ti title", "Window title"},
     {RES_icon, "icon", "zyricon", "ic", CV_bool, HelpMore::none, "-ic", "Open window iconified"},
     {RES_background, "background", "zyrback", "bg", CV_string, HelpMore::none, "-bg clr", "Background color"},

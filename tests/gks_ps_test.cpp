@@ -80,6 +80,10 @@ TEST(PostScript, PageOptionsAndGeometry) {
              Row{"",            "x,,ansid",   "",                {2412, 1548, 0, 0}, "invalid option: x"                },
              Row{"sz:10.5x8.5", "",           "",                {720, 576, 0, 0},   ""                                 },
              Row{"sz=0.5x-3",   "",           "",                {756, 576, 0, 0},   "invalid option: sz=0.5x-3"        }, // no room
+             Row{"small=9",
+                 "small=x",                   "",
+                 {756, 576, 0, 0},
+                 "invalid option: small=x\ngopen_ws: invalid option: small=9"                                           },
              Row{"",            "",           "P2x2+0+0",        {378, 288, 0, 288}, ""                                 },
              Row{"",            "",           "p20x1+7+0",       {94, 576, 661, 0},  ""                                 }, // at most 8 columns
              Row{"",            "",           "P0.5x0.25+0.5+0", {378, 144, 378, 0}, ""                                 },

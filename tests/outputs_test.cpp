@@ -181,6 +181,7 @@ TEST_F(Outputs, OutputsThatFailLeaveThePage) {
         {"-de m,old radial",                                          4,  "gmeta_close_file: unable to write metafile"     },
         {"-de m,old,cgm radial",                                      4,  "gmeta_close_file: unable to write metafile"     },
         {"-de p,/dev/null -of zyr=@/dev/full raster",                 4,  "NIDS_plot: Unable to write grid file"           },
+        {"-de p,old,small radial",                                    4,  "gps_close_file: unable to write postscript file"},
         {"-ba -de p,old radial",                                      4,  "gps_close_file: unable to write postscript file"},
         {"-ba -de p,/dev/full radial",                                4,  "gps_close_file: unable to write postscript file"},
         {"-de p,old ./gone",                                          10, "Unable to open file:./gone"                     },
