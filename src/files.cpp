@@ -57,6 +57,7 @@ struct Module {
     FileState state;
     Saved saved;
     std::string no_conventions;               // the file of them that was missed
+    bool told_length = false;                 // of a file of conventions that is too long
     std::vector<std::FILE*> pipes;            // streams that FILE_close must wait for
     std::set<std::pair<dev_t, ino_t>> inputs; // plain files that were opened for reading
 };
@@ -197,9 +198,16 @@ bool take_line(const char* line, const char* kind) {
     return true;
 }
 
-bool search_convention(std::FILE* file, const char* kind) {
+bool search_convention(std::FILE* file, const char* path, const char* kind) {
+    constexpr int most_lines = 10000;
     char line[line_length + 2]; // one more, to see that a line is too long
-    while (fgetnline(file, line, line_length + 1) >= 0) {
+    for (int n = 0; fgetnline(file, line, line_length + 1) >= 0; ++n) {
+        if (n == most_lines) {
+            const unsigned level = module.told_length ? 0 : mess_warn; // of a run's many searches
+            MESS_print(level, "FILE_set_name: More than %d lines: %s\n", most_lines, path);
+            module.told_length = true;
+            break;
+        }
         if (line[0] == '#') {
             continue;
         }
@@ -482,7 +490,7 @@ int FILE_set_name(const char* kind) {
     }
     MESS_print(trace_conv, "Opening name convention file: %s\n", path);
     s.ext[0] = '\0';
-    if (search_convention(file.get(), name)) {
+    if (search_convention(file.get(), path, name)) {
         return 1;
     }
     s.hconv[0] = '\0';

@@ -38,7 +38,8 @@ struct State {
     int over = map_plain;    // bits of the MAP_draw that runs
     int fill_cont = 0;       // 1: databases take `color_cmap`
     Blocks blocks = Blocks::none;
-    bool told_no_image = false; // a file device was told of, once
+    bool told_no_image = false;          // a file device was told of, once
+    char not_found[file_name_size] = ""; // the database last reported
 };
 State state;
 
@@ -204,8 +205,11 @@ int database_entry(const char* entry) {
     }
     const FILE_ptr file = name[0] == '\0' ? nullptr : open_on_path("file_path", name);
     if (!file) {
-        MESS_print(mess_warn, "MAP_process: Map file not found: %s\n", name);
-        FILE_tell_nearest("MAP_process", RES_get("file_path"), name);
+        if (std::strcmp(name, state.not_found) != 0) { // a list may name it thousands of times
+            MESS_print(mess_warn, "MAP_process: Map file not found: %s\n", name);
+            FILE_tell_nearest("MAP_process", RES_get("file_path"), name);
+            copy_text(state.not_found, sizeof state.not_found, name);
+        }
         return -1;
     }
     if (attr.color == -1) {
@@ -214,7 +218,11 @@ int database_entry(const char* entry) {
     MAP_set_fill(fill ? 1 : 0);
     const int status = MAP_map(file.get());
     MAP_set_fill(0);
-    if (status == -1) {
+    if (status == map_no_database) {
+        MESS_print(mess_warn,
+                   "MAP_process: No map database: %s; a list of maps is named as fi:%s\n", name,
+                   name);
+    } else if (status == -1) {
         MESS_print(mess_warn, "MAP_process: Map file ends early: %s\n", name);
     }
     return 0;
@@ -325,9 +333,11 @@ bool is_control(char c) {
 // points over the map, is drawn whatever the file's last block was.
 void process_list_file(const char* name) {
     const FILE_ptr file = open_on_path("file_path", name);
+    const unsigned level =
+        (state.over & map_plain) != 0 ? mess_warn : 0; // in one of a frame's passes
     if (!file) {
-        if ((state.over & map_plain) != 0) { // once of the two passes of a frame
-            MESS_print(mess_warn, "MAP_draw: Unable to open map list file: %s\n", name);
+        if (level != 0) {
+            MESS_print(level, "MAP_draw: Unable to open map list file: %s\n", name);
             FILE_tell_nearest("MAP_draw", RES_get("file_path"), name);
         }
         return;
@@ -336,12 +346,12 @@ void process_list_file(const char* name) {
     char word[entry_size];
     for (int i = 0; std::fscanf(file.get(), "%255s", word) == 1; ++i) {
         if (i == most || std::any_of(word, word + std::strlen(word), is_control)) {
-            MESS_print(mess_warn, "MAP_draw: No map list, or one that is too long: %s\n", name);
+            MESS_print(level, "MAP_draw: No map list, or one that is too long: %s\n", name);
             return;
         }
         // A command comes from the user, not out of a file.
         if (*word == '|' || std::strstr(word, ":|") != nullptr) {
-            MESS_print(mess_warn, "MAP_draw: Command refused: %s in map list: %s\n", word, name);
+            MESS_print(level, "MAP_draw: Command refused: %s in map list: %s\n", word, name);
             continue;
         }
         MAP_process(word);

@@ -14,6 +14,7 @@ struct Glim;
 constexpr int map_under = 1; // entries that begin with '-', before the data
 constexpr int map_over = 2;  // entries that begin with '+'
 constexpr int map_plain = 4; // all others
+constexpr int map_no_database = -2;
 
 // Makes `domain` current and sets the window of transformation 2, the map's
 // own, to its limits. Call it before anything is drawn on a map. Returns 0.
@@ -55,7 +56,7 @@ int MAP_set_fill(int value);
 //
 // A count of 0 ends the file. Returns 0 at the end record, -1 at the end of
 // the file or where it is damaged, 1 without reading when the current domain
-// is no map.
+// is no map, map_no_database where nothing was drawn of bytes that are no map.
 int MAP_map(std::FILE* map_file);
 
 // Draws the lat-lon grid of the current domain with labels, dots and repeated

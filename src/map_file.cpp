@@ -66,6 +66,14 @@ public:
         return there ? buffer_.data() + at_ : nullptr;
     }
 
+    // How many of the next `n` bytes the buffer holds, after reading on.
+    std::size_t held(std::size_t n) {
+        if (end_ - at_ < n) {
+            refill(n);
+        }
+        return std::min(n, end_ - at_);
+    }
+
     // The next word, cut to the buffer given; its rest is passed over.
     bool word(char* out, std::size_t size) {
         int c = next();
@@ -138,18 +146,44 @@ bool is_text(Source& source) {
     return true;
 }
 
+// Degrees of a place on the earth: a text, read as such a number, is far below, and
+// random bytes are so once in four times.
+bool is_degrees(float value, float largest) {
+    constexpr float least = 1e-6F; // 10 cm
+    const float size = std::fabs(value);
+    return size == 0.0F || (size >= least && size <= largest);
+}
+
+// Whether at least half of the points lie on the earth.
+bool are_of_earth(const std::uint8_t* points, int count) {
+    constexpr float most_lat = 90.0F, most_lon = 720.0F;
+    int on_earth = 0;
+    for (int i = 0; i < count; ++i, points += point_bytes) {
+        on_earth +=
+            is_degrees(f32be(points), most_lat) && is_degrees(f32be(points + 4), most_lon) ? 1 : 0;
+    }
+    return 2 * on_earth >= count;
+}
+
 // One form of the file: a record's point count (-1: damaged or at the end),
 // then its points.
 class Records {
 public:
     explicit Records(std::FILE* stream) : source_(stream), text_(is_text(source_)) {}
 
+    [[nodiscard]] bool are_bytes() const { return !text_; }
     int count() { return text_ ? text_count() : binary_count(); }
 
     // The points of a record while they are still bytes, without taking them; null
     // where they do not stand in the buffer, as those of a text never do.
     const std::uint8_t* ahead(int count) {
         return text_ ? nullptr : source_.ahead(static_cast<std::size_t>(count) * point_bytes);
+    }
+    // Whether most of the first points lie on the earth; those of a text do.
+    bool on_earth(int count) {
+        const std::size_t looked_at = static_cast<std::size_t>(std::min(count, usual_points));
+        const std::size_t bytes = text_ ? 0 : source_.held(looked_at * point_bytes);
+        return are_of_earth(source_.ahead(bytes), static_cast<int>(bytes / point_bytes));
     }
     void pass(int count) { source_.bytes(static_cast<std::size_t>(count) * point_bytes); }
 
@@ -393,10 +427,13 @@ int MAP_map(std::FILE* map_file) {
     Records records(map_file);
     const Neighbourhood near(map);
     Points points;
-    for (;;) {
+    for (bool first = true;; first = false) {
         const int count = records.count();
         if (count <= 0) {
-            return count;
+            return first && count == 0 && records.are_bytes() ? map_no_database : count;
+        }
+        if (!records.on_earth(count)) {
+            return first ? map_no_database : -1;
         }
         if (near.far_from(records.ahead(count), count)) {
             records.pass(count);

@@ -355,6 +355,32 @@ TEST_F(Outputs, WhatIsEndlessOrHugeEnds) {
         EXPECT_EQ(run(std::string("-de p,old ") + args).code, 10) << args;
         expect_old(args);
     }
+    // Files that are none of their kind: said once, and nothing drawn of them.
+    std::string many = "mf:|none\nz\n";
+    for (int i = 0; i < 20000; ++i) {
+        many += "y\n";
+    }
+    dir.write("many", many);
+    const auto lines = [this] { return count_text(text("page"), " ln\n"); };
+    run("-de p,page -dr sum,data,map -mf none radial");
+    const int bare = lines();
+    for (const auto& [args, said] : std::initializer_list<std::pair<const char*, const char*>>{
+             {"-mf /dev/urandom", "MAP_process: No map database: /dev/urandom;"     },
+             {"-mf /dev/zero",    "MAP_process: No map database: /dev/zero;"        },
+             {"-mf ./radial",     "MAP_process: No map database: ./radial;"         },
+             {"-mf ./many",       "MAP_process: No map database: ./many;"           },
+             {"-mf fi:/dev/zero", "MAP_draw: No map list, or one that is too long: "},
+             {"-mf fi:./many",    "MAP_draw: Command refused: mf:|none in map list:"},
+             {"-mf fi:./many",    "MAP_process: Map file not found: y\n"            },
+             {"-nc ./many",       "FILE_set_name: More than 10000 lines: ./many\n"  },
+    }) {
+        const ProgramRun got = run(args + std::string(" -de p,page -dr sum,data,map radial"));
+        EXPECT_EQ(got.code, 0) << args;
+        EXPECT_EQ(count_text(got.err, said), 1) << args << got.err.substr(0, 2000);
+        if (*said == 'M') {
+            EXPECT_EQ(lines(), bare) << args;
+        }
+    }
 }
 
 // Few bytes may ask for any number of figures: they are cut, and told.
