@@ -8,10 +8,12 @@
 #include "cdf.h"
 
 #include "byte_reader.h"
+#include "no_memory.h"
 #include "zyr.h"
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdarg>
 #include <cstdint>
 #include <map>
@@ -28,6 +30,8 @@ constexpr std::size_t most_dims = 1024; // of a file, as in the library
 constexpr std::size_t most_vars = 8192;
 constexpr int global = -1;
 constexpr int type_char = 2;
+constexpr int memory_error = -61;
+constexpr int start_error = -67; // its network part, which nothing but memory is known to stop
 constexpr int range_error = -60; // a value is out of the type asked for: it is cut
 
 // Names of the library, newest first.
@@ -74,10 +78,18 @@ struct State {
 };
 State state;
 
+// The library's codes do not say so of all that is in it.
+void need_memory(int status) {
+    if (status == memory_error || status == start_error || errno == ENOMEM) {
+        ZYR_no_memory();
+    }
+}
+
 bool good(const char* call, int status) {
     if (status == 0 || status == range_error) {
         return true;
     }
+    need_memory(status);
     if (state.print) {
         MESS_print(mess_warn, "%s: %s\n", call, state.lib.error(status));
     }
@@ -115,8 +127,12 @@ bool load_library() {
     Library& lib = state.lib;
     if (!lib.tried) {
         lib.tried = true;
+        errno = 0;
         for (const char* name : library_names) {
             lib.handle = lib.handle != nullptr ? lib.handle : dlopen(name, RTLD_NOW | RTLD_LOCAL);
+            if (lib.handle == nullptr) {
+                need_memory(0);
+            }
         }
         if (lib.handle != nullptr && !take_calls(lib)) {
             lib.handle = nullptr;
@@ -310,6 +326,7 @@ int CDF_open(std::FILE* file, const char* name) {
     const int status =
         state.lib.open(name, 0, open.bytes.size(), static_cast<void*>(open.bytes.data()), &fd);
     if (status != 0) {
+        need_memory(status);
         MESS_print(mess_error, "CDF_open: %s: %s\n", state.lib.error(status), name);
         return -1;
     }

@@ -7,6 +7,7 @@
 #include "gks_x11.h"
 
 #include <array>
+#include <csignal>
 #include <string>
 
 constexpr int num_cursors = 9;
@@ -81,4 +82,16 @@ void gmake_cursors();
 void gfree_cursors();
 
 void ginstall_error_handlers();
+
+// While one lives, a server that does not answer ends the run.
+class Gdisplay_watch {
+public:
+    Gdisplay_watch();
+    ~Gdisplay_watch();
+    Gdisplay_watch(const Gdisplay_watch&) = delete;
+    Gdisplay_watch& operator=(const Gdisplay_watch&) = delete;
+
+private:
+    struct sigaction before_ {};
+};
 int gget_noted_error(); // 1: an error has come while they are kept from the user

@@ -302,8 +302,11 @@ std::string id_text(const char* conn_id) {
 
 int gopen_pixmap(const char* conn_id) {
     gset_win_type(ws_pixmap);
-    if (gopen_display(conn_id) != 0) {
-        return -1;
+    {
+        const Gdisplay_watch watch;
+        if (gopen_display(conn_id) != 0) {
+            return -1;
+        }
     }
     gset_cache(0);
     gdisp().redraw = gset_redraw(0);

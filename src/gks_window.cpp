@@ -243,6 +243,7 @@ int gopen_window(const char* conn_id) {
         return gopen_memory();
     }
     gset_win_type(ws_window);
+    const Gdisplay_watch watch;
     if (gopen_display(conn_id) != 0) {
         return gis_image_run() ? gopen_memory() : -1;
     }

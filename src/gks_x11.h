@@ -25,6 +25,8 @@ Atom gget_close_atom(); // of the window manager's wish that the window closes
 // `print` 0: errors are kept from the user and only noted until a call with 1,
 // which syncs and returns whether one came.
 int gtrap_errors(int print);
+// How many seconds a server may take to open a window, 20 at start.
+void gset_display_patience(int seconds);
 
 // --- Colour maps (gks_xcolr.cpp) ------------------------------------------------
 

@@ -1,5 +1,6 @@
-// gks_xerr.cpp: what happens when the X server refuses a request or goes away.
-// Owns the error state. gopen_display installs the handlers.
+// gks_xerr.cpp: what happens when the X server refuses a request, goes away, or
+// does not answer while a window is opened. Owns the error state and the patience.
+// gopen_display installs the handlers.
 //
 // A handler runs inside an Xlib call and may send no request itself. Frames and
 // windows go with the connection when the program ends.
@@ -8,8 +9,13 @@
 #include "zyr.h"
 
 #include <array>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
+
+#include <sys/time.h>
+#include <unistd.h>
 
 namespace {
 
@@ -21,6 +27,22 @@ struct ErrorState {
     int num_error = 0;    // errors told
 };
 ErrorState errors;
+
+int patience = 20; // seconds for the first answers of a server
+
+// The library cannot be made to give up, nor be left in the middle.
+extern "C" void no_answer(int) {
+    constexpr std::string_view text = "gopen_ws: the display does not answer; a page needs none: "
+                                      "-de p,FILE\n";
+    static_cast<void>(!write(STDERR_FILENO, text.data(), text.size())); // nothing is left to do
+    _exit(end_output);
+}
+
+void set_timer(int seconds) {
+    itimerval timer{};
+    timer.it_value.tv_sec = seconds;
+    setitimer(ITIMER_REAL, &timer, nullptr);
+}
 
 int Xerror_handler(Display* display, XErrorEvent* event) {
     errors.Xerror = 1;
@@ -52,6 +74,23 @@ int XerrorIO_handler(Display* /*display*/) {
 }
 
 } // namespace
+
+Gdisplay_watch::Gdisplay_watch() {
+    struct sigaction action {};
+    action.sa_handler = no_answer;
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGALRM, &action, &before_);
+    set_timer(patience);
+}
+
+Gdisplay_watch::~Gdisplay_watch() {
+    set_timer(0);
+    sigaction(SIGALRM, &before_, nullptr);
+}
+
+void gset_display_patience(int seconds) {
+    patience = seconds;
+}
 
 void ginstall_error_handlers() {
     XSetErrorHandler(Xerror_handler);

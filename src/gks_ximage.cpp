@@ -322,6 +322,7 @@ int XDisplay::take_image(IMG_report* image) {
     gtrap_errors(0);
     XWindowAttributes window{};
     const bool found = XGetWindowAttributes(display, gget_root_window(), &window) != 0 &&
+                       window.visual != nullptr && // null without memory
                        picture_size(window, &image->width, &image->height);
     if (gtrap_errors(1) != 0 || !found) {
         MESS_print(mess_warn, "gget_image: Can't get target window attributes\n");

@@ -3,10 +3,14 @@
 #pragma once
 
 // From here on, memory that `new` cannot get ends the run, after `report` has said
-// so. Call it first of all.
+// so, and so does the crash of a library that got none. Call it first of all.
 void ZYR_watch_memory(void (*report)(const char* message));
 // Ends the run with a message and 4; unfinished outputs go.
 [[noreturn]] void ZYR_no_memory();
+// What takes unfinished outputs away; safe inside a signal handler.
+void ZYR_clear_at_no_memory(void (*clear)());
+// The code instead of 4 from here on.
+void ZYR_set_no_memory_code(int code);
 // For one who reports the failure in words of its own and goes on: the run ends
 // with 4, and outputs that are open keep what stood under their names.
 void ZYR_note_no_memory();

@@ -104,6 +104,7 @@ void guard() {
     }
     if (!module.guarded) {
         module.guarded = true;
+        ZYR_clear_at_no_memory(remove_unfinished);
         static_cast<void>(std::atexit(remove_unfinished)); // else they stay at an early exit
     }
 }

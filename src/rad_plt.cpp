@@ -11,6 +11,7 @@
 #include "map.h"
 #include "maptran.h"
 #include "near_word.h"
+#include "no_memory.h"
 #include "plt_tool.h"
 #include "rad_key.h"
 #include "rad_run.h"
@@ -184,6 +185,17 @@ const GridRow* find_grid() {
     const auto* row = std::find_if(std::begin(grids), std::end(grids),
                                    [](const GridRow& g) { return g.type == state.info.type; });
     return row != std::end(grids) ? row : nullptr;
+}
+
+// Room for the levels as values; without it the run ends.
+std::unique_ptr<float[]> field_of(std::size_t size) {
+    const ZYR_own_report report;
+    std::unique_ptr<float[]> values(new (std::nothrow) float[size]);
+    if (values == nullptr) {
+        MESS_print(mess_warn, "No memory for radar summary field\n");
+        PLT_exit(end_memory);
+    }
+    return values;
 }
 
 GRD_report make_grid(const GridRow& row) {
@@ -523,6 +535,7 @@ int RAD_close_file() {
 }
 
 int RAD_plot(Domain* domain) {
+    ZYR_set_no_memory_code(end_memory);
     const bool redraw = rad_open_session(plotter, state.run, state.words, domain);
     return rad_plot_files(plotter, state.run, domain, redraw);
 }
@@ -585,11 +598,7 @@ int RAD_plot_summary() {
     FLAG_set(flag_plot_type, type);
     GRD_report grid = make_grid(*row);
     const auto size = static_cast<std::size_t>(row->nx) * static_cast<std::size_t>(row->ny);
-    const std::unique_ptr<float[]> values(new (std::nothrow) float[size]);
-    if (values == nullptr) {
-        MESS_print(mess_warn, "No memory for radar summary field\n");
-        PLT_exit(end_memory);
-    }
+    const auto values = field_of(size);
     for (int y = 0; y < row->ny; ++y) {
         for (int x = 0; x < row->nx; ++x) {
             const auto at = static_cast<std::size_t>(y) * row->nx + static_cast<std::size_t>(x);

@@ -16,6 +16,10 @@
 #include <string>
 #include <vector>
 
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 namespace {
 
 constexpr std::uint32_t black = 0;
@@ -266,6 +270,24 @@ TEST_F(AtDisplay, WhatCannotBeOpenedIsReported) {
         EXPECT_EQ(gclear_ws(1, 1), 0) << "nothing is left to draw on";
     }
     ASSERT_EQ(open(), 0) << "a later opening is none the worse";
+}
+
+// A server that takes the connection and says nothing.
+TEST(Display, ThatDoesNotAnswerEndsTheRun) {
+    const int silent = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in place{};
+    place.sin_family = AF_INET;
+    place.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    int number = 200;
+    do {
+        place.sin_port = htons(static_cast<std::uint16_t>(6000 + ++number));
+    } while (bind(silent, reinterpret_cast<sockaddr*>(&place), sizeof place) != 0 && number < 300);
+    ASSERT_EQ(listen(silent, 1), 0);
+    const std::string name = "127.0.0.1:" + std::to_string(number);
+    gset_display_patience(1);
+    EXPECT_EXIT(gopen_ws(1, name.c_str(), ws_window), testing::ExitedWithCode(4),
+                "gopen_ws: the display does not answer");
+    close(silent);
 }
 
 TEST_F(AtDisplay, ErrorsOfTheServerEndTheRun) {
