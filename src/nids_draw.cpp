@@ -108,8 +108,7 @@ void draw_vectors(const NIDS_frame& frame, long& room) {
 
 void draw_winds(const NIDS_frame& frame, RadFills& fills, long& room) {
     NIDS_wind_data wind;
-    constexpr int strokes = 8; // of a barb, each as much as a figure
-    for (; room > 0 && NIDS_get_wind(frame.ifile, &wind) > 0; room -= strokes) {
+    for (; room > 0 && NIDS_get_wind(frame.ifile, &wind) > 0; room -= nids_barb_strokes) {
         const Gpt p = image(frame, wind.x, wind.y);
         const Gattribs* attrib = fills.get(wind.val);
         if (attrib != nullptr && attrib->color >= 0 && rad_is_place(p)) {
@@ -131,7 +130,7 @@ void draw_text(const NIDS_frame& frame, long& room) {
     GPH_text_align(GLEFT_HOR, GCAP_VERT);
     if (frame.data.color >= 0 && rad_is_place(p)) {
         gtext(&p, text.data);
-        room -= static_cast<long>(2 * std::strlen(text.data)); // a letter has several strokes
+        room -= nids_text_strokes(text.data);
     }
 }
 
@@ -231,6 +230,16 @@ void nids_pass_packet(std::FILE* ifile, int type) {
     }
 }
 
+long nids_text_strokes(const char* text) {
+    constexpr std::size_t of_letter = 3;
+    return static_cast<long>(of_letter * std::strlen(text));
+}
+
+void nids_report_flood(const NIDS_info& info) {
+    MESS_print(mess_warn, "NIDS_plot: More figures than any product has, cut: %s\n", info.info);
+    PLT_lost_output();
+}
+
 int NIDS_draw_packets(const NIDS_frame& frame) {
     RadFills fills;
     int type = frame.info->type;
@@ -256,9 +265,7 @@ int NIDS_draw_packets(const NIDS_frame& frame) {
         walk(NIDS_packet(frame.ifile, &type));
     }
     if (room <= 0) {
-        MESS_print(mess_warn, "NIDS_plot: More figures than any product has, cut: %s\n",
-                   frame.info->info);
-        PLT_lost_output();
+        nids_report_flood(*frame.info);
     }
     return any ? 1 : 0;
 }

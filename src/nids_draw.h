@@ -42,6 +42,12 @@ RadEdges nids_row_edges(const NIDS_frame& frame, int row);
 // Passes over a packet whose drawing is switched off, or that has no bins or cells.
 void nids_pass_packet(std::FILE* ifile, int type);
 
+// What barbs and texts count of the figures that a product may draw.
+constexpr long nids_barb_strokes = 16;
+long nids_text_strokes(const char* text);
+// Says that a product was cut because it asks for more; the run ends with 4.
+void nids_report_flood(const NIDS_info& info);
+
 // --- Text grid file (nids_grid.cpp) -------------------------------------------
 
 // The grid file if one is asked for (NIDS_grd_out_file), with its heading

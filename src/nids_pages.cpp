@@ -6,6 +6,7 @@
 
 #include "cont.h"
 #include "map.h"
+#include "nids_draw.h"
 #include "nids_report.h"
 #include "rad_fill.h"
 #include "rad_storm.h"
@@ -169,6 +170,7 @@ struct Walk {
     int page = 0;     // pages before this one
     int storms = 0;   // met so far
     bool any = false; // is drawn
+    long room = rad_most_figures;
     NidsColumns columns{};
     Gattribs text; // attributes of the lines of text
 
@@ -205,11 +207,11 @@ Gpt image(const Walk& walk, float x, float y) {
     return p;
 }
 
-void draw_vectors(const Walk& walk) {
+void draw_vectors(Walk& walk) {
     const float shift = page_shift * static_cast<float>(walk.page);
     NIDS_vector_data vector;
     GPH_line_attr(&walk.frame.grid);
-    while (NIDS_get_vector(walk.frame.ifile, &vector) > 0) {
+    for (; walk.room > 0 && NIDS_get_vector(walk.frame.ifile, &vector) > 0; --walk.room) {
         const Gpt from = image(walk, vector.x1, vector.y1 + shift);
         const Gpt to = image(walk, vector.x2, vector.y2 + shift);
         if (walk.frame.pages && walk.frame.grid.color >= 0 && rad_is_place(from) &&
@@ -219,9 +221,10 @@ void draw_vectors(const Walk& walk) {
     }
 }
 
-void draw_winds(const Walk& walk) {
+void draw_winds(Walk& walk) {
     NIDS_wind_data wind;
-    while (NIDS_get_wind(walk.frame.ifile, &wind) > 0) {
+    for (; walk.room > 0 && NIDS_get_wind(walk.frame.ifile, &wind) > 0;
+         walk.room -= nids_barb_strokes) {
         const Gpt p = image(walk, wind.x, wind.y);
         Gattribs attrib;
         CONT_get_fill_attrib(wind.val, &attrib);
@@ -240,6 +243,8 @@ void take_storm(Walk& walk, const NIDS_report& storm) {
     const bool among = frame.num_plt != 0 && walk.storms <= frame.num_plt;
     const bool strong = frame.strong && nids_is_strong(storm);
     if (among || strong || (frame.num_plt == 0 && !frame.strong)) {
+        constexpr long strokes = 60; // of symbol, texts and track
+        walk.room -= strokes;
         walk.select_plot();
         walk.any = draw_storm(frame, storm) || walk.any;
         walk.select_page();
@@ -259,6 +264,7 @@ void take_text(Walk& walk) {
         gset_char_space(1.0F);
         gtext(&p, text.data);
         gset_char_space(0.0F);
+        walk.room -= nids_text_strokes(text.data);
         walk.any = true;
     }
     MESS_print(mess_mess, "%s\n", text.data);
@@ -272,7 +278,7 @@ void take_text(Walk& walk) {
 void walk_page(Walk& walk) {
     walk.columns = {};
     int type = 0;
-    while (NIDS_packet(walk.frame.ifile, &type) > 0) {
+    while (walk.room > 0 && NIDS_packet(walk.frame.ifile, &type) > 0) {
         switch (type) {
         case nids_packet_vector:
         case nids_packet_vector_val:
@@ -310,10 +316,13 @@ int NIDS_draw_pages(const NIDS_page_frame& frame) {
     }
     Walk walk(frame);
     walk.select_page();
-    while (NIDS_graphic_layer(frame.ifile) != 0) {
+    while (walk.room > 0 && NIDS_graphic_layer(frame.ifile) != 0) {
         walk_page(walk);
     }
     walk.select_plot();
+    if (walk.room <= 0) {
+        nids_report_flood(*frame.info);
+    }
     return walk.any ? 1 : 0;
 }
 

@@ -73,9 +73,9 @@ struct RadBeam {
 RadEdges rad_radial_edges(const Map& own, Gpt site, const RadBeam& beam);
 
 // What one file may draw: as many figures as make a page of some 256 MB. The
-// largest real ones have less than half of it; packed bytes can ask for any
+// largest real ones have about half of it; packed bytes can ask for any
 // number, and a window keeps them all for a redraw.
-constexpr long rad_most_figures = 3000000;
+constexpr long rad_most_figures = 2500000;
 
 // The figures between two rulers: the bins of a radial between its edges, the
 // cells of a row between its top and bottom. They are collected first, so that

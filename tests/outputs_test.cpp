@@ -383,24 +383,61 @@ TEST_F(Outputs, WhatIsEndlessOrHugeEnds) {
     }
 }
 
-// Few bytes may ask for any number of figures: they are cut, and told.
+// Few bytes may ask for any number of figures: they are cut, and told. What is
+// written stays under the bound.
 TEST_F(Outputs, FiguresOfAProductAreBounded) {
-    NidsSample sample;
-    sample.code = 19;
-    sample.thres = {0x8002, 5, 10, 15, 20, 25, 30, 35, 40, 45, 50, 55, 60, 65, 70, 75};
-    const std::vector<Bytes> radials(360, Bytes(460, 0xF5)); // runs of 15 bins
-    const Bytes packet = nids_radial_packet(0xAF1F, 15 * 460, radials);
-    sample.layers = {nids_join({packet, packet, packet, packet})};
-    const Bytes bytes = nids_message(sample);
-    ProgramCall call;
-    call.env["zyrdefault"] = ZYR_SOURCE_DIR "/etc";
-    call.args = {"-inp", "nids", "-me",
-                 "warn", "-de",  "p,/dev/null",
-                 "-dr",  "sum",  dir.write("many", {bytes.begin(), bytes.end()})};
-    call.timeout_s = 300;
-    const ProgramRun run = run_program(ZYR_PROGRAM, call);
-    EXPECT_EQ(run.code, 4);
-    EXPECT_NE(run.err.find("NIDS_plot: More figures than any product has, cut: "),
-              std::string::npos)
-        << run.err;
+    const auto many = [](const Bytes& packet, int times) {
+        Bytes all;
+        for (int i = 0; i < times; ++i) {
+            all.insert(all.end(), packet.begin(), packet.end());
+        }
+        return all;
+    };
+    const auto packet = [](int code, const std::vector<int>& words) {
+        Bytes all = nids_words({code, static_cast<int>(2 * words.size())});
+        for (const int word : words) {
+            const Bytes one = nids_words({word});
+            all.insert(all.end(), one.begin(), one.end());
+        }
+        return all;
+    };
+    std::vector<int> winds;
+    for (int i = 0; i < 3200; ++i) {
+        winds.insert(winds.end(), {3, 100 + i % 50, 200, 270, 32767});
+    }
+    const Bytes wind = packet(4, winds);
+    const Bytes runs =
+        nids_radial_packet(0xAF1F, 15 * 460, std::vector<Bytes>(360, Bytes(460, 0xF5)));
+    const Bytes letters = nids_text_packet(8, 0, 20, 30, std::string(70, 'W'));
+    struct Row {
+        const char* name;
+        int code;
+        Bytes layer;
+        std::vector<Bytes> pages;
+    };
+    const std::vector<Bytes> none;
+    const Bytes line = packet(7, {10, 20, 30, 400});
+    std::vector<Row> rows;
+    rows.push_back({"runs", 19, many(runs, 4), none});
+    rows.push_back({"barbs", 48, many(wind, 70), none});
+    rows.push_back({"texts", 16, many(letters, 16000), none});
+    rows.push_back({"pages", 62, line, std::vector<Bytes>(70, wind)});
+    constexpr long most = 256L << 20;
+    for (const Row& row : rows) {
+        NidsSample sample;
+        sample.code = row.code;
+        sample.thres = {0x8002, 5, 10, 15, 20, 25, 30, 35, 40, 45, 50, 55, 60, 65, 70, 75};
+        sample.layers = {row.layer};
+        sample.pages = row.pages;
+        const Bytes bytes = nids_message(sample);
+        dir.write("many", as_text(bytes));
+        ProgramCall made = call("-va table -dr sum,data many");
+        made.args.insert(made.args.end(), {"-de", "p,|wc -c >size"});
+        made.timeout_s = 300;
+        const ProgramRun run = run_program(ZYR_PROGRAM, made);
+        EXPECT_EQ(run.code, 4) << row.name << run.err;
+        EXPECT_EQ(count_text(run.err, "NIDS_plot: More figures than any product has, cut: "), 1)
+            << row.name << run.err;
+        EXPECT_LT(std::stol("0" + text("size")), most) << row.name;
+    }
 }
