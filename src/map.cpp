@@ -19,6 +19,8 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -342,19 +344,27 @@ void process_list_file(const char* name) {
         }
         return;
     }
-    constexpr int most = 10000;
+    constexpr std::size_t most = 10000;
     char word[entry_size];
-    for (int i = 0; std::fscanf(file.get(), "%255s", word) == 1; ++i) {
-        if (i == most || std::any_of(word, word + std::strlen(word), is_control)) {
-            MESS_print(level, "MAP_draw: No map list, or one that is too long: %s\n", name);
-            return;
-        }
+    std::vector<std::string> words; // nothing is drawn of a file that is no list
+    bool whole = true;
+    while (whole && std::fscanf(file.get(), "%255s", word) == 1) {
+        words.emplace_back(word);
+        whole = words.size() <= most &&
+                std::none_of(words.back().begin(), words.back().end(), is_control);
+    }
+    if (!whole) {
+        MESS_print(level, "MAP_draw: No map list, or one that is too long: %s\n", name);
+        return;
+    }
+    for (const std::string& entry : words) {
         // A command comes from the user, not out of a file.
-        if (*word == '|' || std::strstr(word, ":|") != nullptr) {
-            MESS_print(level, "MAP_draw: Command refused: %s in map list: %s\n", word, name);
+        if (entry[0] == '|' || entry.find(":|") != std::string::npos) {
+            MESS_print(level, "MAP_draw: Command refused: %s in map list: %s\n", entry.c_str(),
+                       name);
             continue;
         }
-        MAP_process(word);
+        MAP_process(entry.c_str());
     }
 }
 

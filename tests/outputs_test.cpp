@@ -356,7 +356,8 @@ TEST_F(Outputs, WhatIsEndlessOrHugeEnds) {
         expect_old(args);
     }
     // Files that are none of their kind: said once, and nothing drawn of them.
-    std::string many = "mf:|none\nz\n";
+    dir.write("few", "mf:|none\ny\ny\n");
+    std::string many;
     for (int i = 0; i < 20000; ++i) {
         many += "y\n";
     }
@@ -370,8 +371,9 @@ TEST_F(Outputs, WhatIsEndlessOrHugeEnds) {
              {"-mf ./radial",     "MAP_process: No map database: ./radial;"         },
              {"-mf ./many",       "MAP_process: No map database: ./many;"           },
              {"-mf fi:/dev/zero", "MAP_draw: No map list, or one that is too long: "},
-             {"-mf fi:./many",    "MAP_draw: Command refused: mf:|none in map list:"},
-             {"-mf fi:./many",    "MAP_process: Map file not found: y\n"            },
+             {"-mf fi:./few",     "MAP_draw: Command refused: mf:|none in map list:"},
+             {"-mf fi:./many",    "MAP_draw: No map list, or one that is too long: "},
+             {"-mf fi:./few",     "MAP_process: Map file not found: y\n"            },
              {"-nc ./many",       "FILE_set_name: More than 10000 lines: ./many\n"  },
     }) {
         const ProgramRun got = run(args + std::string(" -de p,page -dr sum,data,map radial"));
