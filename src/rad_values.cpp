@@ -132,11 +132,14 @@ void check_numbers(const char* item) {
 
 void check_panel(const char* item) {
     constexpr const char* word = "vp_size";
+    if (!begins(item, word)) {
+        return;
+    }
     Gpanel panel;
     const char* value = item + std::strlen(word);
     value += *value == '\0' ? 0 : 1;
-    if (begins(item, word) && (!read_panel(value, &panel) || panel.width <= 0.0F ||
-                               panel.height <= 0.0F || !is_on_page(panel))) {
+    if (!read_panel(value, &panel) || panel.width <= 0.0F || panel.height <= 0.0F ||
+        !is_on_page(panel)) {
         MESS_print(mess_warn,
                    "plot_param: No part of the page: %s, all of it is taken; an example is "
                    "vp_size=2x2+1+0\n",
