@@ -61,6 +61,8 @@ void decode_word(const char* word) {
     } else if (stricmp(word, "nostorms") == 0) {
         nids.symbols = false;
     } else {
+        // Storms by their packets are nearer than those of the tables.
+        nids.symbols = nids.symbols || strnicmp(word, "exact", 5) == 0;
         rad_take_word(nids.words, word);
     }
 }

@@ -64,6 +64,8 @@ struct Drawing {
     Gpt site;
     float step; // of texts from their mark
     bool any = false;
+    const NIDS_symbol* mark = nullptr;  // of the storm met last
+    const NIDS_symbol* apart = nullptr; // the last name that stands apart from its mark
 
     // Image of a place by its kilometres east and north of the radar.
     [[nodiscard]] Gpt image(float x, float y) const {
@@ -89,6 +91,14 @@ void draw_mark(Drawing& drawing, Gpt p, const Look& look) {
     gset_marker_size(look.size * mark_scale * drawing.frame.scale);
     GPH_mark(p.x, p.y);
     drawing.any = true;
+}
+
+void draw_marks(Drawing& drawing, NidsSymbol kind, Gpt p) {
+    for (const Look& look : looks) {
+        if (look.kind == kind) {
+            draw_mark(drawing, p, look);
+        }
+    }
 }
 
 void draw_text(Drawing& drawing, Gpt p, float side, const char* text) {
@@ -161,6 +171,24 @@ void draw_name(Drawing& drawing, const NIDS_symbol& symbol, Gpt p) {
     }
 }
 
+// The name of a storm. Where it stands apart from what it names, as that of a vortex,
+// the storm is there, which is marked once for all of its vortices.
+void draw_named(Drawing& drawing, const NIDS_symbol& symbol, Gpt p) {
+    constexpr float near_km = 0.5F;
+    const auto is_at = [&symbol](const NIDS_symbol* other) {
+        return other != nullptr && std::hypot(symbol.x - other->x, symbol.y - other->y) < near_km;
+    };
+    if (drawing.mark != nullptr && !is_at(drawing.mark)) {
+        if (is_at(drawing.apart) &&
+            std::strncmp(symbol.name, drawing.apart->name, sizeof symbol.name) == 0) {
+            return;
+        }
+        drawing.apart = &symbol;
+        draw_marks(drawing, NidsSymbol::cell, p);
+    }
+    draw_name(drawing, symbol, p);
+}
+
 void draw_symbol(Drawing& drawing, const NIDS_symbol& symbol) {
     const Gpt p = drawing.image(symbol.x, symbol.y);
     if (!rad_is_place(p)) {
@@ -172,7 +200,7 @@ void draw_symbol(Drawing& drawing, const NIDS_symbol& symbol) {
         draw_line(drawing, symbol, p);
         return;
     case NidsSymbol::name:
-        draw_name(drawing, symbol, p);
+        draw_named(drawing, symbol, p);
         return;
     default:
         break;
@@ -182,11 +210,7 @@ void draw_symbol(Drawing& drawing, const NIDS_symbol& symbol) {
         // A storm without hail is marked as any.
         kind = draw_hail(drawing, symbol, p) ? NidsSymbol::hail : NidsSymbol::cell;
     }
-    for (const Look& look : looks) {
-        if (look.kind == kind) {
-            draw_mark(drawing, p, look);
-        }
-    }
+    draw_marks(drawing, kind, p);
     draw_circle(drawing, symbol, p);
     if (is_storm(kind)) {
         draw_name(drawing, symbol, p);
@@ -243,6 +267,7 @@ bool nids_draw_storms(const NidsStormFrame& frame, const NidsStorms& storms) {
     bool wanted = true;
     for (const NIDS_symbol& symbol : storms.symbols) {
         if (is_storm(symbol.kind)) {
+            drawing.mark = &symbol;
             ++count;
             const bool among = frame.num_plt != 0 && count <= frame.num_plt;
             const bool strong = frame.strong && is_strong(symbol);

@@ -166,6 +166,12 @@ std::string storm_layer(const std::string& page) {
 } // namespace
 
 TEST_F(NidsCells, TakeThePlaceOfTheTables) {
+    NidsSample s; // two vortices of a storm that is elsewhere, and one of another
+    s.code = 61;
+    s.layers = {nids_join({nids_symbol_packet(12, {-90, -4}), nids_name_packet(15, {-44, 36}, "D0"),
+                           nids_symbol_packet(12, {-80, 8}), nids_name_packet(15, {-44, 36}, "D0"),
+                           nids_symbol_packet(12, {99, 8}), nids_name_packet(15, {99, 8}, "E7")})};
+    write("vortices", nids_message(s));
     struct Row {
         const char* args;
         const char* layer;
@@ -174,6 +180,8 @@ TEST_F(NidsCells, TakeThePlaceOfTheTables) {
   // The table alone, as without the word.
         {"./cells",                            "K3 P1 2m11l"             },
         {"./cells -pp storms,nostorms",        "K3 P1 2m11l"             },
+        {"./cells -pp exact",                  "K3 2\" P1 86 11m7l"      },
+        {"./cells -pp exact,nostorms",         "K3 P1 2m11l"             },
         {"./tracks -pp STORMS",                "2m0l"                    },
         {"./cells -pp storms",                 "K3 2\" P1 86 11m7l"      },
         {"./cells -pp storms -va comp,track",  "K3 2\" P1 86 11m7l"      },
@@ -184,6 +192,7 @@ TEST_F(NidsCells, TakeThePlaceOfTheTables) {
         {"./cells -pp storms -dr sum",         "0m0l"                    },
         {"./trends -pp storms",                "R7 32 S2 25 2m0l"        },
         {"./radial -pp storms",                "0m0l"                    },
+        {"./vortices -pp storms",              "D0 E7 5m0l"              },
     };
     for (const Row& row : rows) {
         const NidsPage page = nids_page(dir, std::string("-me error ") + row.args);
