@@ -60,23 +60,46 @@ bool write_files(const std::string& dir, const std::vector<std::pair<std::string
     return good;
 }
 
+// A tornado and a severe thunderstorm watch of the storm's evening.
+constexpr std::string_view watches = "WWUS30 KWNS 202058\nSAW3\nSPC AWW 202058\n"
+                                     "WW 197 TORNADO OK TX 202100Z - 210400Z\n"
+                                     "AXIS..75 STATUTE MILES EITHER SIDE OF LINE..\n"
+                                     "25NNW OKC/OKLAHOMA CITY OK/ - 25ESE ABI/ABILENE TX/\n"
+                                     "..AVIATION COORDS.. 65NM E/W /22NNW OKC - 22ESE ABI/\n"
+                                     "SPC AWW 202130\n"
+                                     "WW 198 SEVERE TSTM AR OK 202140Z - 210300Z\n"
+                                     "AXIS..60 STATUTE MILES NORTH AND SOUTH OF LINE..\n"
+                                     "20S TUL/TULSA OK/ - 20S LIT/LITTLE ROCK AR/\n"
+                                     "..AVIATION COORDS.. 50NM N/S /17S TUL - 17S LIT/\n";
+
+// What the surface stations said at that time, as a table.
+constexpr std::string_view observations = "stn,lat,lon,n,wind,t,td,p,ww,ff\n"
+                                          "OKC,35.39,-97.60,6,\"160,15\",27,21,52,TSRA,15\n"
+                                          "TUL,36.20,-95.89,3,\"170,15\",29,22,85,,15\n"
+                                          "LAW,34.57,-98.42,8,\"300,30\",17,16,97,+TSRA,30\n"
+                                          "SPS,33.99,-98.49,7,\"310,25\",18,15,104,-RA,25\n"
+                                          "PNC,36.73,-97.10,5,\"150,20\",26,20,61,VCTS,20\n"
+                                          "CSM,35.35,-99.20,6,\"290,25\",17,13,118,BR,25\n";
+
 // What the pages of doc/ plot.
 std::vector<std::pair<std::string, Bytes>> all_samples() {
     std::vector<std::pair<std::string, Bytes>> all = {
-        {"storm.nids",              nids_sample_storm()          },
-        {"super.nids",              nids_sample_storm(153)       },
-        {"storms.nids",             nids_sample_storm_table()    },
-        {"symbols.nids",            nids_sample_storm_table(true)},
-        {"velocity.nids",           nids_sample_velocity()       },
-        {"classes.nids",            nids_sample_classes()        },
-        {"profile.nids",            nids_sample_profile()        },
-        {"KTLX20190520_223124_V06", lev2_sample_storm()          },
-        {"mosaic.now",              nowrad_sample('C')           },
-        {"lambert.now",             nowrad_sample('L')           },
-        {"mosaic.kav",              kavrad_sample(true)          },
-        {"storm.rrw",               rrwds_sample()               },
-        {"message.rcm",             rcm_sample(false)            },
-        {"region.rcm",              rcm_region_sample()          },
+        {"storm.nids",              nids_sample_storm()                       },
+        {"super.nids",              nids_sample_storm(153)                    },
+        {"storms.nids",             nids_sample_storm_table()                 },
+        {"symbols.nids",            nids_sample_storm_table(true)             },
+        {"velocity.nids",           nids_sample_velocity()                    },
+        {"classes.nids",            nids_sample_classes()                     },
+        {"profile.nids",            nids_sample_profile()                     },
+        {"KTLX20190520_223124_V06", lev2_sample_storm()                       },
+        {"mosaic.now",              nowrad_sample('C')                        },
+        {"lambert.now",             nowrad_sample('L')                        },
+        {"mosaic.kav",              kavrad_sample(true)                       },
+        {"storm.rrw",               rrwds_sample()                            },
+        {"message.rcm",             rcm_sample(false)                         },
+        {"region.rcm",              rcm_region_sample()                       },
+        {"watches.txt",             {watches.begin(), watches.end()}          },
+        {"obs.csv",                 {observations.begin(), observations.end()}},
     };
     for (auto& sample : summary_samples()) {
         all.push_back(std::move(sample));
