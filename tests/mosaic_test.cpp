@@ -319,12 +319,12 @@ TEST_F(MosaicPlot, RunsAreDrawnInPieces) {
 
 TEST_F(MosaicPlot, GoldenPages) {
     expect_golden(
-        nids_page(dir, "-dr sum,text,bord -pd ll:0:-97.3,36,-97.3,51,21,.12,.12 ./now", "nowrad"),
+        nids_page(dir, "-dr sum,text,bord -pd ll:0:-97.3,36,-97.3,51,21,.12,.15 ./now", "nowrad"),
         "nowrad_latlon");
     expect_golden(
         nids_page(dir, "-dr sum -pp nobar,run=9 -pd ps,38.7,-96,31,13,.08,.1 ./lam", "nowrad"),
         "nowrad_lambert");
-    expect_golden(nids_page(dir, "-dr sum,text -pd ps,63.7,-128.9,31,21,.03,.03 ./kav", "kavrad"),
+    expect_golden(nids_page(dir, "-dr sum,text -pd ps,63.7,-128.9,31,21,.03,.04 ./kav", "kavrad"),
                   "kavrad");
 }
 

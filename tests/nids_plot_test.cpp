@@ -33,13 +33,13 @@ protected:
 TEST_F(NidsPlot, GoldenPages) {
     const std::vector<std::array<const char*, 3>> rows = {
   // golden file, sample, options
-        {"nids_radial",   "radial",  "-dr data,sum,bord -pp site,dist=50:100"           },
-        {"nids_digital",  "digital", "-dr sum,text"                                     },
-        {"nids_raster",   "raster",  "-dr sum -pp nobar"                                },
-        {"nids_precip",   "precip",  "-dr sum -pp nobar -cof=-60:5:8"                   },
-        {"nids_wind",     "wind",    "-dr sum"                                          },
-        {"nids_symbols",  "symbols", "-dr sum -pp nobar"                                },
-        {"nids_mercator", "radial",  "-dr sum -pp nobar -pd merc,35.3,-97.3,41,31,.1,.1"},
+        {"nids_radial",   "radial",  "-dr data,sum,bord -pp site,dist=50:100"            },
+        {"nids_digital",  "digital", "-dr sum,text"                                      },
+        {"nids_raster",   "raster",  "-dr sum -pp nobar"                                 },
+        {"nids_precip",   "precip",  "-dr sum -pp nobar -cof=-60:5:8"                    },
+        {"nids_wind",     "wind",    "-dr sum"                                           },
+        {"nids_symbols",  "symbols", "-dr sum -pp nobar"                                 },
+        {"nids_mercator", "radial",  "-dr sum -pp nobar -pd merc,35.3,-97.3,41,31,.1,.13"},
     };
     for (const auto& [golden, sample, options] : rows) {
         expect_golden(nids_page(dir, std::string("./") + sample + " " + options), golden);

@@ -324,13 +324,17 @@ std::vector<std::pair<std::string, Bytes>> nids_samples() {
     put(wind.layers[0], barb);
     put(wind.layers[0], nids_text_packet(8, 5, 20, 30, "ALT KFT"));
 
-    // Symbols that are passed over, and the hail packet, which ends the walk.
+    // Symbols that are passed over, some of degrees that show, and the hail packet, which
+    // ends the walk; of a southern radar.
     NidsSample symbols = radial;
     symbols.code = 141;
+    symbols.lat = -33700;
+    symbols.lon = 151200;
     symbols.layers[0] = nids_words(
         {3, 6, 10, 20, 30, 5, 4, 1, 2, 6, 8, 0, 0, 9, 9, 9, 6, 1, 2, 3, 15, 6, 10, 20, 0x4130});
-    put(symbols.layers[0], vectors);
-    put(symbols.layers[0], barb);
+    put(symbols.layers[0], nids_words({7, 8, -35, 150, -33, 152}));
+    put(symbols.layers[0], nids_words({4, 10, 3, -33, 150, 270, 45}));
+    put(symbols.layers[0], nids_text_packet(8, 0, -34, 151, "SYD"));
     put(symbols.layers[0], nids_words({19, 4, 1, 2}));
 
     std::vector<std::pair<std::string, Bytes>> all;
