@@ -46,7 +46,7 @@ protected:
 // binary form has the lines alone.
 TEST_F(MetafilePlot, PlaysToTheFiguresOfThePlot) {
     const std::string page = " -ge 1389x1112 -de p,";
-    for (const std::string name : {"radial", "digital", "raster", "symbols"}) {
+    for (const std::string name : {"radial", "digital", "raster", "precip"}) {
         const std::string product = "-pp pscolor,nobar ./" + name;
         for (const std::string& args :
              {page + "plot.ps", std::string(" -de m,plot.meta"), std::string(" -de m,plot.cgm,cgm"),

@@ -384,6 +384,16 @@ TEST_F(RcmPlot, CellsAndMarks) {
     }
 }
 
+// 7 and 8 stand for what is beyond the range of levels.
+TEST_F(RcmPlot, LevelsThatAreDrawn) {
+    const auto report = rcm_blank();
+    for (int level = 0; level <= 8; ++level) {
+        report->echo[40 + level][50] = static_cast<signed char>(level);
+    }
+    write("levels", rcm_message(*report, false));
+    EXPECT_EQ(page("-dr sum -id TLX ./levels").figures(), 6);
+}
+
 TEST_F(RcmPlot, SitesThatAreNotThere) {
     const NidsPage other = page("-id OUN ./region");
     EXPECT_EQ(other.run.code, 10);

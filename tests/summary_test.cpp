@@ -559,6 +559,11 @@ TEST_F(SummaryPlot, SequencesAndWords) {
     EXPECT_NE(three.run.err.find("No grid of levels"), std::string::npos) << three.run.err;
     EXPECT_EQ(page("-va city ./junk").run.code, 10);
     EXPECT_EQ(count(page("-va city -dr data ./mdr")), 0);
+    // Levels 8 and 9 are drawn as 1.
+    write("ones", bytes_of(head + "SDUS41\n+ 50 055\n11\n11\n+\n"));
+    write("others", bytes_of(head + "SDUS41\n+ 50 055\n89\n91\n+\n"));
+    EXPECT_EQ(golden_text(page("-va city -pp pscolor ./others").text),
+              golden_text(page("-va city -pp pscolor ./ones").text));
     // Circles, of 10 nautical miles at least, and marks.
     const auto ink = [&](const char* args) {
         return page(std::string("-va city -dr data ./mdr ") + args).text.size();
