@@ -93,6 +93,12 @@ TEST(RawPlot, Formats) {
     for (const auto& row : rows) {
         EXPECT_EQ(parsed(row.format), row.expected) << row.format;
     }
+    int marker = 0;
+    for (const char* word : {"pnt", "plus", "star", "crcl", "x", "sqr", "tri", "dot", "itri"}) {
+        RAW_attribs a;
+        RAW_parse_format(&a, ("mk=" + std::string(word)).c_str());
+        EXPECT_EQ(a.marker, ++marker) << word;
+    }
 }
 
 // The number as it is written, by format. Formats of files never reach printf.
@@ -159,14 +165,6 @@ TEST(RawPlot, Types) {
 TEST(RawPlot, Settings) {
     EXPECT_EQ(drawn(item(2, "tx=Hi:ur", "x", 5)).substr(0, 17), "T(51.20,52.00) Hi");
     EXPECT_EQ(drawn(item(2, "mk=4", "")), "");
-    int marker = 0;
-    for (const char* word : {"pnt", "plus", "star", "crcl", "x", "sqr", "tri", "dot", "itri"}) {
-        const std::string number = std::to_string(++marker);
-        EXPECT_EQ(drawn(item(4, "", word)), drawn(item(4, "", number.c_str()))) << word;
-        EXPECT_EQ(drawn(item(2, ("mk=" + std::string(word)).c_str(), "x")),
-                  drawn(item(2, ("mk=" + number).c_str(), "x")))
-            << word;
-    }
     EXPECT_NE(drawn(item(2, "mk=1001", "x")).find("L(51.00,50.00)"), std::string::npos);
     EXPECT_EQ(drawn(item(2, "co=none", "x", 5)), "");
     EXPECT_EQ(drawn(item(2, "mn=6", "", 5)), "");
