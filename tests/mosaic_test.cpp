@@ -413,6 +413,59 @@ TEST(Mosaic, AFloodOfFiguresIsCut) {
               1);
 }
 
+// Whatever is cut off or changed, a reading ends, with what stood before it, and a
+// packet takes a byte at least.
+TEST(Mosaic, DamagedFilesEndTheReading) {
+    const auto each_damage = [](const Bytes& whole, auto read) {
+        for (std::size_t i = 0; i < whole.size(); ++i) {
+            read(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(i)), i, true);
+            for (const int change : {0x01, 0x10, 0x80, 0xFF}) {
+                Bytes changed = whole;
+                changed[i] ^= static_cast<std::uint8_t>(change);
+                read(changed, i, false);
+            }
+        }
+    };
+    for (const auto& [name, bytes] : nowrad_samples()) {
+        const Image whole = nowrad_read(bytes);
+        each_damage(bytes, [&](const Bytes& damaged, std::size_t at, bool cut) {
+            const Image got = nowrad_read(damaged);
+            ASSERT_LE(got.packets, static_cast<int>(bytes.size())) << name << at;
+            ASSERT_LE(got.lines.size(), whole.lines.size()) << name << at;
+            if (got.header == 1) {
+                ASSERT_GE(std::min(got.info.domain.nx, got.info.domain.ny), 1) << name << at;
+                ASSERT_LE(std::max(got.info.domain.nx, got.info.domain.ny), 65535) << name << at;
+            }
+            for (std::size_t i = 0; cut && i + 1 < got.lines.size(); ++i) {
+                ASSERT_EQ(got.lines[i], whole.lines[i]) << name << at;
+            }
+        });
+    }
+    for (const auto& [name, bytes] : kavrad_samples()) {
+        const std::size_t head = kavrad_header({}).size();
+        const auto read = [&](const Bytes& damaged) {
+            const Stream file = opened(damaged);
+            KAVRAD_info info;
+            KAVRAD_header(file.get(), &info);
+            std::vector<std::pair<int, float>> packets;
+            for (KAVRAD_packet packet; KAVRAD_get_packet(file.get(), &packet) != 0;) {
+                packets.emplace_back(packet.run, packet.value);
+            }
+            return packets;
+        };
+        const auto whole = read(bytes);
+        EXPECT_GT(whole.size(), 3U);
+        each_damage(bytes, [&](const Bytes& damaged, std::size_t at, bool cut) {
+            const auto got = read(damaged);
+            ASSERT_LE(got.size(), bytes.size() - head) << name << at;
+            if (cut) {
+                ASSERT_LE(got.size(), whole.size());
+                ASSERT_TRUE(std::equal(got.begin(), got.end(), whole.begin())) << name << at;
+            }
+        });
+    }
+}
+
 TEST_F(MosaicPlot, OtherFilesAndPipes) {
     write("html", {'<', 'h', 't', 'm', 'l', '>'});
     const std::string args = "-dr sum,text -pp nobar -pd ll:0:-97.3,36,-97.3,51,21,.12,.12 ";

@@ -167,6 +167,30 @@ TEST_F(RrwdsPlot, GoldenPage) {
 }
 
 // Corners move outward by a step a bin.
+// A file cut at any byte draws its whole azimuths, one with any byte changed no more
+// figures than a full one; each byte of the header, every 1597th of the rest.
+TEST_F(RrwdsPlot, DamagedFilesDrawWhatIsWhole) {
+    const Bytes whole = rrwds_file({}, any);
+    constexpr std::size_t head = 12, record = 80;
+    const auto figures = [this](const Bytes& bytes) {
+        write("damaged", bytes);
+        const NidsPage got = page("-pp nobar -dr sum ./damaged");
+        EXPECT_TRUE(got.run.code == 0 || got.run.code == 10 || got.run.code == 11)
+            << got.run.code << got.run.err;
+        return got.run.code == 0 ? got.figures() : 0;
+    };
+    const int most = 360 * 240;
+    for (std::size_t at = 0; at < whole.size(); at += at < head ? 1 : 1597) {
+        Bytes changed = whole;
+        changed[at] ^= 0x81;
+        EXPECT_LE(figures(changed), most) << at;
+        const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(at));
+        const std::size_t azimuths = at < head ? 0 : (at - head) / record;
+        const int full_ones = static_cast<int>((azimuths + 8) / 9); // every ninth
+        EXPECT_EQ(figures(cut), full_ones * 200) << at;
+    }
+}
+
 TEST(Wedge, CornersMoveOn) {
     const WEDGE_info wedge = {1.0, 0.0, 1.0, 0.5, 0.0F};
     std::array<Gpt, 5> corners{};
