@@ -221,13 +221,18 @@ TEST(NOWRad, RefusedHeadersGiveNoLine) {
         const Image read = nowrad_read(edited);
         EXPECT_TRUE(read.header == 0 && read.lines.empty()) << text;
     }
-    // Cut anywhere: what is there, and no more.
+    // Cut anywhere: what is there, and no more; changed anywhere: an end.
     const Bytes whole = nowrad_file(good, ramp);
     const std::size_t header = nowrad_header(good).size();
     for (std::size_t size = 0; size < whole.size(); ++size) {
         const Image read = nowrad_read(Bytes(whole.begin(), whole.begin() + size));
         EXPECT_EQ(read.header, size >= header + 3 ? 1 : 0) << size;
         EXPECT_LE(read.lines.size(), 3U);
+        for (const int by : {1, 0x80, 0xFF}) {
+            Bytes changed = whole;
+            changed[size] ^= static_cast<std::uint8_t>(by);
+            EXPECT_LE(nowrad_read(changed).lines.size(), whole.size()) << size;
+        }
     }
 }
 
@@ -247,6 +252,46 @@ TEST(KAVRAD, Packets) {
     }
     EXPECT_EQ(kavrad_packets({0x40, 0x41, 0x43, 0x44, 0x46, 0x47}, 'C'),
               "1:-100 1:20 1:40 1:45 1:55 1:55 ");
+}
+
+TEST(KAVRAD, EveryImageComesBack) {
+    constexpr int nx = 2560;
+    constexpr int ny = 2880;
+    std::mt19937 random(11);
+    std::vector<int> cells(std::size_t{nx} * ny);
+    for (int& cell : cells) {
+        cell = random() % 300 == 0 || &cell == &cells[0] ? static_cast<int>(random() % 16)
+                                                         : *(&cell - 1);
+    }
+    const Bytes bytes =
+        kavrad_file({}, [&](int row, int column) { return cells[row * nx + column]; });
+    const Stream file = opened(bytes);
+    KAVRAD_info info;
+    KAVRAD_packet packet;
+    KAVRAD_header(file.get(), &info);
+    std::size_t at = 0;
+    while (KAVRAD_get_packet(file.get(), &packet) != 0) {
+        for (int i = 0; i < packet.run; ++i, ++at) {
+            ASSERT_LT(at, cells.size());
+            ASSERT_EQ(packet.value, static_cast<float>(5 * cells[at])) << at;
+        }
+    }
+    EXPECT_EQ(at, cells.size());
+    // Cut or changed anywhere it ends.
+    const Bytes small = kavrad_samples()[0].second;
+    for (std::size_t i = 0; i < small.size(); ++i) {
+        Bytes changed = small;
+        changed[i] ^= static_cast<std::uint8_t>(1 + random() % 255);
+        for (const Bytes& damaged : {Bytes(small.begin(), small.begin() + i), changed}) {
+            const Stream again = opened(damaged);
+            KAVRAD_header(again.get(), &info);
+            std::size_t packets = 0;
+            while (KAVRAD_get_packet(again.get(), &packet) != 0) {
+                ++packets;
+            }
+            EXPECT_LE(packets, small.size()) << i;
+        }
+    }
 }
 
 TEST(KAVRAD, Header) {

@@ -96,6 +96,14 @@ TEST(RRWDS, Header) {
         cut.resize(size);
         EXPECT_EQ(header(cut, &info), 0) << size;
     }
+    for (std::size_t at = 0; at < 12; ++at) {
+        for (int bit = 1; bit < 256; bit *= 2) {
+            Bytes changed = whole;
+            changed[at] ^= static_cast<std::uint8_t>(bit);
+            EXPECT_NE(header(changed, &info), at < 3 ? 0 : -1) << at << " " << bit;
+            EXPECT_EQ(info.domain.nx, 400) << at;
+        }
+    }
     for (const char* site : {"QQQ", "", "\x01\xFF "}) {
         EXPECT_EQ(header(rrwds_file(image_of(site), any), &info), -1) << site;
     }
