@@ -39,6 +39,8 @@ struct ColorTable {
     std::array<Rgb, max_colors> colors{};
     int num_colors = 0;
     int num_fill = 0;                 // colours meant for fills
+    bool any = false;                 // the file read last names a color
+    bool any_number = false;          // with a number
     std::vector<std::string> unknown; // names that were warned of
 };
 ColorTable table;
@@ -173,17 +175,21 @@ void parse_entry(const char* text, Rgb* color) {
     color->name = {};
     std::memcpy(color->name.data(), text, length);
     text += length; // a longer name goes on where the numbers should be
+    int parts = 0;
     for (float* part : {&color->red, &color->grn, &color->blu}) {
         float value = 0.0F;
         if (!take_float(&text, &value)) {
             break;
         }
         *part = unit_range(value);
+        ++parts;
     }
     skip_blanks(&text);
     if (take_char(&text, '#')) {
-        take_components(&text, 2, 16, color);
+        parts = take_components(&text, 2, 16, color);
     }
+    table.any = true;
+    table.any_number = table.any_number || parts > 0;
 }
 
 // Where the lines of one file go.
@@ -225,6 +231,8 @@ void read_line(char* text, bool first_file, Slots* at) {
 void read_table_file(std::FILE* file, bool first_file, bool count_fills) {
     constexpr int most_pieces = 100000;
     Slots at{first_file ? 0 : table.num_colors};
+    table.any = false;
+    table.any_number = false;
     std::array<char, 101> line{};
     bool begins = true;
     for (int i = 0; i < most_pieces && std::fgets(line.data(), line.size(), file) != nullptr; ++i) {
@@ -266,6 +274,25 @@ int add_numeric(const char* name) {
     return CLR_add(name, color.red, color.grn, color.blu);
 }
 
+// Whether it is a name that was not warned of yet; beyond some, none is.
+bool is_new(const char* name) {
+    constexpr std::size_t most = 50;
+    std::vector<std::string>& unknown = table.unknown;
+    if (unknown.size() == most ||
+        std::find(unknown.begin(), unknown.end(), name) != unknown.end()) {
+        return false;
+    }
+    unknown.emplace_back(name);
+    return true;
+}
+
+void warn_number(int number) {
+    if (is_new(std::to_string(number).c_str())) {
+        MESS_print(mess_warn, "ATTRIB_get: No color of that number: %d, the last is %d\n", number,
+                   table.num_colors - 1);
+    }
+}
+
 std::string nearest_name(const char* name) {
     KnownWords names;
     for (int i = 0; i < table.num_colors; ++i) {
@@ -279,15 +306,16 @@ std::string nearest_name(const char* name) {
 
 // A name that is none is warned of once, while there is a table to look it up in.
 void warn_name(const char* name) {
-    constexpr std::size_t most = 50;
-    std::vector<std::string>& unknown = table.unknown;
-    if (table.num_colors == 0 || unknown.size() == most ||
-        std::find(unknown.begin(), unknown.end(), name) != unknown.end()) {
+    if (table.num_colors == 0 || !is_new(name)) {
         return;
     }
-    unknown.emplace_back(name);
-    MESS_print(mess_warn, "CLR_get_ind: Unknown color: %s, the nearest is %s\n", name,
-               nearest_name(name).c_str());
+    if (*name == '#') {
+        MESS_print(mess_warn, "CLR_get_ind: Unknown color: %s, a color in digits is #RRGGBB\n",
+                   name);
+    } else {
+        MESS_print(mess_warn, "CLR_get_ind: Unknown color: %s, the nearest is %s\n", name,
+                   nearest_name(name).c_str());
+    }
 }
 
 // A window reports what it cannot show; a page looks at no background. Names of
@@ -336,6 +364,41 @@ bool parse_long_form(const char* field, Gattribs* attrib) {
     return true;
 }
 
+bool is_number(const char* text) {
+    float number = 0.0F;
+    return take_float(&text, &number) && *text == '\0';
+}
+
+// Can a field after the color be read? Names of colors and fonts are looked up.
+bool is_readable(const char* field) {
+    constexpr std::array short_forms = {"w", "s", "t", "f", "h", "e"};
+    const auto is = [field](const char* word) { return begins(field, word); };
+    const bool is_long = std::strlen(field) > 2 && field[2] == '=';
+    const char* value = field + (is_long ? 3 : 1);
+    if (!is_long) {
+        return is_number(value) ? std::any_of(short_forms.begin(), short_forms.end(), is)
+                                : std::strcmp(field, "fM") == 0;
+    }
+    if (is("st")) {
+        return is_number(value) || find_word(line_styles, value) != nullptr;
+    }
+    if (is("fi") || is("fp")) {
+        return ATTR_is_fill_pat(value);
+    }
+    return is("co") || is("fo") ||
+           ((is("wi") || is("sc") || is("hi") || is("te")) && is_number(value));
+}
+
+// Once: an attribute is parsed with each picture.
+void warn_field(const char* field) {
+    if (is_new(field)) {
+        MESS_print(mess_warn,
+                   "ATTRIB_parse: Unknown attribute: %s; they are co=, wi=, st=, fo=, fi=, hi= and "
+                   "te=\n",
+                   field);
+    }
+}
+
 void parse_short_form(const char* field, Gattribs* attrib) {
     const char* value = field + 1;
     switch (*field) {
@@ -368,7 +431,12 @@ void parse_field(const char* field, bool first, Gattribs* attrib) {
     }
     if (first && std::strchr(field, '=') == nullptr) {
         attrib->color = CLR_get_ind(field);
-    } else if (!parse_long_form(field, attrib)) {
+        return;
+    }
+    if (!is_readable(field)) {
+        warn_field(field);
+    }
+    if (!parse_long_form(field, attrib)) {
         parse_short_form(field, attrib);
     }
 }
@@ -395,7 +463,7 @@ bool read_tables(const char* names, bool count_fills) {
             continue;
         }
         read_table_file(file.get(), first_file, count_fills);
-        if (!has_names()) { // such as a picture, or a device
+        if (!has_names() || (table.any && !table.any_number)) { // such as a picture, or a device
             MESS_print(mess_warn, "CLR_read_table: No colors in: %s\n", path.data());
             table.num_colors = 0;
             continue;
@@ -528,6 +596,10 @@ int ATTR_parse_marker(const char* str) {
     return text_int(str);
 }
 
+bool ATTR_is_fill_pat(const char* str) {
+    return is_number(str) || find_word(fill_patterns, str) != nullptr;
+}
+
 int ATTRIB_parse(const char* str, Gattribs* attrib) {
     if (str == nullptr) {
         return 0;
@@ -574,6 +646,12 @@ int ATTRIB_get(const char* resrc, const char* def, Gattribs* attrib) {
         return 0;
     }
     ATTRIB_parse(value, attrib);
+    constexpr int first_print = 500; // colors of paper
+    constexpr int last_print = 508;
+    if (attrib->color > max_colors && (attrib->color < first_print || attrib->color > last_print)) {
+        warn_number(attrib->color); // no device takes it
+        attrib->color = -1;
+    }
     return 1;
 }
 

@@ -20,6 +20,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -40,7 +41,8 @@ constexpr int max_line_chars = 80;
 constexpr const char* level_extension = ".lvl";
 
 State contours;
-std::string unread_file; // the level file last reported as one that cannot be read
+std::set<std::string> misplaced_files; // level files among colors that were reported
+std::string unread_file;               // the level file last reported as one that cannot be read
 
 // --- Levels -----------------------------------------------------------------
 
@@ -190,8 +192,7 @@ bool is_level_file(const char* entry) {
 }
 
 void report_misplaced_file(const char* name) {
-    if (unread_file != name) {
-        unread_file = name;
+    if (misplaced_files.insert(name).second) {
         MESS_print(mess_warn,
                    "CONT_set_fill_colors: A level file stands alone, in a list it is left out: "
                    "%s\n",
@@ -313,8 +314,12 @@ void report_level_file(const char* name, bool by_user) {
     }
     unread_file = name;
     MESS_print(mess_warn, "CONT_set_fill_colors: Unable to read contour level file: %s\n", name);
-    const std::string end = std::strchr(name, '.') != nullptr ? "" : level_extension;
-    FILE_tell_nearest("CONT_set_fill_colors", RES_get("file_path"), (name + end).c_str());
+    if (std::strchr(name, ':') != nullptr) {
+        MESS_print(mess_warn, "CONT_set_fill_colors: A list of levels has two colors or more\n");
+    } else {
+        const std::string end = std::strchr(name, '.') != nullptr ? "" : level_extension;
+        FILE_tell_nearest("CONT_set_fill_colors", RES_get("file_path"), (name + end).c_str());
+    }
     if (by_user) {
         MESS_print(mess_warn, "CONT_set_fill_colors: The product's own colors are taken\n");
     }

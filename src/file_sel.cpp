@@ -12,12 +12,15 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <string>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -435,9 +438,32 @@ int ask_file(const char* prompt, char* outfile) {
             return 1;
         }
         MESS_print(mess_warn, "File not found: %s\n", s.filename);
-        FILE_explain_cut(s.filename);
+        FILE_explain(s.filename);
     }
     ZYR_exit(end_file);
+}
+
+// How an output of that name is asked for; null if it is not one by its ending.
+const char* way_of_output(const char* name) {
+    struct Way {
+        const char* end;
+        const char* way;
+    };
+    constexpr Way ways[] = {
+        {".ps",   "-de p,FILE"            },
+        {".eps",  "-de p,FILE,eps"        },
+        {".pdf",  "-de 'p,|ps2pdf - FILE'"},
+        {".hpgl", "-de h,FILE"            },
+        {".cgm",  "-de m,FILE,cgm"        },
+        {".meta", "-de m,FILE"            },
+        {".png",  "-of png=FILE"          },
+        {".gif",  "-of gif=FILE"          },
+    };
+    const char* end = std::strrchr(name, '.');
+    const auto* row = std::find_if(std::begin(ways), std::end(ways), [end](const Way& one) {
+        return end != nullptr && stricmp(end, one.end) == 0;
+    });
+    return row != std::end(ways) ? row->way : nullptr;
 }
 
 // Hours and minutes of "hours:minutes" in seconds; the minutes take the sign.
@@ -490,11 +516,26 @@ const char* FILE_get_ext_info() {
     return file_state().ext_info;
 }
 
-void FILE_explain_cut(const char* name) {
+void FILE_explain(const char* name) {
     const FileState& s = file_state();
-    if (*s.ext_info != '\0' && FILE_exist(name) == 0) {
+    char path[file_name_size];
+    if (FILE_is_stdio(name) != 0 || *name == '|') {
+        return;
+    }
+    if (FILE_is_dir(name) != 0) {
+        MESS_print(mess_warn, "FILE_set_file: It is a directory: %s\n", name);
+    } else if (FILE_exist(name) != 0) {
+        if (access(FILE_add_user_path(name, path), R_OK) != 0) {
+            MESS_print(mess_warn, "FILE_set_file: %s: %s\n", name, std::strerror(errno));
+        }
+    } else if (*s.ext_info != '\0') {
         MESS_print(mess_warn, "FILE_set_file: No file has the whole name, \"%s\" was taken off\n",
                    s.ext_info);
+    } else if (const char* way = way_of_output(name)) {
+        MESS_print(mess_warn,
+                   "FILE_set_file: A name alone is an input, this output is named by %s\n", way);
+    } else {
+        FILE_tell_nearest("FILE_set_file", nullptr, name);
     }
 }
 

@@ -22,6 +22,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <memory>
@@ -126,11 +127,16 @@ std::FILE* with_buffer(std::FILE* file) {
     return file;
 }
 
-void note_input(std::FILE* file) {
+// Notes a file that is read. False for a directory, which opens like a file.
+bool note_input(std::FILE* file) {
     struct stat info {};
-    if (fstat(fileno(file), &info) == 0 && S_ISREG(info.st_mode)) {
+    if (fstat(fileno(file), &info) != 0) {
+        return true;
+    }
+    if (S_ISREG(info.st_mode)) {
         module.inputs.emplace(info.st_dev, info.st_ino);
     }
+    return !S_ISDIR(info.st_mode);
 }
 
 // Takes the keys out of ":c=text" suffixes; the kind ends at the first of them.
@@ -286,8 +292,10 @@ std::FILE* FILE_open(const char* name, const char* mode) {
         FILE_make_dir(path, 1);
     }
     std::FILE* const file = with_buffer(std::fopen(path, mode));
-    if (reads && file != nullptr) {
-        note_input(file);
+    if (reads && file != nullptr && !note_input(file)) {
+        std::fclose(file);
+        errno = EISDIR;
+        return nullptr;
     }
     return file;
 }

@@ -104,9 +104,10 @@ int FILE_get_file(const char* prompt, char* outfile);
 // "+" or ":" (FILE_get_ext_info, which begins with that mark).
 void FILE_set_type(int type);
 const char* FILE_get_ext_info();
-// Adds, to the message about a name that no file has, that extra text was cut off
-// what the user typed.
-void FILE_explain_cut(const char* name);
+// Adds, to the message about a data file that does not open, why: a directory, no
+// permission, extra text that was cut off what the user typed, the name of an
+// output, another spelling.
+void FILE_explain(const char* name);
 // A typed name or request to a full name; takes the file date from it. Returns 0.
 int FILE_set_file(const char* file, char* out_file);
 // The name of a date (null: of the current file date). Returns 0; 1 when there

@@ -8,6 +8,7 @@
 #include "plt_tool.h"
 #include "rad_run.h"
 #include "rad_values.h"
+#include "res_list.h"
 #include "res_table.h"
 #include "text_list.h"
 #include "text_scan.h"
@@ -114,8 +115,12 @@ bool has_row(const std::string& option) {
     });
 }
 
+bool needs_value(DEF_convert cvt) {
+    return cvt != CV_help && cvt != CV_batch && cvt != CV_bool && cvt != CV_current;
+}
+
 void check_options() {
-    KnownWords options;
+    KnownWords options = {{"-version"}, {"-list"}, {"-info"}, {"-help"}};
     for (const ResRow& row : res_rows) {
         if (res_is_listed(row, true)) {
             options.push_back({row.cmd.text});
@@ -126,6 +131,26 @@ void check_options() {
         if (!has_row(option)) {
             MESS_print(mess_warn, "RES_decode: Unknown option: -%s, the nearest is -%s\n",
                        option.c_str(), std::string(nearest_word(options, option)).c_str());
+        }
+    }
+    KnownWords settings;
+    for (const ResRow& row : res_rows) {
+        settings.push_back({row.def});
+    }
+    for (const std::string& key : RES_unknown_keys()) { // others may be of another program
+        const std::string nearest(close_word(settings, key));
+        if (!nearest.empty() && nearest != key) {
+            MESS_print(mess_warn, "RES_decode: Unknown setting: %s, the nearest is %s\n",
+                       key.c_str(), nearest.c_str());
+        }
+    }
+    // Settings that a file leaves empty on purpose have an empty text.
+    for (const res_obj* entry = RES_first(); entry != nullptr; entry = entry->next) {
+        for (const ResRow& row : res_rows) {
+            if (entry->data == nullptr && res_is_listed(row, true) && needs_value(row.cvt) &&
+                stricmp(row.def, entry->name) == 0) {
+                MESS_print(mess_warn, "RES_decode: No value: -%s, it is left out\n", row.cmd.text);
+            }
         }
     }
     const char* output = RES_get("output");
@@ -162,7 +187,7 @@ std::string nearest_of(const char* resource, KnownWords words, const char* item)
             words.push_back({row.name});
         }
     }
-    const std::string nearest(nearest_word(words, item));
+    std::string nearest(nearest_word(words, item));
     for (const PlainName& row : plot_names) {
         if (plain && nearest == row.name) {
             return std::string(row.word) + " (" + row.name + ")";
@@ -192,6 +217,12 @@ void check_plot_param() {
 void check_conversion(const char* resource, DEF_convert cvt) {
     KnownWords words;
     RES_add_words(cvt, &words);
+    const char* value = RES_get(resource);
+    if (cvt == CV_plot_type && value != nullptr && std::strchr(value, ',') != nullptr) {
+        MESS_print(mess_warn, "%s: No list: %s, the default is taken; there is one type a plot\n",
+                   resource, value);
+        return;
+    }
     check_list(resource, words, cvt == CV_draw);
 }
 

@@ -506,6 +506,7 @@ int RAD_find_input() {
     const FILE_ptr file(FILE_open_data(name.c_str()));
     if (!file) {
         MESS_print(mess_error, "zyrrad: Unable to open file: %s\n", name.c_str());
+        FILE_explain(name.c_str());
         return -1;
     }
     std::array<std::uint8_t, 4096> area{};

@@ -137,7 +137,25 @@ std::string nearest_input(std::string_view item) {
     for (const Rule& rule : input_rules) {
         words.push_back({rule.word});
     }
-    return std::string(nearest_word(words, item.substr(0, item.find('_'))));
+    struct PlainName {
+        const char* name;
+        const char* word;
+    };
+    constexpr PlainName names[] = {
+        {"level2", "lev2"  },
+        {"level3", "nids"  },
+        {"mosaic", "nowrad"}
+    };
+    for (const PlainName& row : names) {
+        words.push_back({row.name});
+    }
+    const std::string nearest(nearest_word(words, item.substr(0, item.find('_'))));
+    for (const PlainName& row : names) {
+        if (nearest == row.name) {
+            return row.word;
+        }
+    }
+    return nearest;
 }
 
 void tell_unknown(const char* item) {

@@ -137,6 +137,11 @@ void (*lister(const char* kind))() {
         }
         words.push_back({row.word});
     }
+    if (*kind == '\0') {
+        MESS_print(mess_warn, "RAD_list: No word: --list products|regions|colours|fonts|stations|"
+                              "projections|variables|options\n");
+        return nullptr;
+    }
     MESS_print(mess_warn, "RAD_list: Unknown word: %s, the nearest is %s\n", kind,
                std::string(nearest_word(words, kind)).c_str());
     return nullptr;

@@ -127,13 +127,16 @@ void tell_absent(RadRun& run) {
 }
 
 bool open_next(const RadPlotter& plotter, RadRun& run, const char* name) {
-    if (take_name(run.failed, name)) {
+    // A date that was typed in part leads to one name, and itself is another.
+    const bool failed = *run.failed != '\0';
+    if (take_name(run.failed, name) ||
+        (failed && FILE_get_num_file() == 0 && FILE_exist(name) == 0)) {
         return false;
     }
     if (!take_name(run.probed, name)) {
         plotter.close();
         if (plotter.open(name) == 0) {
-            FILE_explain_cut(name);
+            FILE_explain(name);
             plotter.close();
             return false;
         }
@@ -326,7 +329,7 @@ bool rad_open_session(const RadPlotter& plotter, RadRun& run, const RadWords& wo
     if (opened) {
         begin_session(plotter, run, domain);
     } else {
-        FILE_explain_cut(name);
+        FILE_explain(name);
         plotter.close();
     }
     return false;
@@ -407,6 +410,14 @@ void rad_check_view(RadRun& run, const Map& own, const Map& plot, const char* na
     MESS_print(mess_warn,
                "The plot domain about %.2f %.2f shows nothing of the data about %.2f %.2f:%s\n",
                plot.domain.clat, plot.domain.clon, own.domain.clat, own.domain.clon, name);
+    constexpr float near_deg = 20.0F;
+    const auto near = [](float a, float b) { return std::fabs(a - b) < near_deg; };
+    if (own.domain.clon < 0.0F && near(plot.domain.clon, -own.domain.clon) &&
+        near(plot.domain.clat, own.domain.clat)) {
+        MESS_print(mess_warn, "Longitudes in the west are negative\n");
+    } else if (near(plot.domain.clat, own.domain.clon) && near(plot.domain.clon, own.domain.clat)) {
+        MESS_print(mess_warn, "The latitude comes before the longitude\n");
+    }
 }
 
 void rad_draw_bar() {

@@ -13,6 +13,7 @@
 #include "text_num.h"
 #include "text_scan.h"
 #include "zyrcty.h"
+#include "zyrgks.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
@@ -78,6 +79,7 @@ struct NumberRow {
 // A word that another one begins with is after that one.
 constexpr NumberRow number_rows[] = {
     {"over",     1, 2, "over=1:2"     },
+    {"lab",      1, 4, "lab=22"       },
     {"lalo",     1, 4, "lalo=5:10"    },
     {"plt_skip", 1, 2, "plt_skip=2:2" },
     {"plt_off",  1, 2, "plt_off=0.5:1"},
@@ -111,16 +113,24 @@ const char* after_numbers(const char* text, int most, int* count) {
     return text;
 }
 
+// What is after a word and one separator; null for another word.
+const char* value_after(const char* word, const char* item) {
+    if (!begins(item, word)) {
+        return nullptr;
+    }
+    const char* value = item + std::strlen(word);
+    return *value == '\0' ? value : value + 1;
+}
+
 void check_numbers(const char* item) {
     for (const NumberRow& row : number_rows) {
-        if (!begins(item, row.word)) {
+        const char* value = value_after(row.word, item);
+        if (value == nullptr) {
             continue;
         }
-        const char* value = item + std::strlen(row.word);
-        value += *value == '\0' ? 0 : 1;
         int count = 0;
         const char* rest = after_numbers(value, row.most, &count);
-        if (count < row.least || *rest != '\0') {
+        if (count < row.least || (*rest != '\0' && *rest != '.')) {
             MESS_print(mess_warn,
                        "plot_param: No number: %s, at \"%s\"; what comes before it counts, an "
                        "example is %s\n",
@@ -130,16 +140,19 @@ void check_numbers(const char* item) {
     }
 }
 
-void check_panel(const char* item) {
-    constexpr const char* word = "vp_size";
-    if (!begins(item, word)) {
-        return;
+void check_pattern(const char* item) {
+    const char* value = value_after("fill", item);
+    if (value != nullptr && !ATTR_is_fill_pat(value)) {
+        MESS_print(mess_warn,
+                   "plot_param: No pattern: %s, fills are solid; an example is fill=hat\n", item);
     }
+}
+
+void check_panel(const char* item) {
+    const char* value = value_after("vp_size", item);
     Gpanel panel;
-    const char* value = item + std::strlen(word);
-    value += *value == '\0' ? 0 : 1;
-    if (!read_panel(value, &panel) || panel.width <= 0.0F || panel.height <= 0.0F ||
-        !is_on_page(panel)) {
+    if (value != nullptr && (!read_panel(value, &panel) || panel.width <= 0.0F ||
+                             panel.height <= 0.0F || !is_on_page(panel))) {
         MESS_print(mess_warn,
                    "plot_param: No part of the page: %s, all of it is taken; an example is "
                    "vp_size=2x2+1+0\n",
@@ -245,7 +258,7 @@ void check_span() {
 }
 
 void check_request(const char* resource, const char* request) {
-    const char* rest = FILE_request_rest(request);
+    const char* rest = FILE_request_rest(request + (begins_exactly(request, "cu") ? 2 : 0));
     if (*rest != '\0') {
         MESS_print(mess_warn,
                    "%s: No time: %s, \"%s\" is left out; a request is la, -HOURS or "
@@ -375,6 +388,7 @@ void RAD_check_values() {
     each_item("plot_param", [](const char* item) {
         check_numbers(item);
         check_panel(item);
+        check_pattern(item);
     });
     check_interval();
     check_base();
@@ -383,6 +397,11 @@ void RAD_check_values() {
     check_hour();
     check_span();
     check_request("current", value_of("current"));
+    for (const char* name : RES_items("filename")) {
+        if (FILE_is_request(name)) {
+            check_request("filename", name);
+        }
+    }
     check_zones();
     check_geometry();
     check_label_codes();

@@ -485,6 +485,38 @@ bool is_menu_only(int result, const Domain& domain) {
     return result == dom_by_region && !is_set(domain.proj);
 }
 
+// After the message: the region, or the projection, that is spelt nearest.
+void tell_nearest_region(const char* text) {
+    std::vector<std::array<std::string, 2>> names; // as typed, as offered
+    const bool single = std::strchr(text, ',') == nullptr;
+    const FILE_ptr in = single ? open_region_file(default_file) : nullptr;
+    FileRow row;
+    while (in && read_row(in.get(), &row)) {
+        names.push_back({row.abbr, row.abbr});
+        names.push_back({row.name, row.abbr});
+    }
+    for (const Projection& one : map_projections()) {
+        for (const char* word : one.words) {
+            if (!single && word != nullptr && is_map_proj(one.code)) {
+                word += *word == '=' ? 1 : 0;
+                names.push_back({word, word});
+                names.push_back({one.name, word});
+            }
+        }
+    }
+    KnownWords words;
+    for (const auto& name : names) {
+        words.push_back({name[0].c_str()});
+    }
+    const std::string nearest(close_word(words, std::string_view(text, std::strcspn(text, ","))));
+    const auto found = std::find_if(names.begin(), names.end(),
+                                    [&](const auto& name) { return name[0] == nearest; });
+    if (!nearest.empty() && found != names.end()) {
+        MESS_print(mess_warn, "DOM_decode: The nearest %s is %s\n",
+                   single ? "region" : "projection", (*found)[1].c_str());
+    }
+}
+
 // Decodes for a plot that can take the domain of its data: the record is
 // cleared unless it can be plotted.
 int decode_optional(const char* text, Domain* domain) {
@@ -502,6 +534,9 @@ int decode_optional(const char* text, Domain* domain) {
         MESS_print(mess_warn, "DOM_decode: Invalid plot domain\n");
     }
     MESS_print(mess_warn, "\"%s\" %s: the data's own domain is taken\n", text, fault);
+    if (result == dom_invalid || std::strchr(text, ',') == nullptr) {
+        tell_nearest_region(text);
+    }
     return dom_invalid;
 }
 
@@ -516,6 +551,9 @@ int decode_required(const char* text, Domain* domain) {
     if (is_set(result) && fault != nullptr) {
         MESS_print(mess_error, "Invalid domain\n");
         MESS_print(mess_error, "\"%s\" %s\n", text, fault);
+        if (result == dom_invalid || std::strchr(text, ',') == nullptr) {
+            tell_nearest_region(text);
+        }
         ZYR_exit(end_domain);
     }
     state.prompt_region = 0;

@@ -4,6 +4,7 @@
 #include "data_tree.h"
 #include "date.h"
 #include "def_read.h"
+#include "files.h"
 #include "res_list.h"
 #include "res_table.h"
 #include "res_window.h"
@@ -16,6 +17,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <sys/stat.h>
 #include <vector>
 
@@ -27,6 +29,8 @@ constexpr unsigned trace_level = 0x80000000;
 struct State {
     std::array<RES_defobj, std::size(res_rows) + 1> res_table{};
     std::vector<std::string> unknown; // options that no row fits
+    std::vector<std::string> keys;    // settings of defaults files, the same
+    bool named_files = false;         // the user named the defaults files
 };
 State state;
 
@@ -45,6 +49,7 @@ void store_setting(const char* key, const char* value, const RES_defobj* def_tab
     std::array<char, res_name_size> name{};
     if (!fits && DEF_valid(key) != 0 && DEF_parse_name(key, name.data()) != 0) {
         RES_new(missing, name.data(), value, CV_string);
+        state.keys.emplace_back(name.data());
     }
 }
 
@@ -68,7 +73,10 @@ void read_defaults(const char* item, bool given, const RES_defobj* def_table) {
     const bool foreign = !given && is_foreign_place(item);
     std::array<char, def_line_size> key{};
     std::array<char, def_value_size> value{};
-    DEF_open(item);
+    if (DEF_open(item) != 0 && given && FILE_is_dir(item) == 0 && stricmp(item, "none") != 0) {
+        MESS_print(mess_warn, "RES_decode: Unable to open defaults file: %s\n", item);
+        FILE_tell_nearest("RES_decode", nullptr, item);
+    }
     for (int i = 0; DEF_get(key.data(), value.data()) == 1; ++i) {
         if (i == most) {
             MESS_print(mess_warn, "RES_decode: More than %d settings: %s\n", most, DEF_file());
@@ -115,6 +123,19 @@ void read_search_list(bool given, const RES_defobj* def_table) {
     }
 }
 
+// Defaults files that the user names take the place of those of the data tree, whose
+// maps and colours are wanted all the same.
+bool find_data_tree() {
+    for (const std::string& place : data_tree_search()) {
+        const std::string tree = place.empty() ? "." : place;
+        if (FILE_exist((tree + "/zyr.cfg").c_str()) != 0) {
+            RES_put("file_path", tree.c_str());
+            return true;
+        }
+    }
+    return false;
+}
+
 // The files that lie beside an installed zyr.cfg are found wherever that is.
 // Without them a page has neither colours nor letters.
 void settle_file_path() {
@@ -123,6 +144,9 @@ void settle_file_path() {
     }
     if (*DEF_cfg_dir() != '\0') {
         RES_put("file_path", DEF_cfg_dir());
+        return;
+    }
+    if (state.named_files && find_data_tree()) {
         return;
     }
     std::string looked_in;
@@ -335,6 +359,10 @@ int RES_init(int argc, char** argv, const res_type* res_key, const res_type* res
     return 1;
 }
 
+const std::vector<std::string>& RES_unknown_keys() {
+    return state.keys;
+}
+
 const std::vector<std::string>& RES_unknown_options() {
     return state.unknown;
 }
@@ -347,6 +375,7 @@ int RES_decode(const char* /*progname*/, const char* /*res_class*/, int argc, ch
         RES_new(missing, "default", list, CV_string);
     }
     const bool given = scan_pseudo(argc, argv);
+    state.named_files = given;
     read_search_list(given, def_table);
     read_environment(def_table);
     read_arguments(argc, argv, def_table);

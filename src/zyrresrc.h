@@ -210,6 +210,8 @@ int RES_decode(const char* progname, const char* res_class, int argc, char** arg
 
 // Options of the command line that no row fits, as they were typed.
 const std::vector<std::string>& RES_unknown_options();
+// Settings of defaults files that no row fits.
+const std::vector<std::string>& RES_unknown_keys();
 
 int RES_fill_obj(RES_defobj* row, const char* def, const char* env, RES_cmd cmd, DEF_convert cvt,
                  void* out, int* num);

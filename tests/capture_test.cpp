@@ -338,11 +338,14 @@ TEST_F(CaptureTest, WhatCannotBeDoneIsTold) {
          "MAP_process: Images are drawn in a window alone: i.png\n"                                                             },
         {"-de p,o.ps disc -pp png=o.png",                  "PLT_dump: Images are taken of a window alone\n"
                                           "PLT_dump: Unable to write PNG file: o.png\n"},
-        {"-ba disc -of png=|false",                        "PLT_dump: Unable to write PNG file: |false\n"                       },
+        {"-ba disc -of png=|false",                        "PLT_dump: Unable to write PNG file: |false\n"
+                                    "PLT_dump: |false: the command failed\n"                 },
         {"-ba disc -pp img=|true",                         // more than a pipe holds
-         "PLT_dump: Unable to write IMG file: |true\n"                                        },
+         "PLT_dump: Unable to write IMG file: |true\n"
+         "PLT_dump: |true: it was not written whole\n"                                        },
         {"-ba disc -pp gif=/proc/o.gif",
-         "Unable to open GIF file\nPLT_dump: Unable to write GIF file: /proc/o.gif\n"                                           },
+         "Unable to open GIF file\nPLT_dump: Unable to write GIF file: /proc/o.gif\n"
+         "PLT_dump: /proc/o.gif: No such file or directory\n"                                                                   },
     };
     for (const Row& row : rows) {
         const ProgramRun run = launch(std::string("-me warn ") + row.args)->wait();

@@ -30,6 +30,23 @@ constexpr Mistake mistakes[] = {
      "!o.png"},
     {"radial -ingestor x", 0, "", "page.ps"}, // of the wider suite: has a row
     {"radial -di=x -na t -ba=off", 0, "", "page.ps"},
+    {"radial -pd", 0, "RES_decode: No value: -pd, it is left out\n", "page.ps"},
+    {"radial -va", 0, "RES_decode: No value: -va, it is left out\n", "page.ps"},
+    {"radial -verison", 0, "RES_decode: Unknown option: -verison, the nearest is --version\n",
+     "page.ps"},
+    {"-de p radial page.ps", 0,
+     "NIDS_open_file: Unable to open file:./page.ps\n"
+     "FILE_set_file: A name alone is an input, this output is named by -de p,FILE\n", "zyr.ps"},
+    {"o.png", 10,
+     "NIDS_open_file: Unable to open file:./o.png\n"
+     "FILE_set_file: A name alone is an input, this output is named by -of png=FILE\n", "!o.png"},
+    // Defaults files.
+    {"radial -df my.cgf", 0,
+     "RES_decode: Unable to open defaults file: my.cgf\nRES_decode: The nearest file is my.cfg\n",
+     "page.ps"},
+    {"radial -df my.cfg", 0, "RES_decode: Unknown setting: plot_parm, the nearest is plot_param\n"
+     "RES_decode: Unknown setting: colour_text, the nearest is color_text\n", "page.ps"},
+    {"radial -df none", 0, "", "page.ps"},
     // Words.
     {"radial -pp pscolour", 0,
      "plot_param: Unknown word: pscolour, the nearest is pscolor\n",
@@ -50,6 +67,20 @@ constexpr Mistake mistakes[] = {
     {"radial -va vel", 0,
      "NIDS_plot: No variable of a NIDS product: vel, its own data are drawn\n", "page.ps"},
     {"radial -pf ovr", 0, "file_param: Unknown word: ovr, the nearest is over\n", "page.ps"},
+    {"radial -pf overwrite", 0, "file_param: Unknown word: overwrite, the nearest is over\n",
+     "page.ps"},
+    {"radial -pl cf,ln", 0, "plot_type: No list: cf,ln, the default is taken; *", "page.ps"},
+    {"radial -pl 15", 0, "plot_type: Unknown word: 15, *", "page.ps"},
+    {"radial -pp full;nobar", 0,
+     "plot_param: Unknown word: full;nobar, the nearest is fullab\n", "page.ps"},
+    {"radial -pp full~nobar", 0,
+     "plot_param: Unknown word: full nobar, the nearest is fullab\n", "page.ps"},
+    {"radial -dr text,data,nomap", 0, "draw: Unknown word: nomap, the nearest is map\n",
+     "page.ps"},
+    {"radial -dr text~data", 0,
+     "draw: Unknown word: text data, the nearest is text\nPLT_open: Nothing to draw: text data\n",
+     "!page.ps"},
+    {"radial -la ul=Norman", 0, "label: No place: ul=Norman, *", "page.ps"},
     {"radial -la xx:hello,UL1:x,lc:~y", 0,
      "label: No place: xx:hello, a label begins with ul:, uc:, ur:, ll:, lc: or lr:\n",
      "page.ps"},
@@ -62,6 +93,17 @@ constexpr Mistake mistakes[] = {
     {"radial -pp dist=abc", 0, "plot_param: No number: dist=abc, at \"abc\"; *", "page.ps"},
     {"radial -pp dist=50nm", 0, "plot_param: No number: dist=50nm, at \"nm\"; *", "page.ps"},
     {"radial -pp bar=x", 0, "plot_param: No number: bar=x, *", "page.ps"},
+    {"radial -pp bar=0-70", 0, "plot_param: No number: bar=0-70, at \"-70\"; *", "page.ps"},
+    {"radial -pp shadow=big", 0, "plot_param: No number: shadow=big, *", "page.ps"},
+    {"radial -pp clutter=20km", 0, "plot_param: No number: clutter=20km, *", "page.ps"},
+    {"radial -pp numplt=all", 0, "plot_param: No number: numplt=all, *", "page.ps"},
+    {"radial -pp conmin=low", 0, "plot_param: No number: conmin=low, *", "page.ps"},
+    {"radial -pp lab=big", 0, "plot_param: No number: lab=big, *", "page.ps"},
+    {"radial -pp fill=hatched", 0, "plot_param: No pattern: fill=hatched, fills are solid; *",
+     "page.ps"},
+    {"radial -pp vp_size=2x2+5+5", 0, "plot_param: No part of the page: vp_size=2x2+5+5, *",
+     "page.ps"},
+    {"radial -in -5", 0, "con_interval: No interval: -5, *", "page.ps"},
     {"radial -pp lalo", 0, "plot_param: No number: lalo, at \"\"; *lalo=5:10\n", "page.ps"},
     {"radial -pp vp_size=9", 0, "plot_param: No part of the page: vp_size=9, *", "page.ps"},
     {"radial -pp font=bold,dist=50:100,bar=0:70,lalo=5:5,vp_size=2x2+1+1", 0, "", "page.ps"},
@@ -78,6 +120,31 @@ constexpr Mistake mistakes[] = {
      "CLR_get_ind: Unknown color: gren, the nearest is green\n",
      "page.ps"},
     {"radial -cot none -cod off:wi=2 -coln 3 -com #ff0000 -cogr=wi=2", 0, "", "page.ps"},
+    {"radial -cot red:wi=x", 0, "ATTRIB_parse: Unknown attribute: wi=x; they are co=*", "page.ps"},
+    {"radial -cot red:st=dashes", 0, "ATTRIB_parse: Unknown attribute: st=dashes; *", "page.ps"},
+    {"radial -cot red:width=2", 0, "ATTRIB_parse: Unknown attribute: width=2; *", "page.ps"},
+    {"radial -cot red:fo=romn", 0, "gget_font_index: Unknown font: romn, *", "page.ps"},
+    {"radial -mf us_state.map:color=red", 0, "ATTRIB_parse: Unknown attribute: color=red; *",
+     "page.ps"},
+    {"radial -mf us_state.map:gren", 0, "CLR_get_ind: Unknown color: gren, the nearest is green\n",
+     "page.ps"},
+    {"radial -cot red:wi=2:st=dsh:fp=hat:hi=1.5:s2:fM", 0, "", "page.ps"},
+    {"radial -cot red,blue", 0, "CLR_get_ind: Unknown color: red,blue, *", "page.ps"},
+    {"radial -cot 999", 0, "ATTRIB_get: No color of that number: 999, the last is *", "page.ps"},
+    {"radial -cot #12", 0,
+     "CLR_get_ind: Unknown color: #12, a color in digits is #RRGGBB\n", "page.ps"},
+    {"radial -cof velocity.lvl,width.lvl", 0,
+     "CONT_set_fill_colors: A level file stands alone, in a list it is left out: velocity.lvl\n"
+     "CONT_set_fill_colors: A level file stands alone, in a list it is left out: width.lvl\n",
+     "page.ps"},
+    {"radial -cof 20:red", 0,
+     "CONT_set_fill_colors: Unable to read contour level file: 20:red\n"
+     "CONT_set_fill_colors: A list of levels has two colors or more\n"
+     "CONT_set_fill_colors: The product's own colors are taken\n", "page.ps"},
+    {"radial -cof .", 0, "CONT_set_fill_colors: Unable to read contour level file: .\n*",
+     "page.ps"},
+    {"radial -ct .", 0, "CLR_read_table: Unable to open color table: .\n*", "page.ps"},
+    {"radial -ct ./radial", 0, "CLR_read_table: No colors in: ./radial\n*", "page.ps"},
     {"radial -ct nofile.clr", 0,
      "CLR_read_table: Unable to open color table: */nofile.clr\n"
      "CLR_read_table: The default color table is taken: zyr.clr\n",
@@ -111,6 +178,23 @@ constexpr Mistake mistakes[] = {
     {"radial -me pgae,warn,line=x", 0, "MESS_set_str: Unknown word: pgae, the nearest is page\n",
      "page.ps"},
     // Places and maps.
+    {"radial -pd 35.2,97.5", 0, "The plot domain about 35.20 97.50 shows nothing of the data *"
+     "Longitudes in the west are negative\n", "page.ps"},
+    {"radial -pd -97.5,35.2", 0,
+     "DOM_decode: Invalid plot domain\n\"-97.5,35.2\" has a latitude beyond 90: *", "page.ps"},
+    {"radial -pd oklahma", 0, "DOM_decode: Invalid plot domain\n\"oklahma\" is no region: *\n"
+     "DOM_decode: The nearest region is ok\n", "page.ps"},
+    {"radial -re oklahma", 0, "DOM_decode: Invalid plot domain\n*nearest region is ok\n",
+     "page.ps"},
+    {"./radial -inp nowrad -pd usa", 43,
+     "Invalid domain\n\"usa\" is no region\nDOM_decode: The nearest region is us\n", "!page.ps"},
+    {"radial -pd stereo,35,-97,.3", 0, "DOM_decode: Invalid plot domain\n*"
+     "DOM_decode: The nearest projection is polar\n", "page.ps"},
+    {"radial -pd ok~,~tx", 0, "DOM_decode: Invalid plot domain\n\"ok , tx\" is no domain: *",
+     "page.ps"},
+    {"radial -mf usa.lst", 0,
+     "MAP_process: No map database: usa.lst; a list of maps is named as fi:usa.lst\n", "page.ps"},
+    {"radial -mf .", 0, "MAP_process: Map file not found: .\n", "page.ps"},
     {"radial -pd nowhere", 0,
      "DOM_decode: Invalid plot domain\n\"nowhere\" is no region: the data's own domain is taken\n",
      "page.ps"},
@@ -139,6 +223,18 @@ constexpr Mistake mistakes[] = {
     {"radial -pp jpg=x.jpg", 0, "plot_param: Unknown word: jpg=x.jpg, the nearest is png\n",
      "page.ps"},
     // Inputs.
+    {".", 10, "NIDS_open_file: Unable to open file:.\nFILE_set_file: It is a directory: .\n",
+     "!page.ps"},
+    {"raidal", 10, "NIDS_open_file: Unable to open file:./raidal\n"
+     "FILE_set_file: The nearest file is ./radial\n", "!page.ps"},
+    {"raidal -inp auto", 10,
+     "zyrrad: Unable to open file: raidal\nFILE_set_file: The nearest file is radial\n",
+     "!page.ps"},
+    {"radial -inp nid -pd us -va def", 10,
+     "input: Unknown word: nid, the nearest is nids\nUnable to open file:./radial\n*",
+     "!page.ps"},
+    {"radial -inp level3 -pd us -va def", 10,
+     "input: Unknown word: level3, the nearest is nids\n*", "!page.ps"},
     {"./list", 10, "NIDS_open_file: Unable to read file:./list\n*looks like a text file*", "!page.ps"},
     {"./list -inp lev2", 10, "LEV2_open_file: Unable to read file:./list\n*a text file*",
      "!page.ps"},
@@ -169,6 +265,18 @@ constexpr Mistake mistakes[] = {
     {"radial -ge big", 0, "geometry: No size: big, the device's own is taken; *", "page.ps"},
     {"radial -ge 5x4+1", 0, "geometry: No size: 5x4+1, *", "page.ps"},
     {"radial -ge P9x9+10+10", 0, "gopen_ws: geometry leaves no room: P9x9+10+10\n", "page.ps"},
+    {"radial -ge 800,600", 0, "geometry: No size: 800,600, *", "page.ps"},
+    {"radial -ge 400x300+5000+5000", 0,
+     "gopen_ws: geometry leaves no room: 400x300+5000+5000\n", "page.ps"},
+    {"radial -de p,page.ps,landscape", 0, "gopen_ws: invalid option: landscape\n", "page.ps"},
+    {"radial -de p,page.ps,sz=8", 0, "gopen_ws: invalid option: sz=8\n", "page.ps"},
+    {"radial -de m,x,cgmm", 0, "gopen_ws: invalid option: cgmm\n", "x"},
+    {"radial -de q,x,ljj", 0, "gopen_ws: invalid option: ljj\n", "x"},
+    {"radial -de p,radial", 4, "open_output: The output is an input of the run: radial\n*",
+     "!page.ps"},
+    {"radial -pp png=o.png", 4,
+     "PLT_dump: Images are taken of a window alone\nPLT_dump: Unable to write PNG file: o.png\n",
+     "!o.png"},
     {"radial -de p,radial/x.ps", 4,
      "gopen_ws: unable to open postscript file\n\n"
      "gopen_ws: radial/x.ps: Not a directory\nGPH_begin: *", "!page.ps"},
@@ -212,6 +320,14 @@ constexpr Mistake mistakes[] = {
     {"radial -nh -1,0", 0, "num_hour: No step: 0, that of the files is taken\n", "page.ps"},
     {"radial -nh 0,1,2", 0, "num_hour: Left out: 2, there are but hours and a step\n", "page.ps"},
     {"radial -ho 12h", 0, "hour: No time: 12h, it is left out; a time is *", "page.ps"},
+    {"radial -ho now", 0, "hour: No time: now, *", "page.ps"},
+    {"radial -ho 1332", 0, "hour: No time: 1332, *", "page.ps"},
+    {"radial -nh 1h", 0, "num_hour: No hours: 1h, 0 is taken; *", "page.ps"},
+    {"lake.nids", 10, "filename: No time: lake.nids, \"ke.nids\" is left out; *", "!page.ps"},
+    {"20130520", 10, "NIDS_open_file: Unable to open file:./201305200000.nids\n", "!page.ps"},
+    {"#2013-05-20", 10, "NIDS_open_file: Unable to open file:*\"-05-20\" was taken off\n",
+     "!page.ps"},
+    {"radial -pp tz=America/Chicago", 0, "tz: No hours from UTC: America/Chicago, *", "page.ps"},
     {"radial -ho 25:99", 0, "hour: No time: 25:99, *", "page.ps"},
     {"radial -ho 2:00pm", 0, "hour: No time: 2:00pm, *", "page.ps"},
     {"radial -ho 2013-05-20", 0, "hour: No time: 2013-05-20, *", "page.ps"},
@@ -295,7 +411,7 @@ TEST(Mistakes, ForeignDefaultsNameNoCommand) {
         ProgramCall call;
         call.directory = dir.path();
         call.env = {
-            {"zyrdefault", row.as_option ? "/none" : row.search}
+            {"zyrdefault", row.as_option ? "none" : row.search}
         };
         call.args = {"-inp", "nids", "-me", "warn", "set"};
         if (row.as_option) {
@@ -327,6 +443,7 @@ TEST(Mistakes, AreEachSaidOnce) {
         dir.write("radial", radial);
         dir.write("list", "mf:|touch${IFS}harm\n");
         dir.write("many", many);
+        dir.write("my.cfg", "*.plot_parm nobar\n*.colour_text red\n*.own 1\n");
         ProgramCall call;
         call.env = {
             {"zyrdefault", ZYR_SOURCE_DIR "/etc"},

@@ -62,7 +62,7 @@ constexpr const char* no_window =
     "-of png=FILE\nGPH_begin: Error opening workstation\n";
 
 // With the data tree but none of its settings, the device among them.
-constexpr const char* no_defaults = "radial -default=/none -fp " ZYR_SOURCE_DIR "/etc";
+constexpr const char* no_defaults = "radial -default=none -fp " ZYR_SOURCE_DIR "/etc";
 
 bool has(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
