@@ -32,6 +32,9 @@ struct LEV2_info {
 // It is what the user says; a file of the other kind is read as what it is,
 // with a warning. Returns 0.
 int LEV2_set_compress(int val);
+// Whether spectrum width goes by the scale of its block (1) or by the one that it has
+// always had (0, at the start). Returns 0.
+int LEV2_set_exact(int on);
 // Opens a file, which may also be packed by gzip, and closes the one before.
 // Returns 1; 0 with a message when it does not open.
 // LEV2_open_file (lev2_plt) also sets the colour bar, unless it is refused.
@@ -148,6 +151,7 @@ struct LEV2_gates {
     int count = 0;                       // gates, never more than the record holds
     int word_bytes = 1;                  // 1 or 2
     float first_km = 0, size_km = 0;     // distance of the first gate, gate length
+    float centre_km = 0;                 // of the first gate's centre, to the metre
     float scale = 1, offset = 0;         // value = (word - offset) / scale, always finite
     unsigned first_value = 2;            // words below it are no values
 

@@ -14,6 +14,7 @@
 #include "rad_run.h"
 #include "region.h"
 #include "text_num.h"
+#include "units.h"
 #include "zyrgks.h"
 #include "zyrresrc.h"
 
@@ -223,6 +224,8 @@ void find_cut() {
 // The values and looks of the words of a scale.
 class Looks {
 public:
+    explicit Looks(const RadFolded& folded) : fills_(folded) {}
+
     struct Look {
         float value = lev2_below;
         bool drawn = false;
@@ -280,7 +283,8 @@ struct Walk {
     bool left = false;      // what follows the scan was not read
 
     Walk(const Domain& domain, const Map& picture)
-        : own(map_make(domain)), plot(picture), strip(own, plot) {}
+        : own(map_make(domain)), plot(picture), looks(rad_folded(lev2.words, lev2_folded, true)),
+          strip(own, plot) {}
     Walk(const Walk&) = delete; // the strip refers to the maps
     Walk& operator=(const Walk&) = delete;
 };
@@ -316,11 +320,26 @@ int zero_words(const LEV2_gates& gates, int gate) {
     return static_cast<int>(zeros / word_bytes);
 }
 
-// Where the gates of the moment selected lie.
+// The radial as it lies on the map: a degree wide on a straight line, or, exactly, as
+// wide as it is on the earth, the distances being those of the centres of gates.
 RadEdges radial_edges(const Map& own, Gpt site, const LEV2_data& data, const LEV2_gates& gates) {
-    const RadBeam beam = {data.rad_az, -radial_width / 2, radial_width, gates.first_km / 100.0,
-                          static_cast<double>(gates.size_km) * own.domain.dx};
-    return rad_radial_edges(own, site, beam);
+    if (lev2.words.exact == 0) {
+        const RadBeam beam = {data.rad_az, -radial_width / 2, radial_width, gates.first_km / 100.0,
+                              static_cast<double>(gates.size_km) * own.domain.dx};
+        return rad_radial_edges(own, site, beam);
+    }
+    const double ground = std::cos(data.elev_ang * deg_to_rad);
+    const double step_km = gates.size_km * ground;
+    const RadRay ray = {static_cast<double>(data.rad_az) - data.az_space / 2.0, data.az_space,
+                        gates.centre_km * ground - step_km / 2, step_km, gates.count};
+    return rad_earth_edges(own, own.domain.clat, own.domain.clon, ray);
+}
+
+// The gates that lie behind the site, as the first ones of old radials: they are none.
+int gates_behind(const LEV2_gates& gates) {
+    const float size = std::max(gates.size_km, 0.001F);
+    const float count = (-gates.centre_km / size) + 0.5F; // those with their far end behind
+    return lev2.words.exact == 0 ? 0 : std::clamp(static_cast<int>(count), 0, gates.count);
 }
 
 // Draws the gates of the moment selected.
@@ -331,7 +350,7 @@ void draw_radial(Walk& walk, const LEV2_data& data) {
     const RadEdges edges = radial_edges(walk.own, walk.site, data, gates);
     walk.looks.take(gates);
     walk.strip.begin();
-    for (int i = 0; i < gates.count; ++i) {
+    for (int i = gates_behind(gates); i < gates.count; ++i) {
         const Looks::Look& look = walk.looks.get(gates, i);
         walk.largest = std::max(walk.largest, look.value);
         if (look.value > lev2_folded) {
@@ -620,7 +639,8 @@ int LEV2_plot_summary() {
 }
 
 int LEV2_plot_param() {
-    return rad_decode_words(decode_word);
+    rad_decode_words(decode_word);
+    return LEV2_set_exact(lev2.words.exact);
 }
 
 void LEV2_callback(int, const char* str, float x, float y) {

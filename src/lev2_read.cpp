@@ -133,6 +133,7 @@ constexpr int not_looked = -1;
 
 struct State {
     int compress = 0;               // what the user says about the file
+    bool exact = false;             // widths by the scale of their block
     char name[file_name_size] = ""; // the open file, or the one before
     bool told_kind = false;         // warnings given about it
     bool told_piece = false;        //
@@ -224,6 +225,10 @@ void read_fixed(std::span<const std::uint8_t> radial, LEV2_data& d) {
 }
 
 Moments fixed_moments(std::span<const std::uint8_t> radial, const LEV2_data& d) {
+    ByteReader r(radial);
+    r.seek(18);
+    const float refl_centre_km = thousandths(r.i16be());
+    const float vel_centre_km = thousandths(r.i16be());
     const Scale vel = static_cast<int>(d.vel_res) == resolution_fine ? vel_fine : vel_coarse;
     const auto at = [](int offset) { return static_cast<std::size_t>(offset); };
     Moments m;
@@ -233,6 +238,8 @@ Moments fixed_moments(std::span<const std::uint8_t> radial, const LEV2_data& d) 
         take_gates(radial, at(d.vel_ptr), d.num_vel, scaled(d.first_vel, d.vel_size, vel));
     m[lev2_spect] = take_gates(radial, at(d.spect_ptr), d.num_vel,
                                scaled(d.first_vel, d.vel_size, spect_fixed));
+    m[lev2_refl].centre_km = refl_centre_km;
+    m[lev2_vel].centre_km = m[lev2_spect].centre_km = vel_centre_km;
     return m;
 }
 
@@ -325,7 +332,7 @@ LEV2_gates read_moment(std::span<const std::uint8_t> radial, std::uint32_t at) {
     r.seek(8);
     LEV2_gates gates;
     const int count = r.u16be();
-    gates.first_km = thousandths(r.i16be());
+    gates.first_km = gates.centre_km = thousandths(r.i16be());
     gates.size_km = thousandths(r.u16be());
     r.seek(19);
     gates.word_bytes = r.u8() == 16 ? 2 : 1;
@@ -334,10 +341,11 @@ LEV2_gates read_moment(std::span<const std::uint8_t> radial, std::uint32_t at) {
     return take_gates(radial, at + moment_head_size, count, gates);
 }
 
-// Widths of one byte have one scale, whatever the block says.
-LEV2_gates read_spect(std::span<const std::uint8_t> radial, std::uint32_t at) {
+// Widths of one byte have one scale, whatever the block says, unless they are to be
+// exact.
+LEV2_gates read_spect(std::span<const std::uint8_t> radial, std::uint32_t at, bool exact) {
     LEV2_gates gates = read_moment(radial, at);
-    if (gates.word_bytes == 1) {
+    if (gates.word_bytes == 1 && !exact) {
         gates.scale = spect_fixed.scale;
         gates.offset = spect_fixed.offset;
     }
@@ -350,7 +358,7 @@ LEV2_gates read_clutter(std::span<const std::uint8_t> radial, std::uint32_t at) 
     return gates;
 }
 
-Moments read_blocks(std::span<const std::uint8_t> radial, LEV2_data& d) {
+Moments read_blocks(std::span<const std::uint8_t> radial, LEV2_data& d, bool exact) {
     const Blocks at = find_blocks(radial, d.blk_count);
     d.vol_ptr = static_cast<int>(at[place_vol]);
     d.elev_ptr = static_cast<int>(at[place_elev]);
@@ -375,9 +383,9 @@ Moments read_blocks(std::span<const std::uint8_t> radial, LEV2_data& d) {
     d.phi_ptr = static_cast<int>(at[place_phi]);
     d.rho_ptr = static_cast<int>(at[place_rho]);
     d.cfp_ptr = static_cast<int>(at[place_cfp]);
-    return {read_moment(radial, at[place_refl]), read_moment(radial, at[place_vel]),
-            read_spect(radial, at[place_spect]), read_moment(radial, at[place_zdr]),
-            read_moment(radial, at[place_phi]),  read_moment(radial, at[place_rho]),
+    return {read_moment(radial, at[place_refl]),        read_moment(radial, at[place_vel]),
+            read_spect(radial, at[place_spect], exact), read_moment(radial, at[place_zdr]),
+            read_moment(radial, at[place_phi]),         read_moment(radial, at[place_rho]),
             read_clutter(radial, at[place_cfp])};
 }
 
@@ -451,7 +459,7 @@ void read_radial(std::span<const std::uint8_t> radial, State& s) {
         s.moments = fixed_moments(radial, d);
     } else {
         read_generic(radial, d);
-        s.moments = read_blocks(radial, d);
+        s.moments = read_blocks(radial, d, s.exact);
         set_counts(s.moments, d);
     }
     if (!angles_are_good(d)) {
@@ -690,6 +698,11 @@ int LEV2_set_compress(int val) {
     return 0;
 }
 
+int LEV2_set_exact(int on) {
+    lev2.exact = on != 0;
+    return 0;
+}
+
 int lev2_open_volume(const char* filename) {
     FILE_ptr file(FILE_open_data(filename));
     const bool opened = file != nullptr;
@@ -698,6 +711,7 @@ int lev2_open_volume(const char* filename) {
     lev2_stream_open(std::move(file));
     State fresh;
     fresh.compress = lev2.compress;
+    fresh.exact = lev2.exact;
     if (std::strcmp(lev2.name, filename) == 0) { // what was told is not told again
         fresh.told_kind = lev2.told_kind;
         fresh.told_piece = lev2.told_piece;

@@ -493,6 +493,15 @@ int open_vectors(FILE* ifile, bool has_value) {
 
 int open_text(FILE* ifile) {
     std::array<int, 4> v{};
+    if (nids_header().exact && walk.packet_code == nids_packet_text) {
+        std::array<int, 3> placed{}; // it has no value
+        if (!read_shorts(ifile, placed)) {
+            return -1;
+        }
+        walk.text_hdr = {placed[0] - 4, 0, placed[1], placed[2]};
+        MESS_print(mess_debug, "Number of bytes: %d\n", placed[0]);
+        return 1;
+    }
     if (!read_shorts(ifile, v)) {
         return -1;
     }
@@ -611,7 +620,7 @@ int nibble_run(FILE* ifile, NIDS_data* data) {
     }
     data->run = static_cast<float>(b >> 4);
     walk.level = b & 0xF;
-    data->val = nids_header().thres[b & 0xF];
+    data->val = nids_header().levels[b & 0xF];
     return 1;
 }
 
@@ -811,6 +820,12 @@ int NIDS_get_radial(FILE* ifile, float* sangle, float* dangle) {
     *dangle = static_cast<float>(v[2] / 10.0);
     MESS_print(mess_debug, "Number of bytes: %d\n", v[0]);
     return 1;
+}
+
+NIDS_bins NIDS_get_bins() {
+    const RadialHeader& h = walk.rad_hdr;
+    const float size_km = nids_bin_km() * nids_ground_factor(h.scale);
+    return {static_cast<float>(std::max(h.irange, 0)) * size_km, size_km, h.nrange};
 }
 
 int NIDS_get_rastor(FILE* ifile) {

@@ -72,6 +72,12 @@ struct NIDS_info {
 // the product's number, counted from 0; null or empty for none. Returns 0.
 int NIDS_set_ext_info(const char* str);
 
+// Whether values, texts and the labels of some products go by the format's own
+// document (1), from the next header on, or as told here (0, at the start). Returns 0.
+int NIDS_set_exact(int on);
+int NIDS_get_exact();
+constexpr float nids_folded = -9998.0F; // by the document, value of a range folded bin
+
 // Rewinds the file and reads up to the header of the first packet. Failures
 // behind the message header leave the fields behind them unset. Returns 1; 0
 // when the file can't be read as a product (`info` is then unspecified).
@@ -203,6 +209,14 @@ int NIDS_is_whole();
 // packet has no more; -1 at the end of the stream.
 int NIDS_get_radial(FILE* ifile, float* sangle, float* dangle);
 int NIDS_get_rastor(FILE* ifile);
+
+// Where the bins of the open radial packet are by the format's own document: distance
+// of the near end of the first and length of each, km along the ground.
+struct NIDS_bins {
+    float first_km = 0, size_km = 0;
+    int count = 0;
+};
+NIDS_bins NIDS_get_bins();
 
 // Next run of the radial or row. Returns 1; 0 at its end; -1 at the end of the
 // stream. For a packet of another kind 1, and `data` is left alone.

@@ -4,6 +4,7 @@
 #include "nids_draw.h"
 
 #include "cont.h"
+#include "nids_exact.h"
 #include "nids_tables.h"
 
 #include <string_view>
@@ -51,11 +52,15 @@ int NIDS_set_colors(const NIDS_info& info) {
     CONT_param_decode();
     CONT_reset_fill_set();
     const NidsProduct& product = nids_product(info.code);
-    if (product.colors == nullptr) {
+    const char* colors = product.colors;
+    if (colors == nullptr && NIDS_get_exact() != 0) {
+        colors = nids_exact(info.code).colors;
+    }
+    if (colors == nullptr) {
         CONT_set_values(info.thres, nids_num_thres);
     }
     CONT_set_quantity(levels_of(info.info));
-    CONT_set_fill_colors(product.colors != nullptr ? product.colors : of_thresholds, 0);
+    CONT_set_fill_colors(colors != nullptr ? colors : of_thresholds, 0);
     if (product.barb_levels) {
         CONT_set_base(0.0F);
         CONT_set_intrvl(4.0F);

@@ -19,6 +19,7 @@ namespace {
 constexpr int raster_chunk = 10;   // cells of a raster figure on the product's own projection
 constexpr float barb_size = 20.0F; // plot units
 constexpr float text_height = 8.0F;
+constexpr double mm_per_inch = 25.4; // the document's decibels are of millimetres
 
 // These take the figures that they draw off `room`, and end where none is left.
 void draw_radials(const NIDS_frame& frame, RadFills& fills, long& room) {
@@ -55,10 +56,7 @@ void draw_row(const NIDS_frame& frame, RadFills& fills, std::FILE* grid, const R
     while (NIDS_get_data(frame.ifile, &data) > 0) {
         strip.make_room(edges);
         const int run = static_cast<int>(data.run);
-        float value = data.val;
-        if (decibel && is_set(value)) {
-            value = static_cast<float>(std::pow(10.0, static_cast<double>(value) / 10.0) / 100.0);
-        }
+        const float value = decibel ? nids_cell_value(frame, data.val) : data.val;
         for (int i = 0; grid != nullptr && i < run; ++i) {
             std::fprintf(grid, "%f\n", static_cast<double>(value));
         }
@@ -70,6 +68,31 @@ void draw_row(const NIDS_frame& frame, RadFills& fills, std::FILE* grid, const R
         column += run;
     }
     strip.draw(edges);
+}
+
+// The upper left corner of a raster, and the size of its cells.
+struct RasterPlace {
+    double left, top, cell;
+};
+
+// Exactly, the radar is where the middle cells meet; on the grid of precipitation
+// processing, whose lines lie at whole cells from the pole, in the middle cell.
+RasterPlace raster_place(const NIDS_frame& frame) {
+    const NIDS_info& info = *frame.info;
+    const double d = info.domain.dx;
+    if (!frame.exact || info.src > nids_max_site) {
+        return {frame.site.x - d * (info.nx - 1) / 2, frame.site.y + d * (info.ny - 1) / 2, d};
+    }
+    if (nids_product(info.code).map != NidsMap::precip_grid) {
+        return {frame.site.x - d * info.nx / 2, frame.site.y + d * info.ny / 2, d};
+    }
+    constexpr double cell = 0.047625; // a fortieth of the coarse grid's 190.5 km
+    constexpr int north_pole = 90;
+    Gpt pole = {};
+    frame.own.tran(north_pole, info.domain.plon, &pole.x, &pole.y);
+    const double column = std::floor((frame.site.x - pole.x) / cell);
+    const double row = std::floor((frame.site.y - pole.y) / cell);
+    return {pole.x + (column - info.nx / 2) * cell, pole.y + (row + 1 + info.ny / 2) * cell, cell};
 }
 
 void draw_raster(const NIDS_frame& frame, RadFills& fills, long& room) {
@@ -169,20 +192,31 @@ bool is_summary(int type) {
 
 } // namespace
 
-// The bins begin at the site.
+// The bins begin at the site, or, exactly, where their packet and the elevation say.
 RadEdges nids_radial_edges(const NIDS_frame& frame, float sangle, float dangle) {
+    if (frame.exact) {
+        const NIDS_bins bins = NIDS_get_bins();
+        const RadRay ray = {sangle, dangle, bins.first_km, bins.size_km, std::max(bins.count, 1)};
+        return rad_earth_edges(frame.own, frame.info->domain.clat, frame.info->domain.clon, ray);
+    }
     const RadBeam beam = {sangle, 0.0F, dangle, 0.0, frame.info->domain.dx};
     return rad_radial_edges(frame.own, frame.site, beam);
 }
 
 RadEdges nids_row_edges(const NIDS_frame& frame, int row) {
-    const double d = frame.info->domain.dx;
-    const double left = frame.site.x - d * (frame.info->nx - 1) / 2;
-    const double top = frame.site.y + d * (frame.info->ny - 1) / 2;
+    const auto [left, top, d] = raster_place(frame);
     return {
         {left, top - row * d,       d, 0.0},
         {left, top - (row + 1) * d, d, 0.0}
     };
+}
+
+float nids_cell_value(const NIDS_frame& frame, float value) {
+    if (!nids_product(frame.info->code).decibel || !is_set(value)) {
+        return value;
+    }
+    const double unit = frame.exact ? mm_per_inch : 100.0;
+    return static_cast<float>(std::pow(10.0, static_cast<double>(value) / 10.0) / unit);
 }
 
 void nids_pass_packet(std::FILE* ifile, int type) {
@@ -241,7 +275,7 @@ void nids_report_flood(const NIDS_info& info) {
 }
 
 int NIDS_draw_packets(const NIDS_frame& frame) {
-    RadFills fills;
+    RadFills fills(frame.folded);
     int type = frame.info->type;
     bool any = false;
     long room = rad_most_figures;

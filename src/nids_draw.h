@@ -29,6 +29,8 @@ struct NIDS_frame {
     Map plot;                     // of the picture
     Gpt site = {};                // on the product's own map
     int clutter_rad = 0;          // bins near the site that are left out
+    bool exact = false;           // places by the format's own document
+    RadFolded folded;             // range folded bins
     Gattribs data, grid;          // attributes of text and of lines
     NidsStorms* storms = nullptr; // takes the storm symbols; null: they are not walked
 };
@@ -39,6 +41,8 @@ int NIDS_draw_packets(const NIDS_frame& frame);
 // The edges of the radial read last, and of a raster row, counted from the top.
 RadEdges nids_radial_edges(const NIDS_frame& frame, float sangle, float dangle);
 RadEdges nids_row_edges(const NIDS_frame& frame, int row);
+// The value of a bin or cell in the unit of the label: decibels as what they are of.
+float nids_cell_value(const NIDS_frame& frame, float value);
 // Passes over a packet whose drawing is switched off, or that has no bins or cells.
 void nids_pass_packet(std::FILE* ifile, int type);
 

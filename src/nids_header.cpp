@@ -24,6 +24,7 @@
 #include "byte_reader.h"
 #include "date.h"
 #include "map_proj.h"
+#include "nids_exact.h"
 #include "nids_impl.h"
 #include "nids_tables.h"
 #include "region.h"
@@ -77,6 +78,7 @@ constexpr float level_text = -90.0F;   // one that means another text
 struct State {
     NidsHeader header;      // of the open product
     char ext_info[30] = {}; // selector of one product inside a collective file
+    bool exact = false;     // values go by the format's own document
 };
 State state;
 
@@ -318,6 +320,9 @@ void set_resolution(NIDS_info& info) {
     const NidsProduct& product = nids_product(info.code);
     const bool mosaic = info.src > nids_max_site && product.map != NidsMap::display;
     info.res = mosaic && product.cell_km > 0 ? product.cell_km : product.bin_nmi;
+    if (state.exact && !mosaic && info.res == 0) {
+        info.res = nids_exact(info.code).bin_nmi;
+    }
     info.range = mosaic ? 0 : product.range_nmi;
     info.domain.dx = info.res;
 }
@@ -395,6 +400,9 @@ void finish_domain(NIDS_info& info, unsigned level) {
 void set_label(NIDS_info& info) {
     const NidsProduct& product = nids_product(info.code);
     const char* label = info.src > nids_max_site ? product.mosaic : product.label;
+    if (label == nullptr && state.exact) {
+        label = nids_exact(info.code).label;
+    }
     if (label != nullptr) {
         copy_text(info.info, sizeof info.info, label);
     } else {
@@ -553,7 +561,29 @@ float nids_level_value(const NidsHeader& header, int packet, int level) {
         value = level < 2 ? missing_f : value;
         value /= product.divisor;
     }
-    return finite_or_missing(value); // a step or divisor may be damaged
+    value = finite_or_missing(value); // a step or divisor may be damaged
+    return header.exact ? nids_exact_value(header, packet, level, value) : value;
+}
+
+float nids_bin_km() {
+    // Tables of bins have nautical miles to two or three digits; the radars' are
+    // multiples of 50 metres.
+    constexpr double unit_km = 0.05;
+    const int code = state.header.mess.code;
+    const float known = nids_product(code).bin_nmi;
+    const float bin_nmi = known > 0 ? known : nids_exact(code).bin_nmi;
+    const double units = (bin_nmi > 0 ? bin_nmi : default_bin_nmi) * km_per_nmi / unit_km;
+    return static_cast<float>(std::round(units) * unit_km);
+}
+
+float nids_ground_factor(int packet_scale) {
+    constexpr double tolerance = 0.002; // of thousandths that are cut, and of a tenth of a degree
+    const NidsHeader& header = state.header;
+    if (nids_product(header.mess.code).params.elev == NidsElev::none) {
+        return 1.0F;
+    }
+    const double cosine = std::cos(tenths(header.pr_desc.p[3]) * deg_to_rad);
+    return std::abs(packet_scale / 1000.0 - cosine) < tolerance ? static_cast<float>(cosine) : 1.0F;
 }
 
 // --- Public -----------------------------------------------------------------
@@ -591,6 +621,15 @@ int NIDS_set_ext_info(const char* str) {
     return 0;
 }
 
+int NIDS_set_exact(int on) {
+    state.exact = on != 0;
+    return 0;
+}
+
+int NIDS_get_exact() {
+    return state.exact ? 1 : 0;
+}
+
 int NIDS_mess_header(FILE* ifile) {
     NidsMessHeader& mess = state.header.mess;
     mess = {};
@@ -623,6 +662,8 @@ int NIDS_prod_desc(FILE* ifile) {
     }
     header.pr_desc = parse_prod_desc(area);
     header.thres = decode_thresholds(header.mess.code, header.pr_desc);
+    header.exact = state.exact;
+    header.levels = state.exact ? nids_exact_levels(header) : header.thres;
     print_prod_desc(header.pr_desc, header.thres);
     return 1;
 }

@@ -42,6 +42,8 @@ struct NidsHeader {
     NidsMessHeader mess;
     NidsProdDesc pr_desc;
     std::array<float, nids_num_thres> thres{};
+    std::array<float, nids_num_thres> levels{}; // the values of 16 levels; `thres` are their bounds
+    bool exact = false;                         // as NIDS_set_exact says
 };
 
 // The header blocks of the open product.
@@ -68,6 +70,11 @@ int nids_skip_bytes(FILE* ifile, long n);
 // by its own length. Opens it after its code: returns 1; -1 at the end of the stream.
 bool nids_is_symbol_packet(int code);
 int nids_open_symbols(FILE* ifile, int code);
+
+// Length of a bin of the open product, km along the beam, and what it is along the
+// ground, 1 where the scale factor of its packet is not the cosine of the elevation.
+float nids_bin_km();
+float nids_ground_factor(int packet_scale);
 
 // Value of one of the 256 levels of a digital radial or precipitation packet.
 float nids_level_value(const NidsHeader& header, int packet, int level);

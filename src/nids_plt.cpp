@@ -231,6 +231,7 @@ std::string value_at(float x, float y) {
     frame.ifile = file.get();
     frame.info = &info;
     frame.clutter_rad = nids.words.clutter;
+    frame.exact = nids.words.exact != 0;
     frame.own = map_make(info.domain);
     frame.own.tran(info.domain.clat, info.domain.clon, &frame.site.x, &frame.site.y);
     Gpt at{missing_f, missing_f};
@@ -278,11 +279,13 @@ int NIDS_plot_summary() {
     frame.info = &info;
     frame.datim = nids.datim;
     frame.clutter_rad = nids.words.clutter;
+    frame.exact = nids.words.exact != 0;
     frame.own = map_make(info.domain);
     frame.plot = MAP_current();
     rad_check_view(nids.run, frame.own, frame.plot, nids.name);
     frame.own.tran(info.domain.clat, info.domain.clon, &frame.site.x, &frame.site.y);
     NIDS_set_colors(info);
+    frame.folded = rad_folded(nids.words, nids_folded, false);
     frame.data = attributes("color_data", rad_plain_color());
     frame.grid = attributes("color_grid", "red");
     nids.storms = {};
@@ -306,9 +309,9 @@ int NIDS_plot_data() {
 }
 
 int NIDS_plot_param() {
-    const int result = rad_decode_words(decode_word);
+    rad_decode_words(decode_word);
     NIDS_take_symbols(nids.symbols ? 1 : 0);
-    return result;
+    return NIDS_set_exact(nids.words.exact);
 }
 
 void NIDS_callback(int, const char* str, float x, float y) {

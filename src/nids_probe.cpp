@@ -85,7 +85,7 @@ struct Probe {
         while (NIDS_get_data(frame.ifile, &data) > 0) {
             const int run = static_cast<int>(data.run);
             if (figure >= first && figure - first < run) {
-                take(packet, data.val);
+                take(packet, nids_cell_value(frame, data.val));
             }
             first += run;
         }
@@ -98,7 +98,8 @@ std::string nids_level_text(const NIDS_info& info, int packet, int level, float 
     if (!is_digital(packet) && nids_product(info.code).scale == NidsScale::levels) {
         return coded_text(info, level, value);
     }
-    if (is_digital(packet) && level == level_folded && has_folded_level(info.code)) {
+    if (value == nids_folded ||
+        (is_digital(packet) && level == level_folded && has_folded_level(info.code))) {
         return "RF";
     }
     if (!is_set(value) || (is_digital(packet) && level == 0)) {

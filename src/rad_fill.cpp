@@ -13,12 +13,13 @@
 namespace {
 
 constexpr float overlap_deg = 0.01F; // by which radials cover the next one's edge
+constexpr double earth_km = 6371.22; // radius of the maps' earth
 
 } // namespace
 
 // --- Look of values -------------------------------------------------------------
 
-RadFills::RadFills() : pattern_(CONT_get_fill_pat()) {}
+RadFills::RadFills(const RadFolded& folded) : folded_(folded), pattern_(CONT_get_fill_pat()) {}
 
 const Gattribs* RadFills::find(float value) {
     std::uint32_t bits = 0;
@@ -27,7 +28,11 @@ const Gattribs* RadFills::find(float value) {
     if (!slot.used || slot.bits != bits) {
         slot.used = true;
         slot.bits = bits;
-        CONT_get_fill_attrib(value, &slot.attrib);
+        if (value == folded_.value) {
+            slot.attrib = folded_.look;
+        } else {
+            CONT_get_fill_attrib(value, &slot.attrib);
+        }
         if (is_set(pattern_)) {
             slot.attrib.fill_pat = pattern_;
         } else if (!is_set(slot.attrib.fill_pat)) {
@@ -48,6 +53,44 @@ RadEdges rad_radial_edges(const Map& own, Gpt site, const RadBeam& beam) {
                         beam.step * north};
     };
     return {edge(from), edge(from + beam.width + overlap_deg)};
+}
+
+RadEdges rad_earth_edges(const Map& own, double lat, double lon, const RadRay& ray) {
+    const double sin_lat = std::sin(lat * deg_to_rad);
+    const double cos_lat = std::cos(lat * deg_to_rad);
+    // The image of the place at an azimuth and a distance.
+    const auto place = [&](double azimuth, double km) {
+        const double sin_d = std::sin(km / earth_km);
+        const double cos_d = std::cos(km / earth_km);
+        const double north = sin_d * std::cos(azimuth * deg_to_rad);
+        const double across = sin_d * std::sin(azimuth * deg_to_rad); // to the meridian
+        const double along = cos_lat * cos_d - sin_lat * north;
+        const double up = sin_lat * cos_d + cos_lat * north; // to the equator
+        const auto to_lat =
+            static_cast<float>(std::atan2(up, std::hypot(across, along)) / deg_to_rad);
+        const auto to_lon = static_cast<float>(lon + std::atan2(across, along) / deg_to_rad);
+        Gpt p = {};
+        if (own.tran(to_lat, to_lon, &p.x, &p.y) == 0) {
+            p = {NAN, NAN};
+        }
+        return p;
+    };
+    const auto edge = [&](double azimuth) {
+        const double n = ray.count;
+        const Gpt near = place(azimuth, ray.start_km);
+        const Gpt middle = place(azimuth, ray.start_km + ray.step_km * n / 2);
+        const Gpt far = place(azimuth, ray.start_km + ray.step_km * n);
+        RadRuler ruler;
+        ruler.x = near.x;
+        ruler.y = near.y;
+        // The curve through the three.
+        ruler.dx = (4.0 * middle.x - 3.0 * near.x - far.x) / n;
+        ruler.dy = (4.0 * middle.y - 3.0 * near.y - far.y) / n;
+        ruler.ddx = 2.0 * (near.x - 2.0 * middle.x + far.x) / (n * n);
+        ruler.ddy = 2.0 * (near.y - 2.0 * middle.y + far.y) / (n * n);
+        return ruler;
+    };
+    return {edge(ray.azimuth), edge(ray.azimuth + ray.width + overlap_deg)};
 }
 
 RadStrip::RadStrip(const Map& own, const Map& plot)

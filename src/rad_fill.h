@@ -16,12 +16,18 @@ inline bool rad_is_place(const Gpt& p) {
     return is_set(p.x) && std::isfinite(p.x) && std::isfinite(p.y);
 }
 
+// A value that has a look of its own, whatever the levels say.
+struct RadFolded {
+    float value = NAN; // none
+    Gattribs look;
+};
+
 // How the values of one frame are filled. CONT_get_fill_attrib is asked once
 // for each value met; the answer depends on the value alone while the frame's
 // colours stand. Most frames hold at most some 256 different values.
 class RadFills {
 public:
-    RadFills();
+    explicit RadFills(const RadFolded& folded = {});
     // Null for a value that is not drawn. Valid until the next call.
     const Gattribs* get(float value) {
         if (value != last_value_) { // neighbours are often equal
@@ -40,18 +46,22 @@ private:
         Gattribs attrib;
     };
     std::array<Slot, 1024> slots_{};
+    RadFolded folded_;
     int pattern_; // takes the place of each step's own; missing: none
     float last_value_ = missing_f;
     const Gattribs* last_ = nullptr; // a missing value is never drawn
 };
 
-// A line of points at steps from an origin, in the coordinates of the data.
+// A line of points at steps from an origin, in the coordinates of the data; straight
+// unless its step changes.
 struct RadRuler {
-    double x = 0, y = 0;   // step 0
-    double dx = 0, dy = 0; // a step
+    double x = 0, y = 0;     // step 0
+    double dx = 0, dy = 0;   // a step
+    double ddx = 0, ddy = 0; // by how much half of the next step differs
 
     [[nodiscard]] Gpt at(int step) const {
-        return {static_cast<float>(x + step * dx), static_cast<float>(y + step * dy)};
+        return {static_cast<float>(x + step * (dx + step * ddx)),
+                static_cast<float>(y + step * (dy + step * ddy))};
     }
 };
 
@@ -71,6 +81,16 @@ struct RadBeam {
 
 // The edges of a radial around a site on the data's own map.
 RadEdges rad_radial_edges(const Map& own, Gpt site, const RadBeam& beam);
+
+// The same on the earth.
+struct RadRay {
+    double azimuth = 0, width = 0;    // of its first edge, degrees from north; to the second
+    double start_km = 0, step_km = 0; // along the ground: near end of the first bin, length
+    int count = 0;                    // bins
+};
+// Its edges are great circles from the site, as near as a curve of the second order
+// comes, which is some ten metres at 460 km. Where the map has no image they have none.
+RadEdges rad_earth_edges(const Map& own, double lat, double lon, const RadRay& ray);
 
 // What one file may draw: as many figures as make a page of some 256 MB. The
 // largest real ones have about half of it; packed bytes can ask for any

@@ -56,6 +56,42 @@ int get_number(int frame) {
     return number;
 }
 
+// How many steps along a strip of straight edges a point lies; below 0: not on it.
+double steps_along(const RadEdges& edges, Gpt at) {
+    const RadRuler& one = edges.first;
+    const RadRuler& two = edges.second;
+    const double bend_x = one.dx - two.dx;
+    const double bend_y = one.dy - two.dy;
+    const double bend = bend_x * bend_x + bend_y * bend_y;
+    const double length = one.dx * one.dx + one.dy * one.dy;
+    double steps = -1;
+    if (bend <= 1e-12 * length) { // a row: the point between two parallels
+        const double x = at.x - one.x;
+        const double y = at.y - one.y;
+        const double below = one.dx * (at.y - two.y) - one.dy * (at.x - two.x);
+        if ((one.dx * y - one.dy * x) * below <= 0 && length > 0) {
+            steps = (x * one.dx + y * one.dy) / length;
+        }
+    } else { // a radial: as so much of each edge from where both meet
+        const double meet = ((two.x - one.x) * bend_x + (two.y - one.y) * bend_y) / bend;
+        const double x = at.x - (one.x + meet * one.dx);
+        const double y = at.y - (one.y + meet * one.dy);
+        const double area = one.dx * two.dy - one.dy * two.dx;
+        const double a = (x * two.dy - y * two.dx) / area;
+        const double b = (one.dx * y - one.dy * x) / area;
+        if (a >= 0 && b >= 0) {
+            steps = a + b + meet;
+        }
+    }
+    return steps;
+}
+
+// The straight line that a bent one is like at a step.
+RadRuler straight_at(const RadRuler& ruler, double step) {
+    return {ruler.x - step * step * ruler.ddx, ruler.y - step * step * ruler.ddy,
+            ruler.dx + 2 * step * ruler.ddx, ruler.dy + 2 * step * ruler.ddy};
+}
+
 } // namespace
 
 void rad_forget_sources() {
@@ -102,29 +138,12 @@ const RadSource* rad_shown_source() {
 
 int rad_figure_at(const RadEdges& edges, Gpt at) {
     const RadRuler& one = edges.first;
-    const RadRuler& two = edges.second;
-    const double bend_x = one.dx - two.dx;
-    const double bend_y = one.dy - two.dy;
-    const double bend = bend_x * bend_x + bend_y * bend_y;
-    const double length = one.dx * one.dx + one.dy * one.dy;
-    double steps = -1;
-    if (bend <= 1e-12 * length) { // a row: the point between two parallels
-        const double x = at.x - one.x;
-        const double y = at.y - one.y;
-        const double below = one.dx * (at.y - two.y) - one.dy * (at.x - two.x);
-        if ((one.dx * y - one.dy * x) * below <= 0 && length > 0) {
-            steps = (x * one.dx + y * one.dy) / length;
-        }
-    } else { // a radial: as so much of each edge from where both meet
-        const double meet = ((two.x - one.x) * bend_x + (two.y - one.y) * bend_y) / bend;
-        const double x = at.x - (one.x + meet * one.dx);
-        const double y = at.y - (one.y + meet * one.dy);
-        const double area = one.dx * two.dy - one.dy * two.dx;
-        const double a = (x * two.dy - y * two.dx) / area;
-        const double b = (one.dx * y - one.dy * x) / area;
-        if (a >= 0 && b >= 0) {
-            steps = a + b + meet;
-        }
+    const double step = std::hypot(one.dx, one.dy);
+    const bool bent = one.ddx != 0 || one.ddy != 0;
+    // Of a bent strip the piece that is straight where the point is, ever nearer.
+    double steps = bent && step > 0 ? std::hypot(at.x - one.x, at.y - one.y) / step : 0;
+    for (int i = bent ? 3 : 1; i > 0 && steps >= 0; --i) {
+        steps = steps_along({straight_at(one, steps), straight_at(edges.second, steps)}, at);
     }
     constexpr double farthest = 1e6; // no strip has so many
     return steps >= 0 && steps < farthest ? static_cast<int>(steps) : -1;

@@ -55,19 +55,23 @@ void set_clutter(RadWords& words, const char* word) {
     words.clutter = std::strlen(word) == length ? default_clutter : rad_word_int(word, length);
 }
 
+constexpr char folded_color[] = "purple"; // which no list of levels has
+
 // A word and what it stores.
 struct Switch {
     const char* word;
     int RadWords::*field;
     int value;
 };
-constexpr std::array<Switch, 5> switches = {
+constexpr std::array<Switch, 7> switches = {
     {
      {"site", &RadWords::site, 1},
      {"nograph", &RadWords::graph, 0},
      {"graph", &RadWords::graph, 1},
      {"refresh", &RadWords::refresh, 1},
      {"noclutter", &RadWords::clutter, 0},
+     {"exact", &RadWords::exact, 1},
+     {"noexact", &RadWords::exact, 0},
      }
 };
 
@@ -260,6 +264,9 @@ bool rad_take_word(RadWords& words, const char* word) {
         WATCH_set_label(1);
     } else if (strnicmp(word, "clutter", 7) == 0) {
         set_clutter(words, word);
+    } else if (strnicmp(word, "exact=", 6) == 0) {
+        words.exact = 1;
+        copy_text(words.folded, sizeof words.folded, word + 6);
     } else {
         return false;
     }
@@ -274,10 +281,30 @@ void rad_add_words(KnownWords* known) {
              KnownWord{"dist",   true},
              {"nodist"},
              {"clutter",    true    },
-             {"range",    true}
+             {"range",    true},
+             {"exact=",    true    }
     }) {
         known->push_back(word);
     }
+}
+
+RadFolded rad_folded(const RadWords& words, float value, bool listed) {
+    RadFolded folded;
+    if (words.exact == 0) {
+        return folded;
+    }
+    const bool named = words.folded[0] != '\0';
+    if (listed && !named && CONT_get_values(nullptr) > 0) {
+        CONT_get_fill_attrib(value, &folded.look);
+        if (folded.look.color >= 0) {
+            folded.value = value;
+            return folded;
+        }
+    }
+    ATTRIB_init(&folded.look);
+    ATTRIB_parse(named ? words.folded : folded_color, &folded.look);
+    folded.value = value;
+    return folded;
 }
 
 double rad_word_number(const char* word, std::size_t length) {

@@ -11,6 +11,7 @@
 #include "map_proj.h"
 #include "near_word.h"
 #include "plt_tool.h"
+#include "rad_fill.h"
 #include "zyr.h"
 #include "zyrgks.h"
 
@@ -26,6 +27,8 @@ struct RadWords {
     int clutter = 0;              // bins near the site that are left out
     int refresh = 0;              // look for newer files every 60 seconds
     std::array<float, 4> rings{}; // range rings, nautical miles; none when the first is 0
+    int exact = 0;                // values and places by the formats' own documents
+    char folded[40] = "";         // colour of range folded bins then; empty: not said
 };
 
 // Hands each word of the resource to a plotter. Returns 0.
@@ -34,6 +37,10 @@ int rad_decode_words(void (*decode_word)(const char* word));
 bool rad_take_word(RadWords& words, const char* word);
 // Adds the words that these plotters know.
 void rad_add_words(KnownWords* known);
+// What range folded bins of this value are drawn with when the words ask for exact
+// values; else nothing. `listed` is whether the levels of the frame may have an entry
+// of their own for them, which then counts unless the word names a colour.
+RadFolded rad_folded(const RadWords& words, float value, bool listed);
 // The number behind `length` letters of a word and one character; 0 for none.
 double rad_word_number(const char* word, std::size_t length);
 int rad_word_int(const char* word, std::size_t length); // cut, and to 1e9 in size

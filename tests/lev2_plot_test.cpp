@@ -77,36 +77,51 @@ TEST_F(Lev2Plot, GoldenPages) {
 
 // On the volume's own domain, 3 * range steps of `dx` are as wide as the page. A
 // gate is `dx` times its length in km, the first one a hundredth of its
-// distance. A radial is a degree wide about its azimuth.
+// distance. A radial is a degree wide about its azimuth. Exactly, the distance is that
+// of the gate's centre, along the ground, and the radial half a degree wide.
 TEST_F(Lev2Plot, GatesHaveTheirPlace) {
     constexpr double page_width = 755.0;
     constexpr int range = 5;
-    const double sin60 = std::sin(std::numbers::pi / 3);
-    const double factor = (1 + sin60) / (1 + std::sin(35.333 * std::numbers::pi / 180));
+    constexpr double degree = std::numbers::pi / 180;
+    const double factor = (1 + std::sin(60 * degree)) / (1 + std::sin(35.333 * degree));
     const double dx = factor * 0.54 * 1.852 / 100;
     const double points = page_width / (3 * range * dx);
     struct Row {
         const char* variable;
-        double first_km, gate;
+        double first_km, gate, elevation;
+        bool exact;
     };
     for (const Row& row : std::vector<Row>{
-             {"REF1", 2.125, 4},
-             {"vel2", 0,     2}
+             {"REF1", 2.125, 4, 0.5, false},
+             {"vel2", 0,     2, 1.5, false},
+             {"REF1", 2.125, 1, 0.5, true },
+             {"vel2", 0,     1, 1.5, true }, // range folded
     }) {
-        const NidsPage page = nids_page(
-            dir, std::string("./volume -dr sum -pp nobar,range=5 -va ") + row.variable, "lev2z");
+        const NidsPage page = nids_page(dir,
+                                        std::string("./volume -dr sum -pp nobar,range=5") +
+                                            (row.exact ? ",exact -va " : " -va ") + row.variable,
+                                        "lev2z");
         const auto corners = first_figure(page.text);
         ASSERT_EQ(corners.size(), 5U) << row.variable << page.run.err;
-        const double near = (row.first_km / 100 + row.gate * 0.25 * dx) * points;
-        const double far = near + 0.25 * dx * points;
+        const double step =
+            row.exact ? 0.25 * std::cos(row.elevation * degree) * factor / 100 : 0.25 * dx;
+        const double first = row.exact ? (row.first_km / 0.25 - 0.5) * step : row.first_km / 100;
+        const double near = (first + row.gate * step) * points;
+        const double far = near + step * points;
+        const double half = row.exact ? 0.25 : 0.5;
         const std::array<std::array<double, 2>, 5> expected = {
   // distance, azimuth
-            {{near, 29.5}, {far, 29.5}, {far, 30.51}, {near, 30.51}, {near, 29.5}}
+            {{near, 30 - half},
+             {far, 30 - half},
+             {far, 30 + half + 0.01},
+             {near, 30 + half + 0.01},
+             {near, 30 - half}}
         };
         for (std::size_t i = 0; i < expected.size(); ++i) {
-            const double azimuth = expected[i][1] * std::numbers::pi / 180;
-            EXPECT_NEAR(corners[i][0], 377.5 + expected[i][0] * std::sin(azimuth), 0.02);
-            EXPECT_NEAR(corners[i][1], 287.5 + expected[i][0] * std::cos(azimuth), 0.02);
+            const double azimuth = expected[i][1] * degree;
+            const double tolerance = row.exact ? 0.1 : 0.02; // two metres
+            EXPECT_NEAR(corners[i][0], 377.5 + expected[i][0] * std::sin(azimuth), tolerance);
+            EXPECT_NEAR(corners[i][1], 287.5 + expected[i][0] * std::cos(azimuth), tolerance);
         }
     }
 }

@@ -138,6 +138,13 @@ TEST_F(Lev2, FixedRadial) {
     radial.vel_res = 4;
     EXPECT_NE(dump_one(radial, d).find("| -100 -90 -127 0 126"), std::string::npos);
     EXPECT_EQ(d.first_vel, 0.0F); // whole kilometres
+    const MemoryFile file(lev2_volume({.units = {lev2_radial(radial)}}, false));
+    LEV2_info info;
+    lev2_walk(file.name(), info, [](const LEV2_data& /*data*/) {
+        LEV2_set_data_type(lev2_vel);
+        EXPECT_EQ(LEV2_get_gates().centre_km, -0.375F);
+        EXPECT_EQ(LEV2_get_gates().first_km, 0.0F);
+    });
     EXPECT_EQ(d.vel_size, 0.25F);
     EXPECT_EQ(d.nyquist_vel, 26.0F);
     EXPECT_TRUE(d.num_vel == 5 && d.num_refl == 0 && d.cov_patt == 12 && d.refl_ptr == 0);
@@ -188,6 +195,14 @@ TEST_F(Lev2, MomentBlocks) {
         EXPECT_EQ(dump_one(radial, d), std::string("1/1 0 0.5 ") + row.values + "\n") << row.note;
         EXPECT_EQ(d.num_refl == missing, d.refl_ptr == 0) << row.note;
     }
+    LEV2_set_exact(1);
+    Lev2Radial radial;
+    radial.moments = {
+        {"SW ", 0, 250, 8, 7, 7, {131, 14}}
+    };
+    LEV2_data d;
+    EXPECT_EQ(dump_one(radial, d), "1/1 0 0.5 - - | 17.7143 1\n");
+    LEV2_set_exact(0);
 }
 
 // Offsets, counts and numbers that do not fit their record leave the next one alone.

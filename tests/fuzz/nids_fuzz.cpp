@@ -10,6 +10,12 @@ namespace {
 
 // A value that is no number would reach a device.
 struct CheckedSink : NidsSink {
+    void line(float /*angle*/, float /*width*/) {
+        const NIDS_bins bins = NIDS_get_bins();
+        if (!(bins.size_km > 0 && bins.size_km < 100 && bins.first_km >= 0)) {
+            std::abort();
+        }
+    }
     void run(const NIDS_data& data) {
         if (!std::isfinite(data.val) || data.run < 0) {
             std::abort();
@@ -31,6 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // The first byte may select a product of a collective file.
     const bool collective = size > 0 && data[0] == '*';
     const std::vector<std::uint8_t> bytes(data, data + size);
+    NIDS_set_exact(static_cast<int>(size % 2));
     struct Way {
         const char* selector;
         int symbols;
