@@ -147,7 +147,8 @@ int main(int argc, char** argv) {
         MESS_print(
             mess_print,
             "Types of input: auto, nids, lev2, lev2z, nowrad, kavrad, rrwds, rcmsite, mdr, rcm\n"
-            "Words of -pp off unless given: storms (storm symbols of NIDS products)\n"
+            "Words of -pp off unless given: storms (storm symbols of NIDS products),\n"
+            "  exact (values and places of NIDS and Level II by the formats' own documents)\n"
             "More: zyrrad --list products|regions|colours|fonts|stations|projections|variables|"
             "options; man zyrrad\n");
         ZYR_exit(0);

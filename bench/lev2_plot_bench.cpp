@@ -130,6 +130,11 @@ void measure(const XServer& server, const std::string& file, long peak_kb, int r
         program = std::min(program, run.seconds);
     }
     const Page page = read_page(read_file(ps));
+    double exact = 1e9;
+    for (int i = 0; i < rounds; ++i) {
+        exact = std::min(
+            exact, run_program({"-inp", "lev2z", "-pp", "exact", "-de", "p," + ps, file}).seconds);
+    }
     std::string volume = read_file(file);
     std::vector<char> out(64 << 20);
     std::size_t bytes = 0;
@@ -142,6 +147,7 @@ void measure(const XServer& server, const std::string& file, long peak_kb, int r
                 run.code, page.points.size(), units, bytes, static_cast<double>(peak_kb) / 1024.0);
     std::printf("  bzip2 %.4f s, polygons written %.4f s\n", unzip, write);
     say("PostScript", program, unzip + write, unzip > 0);
+    std::printf("  exact places   %.4f s; ratio %.2f (at most 1)\n", exact, exact / program);
     std::filesystem::remove(ps);
     if (server.works()) {
         measure_window(server, file, page, unzip, rounds);

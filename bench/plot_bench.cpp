@@ -1,7 +1,7 @@
 // What a whole run of the program costs against the least that its work can
 // cost: bzip2's own decompression of the product plus a loop that formats and
-// writes the same polygons with a fixed two-decimal formatter. Also the start
-// of the process and its peak memory.
+// writes the same polygons with a fixed two-decimal formatter. Also a run with exact
+// values and places against it, the start of the process and its peak memory.
 //   plot_bench [FILE...]     products to plot; by default the largest samples
 #include "page_floor.h"
 
@@ -38,6 +38,11 @@ void measure(const std::string& file, long peak_kb, int rounds) {
         program = std::min(program, run.seconds);
     }
     const Page page = read_page(read_file(ps));
+    double exact = 1e9;
+    for (int i = 0; i < rounds; ++i) {
+        exact = std::min(
+            exact, run_program({"-inp", "nids", "-pp", "exact", "-de", "p," + ps, file}).seconds);
+    }
     std::string product = read_file(file);
     std::vector<char> block(8 << 20);
     unsigned bytes = 0;
@@ -49,6 +54,8 @@ void measure(const std::string& file, long peak_kb, int rounds) {
                 "peak %.1f MB\n",
                 unzip, floor, unzip + floor, program, program / (unzip + floor),
                 static_cast<double>(peak_kb) / 1024.0);
+    std::printf("  exact values and places %.4f s; ratio %.2f (at most 1)\n", exact,
+                exact / program);
     std::filesystem::remove(ps);
 }
 

@@ -92,7 +92,9 @@ RasterPlace raster_place(const NIDS_frame& frame) {
     frame.own.tran(north_pole, info.domain.plon, &pole.x, &pole.y);
     const double column = std::floor((frame.site.x - pole.x) / cell);
     const double row = std::floor((frame.site.y - pole.y) / cell);
-    return {pole.x + (column - info.nx / 2) * cell, pole.y + (row + 1 + info.ny / 2) * cell, cell};
+    const int columns_left = info.nx / 2; // of the middle one
+    const int rows_above = info.ny / 2;
+    return {pole.x + (column - columns_left) * cell, pole.y + (row + 1 + rows_above) * cell, cell};
 }
 
 void draw_raster(const NIDS_frame& frame, RadFills& fills, long& room) {

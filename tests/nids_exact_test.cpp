@@ -336,7 +336,10 @@ TEST_F(NidsExactPage, PrecipitationInInches) {
     NidsSample sample;
     sample.code = 81;
     sample.thres = {-60, 125, 256};
-    sample.layers = {nids_raster_packet(17, 1, {Bytes{2, 1, 1, 49, 1, 161, 1, 0, 1, 255}})};
+    sample.layers = {
+        nids_raster_packet(17, 1, {Bytes{2, 1, 1, 49, 1, 161, 1, 0, 1, 255}}
+          )
+    };
     write("precipitation", nids_message(sample));
     nids_page(dir, "./precipitation -pp exact -of zyr:@./grid.txt -dr sum");
     const std::string grid = read("grid.txt");
