@@ -8,6 +8,7 @@
 
 #include "cont.h"
 #include "maptran.h"
+#include "rad_probe.h"
 #include "rad_run.h"
 #include "region.h"
 #include "units.h"
@@ -277,6 +278,16 @@ TEST(RadEdges, LieOnGreatCircles) {
                 const Gpt at = edges.first.at(step);
                 EXPECT_LT(std::hypot(at.x - x, at.y - y), 0.0006)
                     << lat << " " << azimuth << " " << step;
+            }
+            for (const int step : {1, 3, 200, 458}) { // and back, from the middle of a bin
+                Gpt middle = {0, 0};
+                for (const RadRuler& edge : {edges.first, edges.second}) {
+                    for (const Gpt& corner : {edge.at(step), edge.at(step + 1)}) {
+                        middle.x += corner.x / 4;
+                        middle.y += corner.y / 4;
+                    }
+                }
+                EXPECT_EQ(rad_figure_at(edges, middle), step) << lat << " " << azimuth;
             }
             const Gpt first = edges.first.at(460);
             const Gpt second = edges.second.at(460);
