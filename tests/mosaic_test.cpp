@@ -221,18 +221,13 @@ TEST(NOWRad, RefusedHeadersGiveNoLine) {
         const Image read = nowrad_read(edited);
         EXPECT_TRUE(read.header == 0 && read.lines.empty()) << text;
     }
-    // Cut anywhere: what is there, and no more; changed anywhere: an end.
+    // Cut anywhere: what is there, and no more.
     const Bytes whole = nowrad_file(good, ramp);
     const std::size_t header = nowrad_header(good).size();
     for (std::size_t size = 0; size < whole.size(); ++size) {
         const Image read = nowrad_read(Bytes(whole.begin(), whole.begin() + size));
         EXPECT_EQ(read.header, size >= header + 3 ? 1 : 0) << size;
         EXPECT_LE(read.lines.size(), 3U);
-        for (const int by : {1, 0x80, 0xFF}) {
-            Bytes changed = whole;
-            changed[size] ^= static_cast<std::uint8_t>(by);
-            EXPECT_LE(nowrad_read(changed).lines.size(), whole.size()) << size;
-        }
     }
 }
 
@@ -277,21 +272,6 @@ TEST(KAVRAD, EveryImageComesBack) {
         }
     }
     EXPECT_EQ(at, cells.size());
-    // Cut or changed anywhere it ends.
-    const Bytes small = kavrad_samples()[0].second;
-    for (std::size_t i = 0; i < small.size(); ++i) {
-        Bytes changed = small;
-        changed[i] ^= static_cast<std::uint8_t>(1 + random() % 255);
-        for (const Bytes& damaged : {Bytes(small.begin(), small.begin() + i), changed}) {
-            const Stream again = opened(damaged);
-            KAVRAD_header(again.get(), &info);
-            std::size_t packets = 0;
-            while (KAVRAD_get_packet(again.get(), &packet) != 0) {
-                ++packets;
-            }
-            EXPECT_LE(packets, small.size()) << i;
-        }
-    }
 }
 
 TEST(KAVRAD, Header) {
