@@ -12,6 +12,7 @@
 //   11    0x2C, left 0, top 0, width, height, 64 if interlaced, code size
 //   ...   sub-blocks, an empty one, 0x3B
 #include "gif_lzw.h"
+#include "gif_parts.h"
 #include "img_kind.h"
 #include "img_pixel.h"
 
@@ -25,8 +26,6 @@
 #include <vector>
 
 namespace {
-
-constexpr int most_side = 65535;
 
 struct Settings {
     int use_inter = 0; // interlaced output
@@ -44,28 +43,9 @@ constexpr std::array<Pass, 4> passes = {
 
 // --- Writing --------------------------------------------------------------------
 
-// Bytes of a header or table on their way to a file.
-class Bytes {
-public:
-    Bytes& u8(int value) {
-        bytes.push_back(static_cast<std::uint8_t>(value));
-        return *this;
-    }
-    Bytes& u16(int value) { return u8(value & 0xFF).u8(value >> 8 & 0xFF); }
-    void write(std::FILE* file) const { std::fwrite(bytes.data(), 1, bytes.size(), file); }
-
-private:
-    std::vector<std::uint8_t> bytes;
-};
-
-// Smallest number of bits that holds `count` indexes, at least 1.
-int index_bits(int count) {
-    return std::max(1, static_cast<int>(std::bit_width(static_cast<unsigned>(count - 1))));
-}
-
 void write_header(std::FILE* file, const IMG_report& image, const IMG_indexed& picture, int bits) {
     std::fputs("GIF89a", file);
-    Bytes head;
+    GIF_bytes head;
     head.u16(image.width).u16(image.height).u8(0x80 + (bits - 1) * 16 + (bits - 1)).u8(0).u8(0);
     for (int i = 0; i < 1 << bits; ++i) {
         const IMG_rgb c = picture.color[i];
@@ -80,29 +60,6 @@ void write_header(std::FILE* file, const IMG_report& image, const IMG_indexed& p
     }
     head.u8(0x2C).u16(0).u16(0).u16(image.width).u16(image.height).u8(settings.use_inter * 64);
     head.write(file);
-}
-
-void write_pixels(std::FILE* file, const IMG_report& image, const IMG_indexed& picture, int bits) {
-    const int code_size = std::max(bits, 2);
-    const auto width = static_cast<std::size_t>(image.width);
-    const auto put_row = [&](int row) {
-        GIF_put_code({picture.index.data() + width * static_cast<std::size_t>(row), width});
-    };
-    std::putc(code_size, file);
-    GIF_begin_code(file, code_size);
-    if (settings.use_inter == 0) {
-        for (int row = 0; row < image.height; ++row) {
-            put_row(row);
-        }
-    } else {
-        for (const Pass& pass : passes) { // a pass without rows writes nothing
-            for (int row = pass.first; row < image.height; row += pass.step) {
-                put_row(row);
-            }
-        }
-    }
-    GIF_end_code();
-    Bytes().u8(0).u8(0x3B).write(file);
 }
 
 // --- Reading --------------------------------------------------------------------
@@ -232,8 +189,43 @@ int GIF_transparent(int value) {
     return 0;
 }
 
+bool GIF_is_interlaced() {
+    return settings.use_inter != 0;
+}
+
+bool GIF_is_transparent() {
+    return settings.trans != 0;
+}
+
+int GIF_index_bits(int count) {
+    return std::max(1, static_cast<int>(std::bit_width(static_cast<unsigned>(count - 1))));
+}
+
+void GIF_put_pixels(std::FILE* file, int width, int height, const std::uint8_t* index, int bits) {
+    const int code_size = std::max(bits, 2);
+    const auto length = static_cast<std::size_t>(width);
+    const auto put_row = [&](int row) {
+        GIF_put_code({index + length * static_cast<std::size_t>(row), length});
+    };
+    std::putc(code_size, file);
+    GIF_begin_code(file, code_size);
+    if (settings.use_inter == 0) {
+        for (int row = 0; row < height; ++row) {
+            put_row(row);
+        }
+    } else {
+        for (const Pass& pass : passes) { // a pass without rows writes nothing
+            for (int row = pass.first; row < height; row += pass.step) {
+                put_row(row);
+            }
+        }
+    }
+    GIF_end_code();
+    std::putc(0, file);
+}
+
 int GIF_encode(const char* filename, const IMG_report& image, const IMG_look& look) {
-    if (image.width > most_side || image.height > most_side) {
+    if (image.width > gif_most_side || image.height > gif_most_side) {
         MESS_print(mess_warn, "GIF_write: Image is too large: %dx%d\n", image.width, image.height);
         return 0;
     }
@@ -249,9 +241,10 @@ int GIF_encode(const char* filename, const IMG_report& image, const IMG_look& lo
     if (!IMG_make_indexed(image, look.background, &picture)) {
         return 0;
     }
-    const int bits = index_bits(picture.num_color);
+    const int bits = GIF_index_bits(picture.num_color);
     write_header(file.get(), image, picture, bits);
-    write_pixels(file.get(), image, picture, bits);
+    GIF_put_pixels(file.get(), image.width, image.height, picture.index.data(), bits);
+    std::putc(0x3B, file.get());
     return close_output(file.release()) == 0 ? 1 : 0;
 }
 

@@ -419,6 +419,8 @@ int gwrite_image(const IMG_kind& kind, const char* filename, const IMG_report& i
 // The one road from the window to an image file of any kind. `describe`, unless
 // null, completes the record of the capture.
 int gdump_image(const IMG_kind& kind, const char* filename, void (*describe)(IMG_report* image));
+// Adds the picture to the animation that is being written; the first one opens the file.
+int gadd_image(const char* filename, void (*describe)(IMG_report* image));
 int gread_image_file(const char* filename, IMG_report* image);
 // Lays an image over the plot, `background` transparent; position relative to
 // the viewport, negative from the right or bottom edge.

@@ -3,6 +3,7 @@
 // window. Owns nothing. A capture needs a display and its draw window; what lies
 // images over the plot is in gks_overlay.cpp, the capture itself is the display's.
 
+#include "gif_loop.h"
 #include "gks_draw.h"
 #include "img_kind.h"
 
@@ -15,6 +16,10 @@ const IMG_kind& kind_of(decltype(IMG_kind::write) writer) {
     return *std::ranges::find(IMG_kinds(), writer, &IMG_kind::write);
 }
 
+IMG_look look_now() {
+    return {static_cast<std::uint32_t>(gget_color_ind(-1)), gget_win_title()};
+}
+
 } // namespace
 
 int gget_image(IMG_report* image) {
@@ -25,8 +30,7 @@ int gget_image(IMG_report* image) {
 // --- Files ----------------------------------------------------------------------
 
 int gwrite_image(const IMG_kind& kind, const char* filename, const IMG_report& image) {
-    const IMG_look look = {static_cast<std::uint32_t>(gget_color_ind(-1)), gget_win_title()};
-    return kind.write(filename, image, look);
+    return kind.write(filename, image, look_now());
 }
 
 int gdump_image(const IMG_kind& kind, const char* filename, void (*describe)(IMG_report* image)) {
@@ -38,6 +42,17 @@ int gdump_image(const IMG_kind& kind, const char* filename, void (*describe)(IMG
         describe(&image);
     }
     return gwrite_image(kind, filename, image);
+}
+
+int gadd_image(const char* filename, void (*describe)(IMG_report* image)) {
+    IMG_report image;
+    if (gget_image(&image) == 0) {
+        return 0;
+    }
+    if (describe != nullptr) {
+        describe(&image);
+    }
+    return GIF_add_frame(filename, image, look_now());
 }
 
 int gread_image_file(const char* filename, IMG_report* image) {

@@ -13,12 +13,13 @@
 
 namespace {
 
-constexpr std::array<IMG_kind, 4> kinds = {
+constexpr std::array<IMG_kind, 5> kinds = {
     {
-     {2, "gif", "GIF", "GIF", "zyr.gif", true, false, 0, "GIF", GIF_read, GIF_encode},
-     {4, "png", "PNG", "PNG", "zyr.png", true, false, 1, "PNG", PNG_read, PNG_encode},
-     {3, "img", "IMG", "IMG", "zyr.xwd", false, true, 0, "ZYR", IMG_read_zyr, IMG_encode},
-     {1, "xwd", "XWD", "xdump", "zyr.xwd", false, false, 0, "", XWD_read, XWD_encode},
+     {2, "gif", "GIF", "GIF", "zyr.gif", true, false, false, 0, "GIF", GIF_read, GIF_encode},
+     {5, "agif", "GIF", "GIF", "zyr.gif", true, true, false, 0, "GIF", GIF_read, GIF_encode},
+     {4, "png", "PNG", "PNG", "zyr.png", true, false, false, 1, "PNG", PNG_read, PNG_encode},
+     {3, "img", "IMG", "IMG", "zyr.xwd", false, false, true, 0, "ZYR", IMG_read_zyr, IMG_encode},
+     {1, "xwd", "XWD", "xdump", "zyr.xwd", false, false, false, 0, "", XWD_read, XWD_encode},
      }
 };
 static_assert(*kinds.back().magic == '\0', "what no other kind knows goes to the last");

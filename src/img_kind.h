@@ -27,6 +27,7 @@ struct IMG_kind {
     const char* dump_name; // in messages about the dump of a plot
     const char* file_name; // of a dump without a name of its own
     bool out_file;         // the list of output files takes the word
+    bool frames;           // one file holds all pictures of a run
     bool placed;           // keeps the place on the earth, and the plot's label
     std::size_t magic_at;  // where a file says its kind, and how; empty: it does not
     const char* magic;

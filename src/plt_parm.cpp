@@ -7,6 +7,7 @@
 #include "date.h"
 #include "files.h"
 #include "geometry_text.h"
+#include "gif_loop.h"
 #include "gks.h"
 #include "img_kind.h"
 #include "map.h"
@@ -45,6 +46,8 @@ enum class Word {
     font,
     gif_interlace,
     gif_transparent,
+    gif_delay,
+    gif_plays,
     inverse,
     local_colormap,
     rw_colors,
@@ -70,7 +73,7 @@ struct WordRow {
 };
 
 // The first row that fits a word counts.
-constexpr std::array<WordRow, 41> words = {
+constexpr std::array<WordRow, 43> words = {
     {
      {"full", false, Word::full, 0},
      {"fullab", false, Word::full_labels, 1},
@@ -94,6 +97,8 @@ constexpr std::array<WordRow, 41> words = {
      {"gif_inter", false, Word::gif_interlace, 1},
      {"gif_norm", false, Word::gif_interlace, 0},
      {"gif_trans", false, Word::gif_transparent, 1},
+     {"gif_delay", true, Word::gif_delay, 0},
+     {"gif_plays", true, Word::gif_plays, 0},
      {"inv", false, Word::inverse, 1},
      {"lcmap", false, Word::local_colormap, 1},
      {"nolcmap", false, Word::local_colormap, 0},
@@ -195,6 +200,15 @@ void set_bar(const char* value, int bar) {
     }
 }
 
+// Seconds of a picture; of the last one twice that unless they follow.
+void set_gif_delay(const char* value) {
+    std::array<float, 2> delays{};
+    const std::size_t count = read_numbers(value, take_float, &delays);
+    if (count == 0 || !GIF_set_pace(delays[0], count > 1 ? delays[1] : 2.0F * delays[0])) {
+        MESS_print(mess_warn, "plot_param: No delay: %s\n", value);
+    }
+}
+
 // Words that set something outside the plot session. `rest` is all that stands
 // behind the word, `value` the same without the separator.
 void apply_elsewhere(const WordRow& row, const char* rest, const char* value) {
@@ -232,6 +246,14 @@ void apply_elsewhere(const WordRow& row, const char* rest, const char* value) {
         break;
     case Word::gif_transparent:
         GIF_transparent(row.number);
+        break;
+    case Word::gif_delay:
+        set_gif_delay(value);
+        break;
+    case Word::gif_plays:
+        if (!GIF_set_plays(int_value(value, missing))) {
+            MESS_print(mess_warn, "plot_param: No number of plays: %s\n", value);
+        }
         break;
     case Word::inverse:
         gset_inverse(row.number);

@@ -5,6 +5,7 @@
 
 #include "cont.h"
 #include "files.h"
+#include "gif_loop.h"
 #include "gks.h"
 #include "img_kind.h"
 #include "img_place.h"
@@ -35,6 +36,7 @@ struct Session {
     bool lost = false;              // an output could not be written
     bool place = false;             // an image says to other programs where it lies
     IMG_place placed_at;            // of the picture that is being written
+    std::string loop_path;          // of the animation that is being written
 };
 Session session;
 
@@ -124,12 +126,15 @@ void describe_place(IMG_report* image) {
     };
 }
 
+// Of an animation the first picture says where it lies.
 bool write_image(const IMG_kind& kind, const char* path) {
-    if (!session.place || kind.placed) {
-        return gdump_image(kind, path, kind.placed ? describe : nullptr) != 0;
-    }
-    if (gdump_image(kind, path, describe_place) == 0) {
+    const bool place = session.place && !kind.placed && !GIF_has_frames();
+    void (*const about)(IMG_report*) = place ? describe_place : kind.placed ? describe : nullptr;
+    if ((kind.frames ? gadd_image(path, about) : gdump_image(kind, path, about)) == 0) {
         return false;
+    }
+    if (!place) {
+        return true;
     }
     if (IMG_write_place(path, session.placed_at) < 0) {
         PLT_lost_output();
@@ -188,29 +193,46 @@ const char* file_of_frame(int frame) {
         .c_str();
 }
 
+void report_image(const char* label, const char* path, bool written) {
+    if (written) {
+        MESS_print(mess_mess, "Wrote %s file: %s\n", label, path);
+        return;
+    }
+    MESS_print(mess_warn, "PLT_dump: Unable to write %s file: %s\n", label, path);
+    explain_output("PLT_dump");
+    PLT_lost_output();
+}
+
 // Writes the picture of the selected frame under the name that the dump's
 // convention gives with the keys `i`, `p` and `f`.
 void dump_image(const char* key, int frame) {
     const Date date = image_date();
     char name[file_name_size] = "";
     char path[file_name_size] = "";
+    const IMG_kind* kind = IMG_find_dump(session.dump);
     FILE_set_name(session.dump_file);
-    FILE_set_key('i', key);
+    FILE_set_key('i', kind != nullptr && kind->frames ? "loop" : key);
     FILE_set_file_key(file_of_frame(frame));
     FILE_set_key('p', title_for_name().c_str());
     FILE_set_date(&date, name);
     FILE_add_path(RES_get("image_path"), name, path);
-    const IMG_kind* kind = IMG_find_dump(session.dump);
     const char* label = kind == nullptr ? "" : kind->dump_name;
     if (!gtype_is_WIN_PIX()) {
         MESS_print(mess_warn, "PLT_dump: Images are taken of a window alone\n");
     }
-    if (kind != nullptr && write_image(*kind, path)) {
-        MESS_print(mess_mess, "Wrote %s file: %s\n", label, path);
+    const bool goes_on = GIF_has_frames();
+    const bool written = kind != nullptr && write_image(*kind, path);
+    if (written && kind->frames) {
+        session.loop_path = goes_on ? session.loop_path : path;
     } else {
-        MESS_print(mess_warn, "PLT_dump: Unable to write %s file: %s\n", label, path);
-        explain_output("PLT_dump");
-        PLT_lost_output();
+        report_image(label, path, written);
+    }
+}
+
+// All pictures are in the animation.
+void end_frames() {
+    if (GIF_has_frames()) {
+        report_image("GIF", session.loop_path.c_str(), GIF_end_frames() != 0);
     }
 }
 
@@ -259,6 +281,7 @@ int PLT_panel(float aspect) {
 int PLT_close() {
     // What is written has to be whole when the program comes back to the user;
     // a window is handed over as it is.
+    end_frames();
     const bool writes = session.dump != 0 || (gchk_graphics() != 0 && !gtype_is_WIN_PIX());
     if (FLAG_batch() != 0 && !writes) {
         go_to_background();

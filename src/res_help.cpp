@@ -25,6 +25,9 @@ void help_more(const ResRow& row) {
             MESS_print(mess_print, "               us,ne,at,se,mw,sp,nw,sw,var\n");
         }
         break;
+    case HelpMore::output:
+        MESS_print(mess_print, "               agif=name: the frames as one animated GIF\n");
+        break;
     case HelpMore::device:
         MESS_print(mess_print, "               p,name,small: a page small enough to mail\n");
         break;

@@ -10,7 +10,7 @@
 #include <iterator>
 
 // What the help prints after a row's first line.
-enum class HelpMore { none, levels, domain, region, device };
+enum class HelpMore { none, levels, domain, region, device, output };
 
 struct ResRow {
     res_type type;
@@ -44,7 +44,7 @@ inline constexpr ResRow res_rows[] = {
     {RES_output, "output", "zyrout", "ou", CV_string, HelpMore::none, "-ou type", "Type of output"},
     {RES_name_conv, "name_conv", "zyrnameconv", "nc", CV_name, HelpMore::none, "-nc type", "Naming convention file name"},
     {RES_in_file, "in_file", "zyrinfile", "if", CV_string, HelpMore::none, "-if type", "Input data file type"},
-    {RES_out_file, "out_file", "zyroutfile", "of", CV_string, HelpMore::none, "-of type", "Output file type"},
+    {RES_out_file, "out_file", "zyroutfile", "of", CV_string, HelpMore::output, "-of type", "Output file type"},
     {RES_file_param, "file_param", "zyrfileparam", "pf", CV_file_param, HelpMore::none, "-pf param", "File parameters: use,calc,over,app"},
     {RES_current, "current", "zyrcurrent", "cu", CV_current, HelpMore::none, "-cu [hour]", "Use current data file"},
     {RES_hour, "hour", "zyrhour", "ho", CV_hour, HelpMore::none, "-ho hour", "Actual hour of the file"},

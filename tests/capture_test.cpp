@@ -373,6 +373,8 @@ TEST_F(CaptureTest, ZyrshotMakesPicturesWithoutADisplay) {
     constexpr Row rows[] = {
         {"-s 403x301 disc a.png -- -pp full",                   0,  "a.png",              ""                                },
         {"-s 403x301 disc a.gif -- -pp full",                   0,  "a.gif",              ""                                },
+        {"-s 403x301 -a disc other m.gif -- -pp full",          0,  "m.gif",              ""                                },
+        {"-a disc other m.png",                                 2,  "",                   "zyrshot: an animation ends in"   },
         {"-s 403x301 other disc %i.png -- -pp full",            0,  "01.png",             ""                                },
         {"-s 403x301 other d/disc.nids.gz n%f.png -- -pp full", 0,  "ndisc.png",          ""                                },
         {"-s 403x301 la l.png -- -pp full",                     0,  "l.png",              ""                                },
