@@ -1,16 +1,18 @@
-// Radar summaries in netCDF: the check of the header, the library, the reports.
+// Radar summaries in netCDF, classic and in HDF5: the check of the header, the
+// library, the reports.
 #include "zyrrad.h"
 
+#include "cdf.h"
 #include "memory_file.h"
 
-#include <algorithm>
+#include <array>
 #include <cstdint>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     MESS_set(0, 0);
-    if (size < 4 || data[0] != 'C') {
+    if (size < 4 || (data[0] != 'C' && data[0] != 0x89)) {
         return 0; // texts have a target of their own
     }
     const MemoryFile file({data, data + size});
@@ -23,6 +25,24 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     constexpr int most = 200; // of many alike
     for (int i = 0; i < most && MDR_read(fd, &report, 0, &i) == 0; ++i) {
     }
+    // What summaries do not ask for, or not in this way.
+    std::array<int, cdf_max_dims> dims{};
+    std::array<char, 9> text{};
+    std::array<signed char, 4> bytes{};
+    float number = 0;
+    CDF_print_errors(1);
+    for (const char* name : {"none", "region", "config", "station", "mdr_x", "azimuth"}) {
+        const int var = CDF_get_var(name);
+        CDF_get_dim_size(CDF_get_dim(name));
+        CDF_get_var_dims(var, dims.data());
+        CDF_get_glob_att(name, text.data(), text.size());
+        CDF_set_pos(0);
+        CDF_get_str(var, text.data(), text.size());
+        CDF_get_byte(var, bytes.data());
+        CDF_get_byte_array(var, bytes.data(), bytes.size());
+        CDF_get_number(var, &number);
+    }
     RAD_close(fd);
+    CDF_close(fd);
     return 0;
 }
