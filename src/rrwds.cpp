@@ -212,7 +212,8 @@ int RRWDS_open_file(const char* filename) {
     }
     if (header != 1) {
         RRWDS_close_file();
-        if (header == -1 && FILE_get_num_file() == 0) {
+        const bool redraw = gchk_graphics() != 0; // keeps the picture
+        if (header == -1 && FILE_get_num_file() == 0 && !redraw) {
             PLT_exit(end_station);
         }
         return 0;

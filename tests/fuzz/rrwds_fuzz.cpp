@@ -1,22 +1,28 @@
-// An RRWDS image: the header, with its station.
+// An RRWDS image, from its header to the page.
 #include "rrwds.h"
 
-#include "zyrresrc.h"
-
-#include <cstdint>
-#include <cstdio>
+#include "files.h"
+#include "memory_file.h"
+#include "plot_session.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    MESS_set(0, 0);
-    RES_put("file_path", ZYR_SOURCE_DIR "/etc");
-    std::FILE* file = size > 0 ? fmemopen(const_cast<std::uint8_t*>(data), size, "rb") : nullptr;
-    if (file == nullptr) {
-        return 0;
+    [[maybe_unused]] static const bool opened = open_plot_session("p,/dev/null");
+    const MemoryFile file({data, data + size});
+    FILE_set_filename(file.name());
+    RRWDS_set_date(nullptr);
+    Domain domain;
+    DOM_init(&domain);
+    Domain elsewhere = mercator_domain();
+    RRWDS_domain(&elsewhere);
+    RRWDS_plot_param();
+    RRWDS_plot(&domain); // with the session open: a redraw
+    if (RRWDS_open_file(file.name()) == 1) {
+        RRWDS_rewind_file();
+        RRWDS_callback(0, "", 0.5F, 0.5F);
     }
-    NIDS_info info;
-    RRWDS_get_header(file, &info);
-    (void)std::fclose(file);
+    RRWDS_close_file();
+    RRWDS_rewind_file();
     return 0;
 }
