@@ -14,7 +14,7 @@
 //   make_sample --summary DIR    the same, and netCDF summaries
 //   make_sample --summary-seeds KIND DIR
 //                                small summaries: text or netcdf
-//   make_sample --mosaic-seeds DIR small mosaics of every kind
+//   make_sample --mosaic-seeds KIND DIR small images: nowrad, kavrad or rrwds
 //   make_sample --all DIR        a file of every kind, as the documents name them
 //   make_sample --seeds DIR      small products of every kind, whole and damaged
 //   make_sample --lev2-seeds DIR small Level II volumes of every kind, the same
@@ -151,9 +151,8 @@ int main(int argc, char** argv) {
     if (argc == 4 && std::string(argv[1]) == "--summary-seeds") {
         return write_files(argv[3], summary_seeds(std::string(argv[2]) == "netcdf")) ? 0 : 1;
     }
-    if (option == "--mosaic-seeds") {
-        return write_files(argv[2], nowrad_samples()) && write_files(argv[2], kavrad_samples()) ? 0
-                                                                                                : 1;
+    if (argc == 4 && std::string(argv[1]) == "--mosaic-seeds") {
+        return write_files(argv[3], mosaic_seeds(argv[2])) ? 0 : 1;
     }
     if (option == "--seeds") {
         return write_files(argv[2], nids_samples()) && write_files(argv[2], nids_seeds()) ? 0 : 1;
@@ -177,7 +176,7 @@ int main(int argc, char** argv) {
         "--nowrad-us FILE | --kavrad FILE | --rrwds FILE | --rcm FILE | --rcm-region FILE | "
         "--rcm-seeds DIR | --mdr FILE | "
         "--rcm-summary FILE | --summary DIR | --summary-seeds KIND DIR | "
-        "--mosaic-seeds DIR | --all DIR | --seeds DIR | "
+        "--mosaic-seeds KIND DIR | --all DIR | --seeds DIR | "
         "--lev2-seeds DIR | --image-seeds KIND DIR | --overlay-seeds DIR\n");
     return 2;
 }

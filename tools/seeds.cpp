@@ -2,6 +2,8 @@
 
 #include "image_sample.h"
 #include "lev2_writer.h"
+#include "mosaic_writer.h"
+#include "rrwds_writer.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -207,6 +209,13 @@ Seeds lev2_seeds() {
     terminal.id = "TOKC";
     terminal.lat = 35276.0F;
     terminal.lon = -97510.0F;
+    Lev2Radial dual = radial; // the moments of two polarizations, words of 8 and 16 bits
+    dual.moments = {
+        {"ZDR", 0, 250, 8,  16.0F,  128.0F, {0, 1, 2, 255}        },
+        {"PHI", 0, 250, 16, 2.8F,   2.0F,   {0, 1, 2, 513}        },
+        {"RHO", 0, 250, 8,  300.0F, -60.5F, {0, 1, 2, 255}        },
+        {"CFP", 0, 250, 8,  1.0F,   8.0F,   {0, 1, 2, 3, 7, 8, 99}}
+    };
     Lev2Radial fixed = radial;
     fixed.type = 1;
     Lev2Radial angles = radial;
@@ -229,6 +238,7 @@ Seeds lev2_seeds() {
     nameless.units = {lev2_radial(radial)};
     Seeds seeds;
     seeds.emplace_back("terminal", lev2_with(terminal));
+    seeds.emplace_back("dual", lev2_with(dual));
     seeds.emplace_back("cuts", lev2_volume(cuts, false));
     seeds.emplace_back("pattern",
                        lev2_volume(lev2_units({1, 1, 1, 2, 2, 2}, {false, false}), true));
@@ -243,6 +253,14 @@ Seeds lev2_seeds() {
     seeds.emplace_back("unit_cut", cut(packed, packed.size() - 40));
     seeds.emplace_back("unit_damaged", with(packed, 24 + 60, 0x5A));
     seeds.emplace_back("unit_skipped", nids_join({with(unit, 3, 0xFF), Bytes(100, 1)}));
+    const Bytes twice = nids_join({packed, unit});
+    seeds.emplace_back("units", twice);
+    seeds.emplace_back("units_trailer", nids_join({twice, bytes_of("\r\r\n\x03"s)}));
+    seeds.emplace_back("units_cut", cut(twice, twice.size() - 5));
+    seeds.emplace_back("units_head", nids_join({
+                                         twice, {0, 0}
+    }));
+    seeds.emplace_back("last_damaged", with(twice, twice.size() - unit.size() + 9, 0x5A));
     seeds.emplace_back("unit_longer", nids_join({head, with(unit, 3, 0xF0), Bytes(300, 0)}));
     seeds.emplace_back("unit_none", nids_join({head, unit, Bytes(4, 0), unit}));
     seeds.emplace_back("units_more", nids_join({head, unit, bytes_of("\0\0\0"s)}));
@@ -252,6 +270,99 @@ Seeds lev2_seeds() {
     seeds.emplace_back("gzip_twice", nids_join({zipped, zipped}));
     seeds.emplace_back("gzip_and_more", nids_join({zipped, bytes_of("more")}));
     return seeds;
+}
+
+// --- Mosaics and RRWDS ----------------------------------------------------------
+
+namespace {
+
+// Runs of every form, masks, and control bytes that look like tags.
+Seeds nowrad_seeds() {
+    Bytes head = nowrad_header(nowrad_latlon(3, 60, -97.3, 36.5, 0.11, 0.13));
+    const Bytes line = {0x00, 0xF0, 0x0C, 0x01, 0x00};
+    const Bytes end = {0x00, 0xF0, 0x0D};
+    const auto image = [&](const Bytes& packets) { return nids_join({head, line, packets, end}); };
+    const auto titled = [](const std::string& title) {
+        NowradImage with_title = nowrad_lambert(3, 60);
+        with_title.title = title;
+        return nowrad_header(with_title);
+    };
+    Seeds all;
+    all.emplace_back("runs", image({0x35, 0xE4, 0x1F, 0xD3, 0x20, 0x01, 0xC0, 0x00, 0x11}));
+    all.emplace_back("masks", image({0x10, 0xF5, 0x35, 0x00, 0x10, 0xF0, 0x0D}));
+    all.emplace_back("like_tags", image({0x00, 0xF0, 0x00, 0x00, 0x00, 0x12, 0x00, 0xF1, 0x02}));
+    all.emplace_back("run_cut", nids_join({
+                                    head, line, {0xD1, 0x05}
+    }));
+    all.emplace_back("line_cut", nids_join({
+                                     head, {0x00, 0xF0, 0x0C, 0x01}
+    }));
+    all.emplace_back("zero_last", nids_join({
+                                      head, line, {0x21, 0x00}
+    }));
+    all.emplace_back("zero_mark", nids_join({
+                                      head, line, {0x21, 0x00, 0xF0}
+    }));
+    all.emplace_back("us", titled("USRAD Hi               22:30 03-JUN-99"));
+    all.emplace_back("no_month", titled("NOWrad Master       22:30 03-XYZ-99"));
+    all.emplace_back("no_day", titled("NOWrad Master       22:30"));
+    all.emplace_back("no_time", titled("NOWrad Master       none"));
+    NowradImage other = nowrad_latlon(3, 60, -97.3, 36.5, 0.11, 0.13);
+    other.projection = "nothing";
+    all.emplace_back("no_angles", nowrad_header(other));
+    other.kind = 'L';
+    all.emplace_back("no_lambert", nowrad_header(other));
+    other.kind = 'X';
+    all.emplace_back("no_projection", nowrad_header(other));
+    all.emplace_back("no_size", nowrad_header(nowrad_latlon(0, 60, -97.3, 36.5, 0.11, 0.13)));
+    for (const std::size_t size : {2, 3, 4, 9, 30, 60}) {
+        all.emplace_back("cut_" + std::to_string(size), cut(head, size));
+    }
+    return all;
+}
+
+Seeds kavrad_seeds() {
+    Bytes bytes; // a value and its run for each code, then each form of a run
+    for (int code = 0; code < 64; ++code) {
+        bytes.push_back(static_cast<std::uint8_t>(0x40 | code));
+    }
+    const Bytes runs = {0x22, 0x05, 0x24, 0x80, 0x23, 0x23, 0x25, 0x21};
+    Seeds all;
+    for (const char type : {' ', 'C'}) {
+        const Bytes head = kavrad_header({.coarse = type == 'C', .type = type, .date = "2x    "});
+        all.emplace_back(type == 'C' ? "codes_marked" : "codes", nids_join({head, bytes, runs}));
+        all.emplace_back(type == 'C' ? "run_cut" : "no_end", nids_join({head, cut(runs, 3)}));
+    }
+    all.emplace_back("short", cut(kavrad_header({}), 100));
+    return all;
+}
+
+// A few azimuths are enough: the rest is the same.
+Seeds rrwds_seeds() {
+    const auto level = [](int azimuth, int bin) { return (azimuth + bin / 9) % 8; };
+    RrwdsImage low;
+    low.near = true;
+    low.elev = -1.3F;
+    RrwdsImage nowhere;
+    nowhere.site = "\x01?";
+    constexpr std::size_t three = 12 + 3 * 80;
+    Seeds all;
+    all.emplace_back("far", cut(rrwds_file({}, level), three));
+    all.emplace_back("near", cut(rrwds_file(low, level), three + 33));
+    all.emplace_back("nowhere", cut(rrwds_file(nowhere, level), three));
+    all.emplace_back("short", cut(rrwds_file({}, level), 11));
+    return all;
+}
+
+} // namespace
+
+Seeds mosaic_seeds(const std::string& kind) {
+    Seeds all = kind == "nowrad" ? nowrad_samples() : kind == "kavrad" ? kavrad_samples() : Seeds{};
+    const Seeds more = kind == "nowrad"   ? nowrad_seeds()
+                       : kind == "kavrad" ? kavrad_seeds()
+                                          : rrwds_seeds();
+    all.insert(all.end(), more.begin(), more.end());
+    return all;
 }
 
 // --- Images ---------------------------------------------------------------------

@@ -12,6 +12,7 @@ using Seeds = std::vector<std::pair<std::string, Bytes>>;
 
 Seeds nids_seeds();
 Seeds lev2_seeds();
-Seeds image_seeds(const std::string& kind); // "gif", "png", "xwd", "native"
+Seeds mosaic_seeds(const std::string& kind); // "nowrad", "kavrad", "rrwds"
+Seeds image_seeds(const std::string& kind);  // "gif", "png", "xwd", "native"
 // Images after a byte for the display and one for the place.
 Seeds overlay_seeds();

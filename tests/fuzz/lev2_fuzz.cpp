@@ -1,8 +1,10 @@
 // The Level II reader on any bytes: header, records, gates and the texts about
 // the cuts. The seeds are made by
 // `make_sample --lev2-seeds tests/fuzz/seeds/lev2_fuzz`.
+#include "lev2_stream.h"
 #include "lev2_walk.h"
 
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <vector>
@@ -67,6 +69,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         expect(LEV2_rewind_file() == 1);
         expect(LEV2_get_block(&again) == got && again.type == first.type);
         LEV2_close_file();
+    }
+    for (const bool walked : {false, true}) { // the units ahead of the walk
+        std::array<std::uint8_t, 64> head{};
+        lev2_stream_open(FILE_ptr(std::fopen(file.name(), "rbe")));
+        lev2_count_units(head);
+        while (walked && !lev2_record(1).empty()) {
+            lev2_units_walked();
+            lev2_advance(lev2_record(1).size());
+            lev2_units_walked();
+        }
     }
     LEV2_open_file("/dev/null/none");
     expect(LEV2_get_header(&info) == 0 && LEV2_get_block(&first) == 0 && LEV2_next_block() == 0);

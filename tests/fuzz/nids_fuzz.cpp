@@ -34,6 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     MESS_set(0, 0);
+    NIDS_is_product({data, size});
     // The first byte may select a product of a collective file.
     const bool collective = size > 0 && data[0] == '*';
     const std::vector<std::uint8_t> bytes(data, data + size);

@@ -59,12 +59,17 @@ bool use_screen(int number) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    IMG_report nothing;
+    if (screens().open < 0 && (goverlay_image_file("/dev/null/none", "", 0, 0) != 0 ||
+                               goverlay_image(&nothing, "", 0, 0) != 0)) {
+        std::abort(); // no window yet
+    }
     if (size < 2 || !use_screen(data[0] % static_cast<int>(depths.size()))) {
         return 0;
     }
     constexpr std::array<const char*, 4> backgrounds = {"", "white", "#00FF00", "no colour"};
-    IMG_report nothing;
-    if (goverlay_image(&nothing, "", 0, 0) != 0) {
+    if (goverlay_image(&nothing, "", 0, 0) != 0 ||
+        goverlay_image_file("/dev/null/none", "", 0, 0) != 0) {
         std::abort();
     }
     const MemoryFile file({data + 2, data + size});

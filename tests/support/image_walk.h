@@ -38,6 +38,9 @@ inline void image_walk(const std::vector<std::uint8_t>& bytes, ImageReader read)
     if (image.bytes_line >= most_bytes / image.height) {
         return;
     }
+    image.texts = {
+        {"Title", "what a file says of itself"}
+    };
     for (const IMG_kind& kind : IMG_kinds()) {
         IMG_report none;
         if (kind.write("/dev/null/none", image, {}) == 1 ||
