@@ -329,6 +329,20 @@ void gdraw_area(int n, const Gpixel* points, int color, bool solid) {
     draw.held_color = color;
 }
 
+void gdraw_quads(std::span<const Gcolored_quad> quads) {
+    gflush_fill();
+    if (has_pen(Gpen::fill)) {
+        draw.side->quads(quads);
+    }
+}
+
+void Gdisplay::quads(std::span<const Gcolored_quad> quads) {
+    for (const auto& [p, color] : quads) {
+        const std::array<Gpixel, 5> closed = {p[0], p[1], p[2], p[3], p[0]};
+        area(static_cast<int>(closed.size()), closed.data(), color);
+    }
+}
+
 void gflush_fill() {
     const int n = draw.held;
     draw.held = 0;

@@ -13,6 +13,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 // --- The display that is open -------------------------------------------------------
@@ -51,6 +52,7 @@ int gwindow_side(int side, int usual);
 struct Gpixel {
     std::int16_t x, y;
 };
+using Gquad = std::array<Gpixel, 4>; // the corners of an area in turn
 enum class Gpen { line, marker, text, fill };
 
 // True while a display is open and its pens are made.
@@ -72,6 +74,12 @@ void gdraw_lines(Gpen pen, int n, const Gpixel* points);
 // An area with its outline, so that neighbours meet without gaps. A solid one may
 // be held back until gflush_fill, since the next may hide it.
 void gdraw_area(int n, const Gpixel* points, int color, bool solid);
+// Solid areas of four corners, each with its colour.
+struct Gcolored_quad {
+    Gquad corners;
+    int color;
+};
+void gdraw_quads(std::span<const Gcolored_quad> quads);
 void gdraw_clear(const Grectangle& rect); // in the background
 
 // --- Pictures ---------------------------------------------------------------------------
@@ -171,6 +179,7 @@ public:
     virtual void point(Gpen pen, Gpixel at) = 0;
     virtual void lines(Gpen pen, int n, const Gpixel* points) = 0;
     virtual void area(int n, const Gpixel* points, int color) = 0;
+    virtual void quads(std::span<const Gcolored_quad> quads);
 
     virtual Gpicture make_picture(int width, int height) = 0;
     virtual void free_picture(Gpicture picture) = 0;

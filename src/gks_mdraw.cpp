@@ -396,9 +396,23 @@ public:
             return;
         }
         const Gink ink = {pixel_of_index(color), pattern_in_force()};
-        const std::span<const Gpixel> corners(points, static_cast<std::size_t>(n));
-        graster_area(on, ink, corners);
-        graster_lines(on, ink, {0, false, nullptr}, corners);
+        graster_outlined(on, ink, {points, static_cast<std::size_t>(n)});
+    }
+
+    void quads(std::span<const Gcolored_quad> quads) override {
+        const Gcanvas on = canvas();
+        if (on.pixels == nullptr) {
+            return;
+        }
+        int color = missing;
+        std::uint32_t pixel = black;
+        for (const Gcolored_quad& quad : quads) {
+            if (quad.color != color) {
+                color = quad.color;
+                pixel = pixel_of_index(color);
+            }
+            graster_quad(on, pixel, quad.corners);
+        }
     }
 
     Gpicture make_picture(int width, int height) override;

@@ -34,10 +34,18 @@ public:
             more.reset(new (std::nothrow) Gpixel[n]);
             at = more.get();
         }
+        if (at == nullptr || n < 1) {
+            return;
+        }
         const Gpipe& p = gget_pipe();
-        for (int i = 0; at != nullptr && i < n; ++i) {
+        // Areas of the data end where they begin.
+        const bool closed = pts[n - 1].x == pts[0].x && pts[n - 1].y == pts[0].y;
+        const int own = closed ? n - 1 : n;
+        at[0] = to_pixel(p, pts[0]);
+        for (int i = 1; i < own; ++i) {
             at[i] = to_pixel(p, pts[i]);
         }
+        at[n - 1] = closed ? at[0] : at[n - 1];
     }
     const Gpixel* points() const { return at; }
 

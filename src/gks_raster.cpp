@@ -301,6 +301,112 @@ void thin_dashed(const Gcanvas& canvas, const Gink& ink, const Gdash& dash,
     }
 }
 
+// --- Areas of four corners with their outline -----------------------------------
+
+// Where such a figure goes down once and up once each row is one span: what the area
+// takes lies between two pixels of the outline, or next to one. The outline alone tells
+// the span, in one go over the sides.
+constexpr int few_rows = 24;
+
+class Spans {
+public:
+    Spans(int top, int rows) : top_(top), rows_(rows) {
+        for (int i = 0; i < rows; ++i) {
+            of_row_[i] = {std::numeric_limits<int>::max(), std::numeric_limits<int>::min()};
+        }
+    }
+    void take(int x, int y) {
+        Row& row = of_row_[y - top_];
+        row.first = std::min(row.first, x);
+        row.last = std::max(row.last, x);
+    }
+    // The pixels of a thin side but its last, as draw_free has them.
+    void take_side(Gpixel a, Gpixel b) {
+        take(a.x, a.y);
+        if (std::abs(b.x - a.x) < 2 && std::abs(b.y - a.y) < 2) {
+            return;
+        }
+        const Thin line(a, b);
+        int at = line.at;
+        int across = line.across;
+        int rest = -line.len;
+        for (int k = 1; k < line.len; ++k) {
+            at += line.step;
+            rest += 2 * line.rise;
+            if (rest >= 0) {
+                across += line.side_step;
+                rest -= 2 * line.len;
+            }
+            line.steep ? take(across, at) : take(at, across);
+        }
+    }
+    void fill(const Gcanvas& canvas, std::uint32_t pixel) const {
+        std::uint32_t* row = canvas.pixels + static_cast<std::ptrdiff_t>(top_) * canvas.width;
+        for (int i = 0; i < rows_; ++i, row += canvas.width) {
+            for (int x = of_row_[i].first; x <= of_row_[i].last; ++x) {
+                row[x] = pixel;
+            }
+        }
+    }
+
+private:
+    struct Row {
+        int first, last;
+    };
+    int top_, rows_;
+    std::array<Row, few_rows> of_row_; // set as far as it is used
+};
+
+// Whether the sides turn from down to up and back no more than once.
+bool goes_down_once(const Gquad& quad) {
+    int turns = 0;
+    int first = 0;
+    int before = 0;
+    for (std::size_t i = 0; i < quad.size(); ++i) {
+        const int dy = quad[(i + 1) % quad.size()].y - quad[i].y;
+        if (dy != 0) {
+            const int way = dy < 0 ? -1 : 1;
+            first = first == 0 ? way : first;
+            turns += before != 0 && way != before ? 1 : 0;
+            before = way;
+        }
+    }
+    return turns + (before != first ? 1 : 0) <= 2;
+}
+
+// Draws one of few rows within the clip. False, with nothing drawn, for others.
+bool fill_quad(const Gcanvas& canvas, std::uint32_t pixel, const Gquad& quad) {
+    const auto [a, b, c, d] = quad;
+    const int left = std::min(std::min(a.x, b.x), std::min(c.x, d.x));
+    const int right = std::max(std::max(a.x, b.x), std::max(c.x, d.x));
+    const int top = std::min(std::min(a.y, b.y), std::min(c.y, d.y));
+    const int low = std::max(std::max(a.y, b.y), std::max(c.y, d.y));
+    const Gbox& clip = canvas.clip;
+    if (left < clip.x1 || right >= clip.x2 || top < clip.y1 || low >= clip.y2 ||
+        low - top >= few_rows) {
+        return false;
+    }
+    if (right - left <= 1 && low - top <= 1) {
+        if (left == right && top == low) {
+            return true; // the server leaves it out, see thin_solid
+        }
+        for (const Gpixel& p : quad) { // its corners are all
+            canvas.pixels[static_cast<std::ptrdiff_t>(p.y) * canvas.width + p.x] = pixel;
+        }
+        return true;
+    }
+    if (!goes_down_once(quad)) {
+        return false;
+    }
+    Spans spans(top, low - top + 1);
+    spans.take_side(a, b);
+    spans.take_side(b, c);
+    spans.take_side(c, d);
+    spans.take_side(d, a);
+    spans.fill(canvas, pixel);
+    return true;
+}
+
 // --- Wide lines -----------------------------------------------------------------
 
 struct Corner {
@@ -684,6 +790,23 @@ void graster_area(const Gcanvas& canvas, const Gink& ink, std::span<const Gpixel
         fill_small(canvas, ink, points, first, last);
     } else {
         fill_large(canvas, ink, points, first, last);
+    }
+}
+
+void graster_outlined(const Gcanvas& canvas, const Gink& ink, std::span<const Gpixel> points) {
+    if (ink.pattern == nullptr && points.size() == 5 && same_place(points[0], points[4])) {
+        graster_quad(canvas, ink.pixel, {points[0], points[1], points[2], points[3]});
+        return;
+    }
+    graster_area(canvas, ink, points);
+    graster_lines(canvas, ink, {0, false, nullptr}, points);
+}
+
+void graster_quad(const Gcanvas& canvas, std::uint32_t pixel, const Gquad& quad) {
+    if (!fill_quad(canvas, pixel, quad)) {
+        const std::array<Gpixel, 5> closed = {quad[0], quad[1], quad[2], quad[3], quad[0]};
+        graster_area(canvas, {pixel, nullptr}, closed);
+        graster_lines(canvas, {pixel, nullptr}, {0, false, nullptr}, closed);
     }
 }
 

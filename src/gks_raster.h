@@ -34,6 +34,9 @@ struct Gstroke {
 // The pixels whose centre lies inside, by the even-odd rule; a centre on the
 // outline counts where the inside is to its right, or below it.
 void graster_area(const Gcanvas& canvas, const Gink& ink, std::span<const Gpixel> points);
+// An area and the thin line about it, which is its points in turn.
+void graster_quad(const Gcanvas& canvas, std::uint32_t pixel, const Gquad& quad);
+void graster_outlined(const Gcanvas& canvas, const Gink& ink, std::span<const Gpixel> points);
 // A polyline; its corners are bevelled.
 void graster_lines(const Gcanvas& canvas, const Gink& ink, const Gstroke& stroke,
                    std::span<const Gpixel> points);

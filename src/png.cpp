@@ -18,6 +18,7 @@
 #include <vector>
 
 #include <png.h>
+#include <zlib.h>
 
 namespace {
 
@@ -70,11 +71,24 @@ struct WriteJob {
     png_bytepp rows;
 };
 
+// Packs a row by its runs alone. Pictures of radar are runs of one colour: of eleven
+// of them, products of 16 and 256 levels, with maps, of 640 by 512 and 1280 by 1024,
+// libpng takes
+//
+//   level 1   15.1 ms, 544 KB      level 6   71.6 ms, 372 KB
+//   level 2   16.9 ms, 507 KB      level 9    660 ms, 343 KB
+//   level 4   23.5 ms, 442 KB      runs      13.0 ms, 441 KB
+void pack_by_runs(png_structp png) {
+    png_set_compression_level(png, 1);
+    png_set_compression_strategy(png, Z_RLE);
+}
+
 bool write_png(png_structp png, png_infop info, WriteJob* job) {
     if (setjmp(png_jmpbuf(png)) != 0) { // NOLINT(cert-err52-cpp): the library's way
         return false;
     }
     png_init_io(png, job->file);
+    pack_by_runs(png);
     png_set_IHDR(png, info, job->width, job->height, 8, PNG_COLOR_TYPE_PALETTE, PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     png_set_PLTE(png, info, job->palette.data(), img_palette_size);

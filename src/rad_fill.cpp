@@ -3,6 +3,7 @@
 #include "rad_fill.h"
 
 #include "cont.h"
+#include "gks_strip.h"
 #include "region.h"
 #include "units.h"
 
@@ -14,6 +15,28 @@ namespace {
 
 constexpr float overlap_deg = 0.01F; // by which radials cover the next one's edge
 constexpr double earth_km = 6371.22; // radius of the maps' earth
+constexpr int samples = 24;          // along each side of the window
+
+// Projections on which small figures keep their shape well enough to compare their
+// size with their distance from the window.
+bool is_even(const Map& map) {
+    constexpr int codes[] = {proj_latlon, proj_pstereo, proj_lambert, proj_merc};
+    return std::find(std::begin(codes), std::end(codes), map.row->code) != std::end(codes);
+}
+
+// Steps at which a coordinate lies between two limits.
+void narrow(double at, double step, double low, double high, double* first, double* last) {
+    if (step == 0.0) {
+        if (!(at >= low && at <= high)) {
+            *last = *first - 1.0;
+        }
+        return;
+    }
+    const double a = (low - at) / step;
+    const double b = (high - at) / step;
+    *first = std::max(*first, std::min(a, b));
+    *last = std::min(*last, std::max(a, b));
+}
 
 } // namespace
 
@@ -94,7 +117,77 @@ RadEdges rad_earth_edges(const Map& own, double lat, double lon, const RadRay& r
 }
 
 RadStrip::RadStrip(const Map& own, const Map& plot)
-    : own_(own), plot_(plot), same_(DOM_comp_proj(&own.domain, &plot.domain) != 0) {}
+    : own_(own), plot_(plot), same_(DOM_comp_proj(&own.domain, &plot.domain) != 0),
+      window_(find_window()) {}
+
+// By points along the edge of the window, and as much as lies between two of them more
+// on each side. Unknown where a pole or a point without image is near.
+RadStrip::Box RadStrip::find_window() const {
+    const MAP_limits& w = plot_.limits;
+    if (same_) {
+        return {w.x_min, w.x_max, w.y_min, w.y_max, true};
+    }
+    if (!is_even(own_) || !is_even(plot_)) {
+        return {};
+    }
+    for (const float pole : {90.0F, -90.0F}) {
+        float x = missing_f;
+        float y = missing_f;
+        if (plot_.tran(pole, plot_.domain.clon, &x, &y) != 0 && plot_.shows(x, y, 2.0)) {
+            return {};
+        }
+    }
+    Box box;
+    box.known = true;
+    const auto take = [&](float x, float y) {
+        Gpt place{missing_f, missing_f};
+        Gpt p{missing_f, missing_f};
+        if (plot_.untran(x, y, &place.x, &place.y) == 0 || std::fabs(place.x) > 75.0F ||
+            own_.tran(place.x, place.y, &p.x, &p.y) == 0) {
+            box.known = false;
+            return;
+        }
+        box.left = std::min<double>(box.left, p.x);
+        box.right = std::max<double>(box.right, p.x);
+        box.low = std::min<double>(box.low, p.y);
+        box.high = std::max<double>(box.high, p.y);
+    };
+    for (int i = 0; i <= samples && box.known; ++i) {
+        const float t = static_cast<float>(i) / samples;
+        const float x = w.x_min + (w.x_max - w.x_min) * t;
+        const float y = w.y_min + (w.y_max - w.y_min) * t;
+        take(x, w.y_min);
+        take(x, w.y_max);
+        take(w.x_min, y);
+        take(w.x_max, y);
+    }
+    const double pad_x = (box.right - box.left) / samples;
+    const double pad_y = (box.high - box.low) / samples;
+    return {box.left - pad_x, box.right + pad_x, box.low - pad_y, box.high + pad_y, box.known};
+}
+
+// Steps of which a figure may meet the window, with both its ends. The upright box
+// about a figure decides what goes to the device: so much farther off it is held to be
+// seen, and more where the plot turns and stretches it.
+RadStrip::StepRange RadStrip::seen_steps(const RadEdges& edges) const {
+    constexpr double endless = 1e9;
+    StepRange seen{-endless, endless};
+    const RadRuler& a = edges.first;
+    const RadRuler& b = edges.second;
+    const auto is_bent = [](const RadRuler& ruler) { return ruler.ddx != 0.0 || ruler.ddy != 0.0; };
+    if (!window_.known || is_bent(a) || is_bent(b)) {
+        return seen;
+    }
+    const auto chord = [&](int step) {
+        return std::hypot(b.x - a.x + step * (b.dx - a.dx), b.y - a.y + step * (b.dy - a.dy));
+    };
+    const double length = longest_ * std::hypot(a.dx, a.dy);
+    const double size = std::max(chord(steps_.front()), chord(steps_.back())) + length;
+    const double pad = size * (same_ ? 1.5 : 8.0) + length;
+    narrow(a.x, a.dx, window_.left - pad, window_.right + pad, &seen.first, &seen.last);
+    narrow(a.y, a.dy, window_.low - pad, window_.high + pad, &seen.first, &seen.last);
+    return seen;
+}
 
 void RadStrip::begin() {
     steps_.clear();
@@ -107,6 +200,7 @@ int RadStrip::add(int start, int count, int chunk, const Gattribs& attrib) {
         return 0;
     }
     const std::size_t before = figures_.size();
+    longest_ = std::max(longest_, std::min(count, chunk));
     if (steps_.empty() || steps_.back() != start) {
         steps_.push_back(start);
     }
@@ -123,37 +217,86 @@ void RadStrip::draw(const RadEdges& edges) {
         return;
     }
     drawn_ = true;
-    place(edges.first, near_);
-    place(edges.second, far_);
+    const StepRange seen = seen_steps(edges);
+    std::size_t first = 0;
+    std::size_t end = steps_.size();
+    while (first < end && !seen.holds(steps_[first])) {
+        ++first;
+    }
+    while (end > first && !seen.holds(steps_[end - 1])) {
+        --end;
+    }
+    if (end - first < 2) {
+        return;
+    }
+    place(edges.first, first, end, near_);
+    place(edges.second, first, end, far_);
     if (!same_) {
         reproject(near_);
         reproject(far_);
     }
+    // Solid figures go out together; a hatched one has an attribute of its own.
+    const auto in_place = [](const std::vector<Gpt>& points) {
+        return std::all_of(points.begin(), points.end(), rad_is_place);
+    };
+    const bool whole = in_place(near_) && in_place(far_);
+    colors_.assign(end - first - 1, -1);
     for (const Figure& figure : figures_) {
-        const std::size_t i = figure.first;
-        const std::array<Gpt, 5> corners = {near_[i], near_[i + 1], far_[i + 1], far_[i], near_[i]};
-        if (!std::all_of(corners.begin(), corners.end(), rad_is_place)) {
+        if (figure.first < first || figure.first + 1 >= end) {
+            continue;
+        }
+        const std::size_t i = figure.first - first;
+        if (!whole && !(rad_is_place(near_[i]) && rad_is_place(near_[i + 1]) &&
+                        rad_is_place(far_[i + 1]) && rad_is_place(far_[i]))) {
             continue;
         }
         if (!in_view_) {
-            note(corners);
+            note({near_[i], near_[i + 1], far_[i + 1], far_[i], near_[i]});
         }
-        if (figure.color != color_ || figure.fill_pat != fill_pat_) {
-            color_ = figure.color;
-            fill_pat_ = figure.fill_pat;
-            Gattribs attrib;
-            attrib.color = color_;
-            attrib.fill_pat = fill_pat_;
-            GPH_fill_attr(&attrib);
+        const bool solid = figure.fill_pat == 0 && figure.color >= 0;
+        if (!solid || fill_pat_ != 0) {
+            fill_solid();
+            look_as(figure);
         }
-        gfill_area(static_cast<int>(corners.size()), corners.data());
+        if (solid) {
+            colors_[i] = figure.color;
+            has_colors_ = true;
+        } else {
+            const std::array<Gpt, 5> corners = {near_[i], near_[i + 1], far_[i + 1], far_[i],
+                                                near_[i]};
+            gfill_area(static_cast<int>(corners.size()), corners.data());
+        }
+    }
+    fill_solid();
+}
+
+// Draws the solid figures collected so far, which have their colour to themselves.
+void RadStrip::fill_solid() {
+    if (has_colors_) {
+        gfill_strip(static_cast<int>(colors_.size()), near_.data(), far_.data(), colors_.data());
+        color_ = gget_fill_colr();
+        std::fill(colors_.begin(), colors_.end(), -1);
+        has_colors_ = false;
     }
 }
 
-void RadStrip::place(const RadRuler& ruler, std::vector<Gpt>& points) const {
+void RadStrip::look_as(const Figure& figure) {
+    if (figure.color == color_ && figure.fill_pat == fill_pat_) {
+        return;
+    }
+    color_ = figure.color;
+    fill_pat_ = figure.fill_pat;
+    Gattribs attrib;
+    attrib.color = color_;
+    attrib.fill_pat = fill_pat_;
+    GPH_fill_attr(&attrib);
+}
+
+void RadStrip::place(const RadRuler& ruler, std::size_t first, std::size_t end,
+                     std::vector<Gpt>& points) const {
     points.clear();
-    for (const int step : steps_) {
-        points.push_back(ruler.at(step));
+    for (std::size_t i = first; i < end; ++i) {
+        points.push_back(ruler.at(steps_[i]));
     }
 }
 

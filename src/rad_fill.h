@@ -121,6 +121,7 @@ public:
     // Figures from step `start` on, each `chunk` steps long and the last as
     // long as what is left of `count`. Returns their number.
     int add(int start, int count, int chunk, const Gattribs& attrib);
+    // What lies outside the window costs no transformation.
     void draw(const RadEdges& edges);
 
     // Whether a figure was drawn so far, and whether one meets the plot window.
@@ -130,22 +131,41 @@ public:
 private:
     static constexpr std::size_t max_figures = 8192;
 
+    // The plot window in the coordinates of the data: a box about it.
+    struct Box {
+        double left = 1e30, right = -1e30, low = 1e30, high = -1e30;
+        bool known = false; // else anything may lie in it
+    };
+    struct StepRange {
+        double first, last;
+        [[nodiscard]] bool holds(int step) const { return step >= first && step <= last; }
+    };
+
     struct Figure {
         std::size_t first; // its near step; the far one is the next
         int color, fill_pat;
     };
 
-    void place(const RadRuler& ruler, std::vector<Gpt>& points) const;
+    [[nodiscard]] Box find_window() const;
+    [[nodiscard]] StepRange seen_steps(const RadEdges& edges) const;
+    void place(const RadRuler& ruler, std::size_t first, std::size_t end,
+               std::vector<Gpt>& points) const;
     void reproject(std::vector<Gpt>& points) const;
+    void fill_solid();
+    void look_as(const Figure& figure);
     void note(const std::array<Gpt, 5>& corners);
 
     const Map& own_;
     const Map& plot_;
     bool same_;
+    Box window_;
+    int longest_ = 0; // of the figures so far, steps
     bool drawn_ = false, in_view_ = false;
     int color_ = missing;    // of the last figure drawn
     int fill_pat_ = missing; // and its pattern
     std::vector<int> steps_; // steps at which figures begin and end
     std::vector<Figure> figures_;
-    std::vector<Gpt> near_, far_; // the points of the two rulers at steps_
+    std::vector<int> colors_; // of the solid figures between them, -1: none
+    bool has_colors_ = false;
+    std::vector<Gpt> near_, far_; // the points of the two rulers at those steps_ that are seen
 };

@@ -1,5 +1,6 @@
 // The display in memory shows what a window of the same size shows, to the last pixel.
 #include "gks.h"
+#include "gks_raster.h"
 #include "image_sample.h"
 #include "lev2_writer.h"
 #include "mosaic_writer.h"
@@ -350,6 +351,34 @@ TEST_F(MemoryTest, ScriptsHaveAPicture) {
     EXPECT_NE(done.err, "");
     EXPECT_FALSE(std::filesystem::exists(dir.path() + "/big.png"));
 #endif
+}
+
+// What is drawn in one go over the sides is the area and the line about it.
+TEST(Raster, AreasOfFourCornersAreFilledWithTheirOutline) {
+    constexpr int side = 40;
+    std::mt19937 random(5);
+    const auto within = [&random](int low, int high) {
+        return static_cast<std::int16_t>(low + static_cast<int>(random() % unsigned(high - low)));
+    };
+    const Gbox clip = {3, 2, side - 2, side - 4};
+    for (int i = 0; i < 60000; ++i) {
+        const int size = 1 + i % 12 * (i % 12) / 4;
+        const int x = within(0, side);
+        const int y = within(0, side);
+        Gquad quad{};
+        for (Gpixel& p : quad) {
+            p = {within(x - size, x + size), within(y - size, y + size)};
+        }
+        std::vector<std::uint32_t> one(side * side);
+        std::vector<std::uint32_t> two(side * side);
+        graster_quad({one.data(), side, clip}, 1, quad);
+        const std::array<Gpixel, 5> points = {quad[0], quad[1], quad[2], quad[3], quad[0]};
+        graster_area({two.data(), side, clip}, {1, nullptr}, points);
+        graster_lines({two.data(), side, clip}, {1, nullptr}, {0, false, nullptr}, points);
+        ASSERT_EQ(one, two) << quad[0].x << ',' << quad[0].y << ' ' << quad[1].x << ',' << quad[1].y
+                            << ' ' << quad[2].x << ',' << quad[2].y << ' ' << quad[3].x << ','
+                            << quad[3].y;
+    }
 }
 
 // Nothing keeps the frames: their number has no bound.

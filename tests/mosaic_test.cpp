@@ -10,6 +10,7 @@
 #include "maptran.h"
 #include "memory_file.h"
 #include "nids_page.h"
+#include "rad_fill.h"
 #include "rad_mosaic.h"
 #include "region.h"
 #include "zyrgks.h"
@@ -17,6 +18,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <random>
@@ -353,8 +355,49 @@ TEST_F(MosaicPlot, GoldenPages) {
                   "kavrad");
 }
 
-// What a close window shows is what a wide one shows of it: the search for rows
-// and columns loses nothing, on any projection, over a pole and the date line.
+namespace {
+
+// What a close window shows is what a wide one shows of it: `draw` loses nothing of
+// it, and leaves out what is elsewhere.
+void expect_close_as_wide(const std::string& center, const std::string& wide_size,
+                          const std::string& close_size, const std::function<void()>& draw) {
+    const auto drawn = [&](const std::string& size, Domain* plot) {
+        EXPECT_EQ(DOM_decode((center + size).c_str(), plot), 1);
+        FigurePage page(*plot, ZYR_SOURCE_DIR);
+        CONT_reset_fill_set();
+        CONT_set_fill_colors("0:red,50:blue", 1);
+        MAP_get_domain(plot);
+        draw();
+        page.read(2);
+        return page.areas();
+    };
+    Domain wide;
+    Domain close;
+    const auto all = drawn(wide_size, &wide);
+    const auto some = drawn(close_size, &close);
+    const MAP_limits lim = map_make(close).limits;
+    // The page keeps two decimals: what only touches the window may be missed.
+    const auto meets = [&lim](const Figure& figure, float margin) {
+        const auto& p = figure.points;
+        const auto [left, right] = std::minmax({p[0].x, p[1].x, p[2].x, p[3].x});
+        const auto [low, high] = std::minmax({p[0].y, p[1].y, p[2].y, p[3].y});
+        return right > lim.x_min + margin && left < lim.x_max - margin &&
+               high > lim.y_min + margin && low < lim.y_max - margin;
+    };
+    const auto count = [&meets](const std::vector<Figure>& figures, float margin) {
+        return std::count_if(figures.begin(), figures.end(),
+                             [&](const Figure& figure) { return meets(figure, margin); });
+    };
+    const auto wanted = count(all, 0.05F);
+    EXPECT_GT(wanted, 30) << center;
+    EXPECT_GE(count(some, 0.0F), wanted) << center;
+    EXPECT_LE(count(some, 0.1F), wanted) << center;
+    EXPECT_LT(some.size(), all.size()) << center;
+}
+
+} // namespace
+
+// On any projection, over a pole and the date line.
 TEST(Mosaic, NothingInTheWindowIsLeftOut) {
     struct Row {
         const char* center;
@@ -381,42 +424,46 @@ TEST(Mosaic, NothingInTheWindowIsLeftOut) {
                 opened(nowrad_file(nowrad_latlon(60, 90, row.lon, row.top, 0.53, 0.61), blank));
             ASSERT_EQ(NOWRad_header(file.get(), &info), 1);
         }
-        const auto drawn = [&](const char* size, Domain* plot) {
-            EXPECT_EQ(DOM_decode((row.center + std::string(size)).c_str(), plot), 1);
-            FigurePage page(*plot, ZYR_SOURCE_DIR);
-            CONT_reset_fill_set();
-            CONT_set_fill_colors("0:red,50:blue", 1);
-            MAP_get_domain(plot);
+        expect_close_as_wide(row.center, ",121,81,1,1", ",13,9,.9,.9", [&info] {
             RadMosaic mosaic(info.domain, MAP_current(), 1, RadMosaic::Corners::from_top, 0);
             for (int line = 0; line < 60; ++line) {
                 mosaic.draw(line, 0, 90, 20.0F);
             }
-            page.read(2);
-            return page.areas();
-        };
-        Domain wide;
-        Domain close;
-        const bool degrees = std::string(row.center).starts_with("ll");
-        const auto all = drawn(degrees ? ",121,81,1,1" : ",121,81,1,1", &wide);
-        const auto some = drawn(degrees ? ",13,9,.9,.9" : ",13,9,.9,.9", &close);
-        const MAP_limits lim = map_make(close).limits;
-        // The page keeps two decimals: what only touches the window may be missed.
-        const auto meets = [&lim](const Figure& figure, float margin) {
-            const auto& p = figure.points;
-            const auto [left, right] = std::minmax({p[0].x, p[1].x, p[2].x, p[3].x});
-            const auto [low, high] = std::minmax({p[0].y, p[1].y, p[2].y, p[3].y});
-            return right > lim.x_min + margin && left < lim.x_max - margin &&
-                   high > lim.y_min + margin && low < lim.y_max - margin;
-        };
-        const auto count = [&meets](const std::vector<Figure>& figures, float margin) {
-            return std::count_if(figures.begin(), figures.end(),
-                                 [&](const Figure& figure) { return meets(figure, margin); });
-        };
-        const auto wanted = count(all, 0.05F);
-        EXPECT_GT(wanted, 30) << row.center;
-        EXPECT_GE(count(some, 0.0F), wanted) << row.center;
-        EXPECT_LE(count(some, 0.1F), wanted) << row.center;
-        EXPECT_LT(some.size(), all.size()) << row.center;
+        });
+    }
+}
+
+// Radials about a site near the centre, in the window and beyond its edges.
+TEST(Radials, NothingInTheWindowIsLeftOut) {
+    for (const char* center :
+         {"ps,36.1,-95.2", "lamb:30:-97:30:60,36.1,-95.2", "merc,36.1,-95.2", "ll,36.1,-95.2",
+          "ortho,36.1,-95.2", "ps:90:-97,85,-97", "merc,10,179", "sat,36.1,-95.2"}) {
+        Domain around;
+        ASSERT_EQ(DOM_decode(center, &around), 1);
+        for (const char* own_map : {"ps", "ll", "lamb"}) {
+            std::array<char, 80> text{};
+            std::snprintf(text.data(), text.size(), "%s,%.2f,%.2f,921,921,.01,.01", own_map,
+                          static_cast<double>(around.clat) - 0.7,
+                          static_cast<double>(around.clon) + 0.4);
+            Domain product;
+            ASSERT_EQ(DOM_decode(text.data(), &product), 1);
+            const Map own = map_make(product);
+            Gpt site{};
+            own.tran(product.clat, product.clon, &site.x, &site.y);
+            expect_close_as_wide(center, ",81,61,.3,.3", ",13,9,.09,.09", [&] {
+                RadStrip strip(own, MAP_current());
+                Gattribs look;
+                look.color = 4;
+                look.fill_pat = 0;
+                for (int i = 0; i < 72; ++i) {
+                    const RadEdges edges = rad_radial_edges(
+                        own, site, {static_cast<float>(5 * i), 0.0F, 5.0F, 0.0, 0.05});
+                    strip.begin();
+                    strip.add(3, 80, 1, look);
+                    strip.draw(edges);
+                }
+            });
+        }
     }
 }
 
