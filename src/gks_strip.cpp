@@ -60,10 +60,13 @@ void fill_each(int n, const Gpt* near, const Gpt* far, const int* colors) {
 
 } // namespace
 
+bool gdraws_at_once() {
+    return gtype_is_WIN() && gget_redraw() == 0 && gget_cache() == 0 && gdraw_ready();
+}
+
 void gfill_strip(int n, const Gpt* near, const Gpt* far, const int* colors) {
     // An event between two areas may change the transformation, and a list wants each.
-    const bool at_once = gtype_is_WIN() && gget_redraw() == 0 && gget_cache() == 0 && gdraw_ready();
-    if (!at_once) {
+    if (!gdraws_at_once()) {
         fill_each(n, near, far, colors);
         return;
     }

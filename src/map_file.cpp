@@ -16,6 +16,7 @@
 #include "map.h"
 #include "map_wrap.h"
 
+#include "gks_strip.h"
 #include "maptran.h"
 #include "no_memory.h"
 #include "units.h"
@@ -246,7 +247,8 @@ struct Box {
 
 // The picture as such a rectangle, to tell which records it does not show: those
 // whose distance exceeds their own size so far that not even the upright rectangle
-// about their image, which decides whether a line goes to the device, meets it.
+// about their image, which decides whether a line goes to the device, meets it. Where
+// pixels are all that is kept, those that only bend too little to reach it.
 class Neighbourhood {
 public:
     explicit Neighbourhood(const Map& map) : plane_(map.row->code == proj_latlon) {
@@ -272,7 +274,8 @@ public:
         known_ = box_.north < largest_lat && box_.south > -largest_lat &&
                  box_.east - box_.west < largest_lon;
         // Room for wide lines, and for the bow of an edge between two samples.
-        pad_ = 0.2F * (box_.north - box_.south + box_.east - box_.west);
+        const float share = at_once_ ? 0.08F : 0.2F;
+        pad_ = share * (box_.north - box_.south + box_.east - box_.west);
     }
 
     // Whether a record of `count` points can be left out. False where in doubt.
@@ -326,10 +329,11 @@ private:
     // pole that is far away.
     [[nodiscard]] float largest_growth(const Box& record) const {
         constexpr float usual = 3.0F, grown = 8.0F, endless = 1000.0F;
+        constexpr float bend = 0.2F; // of lines on their way along a parallel
         const float far = far_scale_ < 0.0F ? -record.north : record.south;
         const float lat = std::min({far, -std::fabs(record.north), -std::fabs(record.south)});
         if (far > -30.0F && lat > -75.0F) {
-            return usual;
+            return at_once_ && size(record) < 30.0F ? bend : usual;
         }
         return lat > -75.0F ? grown : endless;
     }
@@ -339,6 +343,7 @@ private:
     float pad_ = 0.0F;
     float far_scale_ = 1.0F; // -1: the far pole is the northern one
     bool plane_;
+    bool at_once_ = gdraws_at_once();
     bool known_ = false;
 };
 
