@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cerrno>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
@@ -20,7 +19,6 @@
 #include <string>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
 
@@ -518,16 +516,11 @@ const char* FILE_get_ext_info() {
 
 void FILE_explain(const char* name) {
     const FileState& s = file_state();
-    char path[file_name_size];
     if (FILE_is_stdio(name) != 0 || *name == '|') {
         return;
     }
-    if (FILE_is_dir(name) != 0) {
-        MESS_print(mess_warn, "FILE_set_file: It is a directory: %s\n", name);
-    } else if (FILE_exist(name) != 0) {
-        if (access(FILE_add_user_path(name, path), R_OK) != 0) {
-            MESS_print(mess_warn, "FILE_set_file: %s: %s\n", name, std::strerror(errno));
-        }
+    if (FILE_exist(name) != 0) {
+        FILE_tell_nearest("FILE_set_file", nullptr, name);
     } else if (*s.ext_info != '\0') {
         MESS_print(mess_warn, "FILE_set_file: No file has the whole name, \"%s\" was taken off\n",
                    s.ext_info);

@@ -375,6 +375,13 @@ char* FILE_add_user_path(const char* in, char* out) {
 void FILE_tell_nearest(const char* routine, const char* path, const char* file) {
     char name[file_name_size];
     const std::string full = FILE_add_user_path(FILE_add_path(path, file, name), name);
+    if (FILE_exist(name) != 0) {
+        if (FILE_is_dir(name) != 0 || access(name, R_OK) != 0) {
+            MESS_print(mess_warn, "%s: %s: %s\n", routine, name,
+                       FILE_is_dir(name) != 0 ? "Is a directory" : std::strerror(errno));
+        }
+        return;
+    }
     const std::size_t slash = full.rfind('/');
     const std::string directory = slash == std::string::npos ? "" : full.substr(0, slash + 1);
     std::vector<std::string> there;

@@ -55,8 +55,9 @@ char* FILE_add_path_delim(char* path);
 // `file` behind `path` (null: none); `file` alone if it is a standard stream
 // or a full path. `out` may be `file`. Returns `out`.
 char* FILE_add_path(const char* path, const char* file, char* out);
-// After the message that there is no such file: names the one beside it that is
-// spelt nearest, in a line of its own. Nothing where none is near.
+// After the message that a file does not open: says in a line of its own that it is
+// a directory or not to be read, or names the one beside it that is spelt nearest.
+// Nothing where none is near.
 void FILE_tell_nearest(const char* routine, const char* path, const char* file);
 // Replaces a leading "~" or "~user" by that home directory. `out` may be `in`.
 char* FILE_add_user_path(const char* in, char* out);

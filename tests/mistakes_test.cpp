@@ -194,7 +194,7 @@ constexpr Mistake mistakes[] = {
      "page.ps"},
     {"radial -mf usa.lst", 0,
      "MAP_process: No map database: usa.lst; a list of maps is named as fi:usa.lst\n", "page.ps"},
-    {"radial -mf .", 0, "MAP_process: Map file not found: .\n", "page.ps"},
+    {"radial -mf .", 0, "MAP_process: Map file not found: .\nMAP_process: *: Is a directory\n", "page.ps"},
     {"radial -pd nowhere", 0,
      "DOM_decode: Invalid plot domain\n\"nowhere\" is no region: the data's own domain is taken\n",
      "page.ps"},
@@ -223,7 +223,7 @@ constexpr Mistake mistakes[] = {
     {"radial -pp jpg=x.jpg", 0, "plot_param: Unknown word: jpg=x.jpg, the nearest is png\n",
      "page.ps"},
     // Inputs.
-    {".", 10, "NIDS_open_file: Unable to open file:.\nFILE_set_file: It is a directory: .\n",
+    {".", 10, "NIDS_open_file: Unable to open file:.\nFILE_set_file: .: Is a directory\n",
      "!page.ps"},
     {"raidal", 10, "NIDS_open_file: Unable to open file:./raidal\n"
      "FILE_set_file: The nearest file is ./radial\n", "!page.ps"},
