@@ -3,7 +3,7 @@
 
 // Prints a line for each file, in the order of their times: kind, product, site,
 // time, position, volume coverage pattern, cuts, extremes.
-//   json  each line is a JSON object (doc/formats.md has its members)
+//   json  each line is a JSON object (doc/json.md has its members)
 // Returns 0; -1 when no file is of a kind that is known.
 int RAD_print_files(int count, const char* const* files, bool json);
 
