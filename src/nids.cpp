@@ -539,7 +539,7 @@ int read_packet(FILE* ifile, int* code) {
     *code = read_code;
     if (nids_is_symbol_packet(read_code)) {
         walk.packet_code = read_code;
-        return nids_open_symbols(ifile, read_code);
+        return nids_open_symbols(ifile, read_code, {NIDS_read, nids_skip_bytes});
     }
     walk.packet_code = read_code == nids_packet_raster_alt ? nids_packet_raster : read_code;
     switch (walk.packet_code) {

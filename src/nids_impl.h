@@ -69,7 +69,12 @@ int nids_skip_bytes(FILE* ifile, long n);
 // Whether the walk takes a packet as one of storm symbols, or that passes over it
 // by its own length. Opens it after its code: returns 1; -1 at the end of the stream.
 bool nids_is_symbol_packet(int code);
-int nids_open_symbols(FILE* ifile, int code);
+// How it reads: NIDS_read and nids_skip_bytes, whose module calls it.
+struct NidsSource {
+    int (*read)(unsigned char* data, int dsize, FILE* ifile);
+    int (*skip)(FILE* ifile, long n);
+};
+int nids_open_symbols(FILE* ifile, int code, const NidsSource& source);
 
 // Length of a bin of the open product, km along the beam, and what it is along the
 // ground, 1 where the scale factor of its packet is not the cosine of the elevation.

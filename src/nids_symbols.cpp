@@ -39,6 +39,7 @@ constexpr int packet_generic = 28;
 constexpr int packet_generic_alt = 29;
 
 struct State {
+    NidsSource source{};
     bool wanted = false;
     int outer = 0;       // code of the packet: 23, 24, or that of the records
     int code = 0;        // of the records that are read
@@ -107,7 +108,7 @@ constexpr int hail_probable = 50;
 
 // The next `n` bytes of the records. Whether they were all there.
 template <std::size_t N> bool take(FILE* ifile, std::array<std::uint8_t, N>& area, int n) {
-    if (n > state.left || NIDS_read(area.data(), n, ifile) < 1) {
+    if (n > state.left || state.source.read(area.data(), n, ifile) < 1) {
         return false;
     }
     state.left -= n;
@@ -117,7 +118,7 @@ template <std::size_t N> bool take(FILE* ifile, std::array<std::uint8_t, N>& are
 int pass_over_rest(FILE* ifile) {
     const long rest = state.left;
     state.left = 0;
-    return nids_skip_bytes(ifile, rest);
+    return state.source.skip(ifile, rest);
 }
 
 // Opens the next packet inside one of a track. Returns 1; 0 when there is none; -1
@@ -270,15 +271,16 @@ bool nids_is_symbol_packet(int code) {
             code == packet_generic_alt);
 }
 
-int nids_open_symbols(FILE* ifile, int code) {
+int nids_open_symbols(FILE* ifile, int code, const NidsSource& source) {
     const bool wanted = state.wanted;
     state = {};
+    state.source = source;
     state.wanted = wanted;
     state.outer = state.code = code;
     std::array<std::uint8_t, 6> area{};
     const bool generic = code == packet_generic || code == packet_generic_alt;
     const int size = generic ? 6 : 2;
-    if (NIDS_read(area.data(), size, ifile) < 1) {
+    if (source.read(area.data(), size, ifile) < 1) {
         return -1;
     }
     ByteReader reader(area);

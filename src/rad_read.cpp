@@ -83,19 +83,6 @@ void empty(RAD_info* info) {
 
 } // namespace
 
-void rad_put_level(RAD_info* info, int column, int row, int level) {
-    if (column >= 0 && column < rad_columns && row >= 0 && row < rad_rows) {
-        info->summary[column][row] = static_cast<signed char>(level);
-    }
-}
-
-void rad_decode_label(RAD_info* info) {
-    Date date;
-    const bool known = DATE_decode_label(info->datim, &date) == 0 && is_set(date.day) &&
-                       date.year > 0 && date.month > 0;
-    info->date = known ? date : Date{};
-}
-
 int RAD_chktype(const char* filename) {
     const FILE_ptr file(FILE_open_data(filename));
     int fd = -1;

@@ -88,17 +88,6 @@ bool take_word(const char** at, char* word, std::size_t size) {
     return length > 0;
 }
 
-// The characters of a set, cut at the size of their field.
-void take_set(const char** at, std::string_view set, char* word, std::size_t size) {
-    std::size_t length = 0;
-    for (; **at != '\0' && set.find(**at) != set.npos; ++*at) {
-        if (length + 1 < size) {
-            word[length++] = **at;
-        }
-    }
-    word[length] = '\0';
-}
-
 // --- Grids ------------------------------------------------------------------------
 
 int rcm_level(char c) {
@@ -192,19 +181,6 @@ int read_grid(RAD_info* info) {
 }
 
 // --- Reports of a text ------------------------------------------------------------
-
-struct IntensityMark {
-    const char* text;
-    int intens;
-};
-constexpr IntensityMark intensity_marks[] = {
-    {"-",  1},
-    {"+",  3},
-    {"++", 4},
-    {"X",  5},
-    {"XX", 6},
-    {"U",  9},
-};
 
 // "450,235045": height, direction and range.
 void take_tops(const char* word, MDR_tops* tops) {
@@ -461,19 +437,4 @@ int rad_text_message(RCM_report* report, int rep_type) {
         }
     }
     return 1;
-}
-
-void rad_take_precipitation(const char** at, MDR_prec* prec) {
-    skip_blanks(at);
-    take_set(at, "*TRWSZLPAI", prec->type, sizeof prec->type);
-    if (prec->type[0] == '\0' || prec->type[0] == '*') {
-        copy_text(prec->type, sizeof prec->type, " ");
-    }
-    char mark[4] = "";
-    take_set(at, "-+XU", mark, sizeof mark);
-    for (const IntensityMark& row : intensity_marks) {
-        if (std::strcmp(row.text, mark) == 0) {
-            prec->intens = row.intens;
-        }
-    }
 }
