@@ -12,6 +12,7 @@
 #include "no_memory.h"
 #include "nowrad.h"
 #include "rad_check.h"
+#include "rad_files.h"
 #include "rad_info.h"
 #include "rad_input.h"
 #include "rad_list.h"
@@ -124,6 +125,35 @@ int print_info(int count, char** words) {
     return RAD_print_files(num, files, files != words) == 0 ? 0 : end_file;
 }
 
+// Finds out which kind of file is asked for. The exit code if there is none.
+int find_kind() {
+    if (RAD_find_input() != 0) {
+        return end_file;
+    }
+    RAD_cvt_in_file();
+    MESS_print_prog("RADAR DATA PLOTTING");
+    return 0;
+}
+
+// Plots files of that kind. Returns the exit code.
+int plot_kind() {
+    // What is of no other kind is a summary, the last row.
+    const auto* plotter =
+        std::find_if(std::begin(plotters), std::end(plotters) - 1,
+                     [](const Plotter& row) { return row.input == FLAG_get(flag_input); });
+    std::array<char, file_name_size> file{};
+    FILE_set_type(plotter->type);
+    FILE_get_file(plotter->prompt, file.data());
+    Domain domain;
+    plotter->run(&domain);
+    return 0;
+}
+
+int plot() {
+    const int code = find_kind();
+    return code != 0 ? code : plot_kind();
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -150,7 +180,7 @@ int main(int argc, char** argv) {
             "Words of -pp off unless given: storms (storm symbols of NIDS products),\n"
             "  exact (values and places of NIDS and Level II by the formats' own documents)\n"
             "More: zyrrad --list products|regions|colours|fonts|stations|projections|variables|"
-            "options; man zyrrad\n");
+            "options; --info FILE...; --files-from LIST; man zyrrad\n");
         ZYR_exit(0);
     }
     if (const char* kind = RES_get("--list")) {
@@ -160,23 +190,14 @@ int main(int argc, char** argv) {
         ZYR_exit(print_info(argc - num_args - 1, info + 1));
     }
     RAD_check_settings();
-    if (RAD_find_input() != 0) {
-        ZYR_exit(end_file);
+    if (RAD_wants_list()) {
+        ZYR_exit(RAD_plot_list(plot));
     }
-    RAD_cvt_in_file();
-    MESS_print_prog("RADAR DATA PLOTTING");
+    if (const int code = find_kind(); code != 0) {
+        ZYR_exit(code);
+    }
     if (argc == 1 && isatty(STDIN_FILENO) != 0) {
         RAD_print_greeting();
     }
-
-    // What is of no other kind is a summary, the last row.
-    const auto* plotter =
-        std::find_if(std::begin(plotters), std::end(plotters) - 1,
-                     [](const Plotter& row) { return row.input == FLAG_get(flag_input); });
-    std::array<char, file_name_size> file{};
-    FILE_set_type(plotter->type);
-    FILE_get_file(plotter->prompt, file.data());
-    Domain domain;
-    plotter->run(&domain);
-    return 0;
+    return plot_kind();
 }

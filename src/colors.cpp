@@ -8,6 +8,7 @@
 #include "files.h"
 #include "near_word.h"
 #include "res_table.h"
+#include "state_keeper.h"
 #include "text_list.h"
 #include "text_scan.h"
 
@@ -664,4 +665,8 @@ int ATTRIB_print(const Gattribs* attrib) {
     MESS_print(mess_print, "Fill: %d\n", attrib->fill_pat);
     MESS_print(mess_print, "Font: %d\n", attrib->font);
     return 0;
+}
+
+void keep_colors(StateKeeper& keeper) {
+    keeper.keep(table);
 }

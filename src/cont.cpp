@@ -7,6 +7,7 @@
 #include "cont_pal.h"
 #include "cont_state.h"
 #include "files.h"
+#include "state_keeper.h"
 #include "text_list.h"
 #include "text_num.h"
 #include "text_scan.h"
@@ -978,4 +979,8 @@ CONT_keeper::CONT_keeper() : kept_(std::make_unique<cont::State>(contours)) {}
 
 CONT_keeper::~CONT_keeper() {
     contours = *kept_;
+}
+
+void keep_cont(StateKeeper& keeper) {
+    keeper.keep(contours);
 }

@@ -5,6 +5,7 @@
 
 #include "cont_state.h"
 #include "plt_tool.h"
+#include "state_keeper.h"
 #include "text_num.h"
 #include "zyrresrc.h"
 
@@ -191,4 +192,8 @@ int CONT_flash_value(const char* str, float x, float y) {
         GPH_set_color(attrib.color, red, grn, blu);
     }
     return 0;
+}
+
+void keep_cont_bar(StateKeeper& keeper) {
+    keeper.keep(bar);
 }

@@ -6,6 +6,7 @@
 #include "files.h"
 #include "maptran.h"
 #include "no_memory.h"
+#include "state_keeper.h"
 #include "table.h"
 #include "text_scan.h"
 #include "tools.h"
@@ -456,4 +457,11 @@ int CTY_ids_cmp(int numid, const char* const* ids, const char* id) {
         }
     }
     return 0;
+}
+
+void keep_cty_tool(StateKeeper& keeper) {
+    keeper.close_by([] { clear_table(picture); });
+    keeper.keep(picture.id_type);
+    keeper.keep(picture.block_size);
+    keeper.keep(picture.enter);
 }

@@ -3,6 +3,7 @@
 // record that DATE_to_struct hands out.
 #include "date.h"
 
+#include "state_keeper.h"
 #include "text_scan.h"
 #include "tools.h"
 
@@ -450,4 +451,8 @@ int DATE_decode_seq(const char* text, Date* date) {
         width = 2;
     }
     return 0;
+}
+
+void keep_date(StateKeeper& keeper) {
+    keeper.keep(zone);
 }

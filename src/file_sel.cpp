@@ -6,6 +6,7 @@
 #include "file_state.h"
 #include "files.h"
 #include "name_find.h"
+#include "state_keeper.h"
 #include "text_scan.h"
 #include "tools.h"
 #include "zyrresrc.h"
@@ -830,4 +831,11 @@ int FILE_get_nsecs() {
 
 void FILE_set_nsecs(int seconds) {
     run_state.nsecs = seconds;
+}
+
+void keep_file_sel(StateKeeper& keeper) {
+    keeper.close_by([] {
+        free_parsed_array(run_state.numfile, run_state.files);
+        run_state = {};
+    });
 }

@@ -16,6 +16,7 @@
 #include "file_state.h"
 #include "near_word.h"
 #include "no_memory.h"
+#include "state_keeper.h"
 #include "text_list.h"
 #include "tools.h"
 #include "zyrresrc.h"
@@ -25,6 +26,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -54,6 +56,12 @@ struct Saved {
     int min_size = 0;
 };
 
+// What was read of a file, and which file it was then.
+struct KeptFile {
+    struct stat info {};
+    std::shared_ptr<const std::string> text;
+};
+
 struct Module {
     FileState state;
     Saved saved;
@@ -61,8 +69,98 @@ struct Module {
     bool told_length = false;                 // of a file of conventions that is too long
     std::vector<std::FILE*> pipes;            // streams that FILE_close must wait for
     std::set<std::pair<dev_t, ino_t>> inputs; // plain files that were opened for reading
+    bool keeps = false;
+    std::map<std::string, KeptFile> kept; // by the name as it was asked for
+    std::size_t kept_bytes = 0;
 };
 Module module;
+
+// --- Files kept in memory ----------------------------------------------------------
+
+constexpr std::size_t most_kept = std::size_t{16} << 20; // of all; more is read again
+
+struct KeptReader {
+    std::shared_ptr<const std::string> text; // stays while it is read
+    std::size_t at = 0;
+};
+
+ssize_t read_kept(void* cookie, char* buffer, std::size_t size) {
+    auto* reader = static_cast<KeptReader*>(cookie);
+    const std::size_t n = reader->text->copy(buffer, size, reader->at);
+    reader->at += n;
+    return static_cast<ssize_t>(n);
+}
+
+int seek_kept(void* cookie, off64_t* offset, int whence) {
+    auto* reader = static_cast<KeptReader*>(cookie);
+    const auto size = static_cast<off64_t>(reader->text->size());
+    const off64_t from = whence == SEEK_CUR   ? static_cast<off64_t>(reader->at)
+                         : whence == SEEK_END ? size
+                                              : 0;
+    if (from + *offset < 0 || from + *offset > size) {
+        return -1;
+    }
+    *offset += from;
+    reader->at = static_cast<std::size_t>(*offset);
+    return 0;
+}
+
+int close_kept(void* cookie) {
+    const std::unique_ptr<KeptReader> reader(static_cast<KeptReader*>(cookie));
+    return 0;
+}
+
+bool is_same(const struct stat& a, const struct stat& b) {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size &&
+           a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
+}
+
+// The text of a file that is kept, or is from now on; null for any other file.
+std::shared_ptr<const std::string> kept_text(const std::string& path) {
+    struct stat info {};
+    const auto found = module.kept.find(path);
+    if (stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
+        return nullptr;
+    }
+    if (found != module.kept.end()) {
+        if (is_same(found->second.info, info)) {
+            return found->second.text;
+        }
+        module.kept_bytes -= found->second.text->size();
+        module.kept.erase(found);
+    }
+    const auto size = static_cast<std::size_t>(info.st_size);
+    if (size > most_kept - std::min(most_kept, module.kept_bytes)) {
+        return nullptr;
+    }
+    std::string text(size, '\0');
+    const FILE_ptr file(FILE_open(path.c_str(), "r"));
+    if (file == nullptr || std::fread(text.data(), 1, size, file.get()) != size) {
+        return nullptr;
+    }
+    module.kept_bytes += size;
+    KeptFile& kept = module.kept[path];
+    kept = {info, std::make_shared<const std::string>(std::move(text))};
+    return kept.text;
+}
+
+// Null where the file is not kept.
+std::FILE* open_kept(const char* name) {
+    if (!module.keeps || FILE_is_stdio(name) != 0 || *name == '|') {
+        return nullptr;
+    }
+    char path[file_name_size];
+    auto reader =
+        std::make_unique<KeptReader>(KeptReader{kept_text(FILE_add_user_path(name, path))});
+    if (reader->text == nullptr) {
+        return nullptr;
+    }
+    std::FILE* stream =
+        fopencookie(reader.get(), "r",
+                    {.read = read_kept, .write = nullptr, .seek = seek_kept, .close = close_kept});
+    static_cast<void>(reader.release()); // close_kept has it
+    return ZYR_need(stream);
+}
 
 // --- Texts with an end -------------------------------------------------------------
 
@@ -99,6 +197,9 @@ int close_bounded(void* cookie) {
 
 // `whole`: a plain file needs no limit.
 std::FILE* open_bounded(const char* name, bool whole) {
+    if (std::FILE* kept = open_kept(name)) {
+        return kept;
+    }
     std::FILE* inner = FILE_open(name, "r");
     struct stat info {};
     if (inner == nullptr || (fstat(fileno(inner), &info) == 0 && S_ISREG(info.st_mode) &&
@@ -303,6 +404,10 @@ std::FILE* FILE_open(const char* name, const char* mode) {
 int FILE_is_input(const char* name) {
     struct stat info {};
     return stat_of(name, &info) && module.inputs.contains({info.st_dev, info.st_ino}) ? 1 : 0;
+}
+
+void FILE_keep_read() {
+    module.keeps = true;
 }
 
 std::FILE* FILE_open_text(const char* name) {
@@ -594,4 +699,9 @@ void FILE_get_date(Date* date) {
 
 void FILE_put_date(const Date* date) {
     module.state.file_date = *date;
+}
+
+void keep_files(StateKeeper& keeper) {
+    keeper.keep(module.state);
+    keeper.keep(module.saved);
 }

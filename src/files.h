@@ -50,6 +50,10 @@ std::FILE* FILE_open_text(const char* name);
 // The same for what is no text: a plain file is read whole, whatever its size.
 std::FILE* FILE_open_bounded(const char* name);
 
+// From now on what these two read from plain files stays in memory, so that a run of
+// many pictures reads maps, fonts and tables once. A file that has changed is read again.
+void FILE_keep_read();
+
 // Appends "/" unless the text is empty or ends with one.
 char* FILE_add_path_delim(char* path);
 // `file` behind `path` (null: none); `file` alone if it is a standard stream

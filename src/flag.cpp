@@ -1,6 +1,8 @@
 // flag.cpp: the switchboard of the program: 30 numbered flags and the 13
 // switches that tell which components of a plot are drawn. It owns both
 // tables and needs nothing to be called first; RES_init unsets all flags.
+
+#include "state_keeper.h"
 #include "zyr.h"
 
 #include <array>
@@ -107,4 +109,8 @@ int FLAG_getplot(int index) {
 int FLAG_resetplot(int value) {
     state.plot_it.fill(value);
     return 0;
+}
+
+void keep_flag(StateKeeper& keeper) {
+    keeper.keep(state);
 }

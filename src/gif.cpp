@@ -18,6 +18,7 @@
 
 #include "files.h"
 #include "out_file.h"
+#include "state_keeper.h"
 
 #include <algorithm>
 #include <array>
@@ -300,4 +301,8 @@ int GIF_read(const char* filename, IMG_report* image, int type) {
         MESS_print(mess_warn, "GIF_read: Pixels are missing: %s\n", filename);
     }
     return 1;
+}
+
+void keep_gif(StateKeeper& keeper) {
+    keeper.keep(settings);
 }

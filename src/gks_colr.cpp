@@ -5,6 +5,7 @@
 #include "gks_attr.h"
 #include "gks_draw.h"
 #include "gks_palette.h"
+#include "state_keeper.h"
 #include "zyr.h"
 #include "zyrresrc.h"
 
@@ -248,4 +249,8 @@ int gset_background(const char* text) {
 int gset_rw_colors(int value) {
     colr.rw_colors = value;
     return 0;
+}
+
+void keep_gks_colr(StateKeeper& keeper) {
+    keeper.keep(colr);
 }

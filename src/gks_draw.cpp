@@ -9,6 +9,7 @@
 #include "gks_draw.h"
 
 #include "gks_pipe.h"
+#include "state_keeper.h"
 
 #include <algorithm>
 #include <bit>
@@ -466,4 +467,8 @@ unsigned long gget_color_rgb_Xval(unsigned red, unsigned grn, unsigned blu) {
 
 const char* gdraw_default(const char* name) {
     return draw.side != nullptr ? draw.side->default_of(name) : nullptr;
+}
+
+void keep_gks_draw(StateKeeper& keeper) {
+    keeper.keep(draw);
 }

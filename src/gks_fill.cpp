@@ -4,6 +4,7 @@
 #include "gks_attr.h"
 #include "gks_pix.h"
 #include "gks_print.h"
+#include "state_keeper.h"
 #include "text_num.h"
 
 namespace {
@@ -198,4 +199,9 @@ int gclear_region(const Glim* lim) {
         return 0;
     }
     return 0;
+}
+
+void keep_gks_fill(StateKeeper& keeper) {
+    keeper.keep(fill);
+    keeper.keep(aside);
 }

@@ -15,6 +15,7 @@
 #include "zyr.h"
 
 #include "files.h"
+#include "state_keeper.h"
 #include "zyrresrc.h"
 
 #include <array>
@@ -463,4 +464,8 @@ int ghpgl_set_scale(float scale) {
     }
     hp.pr_scale = scale;
     return 0;
+}
+
+void keep_gks_hpgl(StateKeeper& keeper) {
+    keeper.keep(hp);
 }

@@ -4,6 +4,7 @@
 #include "gks_attr.h"
 #include "gks_pix.h"
 #include "gks_print.h"
+#include "state_keeper.h"
 
 #include <cmath>
 
@@ -159,4 +160,9 @@ void ghold_line_state(Ghold what) {
     if (what == Ghold::begin) {
         line = unknown_state;
     }
+}
+
+void keep_gks_line(StateKeeper& keeper) {
+    keeper.keep(line);
+    keeper.keep(aside);
 }

@@ -7,6 +7,7 @@
 #include "gks_loop.h"
 
 #include "gks_draw.h"
+#include "state_keeper.h"
 #include "zyr.h"
 
 #include <algorithm>
@@ -464,4 +465,8 @@ int gget_image_data(int ind, unsigned char* data) {
     }
     std::memcpy(data, frame->data.data(), static_cast<std::size_t>(frame->data_size));
     return frame->data_size;
+}
+
+void keep_gks_loop(StateKeeper& keeper) {
+    keeper.keep(loop);
 }

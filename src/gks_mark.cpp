@@ -5,6 +5,7 @@
 #include "gks_attr.h"
 #include "gks_draw.h"
 #include "gks_pipe.h"
+#include "state_keeper.h"
 #include "text_num.h"
 
 #include <array>
@@ -307,4 +308,9 @@ void ghold_marker_state(Ghold what) {
     if (what == Ghold::begin) {
         marker = {missing_index, missing_index, -1.0F, -1.0F};
     }
+}
+
+void keep_gks_mark(StateKeeper& keeper) {
+    keeper.keep(marker);
+    keeper.keep(marker_aside);
 }

@@ -8,6 +8,7 @@
 #include "gks_overlay.h"
 #include "gks_raster.h"
 #include "gks_state.h"
+#include "state_keeper.h"
 #include "text_scan.h"
 #include "zyr.h"
 #include "zyrresrc.h"
@@ -677,4 +678,15 @@ int gopen_memory() {
     gset_cache(0);
     memory.redraw = gset_redraw(0);
     return 0;
+}
+
+void keep_gks_mdraw(StateKeeper& keeper) {
+    keeper.close_by([] { memory.pictures.clear(); });
+    keeper.keep(memory.pens);
+    keeper.keep(memory.dashed);
+    keeper.keep(memory.dash);
+    keeper.keep(memory.fill_style);
+    keeper.keep(memory.fill_pattern);
+    keeper.keep(memory.clip);
+    keeper.keep(memory.redraw);
 }

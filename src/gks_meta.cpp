@@ -15,6 +15,7 @@
 #include "out_file.h"
 #include "zyr.h"
 
+#include "state_keeper.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
@@ -233,4 +234,8 @@ int gmeta_is_output(std::FILE* file) {
         return 0;
     }
     return S_ISREG(in.st_mode) && in.st_dev == out.st_dev && in.st_ino == out.st_ino ? 1 : 0;
+}
+
+void keep_gks_meta(StateKeeper& keeper) {
+    keeper.keep(meta);
 }

@@ -13,6 +13,7 @@
 #include "gks_draw.h"
 #include "no_memory.h"
 #include "out_file.h"
+#include "state_keeper.h"
 #include "zyr.h"
 
 #include <algorithm>
@@ -285,4 +286,12 @@ int gobj_print_meta() {
     gbell(50);
     list.redrawn = 1;
     return 0;
+}
+
+void keep_gks_obj(StateKeeper& keeper) {
+    keeper.close_by([] { gclear_objs(); });
+    keeper.keep(list.action);
+    keeper.keep(list.redraw);
+    keeper.keep(list.redrawn);
+    keeper.keep(list.num_objects);
 }

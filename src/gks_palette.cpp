@@ -3,6 +3,7 @@
 // and what colours go by besides. Nothing here asks a device: gks_colr.cpp fills it.
 
 #include "gks_palette.h"
+#include "state_keeper.h"
 
 #include <cmath>
 
@@ -107,4 +108,8 @@ int gget_back_color() {
 
 void gforget_pixels(bool display) {
     colr.color_ind.fill(display ? no_pixel : 0);
+}
+
+void keep_gks_palette(StateKeeper& keeper) {
+    keeper.keep(colr);
 }

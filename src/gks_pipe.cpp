@@ -5,6 +5,7 @@
 
 #include "gks_pipe.h"
 
+#include "state_keeper.h"
 #include "text_num.h"
 
 #include <algorithm>
@@ -251,4 +252,8 @@ float yW_trans(float y, int from, int to) {
     const Gcoords& tv = tran.vp[to];
     const float ndc = ratio((y - fw.y_min) * fv.y_ext, fw.y_ext) + fv.y_min;
     return ratio(ndc - tv.y_min, tv.y_ext) * tw.y_ext + tw.y_min;
+}
+
+void keep_gks_pipe(StateKeeper& keeper) {
+    keeper.keep(tran);
 }

@@ -4,6 +4,7 @@
 #include "gks_print.h"
 
 #include "out_file.h"
+#include "state_keeper.h"
 #include "text_num.h"
 #include "zyr.h"
 
@@ -142,4 +143,8 @@ void gprint_set_solid(int value) {
 
 int gget_fill_print_solid() {
     return wish.solid;
+}
+
+void keep_gks_print(StateKeeper& keeper) {
+    keeper.keep(wish);
 }

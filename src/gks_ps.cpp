@@ -17,6 +17,7 @@
 #include "zyr.h"
 
 #include "files.h"
+#include "state_keeper.h"
 #include "zyrresrc.h"
 
 #include <array>
@@ -809,4 +810,8 @@ int gps_set_small(int dpi) {
 int gps_set_reverse(int value) {
     ps.pr_rev = value;
     return 0;
+}
+
+void keep_gks_ps(StateKeeper& keeper) {
+    keeper.keep(ps);
 }

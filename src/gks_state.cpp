@@ -5,6 +5,7 @@
 #include "gks_state.h"
 
 #include "gks_utf8.h"
+#include "state_keeper.h"
 #include "zyr.h"
 #include "zyrresrc.h"
 
@@ -200,4 +201,9 @@ int gset_image_run(int value) {
 
 bool gis_image_run() {
     return station.image_run;
+}
+
+void keep_gks_state(StateKeeper& keeper) {
+    keeper.keep(kernel);
+    keeper.keep(station);
 }

@@ -12,6 +12,7 @@
 #include "zyr.h"
 
 #include "files.h"
+#include "state_keeper.h"
 #include "text_scan.h"
 #include "zyrresrc.h"
 
@@ -723,4 +724,10 @@ void ghold_text_state(Ghold what) {
     if (what == Ghold::begin) {
         state = unknown_state();
     }
+}
+
+void keep_gks_text(StateKeeper& keeper) {
+    keeper.keep(state);
+    keeper.keep(state_aside);
+    keeper.keep(font_state);
 }

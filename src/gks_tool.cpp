@@ -6,6 +6,7 @@
 #include "gks_attr.h"
 #include "gks_draw.h"
 #include "gks_state.h"
+#include "state_keeper.h"
 #include "zyr.h"
 
 #include <cstdlib>
@@ -225,4 +226,8 @@ int gmessage(int level, const char* text) {
         return 0;
     }
     return 0;
+}
+
+void keep_gks_tool(StateKeeper& keeper) {
+    keeper.keep(opening);
 }

@@ -5,6 +5,7 @@
 #include "gks_attr.h"
 #include "gks_draw.h"
 #include "gks_pipe.h"
+#include "state_keeper.h"
 
 namespace {
 
@@ -148,4 +149,8 @@ int gset_win(int n, const Glim* lim) {
         gderive_tran();
     }
     return 0;
+}
+
+void keep_gks_tran(StateKeeper& keeper) {
+    keeper.keep(tran_aside);
 }

@@ -6,6 +6,7 @@
 #include "zyrresrc.h"
 
 #include "files.h"
+#include "state_keeper.h"
 #include "units.h"
 
 #include <array>
@@ -425,4 +426,8 @@ int GPH_printf(float x, float y, const char* format, ...) {
     va_end(args);
     const Gpt pos = {x, y};
     return gtext(&pos, text.data());
+}
+
+void keep_gph_tool(StateKeeper& keeper) {
+    keeper.keep(plot);
 }

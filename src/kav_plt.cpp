@@ -8,6 +8,7 @@
 #include "maptran.h"
 #include "plt_tool.h"
 #include "rad_mosaic.h"
+#include "state_keeper.h"
 
 namespace {
 
@@ -106,4 +107,9 @@ int KAVRAD_plot_summary() {
         }
     }
     return 0;
+}
+
+void keep_kav_plt(StateKeeper& keeper) {
+    keeper.close_by([] { KAVRAD_close_file(); });
+    keeper.keep(state);
 }

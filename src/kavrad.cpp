@@ -15,6 +15,7 @@
 #include "byte_source.h"
 #include "map_proj.h"
 #include "region.h"
+#include "state_keeper.h"
 #include "text_scan.h"
 
 #include <array>
@@ -172,4 +173,8 @@ int KAVRAD_get_packet(std::FILE* ifile, KAVRAD_packet* packet) {
     }
     packet->value = stream.value;
     return 1;
+}
+
+void keep_kavrad(StateKeeper& keeper) {
+    keeper.keep(stream);
 }

@@ -13,6 +13,7 @@
 #include "rad_probe.h"
 #include "rad_run.h"
 #include "region.h"
+#include "state_keeper.h"
 #include "text_num.h"
 #include "units.h"
 #include "zyrgks.h"
@@ -664,4 +665,9 @@ int LEV2_open_file(const char* filename) {
 int LEV2_print_info() {
     MESS_print(mess_mess, "\n");
     return 0;
+}
+
+void keep_lev2_plt(StateKeeper& keeper) {
+    keeper.close_by([] { LEV2_close_file(); });
+    keeper.keep(lev2);
 }

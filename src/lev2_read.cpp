@@ -54,6 +54,7 @@
 #include "map_proj.h"
 #include "nids.h"
 #include "region.h"
+#include "state_keeper.h"
 #include "tools.h"
 #include "units.h"
 #include "zyrcty.h"
@@ -853,4 +854,8 @@ int LEV2_warn_empty(int scan, int type) {
     }
     MESS_print(mess_warn, "LEV2_plot: %s\n", why.c_str());
     return 1;
+}
+
+void keep_lev2_read(StateKeeper& keeper) {
+    keeper.keep(lev2);
 }

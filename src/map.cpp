@@ -7,6 +7,7 @@
 #include "files.h"
 #include "maptran.h"
 #include "plt_tool.h"
+#include "state_keeper.h"
 #include "text_list.h"
 #include "text_scan.h"
 #include "zyr.h"
@@ -469,4 +470,8 @@ int MAP_file(const char* file) {
 
 int MAP_set_format(const char* str) {
     return copy_text(state.format, sizeof state.format, str == nullptr ? "" : str);
+}
+
+void keep_map(StateKeeper& keeper) {
+    keeper.keep(state);
 }

@@ -19,6 +19,7 @@
 #include "gks_strip.h"
 #include "maptran.h"
 #include "no_memory.h"
+#include "state_keeper.h"
 #include "units.h"
 
 #include <algorithm>
@@ -466,4 +467,8 @@ int MAP_draw_circle(float x, float y, float rad) {
     }
     line.end();
     return 0;
+}
+
+void keep_map_file(StateKeeper& keeper) {
+    keeper.keep(state);
 }

@@ -6,6 +6,7 @@
 
 #include "maptran.h"
 #include "plt_tool.h"
+#include "state_keeper.h"
 #include "zyr.h"
 #include "zyrgks.h"
 
@@ -356,4 +357,8 @@ float MAP_get_hor() {
 int MAP_get_window(Glim* wind) {
     GPH_get_win(tran_map, wind);
     return 0;
+}
+
+void keep_map_lines(StateKeeper& keeper) {
+    keeper.keep(state);
 }

@@ -3,6 +3,8 @@
 // State: the current map. MAP_domain must be called before any transformation.
 #include "maptran.h"
 
+#include "state_keeper.h"
+
 namespace {
 
 struct State {
@@ -131,4 +133,8 @@ float MAP_dir(float x1, float y1, float x2, float y2) {
 int MAP_set_plot_limit(int val) {
     state.plot_limit = val;
     return 0;
+}
+
+void keep_maptran(StateKeeper& keeper) {
+    keeper.keep(state);
 }

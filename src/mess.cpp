@@ -43,6 +43,7 @@ struct State {
     std::array<char, log_name_size> filename{}; // log name of out_each
     bool warned = false;                        // that log was reported as not opening
     MESS_log_tools tools;
+    void (*before)() = nullptr; // takes away what a message would be written into
 };
 State state;
 
@@ -242,6 +243,9 @@ int MESS_print(unsigned level, const char* format, ...) {
         va_end(args);
         return 0;
     }
+    if (state.before != nullptr) {
+        state.before();
+    }
     const bool trouble = (level & (mess_error | mess_warn)) != 0;
     if (trouble) {
         std::fflush(stdout); // keeps the order where both streams share a place
@@ -256,6 +260,10 @@ int MESS_print(unsigned level, const char* format, ...) {
 
 void MESS_set_log_tools(const MESS_log_tools& tools) {
     state.tools = tools;
+}
+
+void MESS_set_before(void (*before)()) {
+    state.before = before;
 }
 
 int MESS_print_prog(const char* title) {

@@ -29,6 +29,7 @@
 #include "byte_reader.h"
 #include "nids_impl.h"
 #include "nids_tables.h"
+#include "state_keeper.h"
 #include "unpack.h"
 
 #include <algorithm>
@@ -939,4 +940,8 @@ int NIDS_graphic_layer(FILE* ifile) {
     stream.nbytes = v[1];
     stream.bytes = 0;
     return v[0];
+}
+
+void keep_nids(StateKeeper& keeper) {
+    keeper.keep(walk);
 }

@@ -28,6 +28,7 @@
 #include "nids_impl.h"
 #include "nids_tables.h"
 #include "region.h"
+#include "state_keeper.h"
 #include "tools.h"
 #include "units.h"
 
@@ -733,4 +734,8 @@ int NIDS_dec_time(int secs, int* hour, int* min, int* sec) {
     *min = secs / 60 % 60;
     *sec = secs % 60;
     return 0;
+}
+
+void keep_nids_header(StateKeeper& keeper) {
+    keeper.keep(state);
 }

@@ -11,6 +11,7 @@
 #include "rad_fill.h"
 #include "rad_storm.h"
 #include "region.h"
+#include "state_keeper.h"
 #include "units.h"
 #include "var_tool.h"
 #include "windbarb.h"
@@ -350,4 +351,8 @@ int NIDS_get_plot_data(const NIDS_report* report, const VAR_data* var, RAW_data*
         }
     }
     return 0;
+}
+
+void keep_nids_pages(StateKeeper& keeper) {
+    keeper.keep(state);
 }

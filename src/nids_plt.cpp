@@ -21,6 +21,7 @@
 #include "rad_probe.h"
 #include "rad_run.h"
 #include "region.h"
+#include "state_keeper.h"
 #include "units.h"
 #include "var_tool.h"
 #include "zyrraw.h"
@@ -397,4 +398,9 @@ int NIDS_print_info() {
     }
     MESS_print(mess_mess, "\n");
     return 0;
+}
+
+void keep_nids_plt(StateKeeper& keeper) {
+    keeper.close_by([] { NIDS_close_file(); });
+    keeper.keep(nids);
 }

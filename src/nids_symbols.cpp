@@ -22,6 +22,7 @@
 #include "nids_impl.h"
 
 #include "byte_reader.h"
+#include "state_keeper.h"
 
 #include <algorithm>
 #include <array>
@@ -336,4 +337,8 @@ int NIDS_get_symbol(FILE* ifile, NIDS_symbol* symbol) {
             return result;
         }
     }
+}
+
+void keep_nids_symbols(StateKeeper& keeper) {
+    keeper.keep(state);
 }

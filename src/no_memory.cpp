@@ -1,6 +1,7 @@
 // no_memory.cpp: the end of a run whose memory runs out. Owns the note that
 // something was left out, and who reports by itself.
 #include "no_memory.h"
+#include "state_keeper.h"
 
 #include <cerrno>
 #include <csignal>
@@ -118,4 +119,8 @@ ZYR_own_report::ZYR_own_report() {
 
 ZYR_own_report::~ZYR_own_report() {
     --state.own_reports;
+}
+
+void keep_no_memory(StateKeeper& keeper) {
+    keeper.keep(state.lacked);
 }

@@ -9,6 +9,7 @@
 #include "maptran.h"
 #include "plt_tool.h"
 #include "rad_mosaic.h"
+#include "state_keeper.h"
 
 #include <algorithm>
 #include <array>
@@ -110,4 +111,9 @@ int NOWRad_plot_summary() {
         }
     }
     return 0;
+}
+
+void keep_now_plt(StateKeeper& keeper) {
+    keeper.close_by([] { NOWRad_close_file(); });
+    keeper.keep(state);
 }

@@ -21,6 +21,7 @@
 #include "byte_source.h"
 #include "map_proj.h"
 #include "region.h"
+#include "state_keeper.h"
 #include "text_num.h"
 
 #include <array>
@@ -341,4 +342,8 @@ int NOWRad_get_packet(std::FILE* ifile, NOWRad_packet* packet) {
     }
     stream.tot_run += packet->run;
     return 1;
+}
+
+void keep_nowrad(StateKeeper& keeper) {
+    keeper.keep(stream);
 }

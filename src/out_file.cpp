@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <climits>
 #include <csignal>
 #include <cstdlib>
@@ -24,6 +25,7 @@
 #include <ctime>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -46,6 +48,9 @@ struct Module {
     bool guarded = false; // by the signals and at exit
     std::string fault;    // the output that failed last and why; empty if that was said
     pid_t owner = 0;      // a process that was split off removes nothing
+    // Names taken in a run of many pictures, by their hashes, and by which picture.
+    std::unordered_map<std::size_t, long> claims;
+    long picture = 0; // 0: names are not watched over
 };
 Module module;
 
@@ -250,7 +255,7 @@ std::FILE* open_any(Output& output, const char* name, bool append) {
     if (full.starts_with("/dev/") || full.starts_with("/proc/")) {
         return FILE_open(path.data(), append ? "a" : "w"); // an open file of somebody
     }
-    if (is_input(path.data())) {
+    if (is_input(path.data()) || !claim_output(path.data())) {
         return nullptr;
     }
     return append ? FILE_open(path.data(), "a") : open_plain(output, path.data());
@@ -286,6 +291,23 @@ void output_name(const char* conn_id, std::initializer_list<const char*> environ
         }
     }
     store(name, size, otherwise);
+}
+
+void claim_outputs() {
+    ++module.picture;
+}
+
+bool claim_output(const char* name) {
+    if (module.picture == 0) {
+        return true;
+    }
+    const auto [claim, is_new] =
+        module.claims.try_emplace(std::hash<std::string_view>{}(name), module.picture);
+    if (claim->second != module.picture) {
+        MESS_print(mess_error, "open_output: The output is that of an earlier input: %s\n", name);
+        return false;
+    }
+    return true;
 }
 
 std::FILE* open_output(const char* name, bool append) {
@@ -386,9 +408,18 @@ void take_options(const char* text, int first, bool (*take)(const char* option))
     }
 }
 
+std::time_t creation_time() {
+    const char* fixed = std::getenv("SOURCE_DATE_EPOCH");
+    std::time_t time = 0;
+    const char* end = fixed == nullptr ? nullptr : fixed + std::strlen(fixed);
+    if (fixed != nullptr && fixed != end && std::from_chars(fixed, end, time).ptr == end) {
+        return time;
+    }
+    return DATE_get_time(nullptr);
+}
+
 std::string creation_date() {
-    std::time_t now = 0;
-    DATE_get_time(&now);
+    const std::time_t now = creation_time();
     std::array<char, 32> date{};
     return ctime_r(&now, date.data());
 }

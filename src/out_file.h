@@ -10,6 +10,7 @@
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
+#include <ctime>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -30,6 +31,11 @@ void output_name(const char* conn_id, std::initializer_list<const char*> environ
 // Completes an output. Returns 0; -1 if something could not be written or the
 // command failed; 1 if the output was given up. The old file stays but for 0.
 [[nodiscard]] int close_output(std::FILE* file);
+// From now on no output takes the name of one of another picture of the run: to be
+// called before each picture. open_output then gives null after a message.
+void claim_outputs();
+// Takes a name for the picture under way, as open_output does. False after a message.
+[[nodiscard]] bool claim_output(const char* name);
 // Closes an output that is not whole: the old file stays.
 void discard_output(std::FILE* file);
 // Names the output that could not be opened or written last, and why: the line
@@ -47,7 +53,10 @@ using OutputPtr = std::unique_ptr<std::FILE, DiscardOutput>;
 // Gives the fields of a text split at commas to `take`, from `first` on; warns of
 // each that it refuses. Empty fields, and a null text, say nothing.
 void take_options(const char* text, int first, bool (*take)(const char* option));
-// Now, as ctime writes it, with its line end.
+// When an output is made: now, or what the variable SOURCE_DATE_EPOCH says, so that
+// the same picture has the same bytes. creation_date: as ctime writes it, with its line
+// end.
+std::time_t creation_time();
 std::string creation_date();
 // One line: control characters in it become blanks, so that no text of a plot is
 // taken for something else. Cut at `most` characters, at most 511. Nothing

@@ -7,6 +7,7 @@
 #include "gks.h"
 #include "maptran.h"
 #include "region.h"
+#include "state_keeper.h"
 
 #include <algorithm>
 #include <cmath>
@@ -212,4 +213,8 @@ int PLT_print_location(const char* event, float x, float y) {
     MESS_print(mess_print, "Lat: %6.2f Lon: %7.2f XY: %6.2f %6.2f Pixel: %6.2f %6.2f\n", lat, lon,
                x, y, xW_p(x), yW_p(y));
     return 0;
+}
+
+void keep_plt_evnt(StateKeeper& keeper) {
+    keeper.keep(events);
 }

@@ -10,6 +10,7 @@
 #include "zyrresrc.h"
 
 #include "cont.h"
+#include "state_keeper.h"
 #include "text_list.h"
 #include "text_scan.h"
 
@@ -425,4 +426,8 @@ int PLT_labels() {
         }
     }
     return 0;
+}
+
+void keep_plt_labl(StateKeeper& keeper) {
+    keeper.keep(labels);
 }

@@ -13,6 +13,7 @@
 #include "map.h"
 #include "maptran.h"
 #include "region.h"
+#include "state_keeper.h"
 #include "text_list.h"
 #include "text_num.h"
 #include "zyrcty.h"
@@ -409,4 +410,8 @@ int PLT_panel_decode(const char* text) {
 
 const PLT_settings& PLT_get_settings() {
     return settings;
+}
+
+void keep_plt_parm(StateKeeper& keeper) {
+    keeper.keep(settings);
 }

@@ -12,6 +12,8 @@
 #include "maptran.h"
 #include "no_memory.h"
 #include "out_file.h"
+#include "plt_tally.h"
+#include "state_keeper.h"
 #include "zyrgks.h"
 #include "zyrresrc.h"
 
@@ -23,20 +25,25 @@
 #include <string>
 #include <vector>
 
+#include <sys/stat.h>
+
 namespace {
 
 struct Session {
     int work_id = 1;
     Gws_type wk_type = ws_none;
-    float aspect = 1.0F;            // of the viewport, as opened
-    int dump = 0;                   // kind of image dump
-    char dump_file[60] = "";        // its name convention
-    Date data_date;                 // of the data in the picture
-    std::vector<std::string> files; // the input of each frame, without directory and ending
-    bool lost = false;              // an output could not be written
-    bool place = false;             // an image says to other programs where it lies
-    IMG_place placed_at;            // of the picture that is being written
-    std::string loop_path;          // of the animation that is being written
+    float aspect = 1.0F;                 // of the viewport, as opened
+    int dump = 0;                        // kind of image dump
+    char dump_file[file_name_size] = ""; // its name convention
+    Date data_date;                      // of the data in the picture
+    std::vector<std::string> files;      // the input of each frame, without directory and ending
+    bool lost = false;                   // an output could not be written
+    bool place = false;                  // an image says to other programs where it lies
+    IMG_place placed_at;                 // of the picture that is being written
+    std::string number;                  // of the picture in a run over a list, else empty
+    bool resume = false;                 // pictures that are there stay
+    std::string page;                    // name of the page that is written
+    std::string loop_path;               // of the animation that is being written
 };
 Session session;
 
@@ -193,9 +200,50 @@ const char* file_of_frame(int frame) {
         .c_str();
 }
 
+// The name that a convention gives with the keys `i`, `p` and `f` for a picture.
+void name_output(const char* conv, const char* key, int frame, char* name) {
+    const Date date = image_date();
+    FILE_set_name(conv);
+    FILE_set_key('i', session.number.empty() ? key : session.number.c_str());
+    FILE_set_file_key(file_of_frame(frame));
+    FILE_set_key('p', title_for_name().c_str());
+    FILE_set_date(&date, name);
+}
+
+void name_image(const char* key, int frame, char* path) {
+    char name[file_name_size] = "";
+    name_output(session.dump_file, key, frame, name);
+    FILE_add_path(RES_get("image_path"), name, path);
+}
+
+// In a run over a list the name of a page is a convention, too: the connection text
+// becomes that of the picture under way.
+void name_page() {
+    const char* text = nullptr;
+    RES_getval("device", &text, CV_device);
+    if (session.number.empty() || text == nullptr) {
+        return;
+    }
+    const std::string options = std::strchr(text, ',') != nullptr ? std::strchr(text, ',') : "";
+    const std::string conv = "@" + std::string(text, std::strcspn(text, ","));
+    char name[file_name_size] = "";
+    FILE_save_name_conv();
+    name_output(conv.c_str(), "win", 0, name);
+    FILE_restore_name_conv();
+    session.page = name;
+    const std::string device = RES_get("device");
+    RES_put_again("device", (device.substr(0, device.find(',') + 1) + name + options).c_str());
+}
+
+void note_output(const char* path) {
+    PLT_get_tally().outputs.emplace_back(path);
+    ++PLT_get_tally().pictures;
+}
+
 void report_image(const char* label, const char* path, bool written) {
     if (written) {
         MESS_print(mess_mess, "Wrote %s file: %s\n", label, path);
+        note_output(path);
         return;
     }
     MESS_print(mess_warn, "PLT_dump: Unable to write %s file: %s\n", label, path);
@@ -203,19 +251,19 @@ void report_image(const char* label, const char* path, bool written) {
     PLT_lost_output();
 }
 
-// Writes the picture of the selected frame under the name that the dump's
-// convention gives with the keys `i`, `p` and `f`.
+// The page that is written, as far as a name says it.
+std::string page_name() {
+    const char* text = nullptr;
+    RES_getval("device", &text, CV_device);
+    return session.page.empty() && text != nullptr ? std::string(text, std::strcspn(text, ","))
+                                                   : session.page;
+}
+
+// Writes the picture of the selected frame.
 void dump_image(const char* key, int frame) {
-    const Date date = image_date();
-    char name[file_name_size] = "";
     char path[file_name_size] = "";
     const IMG_kind* kind = IMG_find_dump(session.dump);
-    FILE_set_name(session.dump_file);
-    FILE_set_key('i', kind != nullptr && kind->frames ? "loop" : key);
-    FILE_set_file_key(file_of_frame(frame));
-    FILE_set_key('p', title_for_name().c_str());
-    FILE_set_date(&date, name);
-    FILE_add_path(RES_get("image_path"), name, path);
+    name_image(kind != nullptr && kind->frames ? "loop" : key, frame, path);
     const char* label = kind == nullptr ? "" : kind->dump_name;
     if (!gtype_is_WIN_PIX()) {
         MESS_print(mess_warn, "PLT_dump: Images are taken of a window alone\n");
@@ -253,6 +301,9 @@ int PLT_open(float aspect) {
         return -1;
     }
     gset_image_run(session.dump != 0 ? 1 : 0);
+    if (!session.number.empty() && session.page.empty() && session.dump == 0) {
+        name_page(); // unless that was done to look for it
+    }
     GPH_setup(&session.work_id, &session.wk_type, aspect, view);
     return 0;
 }
@@ -299,6 +350,9 @@ int PLT_close() {
     // A script must not go on with half a page.
     if (status != 0 || session.lost || ZYR_lacked_memory()) {
         ZYR_exit(end_output);
+    }
+    if (writes && session.dump == 0) {
+        note_output(page_name().c_str());
     }
     if (FLAG_batch() != 0 && writes) {
         go_to_background();
@@ -347,6 +401,58 @@ int PLT_set_dump(int type, const char* filename) {
         MESS_print(mess_warn, "PLT_set_dump: Name is too long, cut to: %s\n", session.dump_file);
     }
     return status;
+}
+
+std::string PLT_output_pattern() {
+    if (session.dump != 0) {
+        return session.dump_file;
+    }
+    const char* text = nullptr;
+    RES_getval("device", &text, CV_device);
+    return text == nullptr ? "" : std::string(text, std::strcspn(text, ","));
+}
+
+bool PLT_has_dump() {
+    return session.dump != 0;
+}
+
+void PLT_set_number(const char* number) {
+    session.number = number;
+}
+
+std::string PLT_name_output() {
+    PLT_param_decode();
+    GPH_set_win_title();
+    char path[file_name_size] = "";
+    if (session.dump == 0) {
+        name_page();
+        return FILE_add_user_path(session.page.c_str(), path);
+    }
+    FILE_save_name_conv();
+    name_image("win", -1, path);
+    FILE_restore_name_conv();
+    return FILE_add_user_path(path, path);
+}
+
+void PLT_set_resume(bool resume) {
+    session.resume = resume;
+}
+
+bool PLT_has_picture(const char* input) {
+    if (!session.resume) {
+        return false;
+    }
+    struct stat from {};
+    struct stat made {};
+    char path[file_name_size] = "";
+    const std::string output = PLT_name_output();
+    const auto is_newer = [](const timespec& a, const timespec& b) {
+        return a.tv_sec != b.tv_sec ? a.tv_sec > b.tv_sec : a.tv_nsec > b.tv_nsec;
+    };
+    PLT_get_tally().there = stat(FILE_add_user_path(input, path), &from) == 0 &&
+                            stat(output.c_str(), &made) == 0 && S_ISREG(made.st_mode) &&
+                            is_newer(made.st_mtim, from.st_mtim) && claim_output(output.c_str());
+    return PLT_get_tally().there;
 }
 
 void PLT_set_place(bool value) {
@@ -403,4 +509,14 @@ int PLT_dump(int frame) {
 
 int IMG_dump(const char* filename) {
     return gdump_image(*IMG_find_word("img"), filename, describe);
+}
+
+void keep_plt_tool(StateKeeper& keeper) {
+    keeper.close_by([] {
+        if (gchk_graphics() != 0) { // of a picture that ended early
+            give_up_outputs();
+            GPH_end(session.work_id);
+        }
+    });
+    keeper.keep(session);
 }

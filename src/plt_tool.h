@@ -10,6 +10,7 @@
 #include "zyr.h"
 
 #include <cstddef>
+#include <string>
 
 struct Glim;
 
@@ -96,6 +97,18 @@ int PLT_set_dump(int type, const char* filename);
 // directory and ending. PLT_shift_data_files: the oldest frame has gone.
 void PLT_set_data_file(int frame, const char* name);
 void PLT_shift_data_files();
+// A run over a list. PLT_set_number: the number of the picture, the key %i of images
+// and pages, whose names then have the other keys, too. PLT_output_pattern: the name of
+// the output before its keys are replaced, once plot_param is decoded; PLT_name_output:
+// after, once the header of the input is read.
+void PLT_set_number(const char* number);
+std::string PLT_output_pattern();
+bool PLT_has_dump(); // an image is asked for
+std::string PLT_name_output();
+// With `resume` set: whether the picture of an input is there and newer than that, once
+// its header is read.
+void PLT_set_resume(bool resume);
+bool PLT_has_picture(const char* input);
 // Whether each image has files beside it that say where it lies (img_place.h).
 void PLT_set_place(bool value);
 // Date of the data in the picture: date keys in the name of a dump take from it

@@ -4,6 +4,7 @@
 #include "plt_tool.h"
 
 #include "gks.h"
+#include "state_keeper.h"
 
 #include <cstdarg>
 #include <cstdio>
@@ -81,4 +82,8 @@ int PLT_set_fit_lab(int value) {
 
 int PLT_get_fit_lab() {
     return state.fit_lab;
+}
+
+void keep_plt_view(StateKeeper& keeper) {
+    keeper.keep(state);
 }

@@ -6,7 +6,6 @@
 #include "img_kind.h"
 #include "img_pixel.h"
 
-#include "date.h"
 #include "files.h"
 #include "no_memory.h"
 #include "out_file.h"
@@ -104,8 +103,7 @@ std::array<TextLine, 3> text_lines(const char* title) {
         {{{"Title"}, {}}, {{"Software"}, {"ZYR - Sky Foundry v5.0"}}, {{"Creation Time"}, {}}}
     };
     copy_text(lines[0].text.data(), lines[0].text.size(), title);
-    std::time_t now = 0;
-    DATE_get_time(&now);
+    const std::time_t now = creation_time();
     std::tm utc{};
     if (gmtime_r(&now, &utc) != nullptr) {
         std::strftime(lines[2].text.data(), lines[2].text.size(), "%d %b %Y %H:%M:%S GMT", &utc);

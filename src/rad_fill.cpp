@@ -4,6 +4,7 @@
 
 #include "cont.h"
 #include "gks_strip.h"
+#include "plt_tally.h"
 #include "region.h"
 #include "units.h"
 
@@ -54,6 +55,7 @@ const Gattribs* RadFills::find(float value) {
         if (value == folded_.value) {
             slot.attrib = folded_.look;
         } else {
+            PLT_tally_value(value);
             CONT_get_fill_attrib(value, &slot.attrib);
         }
         if (is_set(pattern_)) {
@@ -217,6 +219,7 @@ void RadStrip::draw(const RadEdges& edges) {
         return;
     }
     drawn_ = true;
+    PLT_get_tally().figures += static_cast<long>(figures_.size());
     const StepRange seen = seen_steps(edges);
     std::size_t first = 0;
     std::size_t end = steps_.size();

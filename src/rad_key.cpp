@@ -3,6 +3,7 @@
 
 #include "cont.h"
 #include "plt_tool.h"
+#include "state_keeper.h"
 #include "zyrgks.h"
 
 #include <algorithm>
@@ -111,4 +112,8 @@ int RAD_flash_levels(const char* str, float x, float y) {
     }
     blink(attrib.color);
     return 0;
+}
+
+void keep_rad_key(StateKeeper& keeper) {
+    keeper.keep(key);
 }

@@ -16,6 +16,7 @@
 #include "rad_key.h"
 #include "rad_run.h"
 #include "region.h"
+#include "state_keeper.h"
 #include "units.h"
 #include "var_tool.h"
 #include "watch.h"
@@ -533,4 +534,9 @@ void RAD_callback(int, const char* str, float x, float y) {
     PLT_plot_zoom(str, x, y);
     PLT_plot_resize(str, x, y);
     RAD_flash_levels(str, x, y);
+}
+
+void keep_rad_plt(StateKeeper& keeper) {
+    keeper.close_by([] { RAD_close_file(); });
+    keeper.keep(state);
 }

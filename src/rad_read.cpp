@@ -8,6 +8,7 @@
 #include "date.h"
 #include "file_kind.h"
 #include "files.h"
+#include "state_keeper.h"
 
 #include <array>
 #include <cstdint>
@@ -177,4 +178,8 @@ int RCM_read(int cvt_fd, RCM_report* report, int rep_type, const int*) {
     RCM_init(report);
     const bool open = cvt_fd >= 0 && cvt_fd == state.fd && is_text_type(state.file_type);
     return open ? rad_text_message(report, rep_type) : -1;
+}
+
+void keep_rad_read(StateKeeper& keeper) {
+    keeper.keep(state);
 }

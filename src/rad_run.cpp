@@ -152,8 +152,12 @@ bool open_next(const RadPlotter& plotter, RadRun& run, const char* name) {
 }
 
 // Opens the session for the open file.
-void begin_session(const RadPlotter& plotter, RadRun& run, Domain* domain) {
+void begin_session(const RadPlotter& plotter, RadRun& run, const char* name, Domain* domain) {
     take_own_domain(*plotter.begin(), domain);
+    PLT_set_data_file(0, name);
+    if (PLT_has_picture(name)) {
+        ZYR_exit(0);
+    }
     run.in_session = true;
     PLT_open(DOM_aspect(domain));
     PLT_set_callback(plotter.callback);
@@ -176,7 +180,7 @@ bool plot_file(const RadPlotter& plotter, RadRun& run, const char* name, int fra
         return false;
     }
     if (!run.in_session) {
-        begin_session(plotter, run, domain);
+        begin_session(plotter, run, name, domain);
         set_up_map(domain);
     }
     Date date;
@@ -354,7 +358,7 @@ bool rad_open_session(const RadPlotter& plotter, RadRun& run, const RadWords& wo
     char* const kept = opened ? run.probed : run.failed;
     copy_text(kept, file_name_size, name);
     if (opened) {
-        begin_session(plotter, run, domain);
+        begin_session(plotter, run, name, domain);
     } else {
         FILE_explain(name);
         plotter.close();

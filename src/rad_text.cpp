@@ -21,6 +21,7 @@
 #include "rad_read.h"
 
 #include "date.h"
+#include "state_keeper.h"
 #include "text_num.h"
 #include "text_scan.h"
 
@@ -437,4 +438,8 @@ int rad_text_message(RCM_report* report, int rep_type) {
         }
     }
     return 1;
+}
+
+void keep_rad_text(StateKeeper& keeper) {
+    keeper.keep(state);
 }

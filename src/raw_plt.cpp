@@ -9,6 +9,7 @@
 #include "maptran.h"
 #include "plt_tool.h"
 #include "region.h"
+#include "state_keeper.h"
 #include "text_list.h"
 #include "text_num.h"
 #include "text_scan.h"
@@ -928,4 +929,8 @@ int RAW_plot_file(const char* file, int label) {
     }
     RAW_close(raw_fd);
     return 0;
+}
+
+void keep_raw_plt(StateKeeper& keeper) {
+    keeper.keep(state);
 }

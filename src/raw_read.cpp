@@ -4,6 +4,7 @@
 
 #include "date.h"
 #include "files.h"
+#include "state_keeper.h"
 #include "text_num.h"
 #include "text_scan.h"
 #include "tools.h"
@@ -597,4 +598,8 @@ int RAW_close(int raw_fd) {
     FILE_close(raw->file);
     state.rfile[static_cast<std::size_t>(raw_fd)].reset();
     return 0;
+}
+
+void keep_raw_read(StateKeeper& keeper) {
+    keeper.close_by([] { state.rfile = {}; });
 }

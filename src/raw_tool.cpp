@@ -3,6 +3,7 @@
 #include "zyrraw.h"
 
 #include "files.h"
+#include "state_keeper.h"
 #include "text_scan.h"
 #include "zyrresrc.h"
 
@@ -96,4 +97,8 @@ int RAW_data_init_val(RAW_data* data) {
     data->data[0] = '\0';
     data->value[0] = data->value[1] = missing_f;
     return 0;
+}
+
+void keep_raw_tool(StateKeeper& keeper) {
+    keeper.keep(state);
 }

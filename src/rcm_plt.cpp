@@ -15,6 +15,7 @@
 #include "rad_run.h"
 #include "rad_storm.h"
 #include "region.h"
+#include "state_keeper.h"
 #include "var_tool.h"
 #include "zyrcty.h"
 #include "zyrraw.h"
@@ -504,4 +505,9 @@ void RCM_site_domain(float lat, float lon, Domain* domain) {
     domain->clon = lon;
     domain->nx = domain->ny = rcm_cells;
     domain->dx = domain->dy = cell;
+}
+
+void keep_rcm_plt(StateKeeper& keeper) {
+    keeper.close_by([] { RCM_close_file(); });
+    keeper.keep(rcm);
 }

@@ -19,6 +19,7 @@
 
 #include "files.h"
 #include "map_proj.h"
+#include "state_keeper.h"
 #include "text_list.h"
 #include "text_scan.h"
 #include "tools.h"
@@ -941,4 +942,8 @@ std::string DOM_proj_word(const Domain* domain) {
     const Domain& d = *domain;
     const Projection& row = map_projection(d.proj);
     return *row.file_word == '\0' ? "" : row.file_word + file_numbers(row.numbers, d) + " ";
+}
+
+void keep_region(StateKeeper& keeper) {
+    keeper.keep(state);
 }

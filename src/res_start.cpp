@@ -266,12 +266,34 @@ bool takes_no_argument(DEF_convert cvt) {
     return cvt == CV_bool || cvt == CV_batch || cvt == CV_help;
 }
 
+// What is asked of the program and is no setting, and whether a value follows.
+struct Request {
+    const char* word;
+    bool has_value;
+};
+constexpr std::array requests = {
+    Request{"--list",       true },
+    Request{"--files-from", true },
+    Request{"--resume",     false},
+    Request{"--keep-going", false},
+    Request{"--stop",       false},
+};
+
+const Request* find_request(const Option& option, const char* typed) {
+    const std::string_view word(typed, std::strcspn(typed, "="));
+    const auto* row = std::find_if(requests.begin(), requests.end(),
+                                   [&](const Request& request) { return word == request.word; });
+    return row != requests.end() && (row->has_value || option.from_next || option.value == nullptr)
+               ? row
+               : nullptr;
+}
+
 // Returns how many arguments behind the option it used up.
 int take_option(Option option, const char* typed, const RES_defobj* def_table) {
     const char* name = option.name.data();
-    if (std::strcmp(typed, "--list") == 0) { // a request, no setting
-        RES_new(missing, "--list", option.value, CV_string);
-        return option.from_next ? 1 : 0;
+    if (const Request* request = find_request(option, typed)) {
+        RES_new(missing, request->word, request->has_value ? option.value : nullptr, CV_string);
+        return request->has_value && option.from_next ? 1 : 0;
     }
     if (is_pseudo(name)) {
         return option.from_next ? 1 : 0;

@@ -142,6 +142,15 @@ int RES_put(const char* name, const char* value) {
     return RES_new(missing, name, value, CV_string);
 }
 
+int RES_put_again(const char* name, const char* value) {
+    res_obj* entry = find_resource(name);
+    if (entry == nullptr) {
+        return RES_put(name, value);
+    }
+    entry->given = false;
+    return RES_new(entry->index, name, value, entry->cvt);
+}
+
 const char* RES_get(const char* name) {
     const res_obj* entry = find_resource(name);
     if (entry == nullptr) {

@@ -28,6 +28,7 @@
 #include "rad_key.h"
 #include "rad_run.h"
 #include "region.h"
+#include "state_keeper.h"
 #include "units.h"
 #include "zyrcty.h"
 #include "zyrgks.h"
@@ -306,4 +307,9 @@ void RRWDS_callback(int, const char* str, float x, float y) {
     PLT_plot_zoom(str, x, y);
     PLT_plot_resize(str, x, y);
     RAD_flash_levels(str, x, y);
+}
+
+void keep_rrwds(StateKeeper& keeper) {
+    keeper.close_by([] { RRWDS_close_file(); });
+    keeper.keep(state);
 }

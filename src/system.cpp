@@ -5,6 +5,7 @@
 #include "zyr.h"
 
 #include "no_memory.h"
+#include "run_end.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
@@ -29,9 +30,14 @@ constexpr double micro = 1e6;
 
 struct State {
     timeval start{};
-    float slept = 0; // seconds, since ZYR_init_time
+    float slept = 0;       // seconds, since ZYR_init_time
+    bool catching = false; // an end is that of a plot
 };
 State state;
+
+struct EarlyEnd {
+    int code;
+};
 
 using Line = std::array<char, line_size>;
 
@@ -107,7 +113,22 @@ void list_resources() {
 } // namespace
 
 void ZYR_exit(int code) {
+    if (state.catching) {
+        throw EarlyEnd{code};
+    }
     std::exit(code);
+}
+
+int ZYR_catch_exit(int (*plot)()) {
+    int code = 0;
+    state.catching = true;
+    try {
+        code = plot();
+    } catch (const EarlyEnd& end) {
+        code = end.code;
+    }
+    state.catching = false;
+    return code;
 }
 
 int ZYR_back_proc() {

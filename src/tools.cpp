@@ -3,6 +3,7 @@
 // swap_setup before reading a file that has an order.
 #include "tools.h"
 
+#include "state_keeper.h"
 #include "text_scan.h"
 #include "units.h"
 
@@ -296,4 +297,8 @@ int id_to_wmo(const char* identifier, int* number) {
         }
     }
     return *number >= 0 && *number != no_station ? 1 : 0;
+}
+
+void keep_tools(StateKeeper& keeper) {
+    keeper.keep(order_state);
 }

@@ -3,6 +3,7 @@
 // leaves out. Nothing has to be called first.
 #include "var_tool.h"
 
+#include "state_keeper.h"
 #include "text_num.h"
 #include "text_scan.h"
 #include "units.h"
@@ -708,4 +709,8 @@ int VAR_make_datalevel(int time, int ltype, int level, char* text) {
     }
     MESS_print(mess_debug, "VAR_make_datatype: no ltype: %d\n", ltype);
     return -1;
+}
+
+void keep_var_code(StateKeeper& keeper) {
+    keeper.keep(var_state);
 }

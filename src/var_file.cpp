@@ -5,6 +5,7 @@
 #include "var_tool.h"
 
 #include "files.h"
+#include "state_keeper.h"
 #include "text_num.h"
 #include "text_scan.h"
 #include "tools.h"
@@ -395,4 +396,8 @@ const VAR_desc* VAR_find_abbr(const char* abbr) {
         }
     }
     return nullptr;
+}
+
+void keep_var_file(StateKeeper& keeper) {
+    keeper.keep(state);
 }

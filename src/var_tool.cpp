@@ -4,6 +4,7 @@
 #include "var_tool.h"
 
 #include "plt_tool.h"
+#include "state_keeper.h"
 #include "text_list.h"
 #include "text_num.h"
 #include "tools.h"
@@ -706,4 +707,8 @@ int VAR_make_var_form_datatype(int index, char* text) {
                               (with_format ? " - " : "") + (with_format ? var.format : "");
     copy_text(text, plt_label_size, label.c_str());
     return 0;
+}
+
+void keep_var_tool(StateKeeper& keeper) {
+    keeper.keep(state);
 }

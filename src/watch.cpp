@@ -18,6 +18,7 @@
 #include "gks.h"
 #include "map.h"
 #include "maptran.h"
+#include "state_keeper.h"
 #include "text_list.h"
 #include "text_scan.h"
 #include "units.h"
@@ -691,4 +692,8 @@ int WATCH_plot() {
 int WATCH_set_label(int type) {
     state.slabel = type;
     return 0;
+}
+
+void keep_watch(StateKeeper& keeper) {
+    keeper.keep(state);
 }

@@ -4,6 +4,7 @@
 #include "wx_symb.h"
 
 #include "files.h"
+#include "state_keeper.h"
 #include "text_num.h"
 #include "zyr.h"
 #include "zyrgks.h"
@@ -341,4 +342,8 @@ int WX_cloud(float x_center, float y_center, float rad, char cover) {
         c.letter_m();
     }
     return 0;
+}
+
+void keep_wx_symb(StateKeeper& keeper) {
+    keeper.keep(state.chosen);
 }

@@ -134,6 +134,8 @@ struct MESS_log_tools {
     char* (*stamp)(char* text) = nullptr; // `text` holds date_label_size characters
 };
 void MESS_set_log_tools(const MESS_log_tools& tools);
+// What is to be done before a message goes to the screen; null: nothing.
+void MESS_set_before(void (*before)());
 
 // --- Strings (string.cpp) ---------------------------------------------------
 

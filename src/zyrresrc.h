@@ -235,6 +235,8 @@ int RES_new(int index, const char* name, const char* data, DEF_convert cvt);
 // As RES_new for a new entry; to an existing one it appends a newline and the data.
 int RES_append(int index, const char* name, const char* data, DEF_convert cvt);
 int RES_put(const char* name, const char* value);
+// As RES_put, once nobody holds a value of that name any more: the old one goes.
+int RES_put_again(const char* name, const char* value);
 
 // The value; the empty text if the resource has no value; null if absent.
 const char* RES_get(const char* name);
