@@ -11,6 +11,8 @@
 #include "nids_plt.h"
 #include "no_memory.h"
 #include "nowrad.h"
+#include "plt_tool.h"
+#include "rad_account.h"
 #include "rad_check.h"
 #include "rad_files.h"
 #include "rad_info.h"
@@ -20,12 +22,14 @@
 #include "region.h"
 #include "res_table.h"
 #include "rrwds.h"
+#include "run_end.h"
 #include "zyr.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
 #include <iterator>
+#include <string>
 
 #include <unistd.h>
 
@@ -190,8 +194,19 @@ int main(int argc, char** argv) {
         ZYR_exit(print_info(argc - num_args - 1, info + 1));
     }
     RAD_check_settings();
+    if (!RAD_open_account()) {
+        ZYR_exit(end_output);
+    }
     if (RAD_wants_list()) {
-        ZYR_exit(RAD_plot_list(plot));
+        ZYR_exit(RAD_exit_code(RAD_plot_list(plot)));
+    }
+    PLT_param_decode();
+    if (RAD_keeps_account()) {
+        const char* first = RES_get("filename");
+        const std::string input = first == nullptr ? "" : first;
+        const int code = ZYR_catch_exit(plot);
+        RAD_close_account(input.substr(0, input.find('\n')).c_str(), code);
+        ZYR_exit(RAD_exit_code(code));
     }
     if (const int code = find_kind(); code != 0) {
         ZYR_exit(code);

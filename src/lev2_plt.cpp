@@ -9,6 +9,7 @@
 #include "lev2_stream.h"
 #include "map.h"
 #include "maptran.h"
+#include "plt_tally.h"
 #include "rad_fill.h"
 #include "rad_probe.h"
 #include "rad_run.h"
@@ -546,7 +547,20 @@ void draw_site() {
     rad_draw_site(lev2.words, data, lev2.info.lat, lev2.info.lon);
 }
 
+// For the account of the run.
+void note_scan(const Walk& walk) {
+    PLT_tally& tally = PLT_get_tally();
+    const bool any = walk.largest > lev2_folded;
+    tally.product = moment().label;
+    tally.moment = moment().word;
+    tally.cut = lev2.scan_num;
+    tally.elev = tally.radials > 0 ? walk.elev : missing_f;
+    tally.low = any ? walk.smallest : missing_f;
+    tally.high = any ? walk.largest : missing_f;
+}
+
 void set_labels(const Walk& walk) {
+    note_scan(walk);
     const char* mode = walk.clear_air ? "cl" : "pr";
     if (moment().range) {
         const int decimals = moment().decimals;
@@ -566,6 +580,11 @@ void set_labels(const Walk& walk) {
 // Reads the header of the open volume: its site, domain and date.
 const Domain* take_volume() {
     LEV2_get_header(&lev2.info);
+    PLT_tally& tally = PLT_get_tally();
+    tally.site = lev2.info.id;
+    tally.lat = lev2.info.lat;
+    tally.lon = lev2.info.lon;
+    tally.date = lev2.info.date;
     LEV2_get_domain(lev2.info.lat, lev2.info.lon, static_cast<float>(lev2.range), &lev2.domain);
     DATE_make_label(&lev2.info.date, lev2.datim);
     rad_fill_date(lev2.run, lev2.info.date);

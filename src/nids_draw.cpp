@@ -6,6 +6,7 @@
 #include "files.h"
 #include "nids_storms.h"
 #include "nids_tables.h"
+#include "plt_tally.h"
 #include "plt_tool.h"
 #include "rad_fill.h"
 #include "windbarb.h"
@@ -127,6 +128,7 @@ void draw_vectors(const NIDS_frame& frame, long& room) {
         const Gpt to = image(frame, vector.x2, vector.y2);
         if (frame.grid.color >= 0 && rad_is_place(from) && rad_is_place(to)) {
             GPH_line(from.x, from.y, to.x, to.y);
+            ++PLT_get_tally().figures;
         }
     }
 }
@@ -140,6 +142,7 @@ void draw_winds(const NIDS_frame& frame, RadFills& fills, long& room) {
             GPH_fill_attr(attrib);
             GPH_line_attr(attrib);
             WIND_barb(p.x, p.y, wind.dir, wind.spd, barb_size, 0.0F);
+            ++PLT_get_tally().figures;
         }
     }
 }
@@ -155,6 +158,7 @@ void draw_text(const NIDS_frame& frame, long& room) {
     GPH_text_align(GLEFT_HOR, GCAP_VERT);
     if (frame.data.color >= 0 && rad_is_place(p)) {
         gtext(&p, text.data);
+        ++PLT_get_tally().figures;
         room -= nids_text_strokes(text.data);
     }
 }

@@ -8,6 +8,7 @@
 #include "map.h"
 #include "nids_draw.h"
 #include "nids_report.h"
+#include "plt_tally.h"
 #include "rad_fill.h"
 #include "rad_storm.h"
 #include "region.h"
@@ -218,6 +219,7 @@ void draw_vectors(Walk& walk) {
         if (walk.frame.pages && walk.frame.grid.color >= 0 && rad_is_place(from) &&
             rad_is_place(to)) {
             GPH_line(from.x, from.y, to.x, to.y);
+            ++PLT_get_tally().figures;
         }
     }
 }
@@ -233,6 +235,7 @@ void draw_winds(Walk& walk) {
             GPH_fill_attr(&attrib);
             GPH_line_attr(&attrib);
             WIND_barb(p.x, p.y, wind.dir, wind.spd, page_barb, 0.0F);
+            ++PLT_get_tally().figures;
         }
     }
 }
@@ -264,6 +267,7 @@ void take_text(Walk& walk) {
         GPH_text_align(GLEFT_HOR, GCAP_VERT);
         gset_char_space(1.0F);
         gtext(&p, text.data);
+        ++PLT_get_tally().figures;
         gset_char_space(0.0F);
         walk.room -= nids_text_strokes(text.data);
         walk.any = true;

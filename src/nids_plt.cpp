@@ -13,10 +13,12 @@
 #include "maptran.h"
 #include "near_word.h"
 #include "nids_draw.h"
+#include "nids_impl.h"
 #include "nids_pages.h"
 #include "nids_probe.h"
 #include "nids_storms.h"
 #include "nids_tables.h"
+#include "plt_tally.h"
 #include "plt_tool.h"
 #include "rad_probe.h"
 #include "rad_run.h"
@@ -70,7 +72,25 @@ void decode_word(const char* word) {
 
 // What an open product brings to the page: its date label, the parts of the
 // file's date that are not known, a colour bar unless it is refused.
+// For the account of the run.
+void note_product() {
+    const NIDS_info& info = nids.info;
+    const NidsProdDesc& desc = nids_header().pr_desc;
+    PLT_tally& tally = PLT_get_tally();
+    tally.product = info.info;
+    tally.code = info.code;
+    tally.date = info.date;
+    tally.has_site = info.src <= nids_max_site;
+    // A product that is no map has its radar's place in the description alone.
+    tally.lat = static_cast<float>(desc.lat) / 1000.0F;
+    tally.lon = static_cast<float>(desc.lon) / 1000.0F;
+    if (nids_product(info.code).params.elev != NidsElev::none) {
+        tally.elev = info.elev;
+    }
+}
+
 const Domain* take_product() {
+    note_product();
     DATE_make_label(&nids.info.date, nids.datim);
     rad_fill_date(nids.run, nids.info.date);
     if (CONT_get_bar() != -2) {

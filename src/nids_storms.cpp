@@ -3,6 +3,7 @@
 
 #include "map.h"
 #include "maptran.h"
+#include "plt_tally.h"
 #include "rad_fill.h"
 #include "units.h"
 
@@ -90,6 +91,7 @@ void draw_mark(Drawing& drawing, Gpt p, const Look& look) {
     gset_marker_type(look.marker);
     gset_marker_size(look.size * mark_scale * drawing.frame.scale);
     GPH_mark(p.x, p.y);
+    ++PLT_get_tally().figures;
     drawing.any = true;
 }
 
@@ -108,6 +110,7 @@ void draw_text(Drawing& drawing, Gpt p, float side, const char* text) {
     GPH_text_align(side < 0 ? GRIGHT_HOR : GLEFT_HOR, GBASE_VERT);
     if (data.color >= 0 && rad_is_place(p)) {
         gtext(&at, text);
+        ++PLT_get_tally().figures;
         drawing.any = true;
     }
 }

@@ -2,6 +2,7 @@
 #include "nids_wedge.h"
 
 #include "cont.h"
+#include "plt_tally.h"
 #include "zyr.h"
 #include "zyrgks.h"
 
@@ -22,6 +23,7 @@ int NIDS_plot_WEDGE(Gpt* pts, const WEDGE_info* wedge, float radius, float inten
     move(pts[1], r * wedge->dx1, r * wedge->dy1);
     move(pts[2], r * wedge->dx2, r * wedge->dy2);
     pts[4] = pts[0];
+    PLT_tally_value(intens);
     Gattribs attrib;
     CONT_get_fill_attrib(intens, &attrib);
     if (is_set(CONT_get_fill_pat())) {
@@ -32,6 +34,7 @@ int NIDS_plot_WEDGE(Gpt* pts, const WEDGE_info* wedge, float radius, float inten
     if (is_set(intens) && attrib.color >= 0) {
         GPH_fill_attr(&attrib);
         gfill_area(5, pts);
+        ++PLT_get_tally().figures;
     }
     move(pts[0], r * wedge->dx1, r * wedge->dy1);
     move(pts[3], r * wedge->dx2, r * wedge->dy2);

@@ -61,6 +61,7 @@ enum class Word {
     headers,
     shadow,
     max_bad,
+    empty,
     min_size,
     grid_format,
     place
@@ -74,7 +75,7 @@ struct WordRow {
 };
 
 // The first row that fits a word counts.
-constexpr std::array<WordRow, 43> words = {
+constexpr std::array<WordRow, 44> words = {
     {
      {"full", false, Word::full, 0},
      {"fullab", false, Word::full_labels, 1},
@@ -116,6 +117,7 @@ constexpr std::array<WordRow, 43> words = {
      {"nohdr", false, Word::headers, 0},
      {"shadow", true, Word::shadow, 4},
      {"max_bad", true, Word::max_bad, 5},
+     {"empty", true, Word::empty, 5},
      {"min_size", true, Word::min_size, 0},
      {"grdfmt", true, Word::grid_format, 0},
      {"georef", false, Word::place, 1},
@@ -325,6 +327,11 @@ void apply(const WordRow& row, const char* rest) {
     case Word::headers:
         settings.headers = row.number;
         break;
+    case Word::empty: {
+        constexpr int largest = 125; // a shell has other meanings for more
+        settings.empty_code = std::min(positive(value, row.number), largest);
+        break;
+    }
     case Word::max_bad:
         settings.max_bad = positive(value, row.number);
         break;

@@ -237,7 +237,6 @@ void name_page() {
 
 void note_output(const char* path) {
     PLT_get_tally().outputs.emplace_back(path);
-    ++PLT_get_tally().pictures;
 }
 
 void report_image(const char* label, const char* path, bool written) {

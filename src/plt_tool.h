@@ -79,6 +79,7 @@ struct PLT_settings {
     int headers = 1;           // "nohdr" 0: no header files
     int grid_factor = missing; // "gridx"
     int max_bad = missing;     // "max_bad"
+    int empty_code = 0;        // "empty": exit code of a run without any echo
     char grid_format[40] = ""; // "grdfmt"
 };
 const PLT_settings& PLT_get_settings();

@@ -8,6 +8,7 @@
 #include "out_file.h"
 #include "plt_tally.h"
 #include "plt_tool.h"
+#include "rad_account.h"
 #include "rad_state.h"
 #include "run_end.h"
 #include "text_scan.h"
@@ -199,13 +200,15 @@ void show_progress() {
 
 void print_summary() {
     take_line_away();
+    // Standard output may be that of the report's lines.
+    const unsigned level = RES_get("--report") != nullptr ? mess_warn : mess_print;
     const double seconds = seconds_now() - state.start;
-    MESS_print(mess_print, "%ld inputs: %ld drawn, %ld of them empty, %ld failed", state.inputs,
+    MESS_print(level, "%ld inputs: %ld drawn, %ld of them empty, %ld failed", state.inputs,
                state.drawn, state.empty, state.failed);
     if (state.resume) {
-        MESS_print(mess_print, ", %ld were there", state.passed);
+        MESS_print(level, ", %ld were there", state.passed);
     }
-    MESS_print(mess_print, "; %.1f s, %.1f a second\n", seconds,
+    MESS_print(level, "; %.1f s, %.1f a second\n", seconds,
                static_cast<double>(state.inputs) / std::max(seconds, 1e-3));
 }
 
@@ -290,24 +293,32 @@ int plot_input(const std::string& name, int (*plot)()) {
     PLT_set_number(number.data());
     claim_outputs();
     const int code = ZYR_catch_exit(plot);
+    const PLT_tally& tally = PLT_get_tally();
     if (code != 0) {
         MESS_print(mess_error, "zyrrad: Failed, %d: %s\n", code, shown_name(name).c_str());
-    } else if (!PLT_get_tally().there && PLT_get_tally().pictures == 0) {
+    } else if (!tally.there && tally.outputs.empty()) {
         MESS_print(mess_error, "zyrrad: No picture: %s\n", shown_name(name).c_str());
         return end_file;
     }
     return code;
 }
 
-void count(int code) {
+// The same, with its account.
+int take_input(const std::string& name, int (*plot)()) {
+    const long empty = RAD_num_empty();
+    const long pictures = RAD_num_pictures();
+    const int code = plot_input(name, plot);
+    const bool there = code == 0 && PLT_get_tally().there;
+    RAD_close_account(name.c_str(), code);
     if (code != 0) {
         ++state.failed;
-    } else if (PLT_get_tally().there) {
+    } else if (there) {
         ++state.passed;
     } else {
         ++state.drawn;
-        state.empty += PLT_get_tally().figures == 0 ? 1 : 0;
+        state.empty += RAD_num_empty() - empty == RAD_num_pictures() - pictures ? 1 : 0;
     }
+    return code;
 }
 
 std::string text_of(const char* resource) {
@@ -361,8 +372,7 @@ int RAD_plot_list(int (*plot)()) {
         for (const auto& [resource, value] : settings) { // of before the first picture
             RES_put_again(resource, value.c_str());
         }
-        const int code = plot_input(plain_name(*name), plot);
-        count(code);
+        const int code = take_input(plain_name(*name), plot);
         worst = std::max(worst, code);
         show_progress();
         if (stops && code != 0) {

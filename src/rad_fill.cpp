@@ -70,6 +70,7 @@ const Gattribs* RadFills::find(float value) {
 // --- Strips ---------------------------------------------------------------------
 
 RadEdges rad_radial_edges(const Map& own, Gpt site, const RadBeam& beam) {
+    PLT_tally_radial(beam.azimuth + beam.shift, beam.width);
     const float from = own.dir_adj(beam.azimuth, site.x, site.y) + beam.shift;
     const auto edge = [&](double angle) {
         const double east = std::sin(angle * deg_to_rad);

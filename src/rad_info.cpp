@@ -5,12 +5,14 @@
 #include "data_file.h"
 #include "file_kind.h"
 #include "files.h"
+#include "json_text.h"
 #include "kavrad.h"
 #include "lev2.h"
 #include "nids.h"
 #include "nids_impl.h"
 #include "nids_tables.h"
 #include "nowrad.h"
+#include "rad_sites.h"
 #include "rarep.h"
 #include "rrwds.h"
 #include "zyrcty.h"
@@ -29,7 +31,6 @@
 
 namespace {
 
-constexpr float site_deg = 0.05F; // a radar within so many degrees is the one of the table
 constexpr const char* auto_word = "auto";
 
 struct Range {
@@ -62,35 +63,7 @@ struct Report {
 
 // --- Reading ------------------------------------------------------------------
 
-using Sites = std::vector<CTY_data>;
-
-Sites read_sites() {
-    Sites sites;
-    const int city_fd = CTY_open_file("rad.cty", nullptr);
-    CTY_data city;
-    for (int fields = CTY_read(city_fd, &city); fields >= 0; fields = CTY_read(city_fd, &city)) {
-        if (fields >= cty_fields) {
-            sites.push_back(city);
-        }
-    }
-    CTY_close(city_fd);
-    return sites;
-}
-
-// The radar at a place, by the longest of its identifiers.
-std::string site_at(const Sites& sites, float lat, float lon) {
-    std::string found;
-    for (const CTY_data& city : sites) {
-        const bool here =
-            std::fabs(city.lat - lat) < site_deg && std::fabs(city.lon - lon) < site_deg;
-        if (here && std::strlen(city.id) > found.size()) {
-            found = city.id;
-        }
-    }
-    return found;
-}
-
-void read_nids(std::FILE* file, const Sites& sites, Report* report) {
+void read_nids(std::FILE* file, const RadSites& sites, Report* report) {
     NIDS_info info;
     if (NIDS_get_header(file, &info) == 0) {
         return;
@@ -104,7 +77,7 @@ void read_nids(std::FILE* file, const Sites& sites, Report* report) {
     const NidsProdDesc& desc = nids_header().pr_desc;
     report->lat = static_cast<float>(desc.lat) / 1000.0F;
     report->lon = static_cast<float>(desc.lon) / 1000.0F;
-    report->site = mosaic ? "" : site_at(sites, report->lat, report->lon);
+    report->site = mosaic ? "" : RAD_site_at(sites, report->lat, report->lon);
     report->vcp = desc.vol_cov_pat;
     if (params.elev != NidsElev::none) {
         report->elev = info.elev;
@@ -224,7 +197,7 @@ void read_rrwds(std::FILE* file, Report* report) {
 }
 
 // The first message; the label names the sites of all.
-void read_rcm(std::FILE* file, const Sites& sites, Report* report) {
+void read_rcm(std::FILE* file, const RadSites& sites, Report* report) {
     constexpr int most_sites = 20; // in the label
     const auto message = std::make_unique<RCM_report>();
     std::string others;
@@ -270,7 +243,7 @@ void read_summary(const char* name, Report* report) {
     RAD_close(fd);
 }
 
-Report look_into(const char* name, const Sites& sites) {
+Report look_into(const char* name, const RadSites& sites) {
     Report report;
     report.file = name;
     const FILE_ptr file(FILE_open_data(name));
@@ -303,78 +276,6 @@ Report look_into(const char* name, const Sites& sites) {
 
 // --- Writing ------------------------------------------------------------------
 
-// "2013-05-20T20:16:34Z", as far as it is known; empty without a year.
-std::string iso_time(const Date& date) {
-    std::array<char, 80> text{};
-    if (!is_set(date.year) || !is_set(date.month) || !is_set(date.day)) {
-        return "";
-    }
-    if (!is_set(date.hour)) {
-        std::snprintf(text.data(), text.size(), "%04d-%02d-%02d", date.year, date.month, date.day);
-    } else {
-        std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02dZ", date.year,
-                      date.month, date.day, date.hour, is_set(date.min) ? date.min : 0,
-                      is_set(date.sec) ? date.sec : 0);
-    }
-    return text.data();
-}
-
-std::string number(float value, int decimals) {
-    std::array<char, 60> text{};
-    std::snprintf(text.data(), text.size(), "%.*f", decimals, static_cast<double>(value));
-    return text.data();
-}
-
-bool is_known(float value) {
-    return is_set(value) && std::isfinite(value);
-}
-
-// A JSON string: control characters and bytes beyond ASCII that are no part of a
-// well-formed UTF-8 text would not be read again.
-std::string quoted(std::string_view text) {
-    std::string out = "\"";
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (c == '"' || c == '\\') {
-            out += '\\';
-            out += c;
-        } else if (byte < 0x20 || byte >= 0x7F) {
-            std::array<char, 8> escape{};
-            std::snprintf(escape.data(), escape.size(), "\\u%04x", byte);
-            out += escape.data();
-        } else {
-            out += c;
-        }
-    }
-    return out + "\"";
-}
-
-class Object {
-public:
-    void text(const char* key, std::string_view value) {
-        if (!value.empty()) {
-            raw(key, quoted(value));
-        }
-    }
-    void count(const char* key, int value) {
-        if (is_set(value)) {
-            raw(key, std::to_string(value));
-        }
-    }
-    void real(const char* key, float value, int decimals) {
-        if (is_known(value)) {
-            raw(key, number(value, decimals));
-        }
-    }
-    void raw(const char* key, const std::string& value) {
-        body_ += (body_.empty() ? "" : ", ") + quoted(key) + ": " + value;
-    }
-    [[nodiscard]] std::string str() const { return "{" + body_ + "}"; }
-
-private:
-    std::string body_;
-};
-
 std::string list_of(const std::vector<std::string>& items) {
     std::string out = "[";
     for (const std::string& item : items) {
@@ -384,7 +285,7 @@ std::string list_of(const std::vector<std::string>& items) {
 }
 
 std::string json_of(const Report& report) {
-    Object object;
+    JsonObject object;
     object.text("file", report.file);
     object.text("kind", report.kind);
     object.text("input", report.input);
@@ -400,14 +301,14 @@ std::string json_of(const Report& report) {
     object.real("max", report.values.high, 2);
     std::vector<std::string> cuts;
     for (const Cut& cut : report.cuts) {
-        Object row;
+        JsonObject row;
         row.count("scan", cut.walked.num);
         row.real("elevation", cut.walked.angle, 2);
         row.count("radials", cut.walked.radials);
         std::vector<std::string> moments;
         for (std::size_t i = 0; i < lev2_names.size(); ++i) {
             if (cut.walked.moments[i] > 0) {
-                Object moment;
+                JsonObject moment;
                 moment.text("name", lev2_names[i].name);
                 moment.real("min", cut.values[i].low, 2);
                 moment.real("max", cut.values[i].high, 2);
@@ -426,14 +327,14 @@ std::string json_of(const Report& report) {
 // "0.5 reflectivity -20.0 to 63.5, velocity ...".
 std::string cut_text(const Cut& cut) {
     std::string text =
-        "scan " + std::to_string(cut.walked.num) + " " + number(cut.walked.angle, 1) + " deg";
+        "scan " + std::to_string(cut.walked.num) + " " + json_number(cut.walked.angle, 1) + " deg";
     for (std::size_t i = 0; i < lev2_names.size(); ++i) {
         if (cut.walked.moments[i] > 0) {
             text += std::string(", ") + lev2_names[i].name;
-            if (is_known(cut.values[i].low)) {
+            if (json_is_known(cut.values[i].low)) {
                 const int decimals = lev2_names[i].decimals;
-                text += " " + number(cut.values[i].low, decimals) + " to " +
-                        number(cut.values[i].high, decimals);
+                text += " " + json_number(cut.values[i].low, decimals) + " to " +
+                        json_number(cut.values[i].high, decimals);
             }
         }
     }
@@ -450,19 +351,19 @@ std::string line_of(const Report& report) {
     if (is_set(report.code)) {
         line += " [" + std::to_string(report.code) + "]";
     }
-    if (is_known(report.lat)) {
-        line += "; " + number(report.lat, 2) + " " + number(report.lon, 2);
+    if (json_is_known(report.lat)) {
+        line += "; " + json_number(report.lat, 2) + " " + json_number(report.lon, 2);
     }
     if (is_set(report.vcp)) {
         line += "; VCP " + std::to_string(report.vcp);
     }
-    if (is_known(report.elev)) {
-        line += "; " + number(report.elev, 1) + " deg";
+    if (json_is_known(report.elev)) {
+        line += "; " + json_number(report.elev, 1) + " deg";
     }
-    if (is_known(report.values.high)) {
-        line += is_known(report.values.low) ? "; " + number(report.values.low, 1) + " to "
-                                            : std::string("; up to ");
-        line += number(report.values.high, 1);
+    if (json_is_known(report.values.high)) {
+        line += json_is_known(report.values.low) ? "; " + json_number(report.values.low, 1) + " to "
+                                                 : std::string("; up to ");
+        line += json_number(report.values.high, 1);
     }
     for (const Cut& cut : report.cuts) {
         line += "; " + cut_text(cut);
@@ -476,7 +377,7 @@ int RAD_print_files(int count, const char* const* files, bool json) {
     if (MESS_check_set() == 0) {
         MESS_set(0, mess_print | mess_error | mess_warn); // the progress of searches is no answer
     }
-    const Sites sites = read_sites();
+    const RadSites sites = RAD_read_sites();
     std::vector<Report> reports;
     int known = 0;
     for (int i = 0; i < count; ++i) {

@@ -6,6 +6,7 @@
 #include "files.h"
 #include "map.h"
 #include "maptran.h"
+#include "plt_tally.h"
 #include "plt_tool.h"
 #include "region.h"
 
@@ -34,6 +35,12 @@ void rad_mosaic_word(RadMosaicPlot& plot, const char* word) {
 void rad_mosaic_take(RadMosaicPlot& plot, const char* name, const Date& date, const char* label,
                      const Domain& domain) {
     copy_text(plot.name, sizeof plot.name, name);
+    PLT_tally& tally = PLT_get_tally();
+    tally.product = label;
+    tally.date = date;
+    tally.has_site = false;
+    tally.lat = domain.clat;
+    tally.lon = domain.clon;
     DATE_make_label(&date, plot.datim);
     FILE_get_date(&plot.run.file_date);
     MESS_print(mess_mess, "Product domain: ");
@@ -300,6 +307,7 @@ void RadMosaic::draw_seen(int line, int column, int run, float value) {
             continue;
         }
         ++drawn_;
+        ++PLT_get_tally().figures;
         if (look_ == nullptr || look_copy_.color != look->color ||
             look_copy_.fill_pat != look->fill_pat) {
             look_copy_ = {};

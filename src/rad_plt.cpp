@@ -11,6 +11,7 @@
 #include "map.h"
 #include "maptran.h"
 #include "no_memory.h"
+#include "plt_tally.h"
 #include "plt_tool.h"
 #include "rad_item.h"
 #include "rad_key.h"
@@ -109,6 +110,9 @@ void take_word(const char* word) {
 const Domain* take_file() {
     FILE_get_date(&state.run.file_date);
     const Date& date = state.info.date;
+    PLT_get_tally().product = "Radar summary";
+    PLT_get_tally().has_site = false;
+    PLT_get_tally().date = date;
     PLT_init_labels();
     PLT_set_overlay(0);
     if (is_set(date.day)) {
@@ -245,6 +249,7 @@ bool take_item() {
                    most_items);
         PLT_lost_output();
     }
+    ++PLT_get_tally().figures;
     return state.items++ < most_items;
 }
 
@@ -426,6 +431,10 @@ int RAD_plot_summary() {
         for (int x = 0; x < row->nx; ++x) {
             const auto at = static_cast<std::size_t>(y) * row->nx + static_cast<std::size_t>(x);
             values[at] = grid_value(state.info.summary[x][y]);
+            if (is_set(values[at]) && values[at] > 0.0F) {
+                ++PLT_get_tally().figures;
+                PLT_tally_value(values[at]);
+            }
         }
     }
     grid.grid = values.get();

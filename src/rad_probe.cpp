@@ -4,6 +4,7 @@
 #include "rad_probe.h"
 
 #include "files.h"
+#include "state_keeper.h"
 
 #include <algorithm>
 #include <array>
@@ -192,4 +193,8 @@ RadQuiet::RadQuiet() {
 RadQuiet::~RadQuiet() {
     constexpr int add = 11;
     MESS_set(add, mask_);
+}
+
+void keep_rad_probe(StateKeeper& keeper) {
+    keeper.keep(state);
 }

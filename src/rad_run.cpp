@@ -8,6 +8,8 @@
 #include "date.h"
 #include "map.h"
 #include "maptran.h"
+#include "plt_tally.h"
+#include "rad_account.h"
 #include "rad_probe.h"
 #include "region.h"
 #include "text_list.h"
@@ -139,6 +141,7 @@ bool open_next(const RadPlotter& plotter, RadRun& run, const char* name) {
     }
     if (!take_name(run.probed, name)) {
         plotter.close();
+        RAD_begin_account(name);
         if (plotter.open(name) == 0) {
             FILE_explain(name);
             plotter.close();
@@ -177,6 +180,7 @@ void set_up_map(Domain* domain) {
 bool plot_file(const RadPlotter& plotter, RadRun& run, const char* name, int frame,
                Domain* domain) {
     if (!open_next(plotter, run, name)) {
+        RAD_end_account(end_file);
         return false;
     }
     if (!run.in_session) {
@@ -202,6 +206,7 @@ bool plot_file(const RadPlotter& plotter, RadRun& run, const char* name, int fra
         gdisplay_frame(frame);
     }
     PLT_dump(frame);
+    RAD_end_account(PLT_has_dump() && PLT_get_tally().outputs.empty() ? end_output : 0);
     return true;
 }
 
@@ -354,6 +359,7 @@ bool rad_open_session(const RadPlotter& plotter, RadRun& run, const RadWords& wo
     FILE_set_date(&run.base_date, name);
     FILE_first(&run.base_date); // is the file one of a span, and not there?
     const bool absent = FILE_is_span() != 0 && FILE_exist(name) == 0;
+    RAD_begin_account(name);
     const bool opened = !absent && plotter.open(name) != 0;
     char* const kept = opened ? run.probed : run.failed;
     copy_text(kept, file_name_size, name);

@@ -2,6 +2,7 @@
 #include "rad_storm.h"
 
 #include "map.h"
+#include "plt_tally.h"
 #include "rad_fill.h"
 #include "windbarb.h"
 
@@ -21,6 +22,7 @@ void rad_draw_mark(Gpt p, int color, int type) {
         gset_marker_width(2);
         gset_marker_type(type);
         GPH_mark(p.x, p.y);
+        ++PLT_get_tally().figures;
     }
 }
 

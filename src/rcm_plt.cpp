@@ -10,6 +10,7 @@
 #include "files.h"
 #include "map.h"
 #include "maptran.h"
+#include "plt_tally.h"
 #include "plt_tool.h"
 #include "rad_fill.h"
 #include "rad_run.h"
@@ -166,6 +167,12 @@ const Domain* take_message() {
     DATE_make_label(&rcm.report.date, rcm.datim);
     rad_fill_date(rcm.run, rcm.report.date);
     find_place();
+    PLT_tally& tally = PLT_get_tally();
+    tally.product = "Radar Coded Message";
+    tally.site = rcm.report.id;
+    tally.lat = rcm.clat;
+    tally.lon = rcm.clon;
+    tally.date = rcm.report.date;
     RCM_site_domain(rcm.clat, rcm.clon, &rcm.own);
     rcm.own.nx = rcm.own.ny = 100;
     return &rcm.own;

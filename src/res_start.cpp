@@ -274,6 +274,7 @@ struct Request {
 constexpr std::array requests = {
     Request{"--list",       true },
     Request{"--files-from", true },
+    Request{"--report",     true },
     Request{"--resume",     false},
     Request{"--keep-going", false},
     Request{"--stop",       false},

@@ -23,6 +23,7 @@
 #include "maptran.h"
 #include "nids_plt.h"
 #include "nids_wedge.h"
+#include "plt_tally.h"
 #include "plt_tool.h"
 #include "rad_fill.h"
 #include "rad_key.h"
@@ -38,6 +39,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <string_view>
 
 namespace {
 
@@ -71,6 +73,13 @@ float bin_nmi() {
 }
 
 const Domain* take_file() {
+    const std::string_view label = state.rrwds_info.info;
+    PLT_tally& tally = PLT_get_tally();
+    tally.product = label;
+    tally.site = label.substr(label.find_last_of(' ') + 1);
+    tally.elev = state.rrwds_info.elev;
+    tally.lat = state.rrwds_info.domain.clat;
+    tally.lon = state.rrwds_info.domain.clon;
     DATE_make_label(&state.rrwds_info.date, state.datim);
     state.own = {};
     RRWDS_domain(&state.own);

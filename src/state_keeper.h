@@ -95,6 +95,7 @@ void keep_plt_tool(StateKeeper& keeper);
 void keep_plt_view(StateKeeper& keeper);
 void keep_rad_key(StateKeeper& keeper);
 void keep_rad_plt(StateKeeper& keeper);
+void keep_rad_probe(StateKeeper& keeper);
 void keep_rad_read(StateKeeper& keeper);
 void keep_rad_text(StateKeeper& keeper);
 void keep_raw_plt(StateKeeper& keeper);
