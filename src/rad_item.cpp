@@ -5,6 +5,7 @@
 
 #include "maptran.h"
 #include "near_word.h"
+#include "state_keeper.h"
 #include "units.h"
 #include "var_tool.h"
 #include "zyrrad.h"
@@ -292,4 +293,8 @@ int RCM_get_data(const RCM_report* report, int ind, const VAR_data* var, RAW_dat
     }
     get_storm(report->storm[ind], name, data);
     return 1;
+}
+
+void keep_rad_item(StateKeeper& keeper) {
+    keeper.keep(state);
 }

@@ -21,10 +21,10 @@ constexpr void (*keepers[])(StateKeeper& keeper) = {
     keep_map_lines,   keep_maptran,      keep_nids,      keep_nids_header, keep_nids_pages,
     keep_nids_plt,    keep_nids_symbols, keep_no_memory, keep_now_plt,     keep_nowrad,
     keep_plt_evnt,    keep_plt_labl,     keep_plt_parm,  keep_plt_tally,   keep_plt_view,
-    keep_rad_key,     keep_rad_plt,      keep_rad_probe, keep_rad_read,    keep_raw_plt,
-    keep_raw_read,    keep_rad_text,     keep_raw_tool,  keep_rcm_plt,     keep_region,
-    keep_rrwds,       keep_tools,        keep_var_code,  keep_var_file,    keep_var_tool,
-    keep_watch,       keep_wx_symb,
+    keep_rad_item,    keep_rad_key,      keep_rad_plt,   keep_rad_probe,   keep_rad_read,
+    keep_raw_plt,     keep_raw_read,     keep_rad_text,  keep_raw_tool,    keep_rcm_plt,
+    keep_region,      keep_rrwds,        keep_tools,     keep_var_code,    keep_var_file,
+    keep_var_tool,    keep_watch,        keep_wx_symb,
 };
 
 } // namespace

@@ -93,6 +93,7 @@ void keep_plt_parm(StateKeeper& keeper);
 void keep_plt_tally(StateKeeper& keeper);
 void keep_plt_tool(StateKeeper& keeper);
 void keep_plt_view(StateKeeper& keeper);
+void keep_rad_item(StateKeeper& keeper);
 void keep_rad_key(StateKeeper& keeper);
 void keep_rad_plt(StateKeeper& keeper);
 void keep_rad_probe(StateKeeper& keeper);
