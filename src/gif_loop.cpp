@@ -24,6 +24,7 @@
 #include "img_pixel.h"
 
 #include "out_file.h"
+#include "state_keeper.h"
 
 #include <algorithm>
 #include <array>
@@ -375,4 +376,13 @@ int GIF_end_frames() {
     std::FILE* const output = loop.output;
     loop = {};
     return close_output(output) == 0 ? 1 : 0;
+}
+
+void keep_gif_loop(StateKeeper& keeper) {
+    keeper.close_by([] {
+        if (loop.output != nullptr) { // of a run that ended early
+            give_up();
+        }
+    });
+    keeper.keep(pace);
 }

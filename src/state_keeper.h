@@ -52,6 +52,7 @@ void keep_file_sel(StateKeeper& keeper);
 void keep_files(StateKeeper& keeper);
 void keep_flag(StateKeeper& keeper);
 void keep_gif(StateKeeper& keeper);
+void keep_gif_loop(StateKeeper& keeper);
 void keep_gks_colr(StateKeeper& keeper);
 void keep_gks_draw(StateKeeper& keeper);
 void keep_gks_fill(StateKeeper& keeper);
