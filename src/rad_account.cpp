@@ -17,6 +17,8 @@
 #include <string>
 #include <vector>
 
+#include <unistd.h>
+
 namespace {
 
 struct Picture {
@@ -29,6 +31,7 @@ struct Picture {
 
 struct State {
     std::FILE* out = nullptr; // of the lines
+    pid_t owner = 0;          // what a batch run leaves in the background writes none
     bool under_way = false;   // `picture` is being drawn
     Picture picture;
     std::vector<Picture> pages; // drawn, on a page that is not yet written
@@ -105,7 +108,7 @@ void write(const Picture& picture) {
         ++s.pictures;
         s.empty += picture.tally.figures == 0 ? 1 : 0;
     }
-    if (s.out != nullptr) {
+    if (s.out != nullptr && s.owner == getpid()) {
         std::fprintf(s.out, "%s\n", text_of(picture).c_str());
         std::fflush(s.out); // the account of a run that is killed is whole, too
     }
@@ -124,6 +127,7 @@ bool RAD_open_account() {
     if (old == nullptr || old.get() == stdin || std::getc(old.get()) == '{') {
         state.out = FILE_open(name, RES_get("--resume") != nullptr ? "a" : "w");
     }
+    state.owner = getpid();
     if (state.out == nullptr) {
         MESS_print(mess_error, "zyrrad: Unable to write the report: %s\n", name);
         return false;

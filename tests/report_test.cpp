@@ -70,6 +70,14 @@ private:
     }
 };
 
+TEST_F(Account, OfABatchRunHasOneLine) {
+    const ProgramRun done =
+        run({"-ba", "-inp", "nids", "-de", "p,batch.ps", "--report", "r.json", "in/radial"});
+    EXPECT_EQ(done.code, 0) << done.err;
+    usleep(300000); // what goes on in the background has ended, too
+    EXPECT_EQ(ask("r.json", "r['output']"), "batch.ps\n");
+}
+
 } // namespace
 
 TEST_F(Account, EachInputHasALineThatAgreesWithTheSchema) {
