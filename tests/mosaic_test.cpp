@@ -498,7 +498,9 @@ TEST(Mosaic, DamagedFilesEndTheReading) {
             }
         }
     };
-    for (const auto& [name, bytes] : nowrad_samples()) {
+    for (const auto& sample : nowrad_samples()) {
+        const std::string& name = sample.first; // lambdas take no bindings
+        const Bytes& bytes = sample.second;
         const Image whole = nowrad_read(bytes);
         each_damage(bytes, [&](const Bytes& damaged, std::size_t at, bool cut) {
             const Image got = nowrad_read(damaged);
@@ -513,7 +515,9 @@ TEST(Mosaic, DamagedFilesEndTheReading) {
             }
         });
     }
-    for (const auto& [name, bytes] : kavrad_samples()) {
+    for (const auto& sample : kavrad_samples()) {
+        const std::string& name = sample.first; // lambdas take no bindings
+        const Bytes& bytes = sample.second;
         const std::size_t head = kavrad_header({}).size();
         const auto read = [&](const Bytes& damaged) {
             const Stream file = opened(damaged);
