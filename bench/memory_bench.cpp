@@ -5,31 +5,18 @@
 // as many of these. Processor time, each the least of several taken in turn. Prints
 // ratios, and fails beyond those allowed.
 #include "bare_picture.h"
-#include "files.h"
-#include "map.h"
-#include "maptran.h"
-#include "nids.h"
-#include "nids_plt.h"
 #include "nids_storm.h"
 #include "page_floor.h"
-#include "plt_tool.h"
 #include "png_floor.h"
-#include "redraw_areas.h"
-#include "region.h"
-#include "zyrgks.h"
-#include "zyrresrc.h"
 
 #include <algorithm>
 #include <array>
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <string>
 #include <vector>
-
-#include <bzlib.h>
 
 namespace {
 
