@@ -520,12 +520,11 @@ void FILE_explain(const char* name) {
     if (FILE_is_stdio(name) != 0 || *name == '|') {
         return;
     }
-    if (FILE_exist(name) != 0) {
-        FILE_tell_nearest("FILE_set_file", nullptr, name);
-    } else if (*s.ext_info != '\0') {
+    const bool there = FILE_exist(name) != 0; // but it cannot be read
+    if (!there && *s.ext_info != '\0') {
         MESS_print(mess_warn, "FILE_set_file: No file has the whole name, \"%s\" was taken off\n",
                    s.ext_info);
-    } else if (const char* way = way_of_output(name)) {
+    } else if (const char* way = there ? nullptr : way_of_output(name)) {
         MESS_print(mess_warn,
                    "FILE_set_file: A name alone is an input, this output is named by %s\n", way);
     } else {

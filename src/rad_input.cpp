@@ -149,7 +149,7 @@ std::string nearest_input(std::string_view item) {
     for (const PlainName& row : names) {
         words.push_back({row.name});
     }
-    const std::string nearest(nearest_word(words, item.substr(0, item.find('_'))));
+    std::string nearest(nearest_word(words, item.substr(0, item.find('_'))));
     for (const PlainName& row : names) {
         if (nearest == row.name) {
             return row.word;
