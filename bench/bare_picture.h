@@ -107,25 +107,14 @@ inline std::vector<std::string> data_alone(const std::string& picture, const std
 
 // The areas of such a picture in pixels, as the program draws them.
 inline Polygons areas_of(const std::string& product) {
-    RES_put("file_path", ZYR_SOURCE_DIR "/etc");
     RES_put("device", "d,memory");
     RES_put("out_file", "png@none.png");
-    RES_put("plot_param", "nobar");
-    RES_conv_data("none", nullptr, CV_mess);
-    FLAG_resetplot(1);
-    for (const int item : {0, 8}) {
-        FLAG_setplot(item, 0);
-    }
-    NIDS_info info;
-    std::FILE* file = FILE_open(product.c_str(), "r");
-    NIDS_get_header(file, &info);
-    FILE_close(file);
-    PLT_open(DOM_aspect(&info.domain));
+    const Domain domain = open_data_alone(product);
     gset_cache(1);
     gset_redraw(1);
-    PLT_reset(DOM_aspect(&info.domain));
+    PLT_reset(DOM_aspect(&domain));
     NIDS_open_file(product.c_str());
-    MAP_setup(&info.domain);
+    MAP_setup(&domain);
     NIDS_plot_frame();
     NIDS_close_file();
     Polygons all = redraw_areas();

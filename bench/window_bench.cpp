@@ -62,21 +62,9 @@ std::string full_product() {
 // area of the product.
 Domain open_window(const XServer& server, const std::string& product) {
     setenv("DISPLAY", server.name().c_str(), 1);
-    RES_put("file_path", ZYR_SOURCE_DIR "/etc");
     RES_put("device", "d");
-    RES_put("plot_param", "nobar");
     RES_put("geometry", (std::to_string(bench_width) + "x" + std::to_string(bench_height)).c_str());
-    RES_conv_data("none", nullptr, CV_mess);
-    FLAG_resetplot(1);
-    for (const int item : {0, 8}) {
-        FLAG_setplot(item, 0);
-    }
-    NIDS_info info;
-    std::FILE* file = FILE_open(product.c_str(), "r");
-    NIDS_get_header(file, &info);
-    FILE_close(file);
-    PLT_open(DOM_aspect(&info.domain));
-    return info.domain;
+    return open_data_alone(product);
 }
 
 // As a replot draws it: on the product's own area.

@@ -93,17 +93,14 @@ MapPair satellite_inverse(const Map& m, double x, double y) {
                                  : satellite_sphere_inverse(m, x, y);
 }
 
-// By the image of a point 1 km away. The inverse of the sphere may miss its point by
-// more than that, so that both ends are images of what it gives.
+// By the image of a point 1 km away.
 float satellite_dir_adj(const Map& m, float dir, float x, float y) {
-    float x1 = missing_f;
-    float y1 = missing_f;
     float x2 = missing_f;
     float y2 = missing_f;
-    if (m.offset(x, y, dir, 0.0F, &x1, &y1) == 0 || m.offset(x, y, dir, 1.0F, &x2, &y2) == 0) {
+    if (m.offset(x, y, dir, 1.0F, &x2, &y2) == 0) {
         return missing_f;
     }
-    return to_float(atan2_deg(static_cast<double>(x2) - x1, static_cast<double>(y2) - y1));
+    return to_float(atan2_deg(static_cast<double>(x2) - x, static_cast<double>(y2) - y));
 }
 
 } // namespace proj

@@ -393,9 +393,8 @@ int RCM_plot(Domain* domain) {
 
 int RCM_plot_frame() {
     MAP_draw(map_under);
-    if (RCM_plot_summary() == 0) { // a bar says nothing without echoes
-        rad_draw_bar();
-    }
+    RCM_plot_summary();
+    rad_draw_bar();
     MAP_draw(map_over | map_plain);
     RCM_plot_data(&rcm.report);
     PLT_labels();

@@ -49,19 +49,6 @@ protected:
     Lev2Plot() : RadarPlot(lev2_samples()) { write("volume", two_scans()); }
 };
 
-// The first figure of a page, in points.
-std::vector<std::array<double, 2>> first_figure(const std::string& page) {
-    std::istringstream lines(page.substr(std::min(page.find("%%FA:5"), page.size())));
-    std::vector<std::array<double, 2>> corners;
-    for (std::string line; std::getline(lines, line) && line != "cp";) {
-        std::array<double, 2> at{};
-        if (std::sscanf(line.c_str(), "%lf %lf", at.data(), at.data() + 1) == 2) {
-            corners.push_back(at);
-        }
-    }
-    return corners;
-}
-
 } // namespace
 
 TEST_F(Lev2Plot, GoldenPages) {

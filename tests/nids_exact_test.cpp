@@ -69,19 +69,6 @@ std::string text_of(const std::vector<float>& values) {
     return text;
 }
 
-// The corners of the first figure of a page, points.
-std::vector<std::array<double, 2>> first_figure(const std::string& page) {
-    std::istringstream lines(page.substr(std::min(page.find("%%FA:5"), page.size())));
-    std::vector<std::array<double, 2>> corners;
-    for (std::string line; std::getline(lines, line) && line != "cp";) {
-        std::array<double, 2> at{};
-        if (std::sscanf(line.c_str(), "%lf %lf", at.data(), at.data() + 1) == 2) {
-            corners.push_back(at);
-        }
-    }
-    return corners;
-}
-
 } // namespace
 
 TEST(NidsExact, ValuesOfLevels) {

@@ -80,7 +80,7 @@ struct Format {
     std::size_t cut;    // bytes of a file of which nothing can be drawn
     const char* damage; // what is said of it
     int bar;            // boxes of the bar or the key
-    bool key;           // a key is there without the echoes, too
+    bool key;           // it is there without the echoes, too
     const char* date;   // label of the first file
 };
 
@@ -88,7 +88,7 @@ constexpr Format formats[] = {
     {"nowrad", "-inp nowrad",                   nowrad,  60,   "",                  15, false, "2230Z 20 MAY 19"},
     {"kavrad", "-inp kavrad",                   kavrad,  2048, "",                  15, false, "2230Z 20 MAY 19"},
     {"rrwds",  "-inp rrwds",                    rrwds,   12,   "ends at azimuth 0", 6,  true,  "2230Z 20 MAY 80"},
-    {"rcm",    "-inp rcmsite -id TLX -va comp", rcm,     180,  "is damaged",        6,  false, "2230Z 20 MAY 19"},
+    {"rcm",    "-inp rcmsite -id TLX -va comp", rcm,     180,  "is damaged",        6,  true,  "2230Z 20 MAY 19"},
     {"mdr",    "-inp mdr -va city::text",       summary, 23,   "No grid of levels", 6,  false,
      "2230Z 20 MAY 19"                                                                                          },
 };

@@ -7,11 +7,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <vector>
 
 struct NidsPage {
     ProgramRun run;
@@ -35,6 +39,19 @@ inline NidsPage nids_page(const TempDir& dir, const std::string& args,
     NidsPage page{run_program(ZYR_PROGRAM, call), ""};
     page.text = read_text(dir.path() + "/page.ps");
     return page;
+}
+
+// The first figure of a page, in points.
+inline std::vector<std::array<double, 2>> first_figure(const std::string& page) {
+    std::istringstream lines(page.substr(std::min(page.find("%%FA:5"), page.size())));
+    std::vector<std::array<double, 2>> corners;
+    for (std::string line; std::getline(lines, line) && line != "cp";) {
+        std::array<double, 2> at{};
+        if (std::sscanf(line.c_str(), "%lf %lf", at.data(), at.data() + 1) == 2) {
+            corners.push_back(at);
+        }
+    }
+    return corners;
 }
 
 // What a golden file keeps of a page: all but the line that changes from run to
