@@ -41,8 +41,14 @@ std::string ByteSource::number() {
         c = get();
     }
     std::string letters;
-    while (c != end && letters.size() < longest &&
-           (std::isdigit(c) != 0 || c == '+' || c == '-' || c == '.' || c == 'e' || c == 'E')) {
+    // A sign that follows no exponent begins the next number.
+    const auto goes_on = [&letters](int next) {
+        const bool exponent = !letters.empty() && (letters.back() == 'e' || letters.back() == 'E');
+        const bool sign = next == '+' || next == '-';
+        return (sign && (letters.empty() || exponent)) || std::isdigit(next) != 0 || next == '.' ||
+               next == 'e' || next == 'E';
+    };
+    while (c != end && letters.size() < longest && goes_on(c)) {
         letters += static_cast<char>(c);
         c = get();
     }

@@ -221,8 +221,19 @@ void read_places(MDR_report* report, Index at) {
     },
                   1) > 0 &&
         get_float("height", {at, {"maxheight", 0}}, &height)) {
-        report->tops[0] = {trunc_int((1.0F + height) * feet_per_m) / 100, report->loc[0].dir,
-                           report->loc[0].rad};
+        MDR_tops& top = report->tops[0]; // at the first place, whether it counts or not
+        top.h = trunc_int((1.0F + height) * feet_per_m) / 100;
+        float azimuth = missing_f;
+        float range = missing_f;
+        if (get_float("azimuth",
+                      {
+                          at, {"maxazran", 0}
+        },
+                      &azimuth) &&
+            get_float("range", {at, {"maxazran", 0}}, &range)) {
+            top.dir = trunc_int(azimuth);
+            top.rad = miles(range);
+        }
     }
 }
 

@@ -43,6 +43,7 @@ void rad_mosaic_take(RadMosaicPlot& plot, const char* name, const Date& date, co
     tally.lon = domain.clon;
     DATE_make_label(&date, plot.datim);
     FILE_get_date(&plot.run.file_date);
+    rad_fill_date(plot.run, date);
     MESS_print(mess_mess, "Product domain: ");
     DOM_print(mess_mess, &domain);
     MESS_print(mess_mess, "Product type: %s\n", label);

@@ -163,8 +163,8 @@ int plot_frame() {
 }
 
 constexpr RadPlotter plotter = {
-    RAD_plot_param, RAD_open_file, RAD_close_file, take_file,
-    plot_frame,     RAD_callback,  RAD_plot,       RAD_plot_nextfile,
+    RAD_plot_param, RAD_open_file, RAD_close_file,    take_file, plot_frame,
+    RAD_callback,   RAD_plot,      RAD_plot_nextfile, true,
 };
 
 // --- The grid ---------------------------------------------------------------------
@@ -345,9 +345,6 @@ int RAD_open_file(const char* filename) {
     }
     take_file();
     MESS_print(mess_mess, "Date: %s\n", state.info.datim);
-    if (CONT_get_bar() != -2) {
-        CONT_set_bar(1);
-    }
     return 1;
 }
 

@@ -148,7 +148,7 @@ bool open_next(const RadPlotter& plotter, RadRun& run, const char* name) {
             return false;
         }
     }
-    if (CONT_get_bar() != -2) { // the session may have refused it since
+    if (!plotter.has_key && CONT_get_bar() != -2) { // the session may have refused it since
         CONT_set_bar(1);
     }
     return true;

@@ -58,6 +58,7 @@ struct RadPlotter {
     PLT_mouse_func* callback;
     PLT_domain_func* plot;     // zoom and resize
     PLT_refresh_func* refresh; //
+    bool has_key = false;      // in place of a bar, of which it needs none to be on
 };
 
 struct RadRun {

@@ -27,6 +27,7 @@
 #include <cctype>
 #include <cmath>
 #include <cstring>
+#include <memory>
 #include <string>
 
 namespace {
@@ -464,9 +465,9 @@ int RCM_plot_nextfile() {
     if (FILE_exist(name) == 0) {
         return 0;
     }
-    const Date shown = rcm.report.date;
+    const auto shown = std::make_unique<RCM_report>(rcm.report);
     const bool news =
-        open_site(name) != 0 && std::memcmp(&shown, &rcm.report.date, sizeof shown) != 0;
+        open_site(name) != 0 && std::memcmp(shown.get(), &rcm.report, sizeof *shown) != 0;
     if (!news) {
         RCM_close_file();
         return 0;

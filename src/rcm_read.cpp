@@ -415,11 +415,13 @@ void take_heights(Message& message, RCM_report* report) {
         RCM_storm* storm = find_storm(id, report);
         int height = missing;
         char hail = '\0';
-        if (!message.take("%*(S)%3d%*(H)%c, ", &height, &hail)) {
-            return;
-        }
-        if (storm != nullptr) {
+        // What was met of a height that is cut stays; one that is missing takes nothing
+        // from the next centroid.
+        const bool whole = message.take("%*(S)%3d%*(H)%c, ", &height, &hail);
+        if (storm != nullptr && is_set(height)) {
             storm->hgt = height;
+        }
+        if (storm != nullptr && whole) {
             take_hail(hail, storm);
         }
     }
@@ -534,7 +536,7 @@ int RCM_read_site(std::FILE* ifile, RCM_report* report) {
     std::string body;
     lines.next(&body);
     while (body.size() < least_body && lines.next(&line)) {
-        body.append("\n").append(line, 0, longest_line - least_body);
+        body.append("\n").append(line, 0, longest_line - 2 - body.size());
     }
     if (are_packets(body)) {
         return take_packets(body, report);

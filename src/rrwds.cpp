@@ -229,6 +229,8 @@ int RRWDS_open_file(const char* filename) {
         return 0;
     }
     take_file();
+    FILE_get_date(&state.run.file_date);
+    rad_fill_date(state.run, state.rrwds_info.date);
     const Domain& domain = state.rrwds_info.domain;
     MESS_print(mess_mess, "Product type: %s\n", state.rrwds_info.info);
     MESS_print(mess_mess, "Product date: %s\n", state.datim);

@@ -170,6 +170,10 @@ TEST(NOWRad, HeadersOfBothKinds) {
     EXPECT_EQ(info.domain.clat, 38.69F); // fixed, whatever the file says
     EXPECT_EQ(info.domain.dx, 0.0722F);
     EXPECT_EQ(info.date.hour, 22);
+    NowradImage dense = nowrad_lambert(3, 4); // a sign parts numbers as a blank does
+    dense.projection.erase(dense.projection.find(" -"), 1);
+    info = nowrad_read(nowrad_file(dense, blank)).info;
+    EXPECT_NEAR(info.domain.plon, -97, 1e-3);
 
     const std::vector<std::pair<const char*, std::array<int, 2>>> month_words = {
         {"Jan", {1, 99}      },

@@ -107,7 +107,7 @@ protected:
         write("cut", cut);
         dir.write("conventions", "nowrad %D/%Y%m%d%h%n - 0\nkavrad %D/%Y%m%d%h%n - 0\n"
                                  "rrwds %D/%Y%m%d%h%n - 0\nrcm_dat %D/%Y%m%d%h%n - 0\n"
-                                 "rad_raw %D/%Y%m%d%h%n - 0\n");
+                                 "rad_raw %D/%Y%m%d%h%n - 0\nwat_dat %W/%Y%m%d%h.wat - 0\n");
     }
     void put(int minute, int level) const {
         write("2019052022" + std::to_string(minute), GetParam().file(minute, level));
@@ -179,7 +179,10 @@ TEST_P(RadarWindow, PartsPanelsAndDamage) {
     const int echoes = page("-dr sum -pp nobar " + one).figures();
     const int others = page("-dr sum -pp nobar " + two).figures();
     ASSERT_GT(std::min(echoes, others), 8);
-    EXPECT_EQ(page("-dr sum " + one).figures(), echoes + format.bar);
+    EXPECT_EQ(page("-dr sum,text " + one).figures(), echoes + format.bar);
+    // The key of a summary goes with the texts, a bar with the echoes.
+    const bool silent = format.args == std::string(formats[4].args);
+    EXPECT_EQ(page("-dr sum " + one).figures(), echoes + (silent ? 0 : format.bar));
     EXPECT_EQ(page("-dr map " + one).figures(), format.key ? format.bar : 0);
     EXPECT_EQ(page("-dr text,bord -pp nobar " + one).figures(), 0);
     // What cannot be read between two that can shows nothing of either.
@@ -208,6 +211,18 @@ TEST_P(RadarWindow, PartsPanelsAndDamage) {
     }
     EXPECT_GT(inside, 1000);
     EXPECT_EQ(outside, 0);
+
+    // The name of an image and the watches go by the time of the data.
+    write("plain", format.file(30, 2));
+    launch(with("-ba -of png=./at_%m%d%h%n.png ./plain"))->wait();
+    EXPECT_TRUE(std::filesystem::exists(dir.path() + "/at_05202230.png"));
+    dir.write("2019052022.wat", "SPC AWW 202158\nWW 9 TORNADO OK 202200Z - 202300Z\n"
+                                "AXIS..60 STATUTE MILES EAST AND WEST OF LINE..\n"
+                                "30N OKC/OKLAHOMA CITY OK/ - 20S ADM/ARDMORE OK/\n"
+                                "..AVIATION COORDS.. 50NM E/W /26N OKC - 17S ADM/\n");
+    const NidsPage warned =
+        page("-dr sum,data -nc ./conventions -wp . -dp . -va watch 201905202230");
+    EXPECT_EQ(count_text(warned.text, " T9\n"), 1) << warned.run.err;
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, RadarWindow, testing::ValuesIn(formats),

@@ -333,6 +333,13 @@ TEST(Summary, ReportsOfNetcdf) {
               (std::vector<std::string>{"TLX|LINE|TRW4c|+|450,235,45|L250,32|@235,45|@200,21|@-,10",
                                         "DDC|AREA|ZRS1c|NC|-,-,-|@90,10", "ICT|NE| |-,-,-"}));
     EXPECT_EQ(read.info.date.min, 35);
+    // The top has the first place, whether it counts as one or not.
+    NcFile placeless = summary_reports(none);
+    std::find_if(placeless.vars.begin(), placeless.vars.end(), [](const NcVar& var) {
+        return var.name == "nazran";
+    })->values = {0, 1, 0};
+    EXPECT_EQ(read_bytes(netcdf_classic(placeless)).reports[0],
+              "TLX|LINE|TRW4c|+|450,235,45|L250,32|@-,10");
     // A file that lacks any one of its variables or dimensions gives the others.
     for (const bool station : {true, false}) {
         const NcFile whole = station ? summary_stations(none) : summary_reports(none);
