@@ -241,7 +241,7 @@ TEST(RcmRead, Sections) {
         {head + "/MTNONE /NCEN01: CA1ABD 240030 ",                                          begun + "- 0 - -,- CA1@4,3:240:30:-:0 "                                             },
  // An identifier of one letter, and one that part C alone names.
         {head + "/NCEN03: CA0AAA 240030,CD1AAA 250031,CG2AAA 260032 /NEXRCC 0001 2005192231 "
-                "/NTVS00: /NMES00: /NCEN03: CA0AAA CD1AAA S369HP,CG2AAA S350", begun + "- 0 - -,- CA0@0,0:240:30:-:0 CD1@0,0:250:31:369:1 CG2@0,0:260:32:350:0 "},
+                "/NTVS00: /NMES00: /NCEN03: CA0AAA CD1AAA S369HP,CG2AAA S350",     begun + "- 0 - -,- CA0@0,0:240:30:-:0 CD1@0,0:250:31:369:1 CG2@0,0:260:32:350:0 "   },
         {head + "/NCEN02: CN AAA 240030,CW AAA 250031 /NEXRCC 0001 2005192231 "
                 "/NTVS01: TVS1 ABD /NMES00: /NCEN02: CN AAA S350HH,CB2AAA S120HU", begun + "- 0 - -,- CN@0,0:240:30:350:2 CW@0,0:250:31:-:0 CB2@-,-:-:-:120:-1 T1@4,3 "},
         {head + "/NEXRBB 0001 2005192231 020B227038,030X224042 /ENDBB",
