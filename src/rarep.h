@@ -36,6 +36,8 @@ struct RCM_storm {
     int dir = missing; // degrees
     int spd = missing; // knots
     int hail = rcm_hail_none;
+
+    bool operator==(const RCM_storm&) const = default;
 };
 
 // A tornado vortex signature or a mesocyclone.
@@ -43,6 +45,8 @@ struct RCM_mark {
     char id[3] = "";
     float x = missing_f;
     float y = missing_f;
+
+    bool operator==(const RCM_mark&) const = default;
 };
 
 // A level of the winds above the site.
@@ -51,6 +55,8 @@ struct RCM_vad {
     int dir = missing; // degrees
     int spd = missing; // knots
     int rms = 0;       // error, knots; 0 for a letter that is none
+
+    bool operator==(const RCM_vad&) const = default;
 };
 
 struct RCM_report {
@@ -74,6 +80,8 @@ struct RCM_report {
     int num_meso = 0;                       //
     RCM_vad vad[rcm_max_vad];               //
     int num_vad = 0;                        //
+
+    bool operator==(const RCM_report&) const = default;
 };
 
 // --- Radar Coded Messages: decoder (rcm_read.cpp) -----------------------------

@@ -466,9 +466,7 @@ int RCM_plot_nextfile() {
         return 0;
     }
     const auto shown = std::make_unique<RCM_report>(rcm.report);
-    const bool news =
-        open_site(name) != 0 && std::memcmp(shown.get(), &rcm.report, sizeof *shown) != 0;
-    if (!news) {
+    if (open_site(name) == 0 || *shown == rcm.report) {
         RCM_close_file();
         return 0;
     }

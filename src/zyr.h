@@ -37,6 +37,8 @@ struct Date {
     int hour = missing;  // 0 to 23
     int min = missing;   // 0 to 59
     int sec = missing;   // 0 to 59
+
+    bool operator==(const Date&) const = default;
 };
 
 // Where a picture lies on the earth and how large it is. The numbers get
