@@ -42,6 +42,7 @@ struct ColorTable {
     int num_fill = 0;                 // colours meant for fills
     bool any = false;                 // the file read last names a color
     bool any_number = false;          // with a number
+    bool no_text = false;             // it holds bytes that no text does
     std::vector<std::string> unknown; // names that were warned of
 };
 ColorTable table;
@@ -234,10 +235,16 @@ void read_table_file(std::FILE* file, bool first_file, bool count_fills) {
     Slots at{first_file ? 0 : table.num_colors};
     table.any = false;
     table.any_number = false;
+    table.no_text = false;
     std::array<char, 101> line{};
     bool begins = true;
     for (int i = 0; i < most_pieces && std::fgets(line.data(), line.size(), file) != nullptr; ++i) {
         const bool ends = std::strchr(line.data(), '\n') != nullptr;
+        table.no_text = std::any_of(line.begin(), line.begin() + std::strlen(line.data()),
+                                    [](char c) { return c > '\0' && c < ' ' && !is_blank(c); });
+        if (table.no_text) {
+            return;
+        }
         if (begins) {
             read_line(line.data(), first_file, &at);
         }
@@ -463,10 +470,12 @@ bool read_tables(const char* names, bool count_fills) {
             FILE_tell_nearest("CLR_read_table", RES_get("file_path"), name);
             continue;
         }
+        const ColorTable before = table;
         read_table_file(file.get(), first_file, count_fills);
-        if (!has_names() || (table.any && !table.any_number)) { // such as a picture, or a device
+        // Such as a picture, or a device.
+        if (table.no_text || !has_names() || (table.any && !table.any_number)) {
             MESS_print(mess_warn, "CLR_read_table: No colors in: %s\n", path.data());
-            table.num_colors = 0;
+            table = before;
             continue;
         }
         first_file = false;
@@ -595,6 +604,12 @@ int ATTR_parse_marker(const char* str) {
         }
     }
     return text_int(str);
+}
+
+bool ATTR_is_marker(const char* str) {
+    return is_number(str) ||
+           std::any_of(std::begin(markers), std::end(markers),
+                       [str](const Word& word) { return begins(str, word.text); });
 }
 
 bool ATTR_is_fill_pat(const char* str) {

@@ -272,8 +272,9 @@ std::string next_word(const char** at) {
     return {from, end};
 }
 
-// Takes the convention of one line if it is for the kind.
-bool take_line(const char* line, const char* kind) {
+// Takes the convention of one line if it is for the kind, or where `whole` is not
+// asked for its beginning.
+bool take_line(const char* line, const char* kind, bool whole) {
     FileState& s = module.state;
     const std::string name = next_word(&line).substr(0, kind_size - 1);
     copy_text(s.conv, sizeof s.conv, next_word(&line).c_str());
@@ -295,7 +296,7 @@ bool take_line(const char* line, const char* kind) {
         MESS_print(trace_conv, "File name match for: %s\n", kind);
         return true;
     }
-    if (strnicmp(kind, name.c_str(), static_cast<int>(name.size())) != 0) {
+    if (whole || strnicmp(kind, name.c_str(), static_cast<int>(name.size())) != 0) {
         return false;
     }
     const char* code = std::strrchr(kind, '_');
@@ -305,7 +306,7 @@ bool take_line(const char* line, const char* kind) {
     return true;
 }
 
-bool search_convention(std::FILE* file, const char* path, const char* kind) {
+bool search_convention(std::FILE* file, const char* path, const char* kind, bool whole) {
     constexpr int most_lines = 10000;
     char line[line_length + 2]; // one more, to see that a line is too long
     for (int n = 0; fgetnline(file, line, line_length + 1) >= 0; ++n) {
@@ -322,11 +323,59 @@ bool search_convention(std::FILE* file, const char* path, const char* kind) {
             MESS_print(mess_warn, "FILE_set_name: Line too long: %.40s...\n", line);
             line[line_length] = '\0';
         }
-        if (take_line(line, kind)) {
+        if (take_line(line, kind, whole)) {
             return true;
         }
     }
     return false;
+}
+
+int set_name(const char* kind, bool whole) {
+    FileState& s = module.state;
+    s.filename[0] = '\0';
+    if (kind == nullptr || stricmp(kind, "none") == 0) {
+        s.conv[0] = '\0';
+        return 0;
+    }
+    if (std::strlen(kind) >= file_name_size) {
+        MESS_print(mess_warn, "FILE_set_name: Name too long: %.40s...\n", kind);
+        s.conv[0] = '\0';
+        return 0;
+    }
+    if (*kind == '@') {
+        copy_text(s.conv, sizeof s.conv, kind + 1);
+        return 1;
+    }
+    char name[file_name_size];
+    copy_text(name, sizeof name, kind);
+    take_keys(name);
+
+    const char* conv_name = RES_get("name_conv");
+    if (conv_name == nullptr || *conv_name == '\0') {
+        conv_name = "name_conv";
+    }
+    char path[file_name_size];
+    FILE_add_path(RES_get("file_path"), conv_name, path);
+    const FILE_ptr file(FILE_open_text(path));
+    if (file == nullptr) {
+        if (module.no_conventions != path) { // each kind of file asks for it
+            module.no_conventions = path;
+            MESS_print(mess_warn, "FILE_set_name: No file name convention file: %s\n", path);
+            FILE_tell_nearest("FILE_set_name", RES_get("file_path"), conv_name);
+        }
+        copy_text(s.conv, sizeof s.conv, name);
+        return 0;
+    }
+    MESS_print(trace_conv, "Opening name convention file: %s\n", path);
+    s.ext[0] = '\0';
+    if (search_convention(file.get(), path, name, whole)) {
+        return 1;
+    }
+    s.hconv[0] = '\0';
+    s.min_size = 0;
+    copy_text(s.conv, sizeof s.conv, name);
+    MESS_print(trace_conv, "No file name conversion for: %s\n", name);
+    return 0;
 }
 
 } // namespace
@@ -573,51 +622,11 @@ int FILE_overwrite(const char* name, int mode) {
 // --- Naming conventions --------------------------------------------------------
 
 int FILE_set_name(const char* kind) {
-    FileState& s = module.state;
-    s.filename[0] = '\0';
-    if (kind == nullptr || stricmp(kind, "none") == 0) {
-        s.conv[0] = '\0';
-        return 0;
-    }
-    if (std::strlen(kind) >= file_name_size) {
-        MESS_print(mess_warn, "FILE_set_name: Name too long: %.40s...\n", kind);
-        s.conv[0] = '\0';
-        return 0;
-    }
-    if (*kind == '@') {
-        copy_text(s.conv, sizeof s.conv, kind + 1);
-        return 1;
-    }
-    char name[file_name_size];
-    copy_text(name, sizeof name, kind);
-    take_keys(name);
+    return set_name(kind, false);
+}
 
-    const char* conv_name = RES_get("name_conv");
-    if (conv_name == nullptr || *conv_name == '\0') {
-        conv_name = "name_conv";
-    }
-    char path[file_name_size];
-    FILE_add_path(RES_get("file_path"), conv_name, path);
-    const FILE_ptr file(FILE_open_text(path));
-    if (file == nullptr) {
-        if (module.no_conventions != path) { // each kind of file asks for it
-            module.no_conventions = path;
-            MESS_print(mess_warn, "FILE_set_name: No file name convention file: %s\n", path);
-            FILE_tell_nearest("FILE_set_name", RES_get("file_path"), conv_name);
-        }
-        copy_text(s.conv, sizeof s.conv, name);
-        return 0;
-    }
-    MESS_print(trace_conv, "Opening name convention file: %s\n", path);
-    s.ext[0] = '\0';
-    if (search_convention(file.get(), path, name)) {
-        return 1;
-    }
-    s.hconv[0] = '\0';
-    s.min_size = 0;
-    copy_text(s.conv, sizeof s.conv, name);
-    MESS_print(trace_conv, "No file name conversion for: %s\n", name);
-    return 0;
+int FILE_set_whole_name(const char* kind) {
+    return set_name(kind, true);
 }
 
 void FILE_save_name_conv() {

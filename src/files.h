@@ -79,6 +79,9 @@ int FILE_overwrite(const char* name, int mode);
 // suffixes (":x=text") set template keys; "@template" is its own template.
 // Returns 1; 0 for "none" and for a kind that has to be its own template.
 int FILE_set_name(const char* kind);
+// The same for a kind that may be a file's own name: no line that is but its beginning
+// fits it.
+int FILE_set_whole_name(const char* kind);
 // One level of saved convention and file name.
 void FILE_save_name_conv();
 void FILE_restore_name_conv();

@@ -264,7 +264,8 @@ int PLT_init_labels() {
 }
 
 int PLT_set_num_overlay(int ind) {
-    labels.lines = ind < 0 ? -std::max(ind, -plt_overlays) : std::max(labels.lines, ind);
+    labels.lines = ind < 0 ? -std::max(ind, -plt_overlays)
+                           : std::max(labels.lines, std::min(ind, plt_overlays));
     return 0;
 }
 

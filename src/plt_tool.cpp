@@ -200,10 +200,22 @@ const char* file_of_frame(int frame) {
         .c_str();
 }
 
+// Whether a name ends as that of an image does.
+bool is_image_name(const char* name) {
+    const char* point = std::strrchr(name, '.');
+    return point != nullptr &&
+           std::any_of(IMG_kinds().begin(), IMG_kinds().end(),
+                       [&](const IMG_kind& kind) { return stricmp(point + 1, kind.word) == 0; });
+}
+
 // The name that a convention gives with the keys `i`, `p` and `f` for a picture.
 void name_output(const char* conv, const char* key, int frame, char* name) {
     const Date date = image_date();
-    FILE_set_name(conv);
+    if (is_image_name(conv)) { // "nowrad.png" is a picture, not a mosaic's convention
+        FILE_set_whole_name(conv);
+    } else {
+        FILE_set_name(conv);
+    }
     FILE_set_key('i', session.number.empty() ? key : session.number.c_str());
     FILE_set_file_key(file_of_frame(frame));
     FILE_set_key('p', title_for_name().c_str());

@@ -242,6 +242,9 @@ void check_label() {
             MESS_print(mess_warn,
                        "label: No place: %s, a label begins with ul:, uc:, ur:, ll:, lc: or lr:\n",
                        item);
+        } else if (is_digit(item[2]) && item[2] - '0' >= plt_overlays) {
+            MESS_print(mess_warn, "label: No line: %s, %d is taken; the lines are 0 to %d\n", item,
+                       plt_overlays - 1, plt_overlays - 1);
         }
     });
 }
@@ -273,6 +276,25 @@ void check_device() {
     }
 }
 
+struct SwitchRow {
+    const char* name;
+    const char* taken; // for a word that is none
+};
+constexpr SwitchRow switches[] = {
+    {"batch", "on" },
+    {"icon",  "off"},
+};
+
+void check_switches() {
+    for (const SwitchRow& row : switches) {
+        const char* value = RES_get(row.name);
+        if (value != nullptr && *value != '\0' && !RES_is_switch(value)) {
+            MESS_print(mess_warn, "%s: No switch: %s, %s is taken; a switch is on or off\n",
+                       row.name, value, row.taken);
+        }
+    }
+}
+
 } // namespace
 
 void RAD_check_settings() {
@@ -283,5 +305,6 @@ void RAD_check_settings() {
     check_conversion("file_param", CV_file_param);
     check_label();
     check_device();
+    check_switches();
     RAD_check_values();
 }

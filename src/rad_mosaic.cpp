@@ -52,6 +52,7 @@ void rad_mosaic_take(RadMosaicPlot& plot, const char* name, const Date& date, co
     if (CONT_get_bar() != -2) {
         CONT_set_bar(1);
     }
+    rad_check_variable(plot.run, "a mosaic");
 }
 
 int rad_mosaic_frame(const RadMosaicPlot& plot, const Date& date, int (*summary)()) {

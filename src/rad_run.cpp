@@ -457,6 +457,19 @@ void rad_check_view(RadRun& run, const Map& own, const Map& plot, const char* na
     }
 }
 
+void rad_check_variable(RadRun& run, const char* what) {
+    const KnownWords known = {{"watch"}, {"none"}, {"def"}};
+    for (const char* word : RES_items("variable")) {
+        if (run.told_variable || *word == '\0' || is_known_word(known, word)) {
+            continue;
+        }
+        run.told_variable = true;
+        const std::string nearest(close_word(known, word));
+        MESS_print(mess_warn, "variable: Nothing of %s: %s, its own data are drawn%s%s\n", what,
+                   word, nearest.empty() ? "" : "; the nearest is ", nearest.c_str());
+    }
+}
+
 void rad_draw_bar() {
     if (CONT_get_bar() > 0) {
         GPH_trans(tran_page);

@@ -67,6 +67,7 @@ struct RadRun {
     char probed[file_name_size] = "";       // name of the first file while it is open, else empty
     bool kept = false;                      // a redraw found no file: the picture stays on show
     bool told_away = false;                 // that the domain shows nothing of the data
+    bool told_variable = false;             // of a variable that the plotter has none of
     char failed[file_name_size] = "";       // name of the first file if it can't be read
     int absent = 0;                         // files of a span of hours that are not there
     char first_absent[file_name_size] = ""; // name of the first of them
@@ -103,6 +104,9 @@ bool rad_show_next(const RadPlotter& plotter, RadRun& run, const char* name);
 // Reports, once a run and not after a zoom, a picture that shows no place of the
 // map of its data. `name` is the data's file.
 void rad_check_view(RadRun& run, const Map& own, const Map& plot, const char* name);
+// Warns, once, of an item of `variable` where there is none but the watches. `what`
+// is the picture, with its article.
+void rad_check_variable(RadRun& run, const char* what);
 // The colour bar, unless it is refused.
 void rad_draw_bar();
 // Mark and range rings of a site at its image on the plot, in the line and

@@ -9,11 +9,14 @@
 #include "img_kind.h"
 #include "near_word.h"
 #include "plt_tool.h"
+#include "region.h"
 #include "text_list.h"
 #include "text_num.h"
 #include "text_scan.h"
+#include "watch.h"
 #include "zyrcty.h"
 #include "zyrgks.h"
+#include "zyrraw.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
@@ -96,6 +99,11 @@ constexpr NumberRow number_rows[] = {
     {"conmin",   1, 1, "conmin=20"    },
     {"conmax",   1, 1, "conmax=60"    },
     {"maxl",     1, 1, "maxl=4"       },
+    {"skip",     1, 1, "skip=2"       },
+    {"run",      1, 1, "run=10"       },
+    {"ybar",     0, 1, "ybar=-30"     },
+    {"yba",      0, 1, "yba=-30"      },
+    {"xy",       2, 2, "xy=1:2"       },
 };
 
 // What is after the numbers; `count` how many there were.
@@ -137,6 +145,32 @@ void check_numbers(const char* item) {
                        item, rest, row.example);
         }
         return;
+    }
+}
+
+// More lines of labels than there are would leave no room to read one.
+void check_overlays(const char* item) {
+    const char* value = value_after("over", item);
+    if (value == nullptr) {
+        return;
+    }
+    int line = 0;
+    int lines = 0;
+    const bool given = take_int(&value, &line);
+    const bool counted = given && take_char(&value, ':') && take_int(&value, &lines);
+    if (given && line >= plt_overlays) {
+        MESS_print(mess_warn, "plot_param: No line: %s, %d is taken; the lines are 0 to %d\n", item,
+                   plt_overlays - 1, plt_overlays - 1);
+    } else if (counted && std::abs(lines) > plt_overlays) {
+        MESS_print(mess_warn, "plot_param: Too many lines: %s, there are %d\n", item, plt_overlays);
+    }
+}
+
+void check_marker(const char* item) {
+    const char* value = value_after("mark", item);
+    if (value != nullptr && !begins(value, "cld") && !ATTR_is_marker(value)) {
+        MESS_print(mess_warn, "plot_param: No marker: %s, none is taken; an example is mark=plus\n",
+                   item);
     }
 }
 
@@ -382,6 +416,23 @@ void check_city_file() {
     }
 }
 
+// Where inputs lie; the directories of outputs are made. Paths of defaults files serve
+// other machines and programs, too.
+constexpr const char* input_paths[] = {"data_path", "con_path",   "raw_path", "watch_path",
+                                       "text_path", "model_path", "sat_path"};
+
+void check_paths() {
+    for (const char* name : input_paths) {
+        const char* path = value_of(name);
+        const bool reported = std::strcmp(name, "watch_path") == 0 && WATCH_wanted(); // with a file
+        if (RES_is_typed(name) && !reported && *path != '\0' && stricmp(path, "none") != 0 &&
+            FILE_is_dir(path) != 1) {
+            MESS_print(mess_warn, "%s: No directory: %s, no file is found in it\n", name, path);
+            FILE_tell_nearest(name, nullptr, path);
+        }
+    }
+}
+
 } // namespace
 
 void RAD_check_values() {
@@ -389,6 +440,8 @@ void RAD_check_values() {
         check_numbers(item);
         check_panel(item);
         check_pattern(item);
+        check_overlays(item);
+        check_marker(item);
     });
     check_interval();
     check_base();
@@ -405,6 +458,9 @@ void RAD_check_values() {
     check_zones();
     check_geometry();
     check_label_codes();
+    RAW_check_format("plot_format", value_of("plot_format"));
+    DOM_check_text("grid_domain", value_of("grid_domain"));
+    check_paths();
     each_item("out_file", check_output);
     check_city_file();
 }

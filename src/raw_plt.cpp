@@ -28,6 +28,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -56,6 +57,7 @@ struct State {
     bool post_line = false;                      // a line to the next item is due
     std::array<Parsed, most_parsed> parsed = {}; // the oldest goes first
     std::size_t next_parsed = 0;
+    std::string told; // the file that was warned of last
 };
 State state;
 
@@ -401,6 +403,40 @@ bool is_number_format(const char* format) {
     return *at != '\0' && std::strchr("eEfFgG", *at) != nullptr;
 }
 
+// Whether a part of a format says something.
+bool is_part(const char* part) {
+    return *part == '\0' || VAR_dec_type(part) > 0 || find_position(part) != nullptr ||
+           std::any_of(std::begin(prefixes), std::end(prefixes), [part](const PrefixRow& known) {
+               return begins(part, known.word) && part[2] == '=';
+           });
+}
+
+void warn_part(const char* what, const char* part) {
+    if (*part == '%' || begins(part, "fm=")) {
+        if (!is_number_format(part)) {
+            MESS_print(mess_warn,
+                       "%s: No format of a number: %s, it is left out; one is as %%5.1f\n", what,
+                       part);
+        }
+        return;
+    }
+    if (is_part(part)) {
+        return;
+    }
+    KnownWords words;
+    RES_add_words(CV_plot_type, &words);
+    for (const PositionRow& place : positions) {
+        words.push_back({place.word});
+    }
+    for (const PrefixRow& prefix : prefixes) {
+        words.push_back({prefix.word});
+    }
+    MESS_print(mess_warn,
+               "%s: Unknown word: %s, it is left out, the nearest is %s; a format of numbers is as "
+               "%%5.1f\n",
+               what, part, std::string(nearest_word(words, part)).c_str());
+}
+
 // Takes out the zero in front of a point; a lone zero stays.
 void drop_zero(char* text) {
     char* at = text + std::strspn(text, " -");
@@ -662,6 +698,7 @@ struct FilePlot {
     int raw_fd;
     const char* field;   // selector
     const char* format;  // of the name; null: none
+    const char* name;    // as it was given
     bool labels;         // a plot of its own, not an overlay
     bool stored = false; // the station table holds the stations wanted
     bool table = false;  // there is a station table
@@ -745,6 +782,15 @@ bool is_selected(const FilePlot& plot, const RAW_report& report) {
     return !plot.labels || all || CTY_ids_cmp(plot.ids.count(), plot.ids.begin(), report.id) == 1;
 }
 
+// Fields may be named in the rows alone: only a file read to its end lacks one.
+void warn_field(const FilePlot& plot, bool any) {
+    if (any || state.told == plot.name) {
+        return;
+    }
+    state.told = plot.name;
+    MESS_print(mess_warn, "RAW_plot_file: No value of the field: %s\n", plot.name);
+}
+
 void plot_rows(FilePlot& plot) {
     const int proj = MAP_get_proj();
     const bool each = plot.field == RAW_selector(raw_each);
@@ -752,11 +798,14 @@ void plot_rows(FilePlot& plot) {
     RAW_data data;
     int placed = -1; // the row whose place stands in `data`
     bool has_place = false;
+    bool any = each; // value of the field
     for (int record = 0;;) {
         const int result = RAW_read(plot.raw_fd, &report, plot.field, &record);
         if (result == -1) {
+            warn_field(plot, any || record == 0);
             return;
         }
+        any = any || report.data[0] != '\0' || is_set(report.value[0]);
         if ((each && result == 0) || record % state.base.skip != 0 || !is_selected(plot, report)) {
             ++record;
             continue;
@@ -802,7 +851,9 @@ int RAW_plot_init(const Gattribs* attrib, float sc) {
     if (FLAG_getplot(part_any) == 0 || FLAG_get(flag_plot_type) == plot_type_none) {
         return -1;
     }
+    std::string told = std::move(state.told);
     state = {};
+    state.told = std::move(told);
     state.base.scale = sc;
     state.base.attrib = *attrib;
     ATTRIB_get("color_data", "green", &state.plain);
@@ -860,6 +911,13 @@ int RAW_parse_format(RAW_attribs* attr, const char* fmt) {
     return type;
 }
 
+void RAW_check_format(const char* what, const char* format) {
+    const TextList parts(format, ':');
+    for (const char* part : parts) {
+        warn_part(what, part);
+    }
+}
+
 int RAW_plot_data(const RAW_data* data) {
     if (FLAG_getplot(part_data) == 0 || FLAG_get(flag_plot_type) == plot_type_none) {
         return -1;
@@ -909,7 +967,7 @@ int RAW_plot_file(const char* file, int label) {
     ATTRIB_get("color_data", "green", &attr);
     float scale = 1.0F;
     RES_getval("plot_scale", &scale, CV_float);
-    FilePlot plot{raw_fd, field, format, label != 0};
+    FilePlot plot{raw_fd, field, format, file, label != 0};
     if (RAW_plot_init(&attr, scale) == 0) {
         gset_fill_print_solid(1);
         Domain domain;
@@ -917,6 +975,10 @@ int RAW_plot_file(const char* file, int label) {
         if (plot.labels && (RES_get("city_file") != nullptr || RES_get("stat_prior") != nullptr)) {
             plot.stored = CTY_store("sao.cty", cty_xy_pos, &domain, DOM_get_prior()) == 1;
             plot.table = plot.stored;
+        }
+        if (format != nullptr && state.told != file) { // once, not with each frame
+            state.told = file;
+            RAW_check_format("RAW_plot_file", format);
         }
         take_format(format);
         RAW_info info;

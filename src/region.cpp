@@ -720,6 +720,30 @@ int DOM_decode(const char* str, Domain* domain) {
     return result;
 }
 
+void DOM_check_text(const char* resource, const char* text) {
+    // A file alone ("usa.reg:") is a menu and "var" a question: both are for prompts.
+    if (*text == '\0' || text[std::strlen(text) - 1] == ':' || stricmp(text, "var") == 0) {
+        return;
+    }
+    const Regions kept = state; // nothing is selected by looking
+    const int flag = FLAG_get(flag_domain);
+    char key[file_name_size] = "";
+    FILE_get_key('r', key);
+    Domain domain;
+    state.depth = 1; // the message of a plot's domain is for those
+    const int result = decode(text, &domain);
+    FLAG_set(flag_domain, flag);
+    FILE_set_key('r', key);
+    state = kept;
+    const char* fault = result == dom_invalid ? not_a_domain : fault_of(domain);
+    if (is_set(result) && fault != nullptr) {
+        MESS_print(mess_warn, "%s: No domain: \"%s\" %s, it is left out\n", resource, text, fault);
+        if (result == dom_invalid || std::strchr(text, ',') == nullptr) {
+            tell_nearest_region(text);
+        }
+    }
+}
+
 int DOM_set_params(int paramc, char** paramv, Domain* domain, int i1, int i2, int i3, int i4,
                    int i5, int i6, int i7, int i8) {
     std::array<int, 9> kinds{i1, i2, i3, i4, i5, i6, i7, i8, dom_end};

@@ -95,6 +95,9 @@ int DOM_print_file(const char* file);
 
 // --- The domain of a plot ---------------------------------------------------
 
+// Warns of the text of a resource that no plot takes where it is no domain.
+void DOM_check_text(const char* resource, const char* text);
+
 // Domain from the resources `plot_domain` (with `flag` 1, 3 or 4) or `region`,
 // with `flag` 4 else from the first region of the menu. Returns the result of
 // DOM_decode; 0 with a cleared record if no resource gives a domain that can

@@ -390,6 +390,10 @@ Date RES_dec_hour(const char* text) {
     return date;
 }
 
+bool RES_is_switch(const char* text) {
+    return find_word(bool_words, text) != nullptr;
+}
+
 void RES_add_words(DEF_convert cvt, KnownWords* known) {
     const auto add = [known](const auto& table) {
         for (const Keyword& row : table) {

@@ -30,6 +30,7 @@ struct State {
     std::array<RES_defobj, std::size(res_rows) + 1> res_table{};
     std::vector<std::string> unknown; // options that no row fits
     std::vector<std::string> keys;    // settings of defaults files, the same
+    std::vector<std::string> typed;   // rows whose option was given
     bool named_files = false;         // the user named the defaults files
 };
 State state;
@@ -139,8 +140,11 @@ bool find_data_tree() {
 // The files that lie beside an installed zyr.cfg are found wherever that is.
 // Without them a page has neither colours nor letters.
 void settle_file_path() {
-    if (RES_get("file_path") != nullptr) {
-        return;
+    if (const char* path = RES_get("file_path"); path != nullptr) {
+        if (!RES_is_typed("file_path") || *path == '\0' || FILE_is_dir(path) == 1) {
+            return;
+        }
+        MESS_print(mess_warn, "file_path: No directory: %s, the data tree's is taken\n", path);
     }
     if (*DEF_cfg_dir() != '\0') {
         RES_put("file_path", DEF_cfg_dir());
@@ -310,6 +314,7 @@ int take_option(Option option, const char* typed, const RES_defobj* def_table) {
         option.value = nullptr;
         option.from_next = false;
     }
+    state.typed.emplace_back(row.def);
     RES_new(index, row.def, option.value, row.cvt);
     RES_show_window(row.def, option.value);
     return option.from_next ? 1 : 0;
@@ -384,6 +389,10 @@ int RES_init(int argc, char** argv, const res_type* res_key, const res_type* res
 
 const std::vector<std::string>& RES_unknown_keys() {
     return state.keys;
+}
+
+bool RES_is_typed(const char* name) {
+    return std::find(state.typed.begin(), state.typed.end(), name) != state.typed.end();
 }
 
 const std::vector<std::string>& RES_unknown_options() {

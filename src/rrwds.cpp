@@ -239,6 +239,7 @@ int RRWDS_open_file(const char* filename) {
     if (CONT_get_bar() != -2) {
         CONT_set_bar(1);
     }
+    rad_check_variable(state.run, "an RRWDS image");
     return 1;
 }
 

@@ -40,6 +40,7 @@ int CLR_get_rgb(int ind, float* red, float* grn, float* blu);
 int ATTR_parse_fill_pat(const char* str);
 // Whether the text is a pattern: a word or a number.
 bool ATTR_is_fill_pat(const char* str);
+bool ATTR_is_marker(const char* str);
 int ATTR_parse_marker(const char* str);
 // "red:wi=2:st=dsh"; fields that are not named stay as they are.
 int ATTRIB_parse(const char* str, Gattribs* attrib);

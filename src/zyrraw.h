@@ -177,6 +177,8 @@ int RAW_set_attribs(const RAW_attribs* attr);
 // a type word, a position ("ul" ... "lr"), or a prefix and a value ("co=red").
 // Returns the type that it names, 0 for none.
 int RAW_parse_format(RAW_attribs* attr, const char* fmt);
+// Warns of the parts of a format that say nothing. `what` names where it comes from.
+void RAW_check_format(const char* what, const char* format);
 // Draws one item. Returns 0, -1 with nothing drawn.
 int RAW_plot_data(const RAW_data* data);
 // Draws a file: `label` 0 as an overlay of the map, else as a plot of its own

@@ -210,6 +210,8 @@ int RES_decode(const char* progname, const char* res_class, int argc, char** arg
 
 // Options of the command line that no row fits, as they were typed.
 const std::vector<std::string>& RES_unknown_options();
+// Whether the option of a resource was given on the command line.
+bool RES_is_typed(const char* name);
 // Settings of defaults files that no row fits.
 const std::vector<std::string>& RES_unknown_keys();
 
@@ -256,6 +258,8 @@ int RES_list();
 int RES_conv_data(const char* value, void* out, DEF_convert cvt);
 // Date fields that the text of `hour` names; a negative hour or minute is a step.
 Date RES_dec_hour(const char* text);
+// Whether a text is a word of on or off.
+bool RES_is_switch(const char* text);
 // Adds the words that a conversion with a list of words takes.
 void RES_add_words(DEF_convert cvt, KnownWords* known);
 // Device type (flag 2) from the first letter of a `device` value.

@@ -1,5 +1,6 @@
 // What a user mistypes: one row a mistake, with the program's exit code, what it
 // says and what it leaves on the disk. Rows stand under the module that answers.
+#include "mosaic_writer.h"
 #include "nids_writer.h"
 #include "run_program.h"
 
@@ -40,6 +41,8 @@ constexpr Mistake mistakes[] = {
     {"o.png", 10,
      "NIDS_open_file: Unable to open file:./o.png\n"
      "FILE_set_file: A name alone is an input, this output is named by -of png=FILE\n", "!o.png"},
+    {"radial -ba=maybe", 0, "batch: No switch: maybe, on is taken; *", "page.ps"},
+    {"radial -ic=maybe", 0, "icon: No switch: maybe, off is taken; *", "page.ps"},
     // Defaults files.
     {"radial -df my.cgf", 0,
      "RES_decode: Unable to open defaults file: my.cgf\nRES_decode: The nearest file is my.cfg\n",
@@ -89,6 +92,17 @@ constexpr Mistake mistakes[] = {
      "page.ps"},
     {"radial -pp font=romn", 0,
      "gget_font_index: Unknown font: romn, the nearest is roman, the first is taken\n", "page.ps"},
+    {"radial -la ul7:x", 0, "label: No line: ul7:x, 5 is taken; the lines are 0 to 5\n", "page.ps"},
+    {"radial -pp over=7", 0, "plot_param: No line: over=7, 5 is taken; *", "page.ps"},
+    {"radial -pp over=1:99", 0, "plot_param: Too many lines: over=1:99, there are 6\n",
+     "page.ps"},
+    {"radial -pp mark=plsu", 0, "plot_param: No marker: mark=plsu, none is taken; *", "page.ps"},
+    {"radial -fm vlaue", 0,
+     "plot_format: Unknown word: vlaue, it is left out, the nearest is value; *", "page.ps"},
+    {"radial -fm %s:ul", 0, "plot_format: No format of a number: %s, it is left out; *",
+     "page.ps"},
+    {"radial -pp over=1:2,mark=cld,xy=1:2,ybar=-30 -fm %3.0f:ul:co=red -la lr2:x", 0, "",
+     "page.ps"},
     // Numbers.
     {"radial -pp dist=abc", 0, "plot_param: No number: dist=abc, at \"abc\"; *", "page.ps"},
     {"radial -pp dist=50nm", 0, "plot_param: No number: dist=50nm, at \"nm\"; *", "page.ps"},
@@ -99,6 +113,10 @@ constexpr Mistake mistakes[] = {
     {"radial -pp numplt=all", 0, "plot_param: No number: numplt=all, *", "page.ps"},
     {"radial -pp conmin=low", 0, "plot_param: No number: conmin=low, *", "page.ps"},
     {"radial -pp lab=big", 0, "plot_param: No number: lab=big, *", "page.ps"},
+    {"radial -pp skip=x", 0, "plot_param: No number: skip=x, *", "page.ps"},
+    {"radial -pp run=x", 0, "plot_param: No number: run=x, *", "page.ps"},
+    {"radial -pp yba=x", 0, "plot_param: No number: yba=x, *", "page.ps"},
+    {"radial -pp xy=1", 0, "plot_param: No number: xy=1, *", "page.ps"},
     {"radial -pp fill=hatched", 0, "plot_param: No pattern: fill=hatched, fills are solid; *",
      "page.ps"},
     {"radial -pp vp_size=2x2+5+5", 0, "plot_param: No part of the page: vp_size=2x2+5+5, *",
@@ -202,6 +220,16 @@ constexpr Mistake mistakes[] = {
      "page.ps"},
     {"radial -pd ps,35,-97,0,31,.1,.1", 0, "DOM_decode: Invalid plot domain\n*no extent*",
      "page.ps"},
+    {"radial -gd oklahma", 0, "grid_domain: No domain: \"oklahma\" is no region, it is left out\n"
+     "DOM_decode: The nearest region is ok\n", "page.ps"},
+    {"radial -gd ps,95,-97,41,31,.1,.1", 0, "grid_domain: No domain: *beyond 90, it is left out\n",
+     "page.ps"},
+    {"radial -gd us", 0, "", "page.ps"},
+    {"radial -dp nodir", 0, "data_path: No directory: nodir, no file is found in it\n", "page.ps"},
+    {"radial -sp nodir", 0, "sat_path: No directory: nodir, *", "page.ps"},
+    {"radial -fp nodir", 0, "file_path: No directory: nodir, the data tree's is taken\n",
+     "page.ps"},
+    {"radial -dp . -ip new/dir", 0, "", "page.ps"},
     {"radial -mf nomap.map", 0, "MAP_process: Map file not found: nomap.map\n", "page.ps"},
     {"radial -mf us_sate.map", 0, "MAP_process: Map file not found: us_sate.map\n"
      "MAP_process: The nearest file is */us_state.map\n", "page.ps"},
@@ -213,6 +241,14 @@ constexpr Mistake mistakes[] = {
      "CTY_open_file: Database file not found: sao.ctz\n"
      "CTY_open_file: The nearest file is */sao.cty\nRCM_open_file: *", "!page.ps"},
     {"radial -mf rf:norow.raw", 0, "RAW_file_open: Unable to open file:norow.raw\n", "page.ps"},
+    {"radial -mf rf:obs.raw:nosuch", 0,
+     "RAW_plot_file: Unknown word: nosuch, it is left out, *", "page.ps"},
+    {"radial -mf rf:obs.raw-nosuch", 0,
+     "RAW_plot_file: No value of the field: obs.raw-nosuch\n", "page.ps"},
+    {"radial -mf rf:obs.raw-t:ul", 0, "", "page.ps"},
+    {"./mosaic -inp nowrad -pd us -va wach", 0,
+     "variable: Nothing of a mosaic: wach, its own data are drawn; the nearest is watch\n",
+     "page.ps"},
     {"radial -mf im:none.gif", 0, "MAP_process: Images are drawn in a window alone: none.gif\n",
      "page.ps"},
     {"radial -wp=nodir -va watch", 0,
@@ -307,6 +343,11 @@ constexpr Mistake mistakes[] = {
      "CLR_read_table: No colors in: /dev/zero\n"
      "CLR_read_table: The default color table is taken: zyr.clr\n",
      "page.ps"},
+    {"radial -ct /dev/urandom", 0,
+     "CLR_read_table: No colors in: /dev/urandom\n"
+     "CLR_read_table: The default color table is taken: zyr.clr\n",
+     "page.ps"},
+    {"radial -de d -of png=nowrad.png", 0, "", "nowrad.png"}, // no mosaic's convention
     {"radial -mf fi:./list", 0, "MAP_draw: Command refused: mf:|touch${IFS}harm in map list: ./list\n*",
      "!harm"},
     {"radial -df many", 0, "RES_decode: More than 10000 settings: many\n*", ""},
@@ -438,11 +479,16 @@ TEST(Mistakes, AreEachSaidOnce) {
             radial.assign(bytes.begin(), bytes.end());
         }
     }
+    const Bytes cells = nowrad_file(nowrad_latlon(9, 9, -97, 40, 1, 1), [](int, int) { return 9; });
+    const std::string mosaic(cells.begin(), cells.end());
     for (const Mistake& row : mistakes) {
         const TempDir dir;
         dir.write("radial", radial);
         dir.write("list", "mf:|touch${IFS}harm\n");
         dir.write("many", many);
+        dir.write("mosaic", mosaic);
+        dir.write("obs.raw", "ZYRRAW\n1200Z 23 NOV 26\n!Obs\nid lat lon t:Temp:%1.0f\n$\n"
+                             "OKC 35 -97 21\n");
         dir.write("my.cfg", "*.plot_parm nobar\n*.colour_text red\n*.own 1\n");
         ProgramCall call;
         call.env = {
