@@ -163,16 +163,17 @@ TEST_F(Lev2Plot, FiguresLabelsAndWarnings) {
     }
 }
 
-// A low cut that the volume takes again, and one above: by angle and repetition.
+// A low cut that the volume takes again, and one above: by angle and repetition. Each has a
+// largest value of its own, 42 and two for each scan.
 TEST_F(Lev2Plot, CutsByMeaning) {
-    const Lev2Moment refl = {
-        "REF", 2125, 250, 8, 2.0F, 66.0F, {100, 166}
-    };
-    Lev2Moment vel = refl;
-    vel.name = "VEL";
     Bytes records;
     const std::array<float, 5> angles = {0.53F, 0.48F, 1.3F, 0.51F, 2.4F};
     for (int scan = 1; scan <= 5; ++scan) {
+        const Lev2Moment refl = {
+            "REF", 2125, 250, 8, 2.0F, 66.0F, {100, 150 + 4 * scan}
+        };
+        Lev2Moment vel = refl;
+        vel.name = "VEL";
         Lev2Radial radial;
         radial.elev_num = scan;
         radial.elev = angles[static_cast<std::size_t>(scan - 1)];
@@ -211,6 +212,10 @@ TEST_F(Lev2Plot, CutsByMeaning) {
         EXPECT_EQ(page.run.code, 0) << row.variable;
         EXPECT_NE(page.text.find("Sc=" + std::to_string(row.scan) + " "), std::string::npos)
             << row.variable << page.run.err;
+        const std::string most = std::to_string(42 + 2 * row.scan) + "\n";
+        EXPECT_EQ(count_text(page.text, "=" + most) + count_text(page.text, "," + most),
+                  std::string(row.warning) == "spectrum width" ? 0 : 1)
+            << row.variable;
         EXPECT_NE(page.run.err.find(row.warning), std::string::npos) << page.run.err;
     }
 }

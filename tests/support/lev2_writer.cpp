@@ -260,7 +260,7 @@ Lev2Volume lev2_sample(int type, int radials) {
             radial.az = static_cast<float>(i) * 360.0F / static_cast<float>(radials) + 0.25F;
             Lev2Moment refl;
             for (int gate = 0; gate < gates; ++gate) {
-                refl.words.push_back(gate < 2 ? gate : 60 + 5 * gate + i);
+                refl.words.push_back(gate < 2 ? gate : 60 + 5 * gate + i + 4 * (scan - 1));
             }
             radial.moments.push_back(refl);
             if (scan == 2) {
