@@ -182,9 +182,12 @@ int main(int argc, char** argv) {
             mess_print,
             "Types of input: auto, nids, lev2, lev2z, nowrad, kavrad, rrwds, rcmsite, mdr, rcm\n"
             "Words of -pp off unless given: storms (storm symbols of NIDS products),\n"
-            "  exact (values and places of NIDS and Level II by the formats' own documents)\n"
+            "  exact (values and places of NIDS and Level II by the formats' own documents),\n"
+            "  georef (images say where they lie), empty=N (exit code of a run without echoes)\n"
+            "Level II: -va vel2, vel@0.5, ref@max, vel@0.5:last; level files of -cof may be .pal\n"
             "More: zyrrad --list products|regions|colours|fonts|stations|projections|variables|"
-            "options; --info FILE...; --files-from LIST; man zyrrad\n");
+            "options; --info FILE...; --files-from LIST; "
+            "--report FILE; man zyrrad\n");
         ZYR_exit(0);
     }
     if (const char* kind = RES_get("--list")) {
