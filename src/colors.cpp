@@ -232,15 +232,19 @@ void read_line(char* text, bool first_file, Slots* at) {
 // a limit of its own, as a device may give them without end.
 void read_table_file(std::FILE* file, bool first_file, bool count_fills) {
     constexpr int most_pieces = 100000;
+    constexpr int most_of_line = 1000;
     Slots at{first_file ? 0 : table.num_colors};
     table.any = false;
     table.any_number = false;
     table.no_text = false;
     std::array<char, 101> line{};
     bool begins = true;
+    int pieces = 0; // of the line
     for (int i = 0; i < most_pieces && std::fgets(line.data(), line.size(), file) != nullptr; ++i) {
         const bool ends = std::strchr(line.data(), '\n') != nullptr;
-        table.no_text = std::any_of(line.begin(), line.begin() + std::strlen(line.data()),
+        pieces = begins ? 1 : pieces + 1;
+        table.no_text = pieces > most_of_line ||
+                        std::any_of(line.begin(), line.begin() + std::strlen(line.data()),
                                     [](char c) { return c > '\0' && c < ' ' && !is_blank(c); });
         if (table.no_text) {
             return;

@@ -67,6 +67,8 @@ struct Module {
     Saved saved;
     std::string no_conventions;               // the file of them that was missed
     bool told_length = false;                 // of a file of conventions that is too long
+    bool told_line = false;                   // of a line of them that is too long
+    std::string told_end;                     // text that ended at a limit
     std::vector<std::FILE*> pipes;            // streams that FILE_close must wait for
     std::set<std::pair<dev_t, ino_t>> inputs; // plain files that were opened for reading
     bool keeps = false;
@@ -165,20 +167,31 @@ std::FILE* open_kept(const char* name) {
 // --- Texts with an end -------------------------------------------------------------
 
 constexpr std::size_t most_text = std::size_t{64} << 20;
+constexpr std::size_t most_line = std::size_t{1} << 20; // no text has such a line, a device may
 
 // A stream that is read through another one, up to a limit.
 struct Bounded {
     std::FILE* inner;
     std::string name;
     std::size_t left = most_text;
+    std::size_t line = 0; // bytes since the last line began
 };
+
+// Once for a name, though the text may be looked up again and again.
+void tell_end(const std::string& name, const char* what) {
+    if (module.told_end != name) {
+        module.told_end = name;
+        MESS_print(mess_warn, "FILE_open_text: %s: %s\n", what, name.c_str());
+    }
+}
 
 // A line at a time, so that a terminal or a pipe is not waited for longer than
 // the reader waits. At the limit it is the end.
 ssize_t read_bounded(void* cookie, char* buffer, std::size_t size) {
     auto* bounded = static_cast<Bounded*>(cookie);
-    if (bounded->left == 0) {
-        MESS_print(mess_warn, "FILE_open_text: Text ends after 64 MB: %s\n", bounded->name.c_str());
+    if (bounded->left == 0 || bounded->line > most_line) {
+        tell_end(bounded->name,
+                 bounded->left == 0 ? "Text ends after 64 MB" : "Text ends, a line has 1 MB");
         return 0;
     }
     size = std::min(size, bounded->left);
@@ -187,6 +200,7 @@ ssize_t read_bounded(void* cookie, char* buffer, std::size_t size) {
         buffer[n++] = static_cast<char>(c);
     }
     bounded->left -= n;
+    bounded->line = n > 0 && buffer[n - 1] == '\n' ? 0 : bounded->line + n;
     return static_cast<ssize_t>(n);
 }
 
@@ -320,7 +334,9 @@ bool search_convention(std::FILE* file, const char* path, const char* kind, bool
             continue;
         }
         if (std::strlen(line) > line_length) {
-            MESS_print(mess_warn, "FILE_set_name: Line too long: %.40s...\n", line);
+            const unsigned level = module.told_line ? 0 : mess_warn;
+            MESS_print(level, "FILE_set_name: Line too long: %.40s...\n", line);
+            module.told_line = true;
             line[line_length] = '\0';
         }
         if (take_line(line, kind, whole)) {

@@ -333,9 +333,10 @@ constexpr Mistake mistakes[] = {
     {"radial -of xwd=x", 0, "out_file: Left out: xwd=x, plot_param takes it: -pp xwd=x\n",
      "page.ps"},
     // Texts without end, and none.
-    {"radial -df /dev/zero", 0, "FILE_open_text: Text ends after 64 MB: /dev/zero\n*", ""},
-    {"radial -nc /dev/zero", 0, "FILE_open_text: Text ends after 64 MB: /dev/zero\n*",
+    {"radial -df /dev/zero", 0, "FILE_open_text: Text ends, a line has 1 MB: /dev/zero\n*", ""},
+    {"radial -nc /dev/zero", 0, "FILE_open_text: Text ends, a line has 1 MB: /dev/zero\n*",
      "page.ps"},
+    {"radial -nc /dev/urandom", 0, "FILE_set_name: Line too long: *", "page.ps"},
     {"radial -cf /dev/zero -pp site", 0, "", "page.ps"},
     {"radial -mf fi:/dev/urandom -dr map", 0,
      "MAP_draw: No map list, or one that is too long: /dev/urandom\n*", "page.ps"},
@@ -396,12 +397,12 @@ constexpr Mistake mistakes[] = {
      "NOWRad_open_file: It looks like a NIDS product, read with -inp nids\n",
      "!page.ps"},
     // Files without end.
-    {"radial -mf mf:/dev/zero", 0, "FILE_open_text: Text ends after 64 MB: /dev/zero\n",
+    {"radial -mf mf:/dev/zero", 0, "FILE_open_text: Text ends, a line has 1 MB: /dev/zero\n",
      "page.ps"},
     {"radial -mf fi:/dev/zero -dr map", 0,
-     "MAP_draw: No map list, or one that is too long: /dev/zero\n*", "page.ps"},
+     "FILE_open_text: Text ends, a line has 1 MB: /dev/zero\n", "page.ps"},
     {"radial -pd id:/dev/zero:KTLX", 0,
-     "FILE_open_text: Text ends after 64 MB: /dev/zero\nDOM_decode: Invalid plot domain\n*",
+     "FILE_open_text: Text ends, a line has 1 MB: /dev/zero\nDOM_decode: Invalid plot domain\n*",
      "page.ps"},
     {"/dev/zero#1", 10, "NIDS_open_file: Unable to read file:/dev/zero\n*", "!page.ps"},
     {"./radial -nh 1,1", 0, "", "page.ps"}, // no date in the name: the file alone
