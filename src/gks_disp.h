@@ -1,7 +1,7 @@
-// gks_disp.h: the open display as its own modules share it: gks_x11.cpp connects,
-// shows and closes, gks_window.cpp makes the plot's window, gks_pixmap.cpp
-// attaches to that of another program, gks_cursor.cpp has cursors and titles,
-// gks_xerr.cpp the errors.
+// gks_disp.h: the open display as its own modules share it: gks_conn.cpp keeps it,
+// gks_x11.cpp connects, shows and closes, gks_window.cpp makes the plot's window,
+// gks_pixmap.cpp attaches to that of another program, gks_cursor.cpp has the
+// cursors, gks_title.cpp the titles, gks_xerr.cpp the errors.
 #pragma once
 
 #include "gks_x11.h"

@@ -1,21 +1,17 @@
-// gks_x11: the connection to the display and the window at work. Owns the
-// state of both (gks_disp.h), which gks_window.cpp and gks_pixmap.cpp fill in at
-// the opening. Everything is drawn into a pixmap, which gupdate_window and
-// exposures copy to the window.
+// gks_x11: connects to the display, shows the picture in the window, and closes.
+// The state is that of the connection (gks_disp.h), which gks_window.cpp and
+// gks_pixmap.cpp fill in at the opening. Everything is drawn into a pixmap, which
+// gupdate_window and exposures copy to the window.
 
 #include "gks_disp.h"
 #include "text_list.h"
 #include "text_num.h"
 #include "zyr.h"
 
-#include <algorithm>
 #include <string>
 #include <utility>
 
 namespace {
-
-Gdisp disp;
-Gdisp_settings disp_settings;
 
 // A pixmap of the new size, the picture at its top left. Without room for it
 // the old one stays.
@@ -24,24 +20,17 @@ void renew_base(int width, int height) {
     if (fresh == 0) {
         return;
     }
-    XCopyArea(disp.display, gscreen().base_window, fresh, disp.root_gc, 0, 0,
+    XCopyArea(gget_display(), gscreen().base_window, fresh, gget_root_gc(), 0, 0,
               static_cast<unsigned>(width), static_cast<unsigned>(height), 0, 0);
-    XFreePixmap(disp.display, gscreen().base_window);
+    XFreePixmap(gget_display(), gscreen().base_window);
     gscreen().base_window = fresh;
     gscreen().draw_window = fresh;
 }
 
 } // namespace
 
-Gdisp& gdisp() {
-    return disp;
-}
-
-Gdisp_settings& gdisp_settings() {
-    return disp_settings;
-}
-
 int gopen_display(const char* conn_id) {
+    Gdisp& disp = gdisp();
     const TextList fields(conn_id, ',');
     ginstall_error_handlers();
     disp = {};
@@ -72,29 +61,8 @@ int gopen_display(const char* conn_id) {
     return 0;
 }
 
-const Watoms& gwindow_atoms() {
-    Watoms& atoms = disp.atoms;
-    if (atoms.protocols != None) {
-        return atoms;
-    }
-    // The order of the record.
-    std::array<std::array<char, 17>, 4> names = {
-        {{"WM_PROTOCOLS"}, {"WM_DELETE_WINDOW"}, {"_NET_WM_NAME"}, {"UTF8_STRING"}}
-    };
-    std::array<char*, names.size()> list{};
-    std::array<Atom, names.size()> found{};
-    std::transform(names.begin(), names.end(), list.begin(),
-                   [](auto& name) { return name.data(); });
-    XInternAtoms(disp.display, list.data(), static_cast<int>(list.size()), False, found.data());
-    atoms = {found[0], found[1], found[2], found[3]};
-    return atoms;
-}
-
-Atom gget_close_atom() {
-    return gwindow_atoms().close;
-}
-
 void gsetup_display(Drawable drawable) {
+    Gdisp& disp = gdisp();
     XGCValues values{};
     values.graphics_exposures = False; // nobody waits for the events of a copy
     disp.root_gc = XCreateGC(disp.display, drawable, GCGraphicsExposures, &values);
@@ -115,6 +83,7 @@ int gfail_display() {
 }
 
 void XDisplay::close() {
+    Gdisp& disp = gdisp();
     Display* display = disp.display;
     if (gtype_is_WIN()) {
         greset_zoom();
@@ -140,52 +109,17 @@ void XDisplay::close() {
     disp = {};
 }
 
-// --- Settings and inquiries ---------------------------------------------------
-
-Display* gget_display() {
-    return disp.display;
-}
-
-int gget_screen() {
-    return disp.screen;
-}
-
-Visual* gget_visual() {
-    return disp.visual;
-}
-
-Window gget_root_window() {
-    return disp.root_window;
-}
-
-bool ghas_window() {
-    return disp.has_window;
-}
-
 void glose_window() {
+    Gdisp& disp = gdisp();
     gfree_cursors();
     disp.has_window = false;
     disp.root_window = gscreen().base_window;
 }
 
-GC gget_root_gc() {
-    return disp.root_gc;
-}
-
 // --- The window at work -------------------------------------------------------
 
-void gset_root_size(int width, int height) {
-    gscreen().root_width = width;
-    gscreen().root_height = height;
-}
-
-XWindowAttributes gwindow_attributes() {
-    XWindowAttributes attributes{};
-    XGetWindowAttributes(disp.display, disp.root_window, &attributes);
-    return attributes;
-}
-
 Pixmap gsend_base(int width, int height) {
+    Gdisp& disp = gdisp();
     const auto w = static_cast<unsigned>(width);
     const auto h = static_cast<unsigned>(height);
     const Pixmap pixmap =
@@ -200,13 +134,8 @@ Pixmap gmake_base(int width, int height) {
     return gtrap_errors(1) == 0 ? pixmap : 0;
 }
 
-void gfill_drawable(Drawable drawable, unsigned long pixel, unsigned width, unsigned height) {
-    XSetForeground(disp.display, disp.root_gc, pixel);
-    XFillRectangle(disp.display, drawable, disp.root_gc, 0, 0, width, height);
-    XSetForeground(disp.display, disp.root_gc, gscreen().fore_colr);
-}
-
 int gresize_window(int width, int height) {
+    Gdisp& disp = gdisp();
     if (!gtype_is_WIN() || !disp.has_window) {
         return 0;
     }
@@ -242,6 +171,7 @@ int gresize_window(int width, int height) {
 // --- What the drawing asks of the window ------------------------------------------
 
 void XDisplay::show() {
+    Gdisp& disp = gdisp();
     if (disp.has_window) {
         XCopyArea(disp.display, gscreen().base_window, disp.root_window, disp.root_gc, 0, 0,
                   static_cast<unsigned>(gscreen().root_width),
@@ -250,15 +180,15 @@ void XDisplay::show() {
 }
 
 void XDisplay::blank() {
-    if (disp.has_window) {
-        XClearWindow(disp.display, disp.root_window);
+    if (gdisp().has_window) {
+        XClearWindow(gget_display(), gget_root_window());
     }
 }
 
 void XDisplay::flush() {
-    XFlush(disp.display);
+    XFlush(gget_display());
 }
 
 void XDisplay::sync() {
-    XSync(disp.display, False);
+    XSync(gget_display(), False);
 }

@@ -9,7 +9,7 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
-// --- Display and window (gks_x11.cpp) -------------------------------------------
+// --- Display and window (gks_conn.cpp) ------------------------------------------
 
 Display* gget_display();
 int gget_screen();
