@@ -5,7 +5,7 @@
 // It shows what a window of the same size shows on a screen of 24 bits.
 
 #include "gks_draw.h"
-#include "gks_overlay.h"
+#include "gks_pixels.h"
 #include "gks_raster.h"
 #include "gks_state.h"
 #include "state_keeper.h"

@@ -3,9 +3,8 @@
 // pictures of the window are taken in gks_img.cpp. The record as its file gave it
 // becomes one of pixels of this display, which the display puts in its place.
 
-#include "gks_overlay.h"
-
 #include "gks_draw.h"
+#include "gks_pixels.h"
 #include "img_pixel.h"
 
 #include <algorithm>
@@ -24,106 +23,7 @@ namespace {
 
 using Pixel = std::uint32_t;
 
-constexpr int small_depth = 8; // displays up to it have a colour map
 constexpr int table_size = 256;
-
-// --- Pixels of a record ---------------------------------------------------------
-
-struct Masks {
-    Pixel red, grn, blu;
-};
-constexpr Masks usual_masks = {0xff0000, 0xff00, 0xff};
-
-Masks display_masks() {
-    return {static_cast<Pixel>(gget_red_mask()), static_cast<Pixel>(gget_grn_mask()),
-            static_cast<Pixel>(gget_blu_mask())};
-}
-
-bool same(const Masks& a, const Masks& b) {
-    return a.red == b.red && a.grn == b.grn && a.blu == b.blu;
-}
-
-// What a pixel's value means.
-enum class Meaning {
-    index,  // an entry of the table
-    direct, // an entry for each component, under masks
-    gray,   // a level
-    masked  // components under masks
-};
-
-Meaning meaning_of(const IMG_report& image) {
-    if (IMG_is_direct(image)) {
-        return Meaning::direct;
-    }
-    if (image.color_type == 1 && image.num_colors > 0 && image.colors != nullptr &&
-        image.depth <= 16) {
-        return Meaning::index;
-    }
-    const bool has_masks = (image.red | image.grn | image.blu) != 0;
-    return has_masks || image.depth > 16 ? Meaning::masked : Meaning::gray;
-}
-
-Masks masks_of(const IMG_report& image) {
-    return (image.red | image.grn | image.blu) != 0 ? Masks{image.red, image.grn, image.blu}
-                                                    : usual_masks;
-}
-
-// --- Colours of a record --------------------------------------------------------
-
-float masked_component(Pixel value, Pixel mask) {
-    if (mask == 0) {
-        return 0.0F;
-    }
-    const int shift = std::countr_zero(mask);
-    return static_cast<float>((value & mask) >> shift) / static_cast<float>(mask >> shift);
-}
-
-// The entry of a component under its mask; beyond the table it is entry 0.
-const IMG_color& entry(const IMG_report& image, Pixel value, Pixel mask) {
-    const Pixel at = mask == 0 ? 0 : (value & mask) >> std::countr_zero(mask);
-    return image.colors[at < static_cast<Pixel>(image.num_colors) ? at : 0];
-}
-
-// A value beyond the table is entry 0.
-IMG_color color_of(const IMG_report& image, Pixel value) {
-    const Masks masks = masks_of(image);
-    switch (meaning_of(image)) {
-    case Meaning::index:
-        return image.colors[value < static_cast<Pixel>(image.num_colors) ? value : 0];
-    case Meaning::direct:
-        return {entry(image, value, masks.red).red, entry(image, value, masks.grn).grn,
-                entry(image, value, masks.blu).blu};
-    case Meaning::masked:
-        return {masked_component(value, masks.red), masked_component(value, masks.grn),
-                masked_component(value, masks.blu)};
-    case Meaning::gray:
-        break;
-    }
-    const auto most = static_cast<float>((Pixel{1} << image.depth) - 1);
-    const float level = static_cast<float>(value) / most;
-    return {level, level, level};
-}
-
-// --- Pixels of a display with masks ---------------------------------------------
-
-// A component under its mask: rounded at eight bits, where it then is what the
-// file says, and cut to fewer.
-Pixel under_mask(float component, Pixel mask) {
-    if (mask == 0) {
-        return 0;
-    }
-    constexpr Pixel byte = 0xff;
-    const int shift = std::countr_zero(mask);
-    const Pixel most = mask >> shift;
-    constexpr float cut = 0.001F; // keeps a whole number from falling short
-    const float level = std::clamp(component, 0.0F, 1.0F) * static_cast<float>(most);
-    return static_cast<Pixel>(level + (most >= byte ? 0.5F : cut)) << shift;
-}
-
-Pixel pixel_of_color(const IMG_color& color, const Masks& masks) {
-    return under_mask(color.red, masks.red) | under_mask(color.grn, masks.grn) |
-           under_mask(color.blu, masks.blu);
-}
 
 // --- Pixels of a display with a colour map --------------------------------------
 
@@ -189,7 +89,7 @@ void map_pixels(const IMG_report& image, long trans, unsigned char* out) {
         IMG_row_values(image, y, image.width, row.data());
         for (const Pixel value : row) {
             Pixel key = value % table_size;
-            IMG_color color = color_of(image, value);
+            IMG_color color = gimage_color(image, value);
             if (image.depth > small_depth) {
                 color = to_steps(color, &key);
             }
@@ -247,38 +147,6 @@ bool copy_part(const IMG_report& image, int width, int height, IMG_report* part)
 
 } // namespace
 
-bool gimage_is_readable(const IMG_report& image) {
-    return image.data != nullptr && image.width > 0 && image.height > 0 && image.depth > 0 &&
-           IMG_line_pixels(image) >= image.width;
-}
-
-Gimage_pixels::Gimage_pixels(const IMG_report& image)
-    : image_(&image),
-      unchanged_(gget_win_depth() <= small_depth ||
-                 (meaning_of(image) == Meaning::masked && same(masks_of(image), display_masks()))) {
-    const bool tabled = !unchanged_ && image.depth <= small_depth;
-    for (Pixel value = 0; tabled && value < table_.size(); ++value) {
-        table_[value] = convert(value);
-    }
-}
-
-void Gimage_pixels::row(int y, std::vector<std::uint32_t>* out) const {
-    out->resize(static_cast<std::size_t>(image_->width));
-    IMG_row_values(*image_, y, image_->width, out->data());
-    if (unchanged_) {
-        return;
-    }
-    for (Pixel& value : *out) {
-        value = image_->depth <= small_depth ? table_[value % table_.size()] : convert(value);
-    }
-}
-
-// A grey level goes to all components on a display of 16 bits too: the level in
-// both bytes would show green and blue.
-std::uint32_t Gimage_pixels::convert(std::uint32_t value) const {
-    return pixel_of_color(color_of(*image_, value), display_masks());
-}
-
 int goverlay_image_file(const char* filename, const char* background, int x, int y) {
     if (!gdraw_is_open() || gget_draw_window() == 0) {
         return 0;
@@ -294,7 +162,7 @@ int gsetup_image_colors(IMG_report* image, long trans) {
     if (!gdraw_is_open() || gget_win_depth() > small_depth || !gimage_is_readable(*image)) {
         return 0;
     }
-    if (image->depth == small_depth && meaning_of(*image) == Meaning::gray) {
+    if (image->depth == small_depth && gimage_is_gray(*image)) {
         return 1; // pixels already
     }
     IMG_report mapped;

@@ -4,7 +4,7 @@
 // An image that is put goes through two more forms: the pixels of this display, as
 // an X image; and a bitmap that has a bit for each pixel to be drawn.
 
-#include "gks_overlay.h"
+#include "gks_pixels.h"
 #include "gks_x11.h"
 #include "img_pixel.h"
 #include "no_memory.h"

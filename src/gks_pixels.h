@@ -1,5 +1,5 @@
-// gks_overlay.h: an image record as pixels of the open display, for the two sides of
-// gks_draw.h.
+// gks_pixels.h: an image record as pixels of the open display, for the two sides of
+// gks_draw.h and for what is laid over a plot.
 #pragma once
 
 #include "zyrimg.h"
@@ -10,6 +10,14 @@
 
 // Whether the record holds all its pixels, in a layout that can be read.
 bool gimage_is_readable(const IMG_report& image);
+
+// Whether a pixel's value is a level, neither an index nor components.
+bool gimage_is_gray(const IMG_report& image);
+// The colour of a value; one beyond the table is entry 0.
+IMG_color gimage_color(const IMG_report& image, std::uint32_t value);
+
+// Displays up to this depth have a colour map.
+constexpr int small_depth = 8;
 
 // Turns the values of a record into pixels of this display.
 class Gimage_pixels {
