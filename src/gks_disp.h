@@ -58,15 +58,17 @@ void gsetup_display(Drawable drawable);
 int gfail_display();
 void gset_root_size(int width, int height);
 XWindowAttributes gwindow_attributes();
-// A pixmap in the background's pixel; 0 if the server has no room for it.
-Pixmap gmake_base(int width, int height);
-// The same without the wait for an answer: errors are the caller's.
+// A pixmap in the background's pixel, asked for without the wait for an answer: errors
+// are the caller's.
 Pixmap gsend_base(int width, int height);
 // Paints a drawable in a pixel from corner to corner.
 void gfill_drawable(Drawable drawable, unsigned long pixel, unsigned width, unsigned height);
 
-// Leaves the window of type 6; with pix_mode 9 its owner's hold ends.
-void gend_pixmap();
+// Sends the owner of the window of type 6 a message by its first byte, which is also
+// the pix_mode that asks for it.
+constexpr char pix_ask_frame = 2;
+constexpr char pix_ask_end = 9;
+void gtell_owner(char what);
 
 const Watoms& gwindow_atoms();
 // The name of any window, as UTF-8; empty without one.

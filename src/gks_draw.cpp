@@ -234,6 +234,20 @@ void gdraw_blank() {
     }
 }
 
+bool gdraw_is_magnified() {
+    return draw.side != nullptr && draw.side->is_magnified();
+}
+
+bool gdraw_show_magnified(int frame) {
+    return draw.side != nullptr && draw.side->show_magnified(frame);
+}
+
+void gdraw_end_magnifying() {
+    if (draw.side != nullptr) {
+        draw.side->end_magnifying();
+    }
+}
+
 // --- Pens -----------------------------------------------------------------------
 
 bool gdraw_ready() {

@@ -97,6 +97,11 @@ int gdraw_put_image(IMG_report* image, long trans, int x, int y);
 int gdraw_take_image(IMG_report* image);
 // What the window shows goes, until something is shown again.
 void gdraw_blank();
+// A window may show its picture magnified (gzoom). The second shows a frame so, false
+// when there is nothing to magnify; the third forgets it, as when the picture is gone.
+bool gdraw_is_magnified();
+bool gdraw_show_magnified(int frame);
+void gdraw_end_magnifying();
 
 Gpicture gget_base_window();
 int gset_base_window(Gpicture id);
@@ -189,6 +194,10 @@ public:
     virtual int take_image(IMG_report* image) = 0;
     [[nodiscard]] virtual bool keeps_frames() const = 0;
 
+    // What cannot magnify does none of it.
+    [[nodiscard]] virtual bool is_magnified() const { return false; }
+    virtual bool show_magnified(int /*frame*/) { return false; }
+    virtual void end_magnifying() {}
     // The window shows the base picture, or nothing.
     virtual void show() = 0;
     virtual void blank() = 0;

@@ -485,6 +485,27 @@ int ghold(int /*ws_id*/) {
     return gflush();
 }
 
+int gloop_sleep() {
+    constexpr float slice = 0.2F;  // the window answers after that at the latest
+    constexpr float least = 0.05F; // a delay of 0 must not keep the server busy for nothing
+    if (gget_cur_frame() < 0 || gget_cur_frame() > gget_num_images()) {
+        return -1;
+    }
+    const int looping = gget_looping();
+    // An event may stop the loop or end the hold: then the wait is over too.
+    while (gget_looping() == looping && gget_input_mode() != 0) {
+        const float rest = std::max(gget_frame_delay(frame_current), least) - ZYR_elapse_time();
+        if (!(rest > 0.0F)) {
+            return 0;
+        }
+        if (rest > slice) {
+            gcheck_event();
+        }
+        ZYR_sleep(std::min(rest, slice));
+    }
+    return 0;
+}
+
 int gset_input_mode(int value) {
     evnt.input_mode = value == input_hold ? input_hold : input_idle;
     return 0;

@@ -179,7 +179,7 @@ int gclear_frame(int ind) {
     }
     gflush_fill();
     if (ind == frame_base) {
-        greset_zoom(); // what was magnified is gone
+        gdraw_end_magnifying(); // what was magnified is gone
     }
     const int pixel = gget_color_ind(-1);
     gdraw_fill_picture(pixmap, drawing_area(),
@@ -213,10 +213,11 @@ int gdisplay_frame(int ind) {
     if (ind < 0) {
         ind = loop.cur_image;
     }
-    if (gget_zoom() < 2) {
+    const bool magnified = gdraw_is_magnified();
+    if (!magnified) {
         gcopy_frame(frame_base, ind);
     }
-    if (gget_zoom() < 2 || gzoom(ind, -1, -1, -1, 1) == 0) {
+    if (!magnified || !gdraw_show_magnified(ind)) {
         gupdate_window();
     }
     if (loop.loop_title != 0 && loop.num_images > 0) {
@@ -417,27 +418,6 @@ int ginc_frame(int step) {
     const int first = std::max(loop.loop_start, 0);
     const int last = loop.loop_end < 0 ? loop.num_images - 1 : loop.loop_end;
     return gnext_frame(loop.cur_image, step, first, last, &loop.loop_direct);
-}
-
-int gloop_sleep() {
-    constexpr float slice = 0.2F;  // the window answers after that at the latest
-    constexpr float least = 0.05F; // a delay of 0 must not keep the server busy for nothing
-    if (loop.cur_image < 0 || loop.cur_image > loop.num_images) {
-        return -1;
-    }
-    const int looping = loop.looping;
-    // An event may stop the loop or end the hold: then the wait is over too.
-    while (loop.looping == looping && gget_input_mode() != 0) {
-        const float rest = std::max(gget_frame_delay(frame_current), least) - ZYR_elapse_time();
-        if (!(rest > 0.0F)) {
-            return 0;
-        }
-        if (rest > slice) {
-            gcheck_event();
-        }
-        ZYR_sleep(std::min(rest, slice));
-    }
-    return 0;
 }
 
 // --- Data of a frame ----------------------------------------------------------

@@ -3,6 +3,7 @@
 // No state.
 
 #include "gks_draw.h"
+#include "gks_state.h"
 #include "zyr.h"
 
 namespace {
@@ -42,6 +43,11 @@ void gclear_errors() {}
 // --- Title, cursor and bell -----------------------------------------------------
 
 int gshow_win_title() {
+    return -1;
+}
+
+int gset_win_title(const char* title) {
+    gkeep_win_title(title);
     return -1;
 }
 

@@ -25,10 +25,6 @@
 
 namespace {
 
-// First data byte of a message to the owner of the window.
-constexpr char ask_frame = 2;
-constexpr char ask_end = 9;
-
 struct WindowId {
     long window = 0, pixmap = 0, width = 0, height = 0, colormap = 0;
     int fields = 0; // that were read
@@ -159,21 +155,6 @@ void take_title(const WindowId& id) {
     if (!title.empty()) {
         gset_win_title(title.substr(0, title.find(" [")).c_str());
     }
-}
-
-void send_message(char what) {
-    constexpr Atom message_type = 62;
-    if (!gdisp().has_window) {
-        return;
-    }
-    XEvent event{};
-    event.xclient.type = ClientMessage;
-    event.xclient.window = gget_root_window();
-    event.xclient.message_type = message_type;
-    event.xclient.format = 8;
-    event.xclient.data.b[0] = what;
-    XSendEvent(gget_display(), gget_root_window(), True, 0, &event);
-    XSync(gget_display(), False);
 }
 
 // The owner marks its title with "+" while it makes the frame.
@@ -324,23 +305,13 @@ int gopen_pixmap(const char* conn_id) {
     take_title(id);
     attach(id);
     gsetup_display(gget_root_window());
-    if (gget_pix_mode() == ask_frame) {
-        send_message(ask_frame);
+    if (gget_pix_mode() == pix_ask_frame) {
+        gtell_owner(pix_ask_frame);
         wait_for_frame();
     }
     ginit_xcolr();
     choose_area();
     return 0;
-}
-
-void gend_pixmap() {
-    if (!gtype_is_PIX()) {
-        return;
-    }
-    if (gget_pix_mode() == ask_end) {
-        send_message(ask_end);
-    }
-    gset_redraw(gdisp().redraw);
 }
 
 int gset_pix_mode(int mode) {

@@ -1,9 +1,10 @@
 // gks_title.cpp: the title of the window. The text after the title is a channel
 // between programs: it carries the number of the frame on show and the mark of a
 // window that is busy. Programs hold titles as UTF-8; a server's own type of text,
-// STRING, is Latin-1. No state: the title in force is kept in gks_tool.cpp.
+// STRING, is Latin-1. No state: the title in force is kept in gks_state.cpp.
 
 #include "gks_disp.h"
+#include "gks_state.h"
 #include "gks_utf8.h"
 #include "zyr.h"
 
@@ -134,6 +135,11 @@ int gshow_win_title() {
     constexpr bool as_icon = true;
     show_name(gget_win_title(), as_icon);
     return 0;
+}
+
+int gset_win_title(const char* title) {
+    gkeep_win_title(title);
+    return gshow_win_title();
 }
 
 int gset_win_title_extra(const char* text) {

@@ -205,11 +205,6 @@ int ginit_plot(int type) {
     return 0;
 }
 
-int gset_win_title(const char* title) {
-    gkeep_win_title(title);
-    return gshow_win_title();
-}
-
 int gmessage(int level, const char* text) {
     if (!gtype_is_META()) {
         gnew_obj(obj_message, level, static_cast<int>(std::strlen(text)) + 1, text);

@@ -218,6 +218,27 @@ int unable() {
     return gfail_display();
 }
 
+// A pixmap in the background's pixel; 0 if the server has no room for it.
+Pixmap make_base(int width, int height) {
+    gtrap_errors(0);
+    const Pixmap pixmap = gsend_base(width, height);
+    return gtrap_errors(1) == 0 ? pixmap : 0;
+}
+
+// A pixmap of the new size, the picture at its top left. Without room for it
+// the old one stays.
+void renew_base(int width, int height) {
+    const Pixmap fresh = make_base(width, height);
+    if (fresh == 0) {
+        return;
+    }
+    XCopyArea(gget_display(), gscreen().base_window, fresh, gget_root_gc(), 0, 0,
+              static_cast<unsigned>(width), static_cast<unsigned>(height), 0, 0);
+    XFreePixmap(gget_display(), gscreen().base_window);
+    gscreen().base_window = fresh;
+    gscreen().draw_window = fresh;
+}
+
 } // namespace
 
 int gset_iconic(int value) {
@@ -270,4 +291,44 @@ int gopen_window(const char* conn_id) {
     XClearWindow(gdisp().display, gdisp().root_window);
     gmake_cursors();
     return 0;
+}
+
+// --- The window at work -------------------------------------------------------
+
+int gresize_window(int width, int height) {
+    Gdisp& disp = gdisp();
+    if (!gtype_is_WIN() || !disp.has_window) {
+        return 0;
+    }
+    const bool by_program = width > 0;
+    const bool renew = by_program || width == -1;
+    if (by_program) {
+        width = gwindow_side(width, default_width);
+        height = gwindow_side(height, default_height);
+        XResizeWindow(disp.display, disp.root_window, static_cast<unsigned>(width),
+                      static_cast<unsigned>(height));
+    } else {
+        const XWindowAttributes given = gwindow_attributes();
+        const bool gone = given.width <= 0; // its event is still to come
+        if (gone ||
+            (given.width == gscreen().root_width && given.height == gscreen().root_height)) {
+            return 0;
+        }
+        width = given.width;
+        height = given.height;
+    }
+    gflush_fill();
+    XClearWindow(disp.display, disp.root_window);
+    if (renew) {
+        renew_base(width, height);
+    }
+    gset_root_size(width, height);
+    gset_win_size(width, height);
+    greset_zoom();
+    gdelete_all_frames();
+    return 1;
+}
+
+GC gget_fill_gc() {
+    return gfill_gc_in(gget_fill_colr());
 }

@@ -13,18 +13,14 @@
 
 namespace {
 
-// A pixmap of the new size, the picture at its top left. Without room for it
-// the old one stays.
-void renew_base(int width, int height) {
-    const Pixmap fresh = gmake_base(width, height);
-    if (fresh == 0) {
-        return;
+XDisplay x_display;
+
+// Leaves the window of type 6; if asked to, its owner's hold ends.
+void end_pixmap() {
+    if (gdisp_settings().pix_mode == pix_ask_end) {
+        gtell_owner(pix_ask_end);
     }
-    XCopyArea(gget_display(), gscreen().base_window, fresh, gget_root_gc(), 0, 0,
-              static_cast<unsigned>(width), static_cast<unsigned>(height), 0, 0);
-    XFreePixmap(gget_display(), gscreen().base_window);
-    gscreen().base_window = fresh;
-    gscreen().draw_window = fresh;
+    gset_redraw(gdisp().redraw);
 }
 
 } // namespace
@@ -48,7 +44,7 @@ int gopen_display(const char* conn_id) {
             name.empty() ? "DISPLAY is not set" : name.c_str());
         return gfail_display();
     }
-    gdraw_use(&gx_display());
+    gdraw_use(&x_display);
     disp.screen = DefaultScreen(disp.display);
     disp.visual = DefaultVisual(disp.display, disp.screen);
     Gscreen& screen = gscreen();
@@ -104,9 +100,26 @@ void XDisplay::close() {
     if (disp.root_gc != nullptr) {
         XFreeGC(display, disp.root_gc);
     }
-    gend_pixmap();
+    if (gtype_is_PIX()) {
+        end_pixmap();
+    }
     XCloseDisplay(display); // waits for the last answer
     disp = {};
+}
+
+void gtell_owner(char what) {
+    constexpr Atom message_type = 62;
+    if (!gdisp().has_window) {
+        return;
+    }
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = gget_root_window();
+    event.xclient.message_type = message_type;
+    event.xclient.format = 8;
+    event.xclient.data.b[0] = what;
+    XSendEvent(gget_display(), gget_root_window(), True, 0, &event);
+    XSync(gget_display(), False);
 }
 
 void glose_window() {
@@ -126,46 +139,6 @@ Pixmap gsend_base(int width, int height) {
         XCreatePixmap(disp.display, disp.root_window, w, h, static_cast<unsigned>(gscreen().depth));
     gfill_drawable(pixmap, gscreen().back_colr, w, h);
     return pixmap;
-}
-
-Pixmap gmake_base(int width, int height) {
-    gtrap_errors(0);
-    const Pixmap pixmap = gsend_base(width, height);
-    return gtrap_errors(1) == 0 ? pixmap : 0;
-}
-
-int gresize_window(int width, int height) {
-    Gdisp& disp = gdisp();
-    if (!gtype_is_WIN() || !disp.has_window) {
-        return 0;
-    }
-    const bool by_program = width > 0;
-    const bool renew = by_program || width == -1;
-    if (by_program) {
-        width = gwindow_side(width, default_width);
-        height = gwindow_side(height, default_height);
-        XResizeWindow(disp.display, disp.root_window, static_cast<unsigned>(width),
-                      static_cast<unsigned>(height));
-    } else {
-        const XWindowAttributes given = gwindow_attributes();
-        const bool gone = given.width <= 0; // its event is still to come
-        if (gone ||
-            (given.width == gscreen().root_width && given.height == gscreen().root_height)) {
-            return 0;
-        }
-        width = given.width;
-        height = given.height;
-    }
-    gflush_fill();
-    XClearWindow(disp.display, disp.root_window);
-    if (renew) {
-        renew_base(width, height);
-    }
-    gset_root_size(width, height);
-    gset_win_size(width, height);
-    greset_zoom();
-    gdelete_all_frames();
-    return 1;
 }
 
 // --- What the drawing asks of the window ------------------------------------------

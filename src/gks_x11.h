@@ -45,7 +45,8 @@ int gset_line_gc_func(int func);
 // One pixel line, and the rectangle of two corners, with the line context.
 int gxline(Drawable drawable, const XPoint* a, const XPoint* b);
 int gxrect(Drawable drawable, const XPoint* a, const XPoint* b);
-GC gget_fill_gc();
+GC gfill_gc_in(int color); // in the pixel of that index
+GC gget_fill_gc();         // in that of the fill colour (gks_window.cpp)
 GC gget_marker_gc();
 GC gget_text_gc();
 // Frees the contexts, the patterns and the server's font.
@@ -62,9 +63,12 @@ int gset_ximage_params(IMG_report* image, XImage* ximage);
 // --- The X server's side of gks_draw.h ------------------------------------------
 
 // Pens, figures and pictures are in gks_xdraw.cpp, images in gks_ximage.cpp,
-// colours in gks_xcolr.cpp, the window in gks_x11.cpp.
+// colours in gks_xcolr.cpp, the magnified picture in gks_zoom.cpp, the window in
+// gks_x11.cpp. Closing comes first: the compiler puts the table of methods where the
+// first one is, and gks_x11 alone may call all of these modules.
 class XDisplay final : public Gdisplay {
 public:
+    void close() override;
     [[nodiscard]] bool has_pen(Gpen pen) const override;
     void init_pen(Gpen pen, int type) override;
     void reset_pens() override;
@@ -84,11 +88,13 @@ public:
     int put_image(IMG_report* image, long trans, int x, int y) override;
     int take_image(IMG_report* image) override;
     [[nodiscard]] bool keeps_frames() const override;
+    [[nodiscard]] bool is_magnified() const override;
+    bool show_magnified(int frame) override;
+    void end_magnifying() override;
     void show() override;
     void blank() override;
     void flush() override;
     void sync() override;
-    void close() override;
     bool parse_color(const char* text, Gcolr_levels* levels) override;
     bool take_cell(int* pixel) override;
     void store_cell(int pixel, const Gcolr_levels& levels) override;
@@ -101,4 +107,3 @@ public:
     bool measure(std::string_view text, Gstring_size* size) override;
     void string(int x, int y, std::string_view text) override;
 };
-Gdisplay& gx_display();

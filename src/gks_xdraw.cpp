@@ -25,7 +25,6 @@ struct XDraw {
     XFontStruct* font_info = nullptr; // a font of the server for texts
 };
 XDraw draw;
-XDisplay x_display;
 
 GC& gc_of(Gpen pen) {
     return draw.gcs[static_cast<std::size_t>(pen)];
@@ -65,6 +64,13 @@ void make_patterns() {
     }
 }
 
+void free_server_font() {
+    if (draw.font_info != nullptr) {
+        XFreeFont(gget_display(), draw.font_info);
+    }
+    draw.font_info = nullptr;
+}
+
 // The first look of a pen besides its colours and its clip.
 void start_pen(Gpen pen) {
     GC gc = gc_of(pen);
@@ -85,10 +91,6 @@ void start_pen(Gpen pen) {
 }
 
 } // namespace
-
-Gdisplay& gx_display() {
-    return x_display;
-}
 
 // --- Pens ---------------------------------------------------------------------
 
@@ -127,7 +129,7 @@ void gfree_pens() {
             XFreeGC(gget_display(), gc);
         }
     }
-    x_display.free_font();
+    free_server_font();
     gdel_fill_pat();
     draw = {};
 }
@@ -252,10 +254,7 @@ int XDisplay::load_font(const char* name) {
 }
 
 void XDisplay::free_font() {
-    if (draw.font_info != nullptr) {
-        XFreeFont(gget_display(), draw.font_info);
-    }
-    draw.font_info = nullptr;
+    free_server_font();
 }
 
 bool XDisplay::measure(std::string_view text, Gstring_size* size) {
@@ -286,10 +285,10 @@ GC gget_text_gc() {
     return gc_of(Gpen::text);
 }
 
-GC gget_fill_gc() {
+GC gfill_gc_in(int color) {
     if (gc_of(Gpen::fill) != nullptr) {
         gflush_fill();
-        set_fill_foreground(gget_fill_colr());
+        set_fill_foreground(color);
     }
     return gc_of(Gpen::fill);
 }

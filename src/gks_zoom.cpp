@@ -270,3 +270,20 @@ float xZ_p(float x) {
 float yZ_p(float y) {
     return zoomed.top + y / static_cast<float>(zoomed.zoom);
 }
+
+// --- What the frames ask ------------------------------------------------------
+
+bool XDisplay::is_magnified() const {
+    return zoomed.zoom > 1;
+}
+
+bool XDisplay::show_magnified(int frame) {
+    constexpr int old_centre = -1;
+    constexpr int old_factor = -1;
+    constexpr int renew = 1;
+    return gzoom(frame, old_centre, old_centre, old_factor, renew) != 0;
+}
+
+void XDisplay::end_magnifying() {
+    greset_zoom();
+}
