@@ -128,6 +128,8 @@ constexpr int first_print_colr = 500;
 constexpr int last_print_colr = 508;
 
 // --- Kernel and workstation (gks_tool.cpp) ------------------------------------
+// What is only asked or noted is in gks_state.cpp, the reset of a plot in
+// gks_plot.cpp, what the primitives record in gks_record.cpp, titles in gks_title.cpp.
 
 // `path` of the error file, null for standard error. `size` is not used.
 // Returns 0; nonzero if there is no place to report to.
@@ -189,7 +191,8 @@ const char* gget_win_title();
 int gmessage(int level, const char* text);
 
 // --- Window (gks_x11.cpp; X types and ids in gks_x11.h) -------------------------
-// A display is open on types 1 and 6. Calls that need one return 0 or -1 at
+// Its opening and its size are in gks_window.cpp, type 6 in gks_pixmap.cpp, cursors in
+// gks_cursor.cpp, what is the same on every display in gks_draw.cpp. A display is open on types 1 and 6. Calls that need one return 0 or -1 at
 // once on a file device and change nothing.
 
 // What gopen_ws does for types 1 and 6. Returns 0, or -1 after a report.
@@ -277,7 +280,7 @@ int ginc_loop_delay(float step);
 float gget_loop_delay();
 float gget_frame_delay(int ind);
 int ginc_frame(int step); // next frame number, -1 without frames
-int gloop_sleep();
+int gloop_sleep(); // gks_evnt.cpp: events may end it
 int gset_image_data(int ind, const unsigned char* data, int size); // -1 above 50 bytes
 int gget_image_data(int ind, unsigned char* data);                 // size
 
@@ -290,7 +293,7 @@ int gget_zoom();
 float xZ_p(float x); // window pixel to picture pixel
 float yZ_p(float y);
 
-// --- Events (gks_evnt.cpp) ------------------------------------------------------
+// --- Events (gks_evnt.cpp; gks_input.cpp, gks_band.cpp) -------------------------
 
 // Type 2 key or window size, 3 button; its name; world coordinates (pixels for
 // "size").
@@ -310,7 +313,7 @@ int gset_rubber_band_points(const Gpt* pts, int n, int constraint);
 int gset_rubber_band_limits(const Gpt* pts); // two points, world
 int gset_refresh_callback(int seconds, Grefresh_func* func);
 
-// --- Redraw list (gks_obj.cpp) --------------------------------------------------
+// --- Redraw list (gks_obj.cpp; played by gks_replay.cpp) ------------------------
 
 // One recorded call. `data` is its copy of the call's data, or null.
 struct drawable {
@@ -372,8 +375,7 @@ int gget_redraw();
 int gobj_redraw_funcs(const drawobj* obj); // plays one record
 int gobj_print_meta();                     // writes the list as a metafile
 
-// --- Metafile (gks_meta.cpp, gks_cgm.cpp, gks_meta_read.cpp)
-// ----------------------------------------------------
+// --- Metafile (gks_meta.cpp, gks_cgm.cpp, gks_meta_out.cpp, gks_meta_read.cpp) --
 
 // What gopen_ws does for type 3. Returns 0, or -1 after a report.
 int gmeta_open_ws(const char* conn_id);

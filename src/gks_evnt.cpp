@@ -1,7 +1,7 @@
-// gks_evnt.cpp: the events of the window: polling, the hold at the end of a plot,
+// gks_evnt: the events of the window: polling, the hold at the end of a plot,
 // the timed refresh and the calls to the plotter. State: the plotter's two
-// functions, how far the hold is, and what waits for the end of a plot. Only a
-// window has events, and only while gset_cache is on.
+// functions; how far the hold is, and what waits for the end of a plot, is in
+// gks_input. Only a window has events, and only while gset_cache is on.
 //
 // The kernel polls in the middle of drawing calls, so that a window answers
 // during a long plot. What only copies pixmaps, exposures and the frames that
@@ -13,6 +13,7 @@
 
 #include "gks_evnt.h"
 
+#include "gks_plot.h"
 #include "gks_x11.h"
 #include "zyr.h"
 
@@ -26,26 +27,13 @@
 
 namespace {
 
-enum Input_mode : int { input_idle, input_hold, input_key_seen, input_leave };
-
-// A button whose call to the plotter waits.
-struct Waiting {
-    std::array<char, event_name_size> name{};
-    XPoint at{}; // pixels
-    bool release = false;
-};
-
 struct Events {
     int mapped = 0;
     bool expose_served = false; // the window is up to date for this series
     Gmouse_func* mouse_CB = nullptr;
-    Input_mode input_mode = input_idle;
     bool user_event = false; // the last event came from the user
     int in_plotter = 0;      // depth of the plotter's functions under way
-    bool size_due = false;   // the window has a new size
-    std::array<Waiting, 16> waiting;
-    std::size_t num_waiting = 0;
-    int refresh = 0; // seconds, 0: none
+    int refresh = 0;         // seconds, 0: none
     Grefresh_func* refresh_CB = nullptr;
 };
 Events evnt;
@@ -59,7 +47,7 @@ bool has_events() {
 
 // From the plotter's registration to the hold, and in its functions.
 bool plot_under_way() {
-    return evnt.in_plotter > 0 || (evnt.input_mode == input_idle && evnt.mouse_CB != nullptr);
+    return evnt.in_plotter > 0 || (ginput().input_mode == input_idle && evnt.mouse_CB != nullptr);
 }
 
 // --- Calls to the plotter -----------------------------------------------------
@@ -80,12 +68,11 @@ void call_at(int type, const char* name, XPoint at) {
 }
 
 void take_size() {
-    evnt.size_due = false;
+    ginput().size_due = false;
     if (gresize_window(-1, -1) == 0) {
         return;
     }
-    evnt.num_waiting = 0; // a position on the old page means nothing on the new one
-    constexpr int init_again = 1;
+    ginput().num_waiting = 0; // a position on the old page means nothing on the new one
     ginit_plot(init_again);
     int width = 0;
     int height = 0;
@@ -96,8 +83,8 @@ void take_size() {
 void call_button(const char* name, XPoint at, bool release) {
     if (!plot_under_way()) {
         call_at(type_button, name, at);
-    } else if (evnt.num_waiting < evnt.waiting.size()) {
-        Waiting& row = evnt.waiting[evnt.num_waiting++];
+    } else if (ginput().num_waiting < ginput().waiting.size()) {
+        Waiting& row = ginput().waiting[ginput().num_waiting++];
         copy_text(row.name.data(), row.name.size(), name);
         row.at = at;
         row.release = release;
@@ -106,14 +93,14 @@ void call_button(const char* name, XPoint at, bool release) {
 
 // Serves what a plot has put off. Returns whether there was something.
 bool serve_waiting() {
-    if (plot_under_way() || (!evnt.size_due && evnt.num_waiting == 0)) {
+    if (plot_under_way() || (!ginput().size_due && ginput().num_waiting == 0)) {
         return false;
     }
-    if (evnt.size_due) {
+    if (ginput().size_due) {
         take_size();
     }
-    const auto waiting = evnt.waiting;
-    const std::size_t n = std::exchange(evnt.num_waiting, 0);
+    const auto waiting = ginput().waiting;
+    const std::size_t n = std::exchange(ginput().num_waiting, 0);
     for (std::size_t i = 0; i < n; ++i) {
         if (waiting[i].release) {
             ginit_band(); // the press has just begun it, the button is up by now
@@ -150,10 +137,10 @@ void configure(const XConfigureEvent& event) {
     int width = 0;
     int height = 0;
     gget_root_size(&width, &height);
-    if (last.width == width && last.height == height && !evnt.size_due) {
+    if (last.width == width && last.height == height && !ginput().size_due) {
         return; // it was moved
     }
-    evnt.size_due = true;
+    ginput().size_due = true;
     if (!plot_under_way()) {
         take_size();
     }
@@ -168,9 +155,9 @@ void destroyed(const XDestroyWindowEvent& event) {
     ghide_keys();
     glose_window();
     evnt.mapped = 0;
-    evnt.size_due = false;
-    evnt.num_waiting = 0;
-    evnt.input_mode = input_leave;
+    ginput().size_due = false;
+    ginput().num_waiting = 0;
+    ginput().input_mode = input_leave;
 }
 
 // A program attached to this window asks for a pixmap to draw the next frame
@@ -196,13 +183,13 @@ void client_message(const XClientMessageEvent& event) {
     constexpr int bytes_format = 8;
     constexpr int longs_format = 32;
     if (event.format == longs_format && static_cast<Atom>(event.data.l[0]) == gget_close_atom()) {
-        evnt.input_mode = input_leave;
+        ginput().input_mode = input_leave;
     }
     if (event.format != bytes_format) {
         return;
     }
     if (event.data.b[0] == ask_end) {
-        evnt.input_mode = input_leave;
+        ginput().input_mode = input_leave;
     }
     if (event.data.b[0] == ask_frame) {
         gset_win_title_extra("+"); // the requester waits until this goes
@@ -231,10 +218,10 @@ XPoint pointer_position(XPoint otherwise) {
 
 void key_press(XKeyEvent* event) {
     evnt.user_event = true;
-    if (evnt.input_mode != input_hold && evnt.input_mode != input_key_seen) {
+    if (ginput().input_mode != input_hold && ginput().input_mode != input_key_seen) {
         return;
     }
-    evnt.input_mode = input_key_seen;
+    ginput().input_mode = input_key_seen;
     std::array<char, event_name_size> name{};
     constexpr int text_size = 60; // leaves room for the modifiers
     KeySym key = NoSymbol;
@@ -256,7 +243,7 @@ void key_press(XKeyEvent* event) {
     }
     const Key_end end = gserve_key(key, event->state, event->x, event->y);
     if (end == Key_end::leave_hold) {
-        evnt.input_mode = input_leave;
+        ginput().input_mode = input_leave;
     }
     if (end == Key_end::no_callback) {
         return;
@@ -301,7 +288,7 @@ Bool may_interrupt(Display* /*display*/, XEvent* event, XPointer /*arg*/) {
     case ClientMessage:
         return False;
     case KeyPress:
-        return evnt.input_mode == input_idle ? True : False;
+        return ginput().input_mode == input_idle ? True : False;
     default:
         return True;
     }
@@ -390,16 +377,6 @@ void serve_refresh(Clock::time_point* due) {
 
 } // namespace
 
-int ginit_event(int type) {
-    ginit_band();
-    if (type == 0) {
-        evnt.input_mode = input_idle;
-        evnt.size_due = false;
-        evnt.num_waiting = 0;
-    }
-    return 0;
-}
-
 int gcheck_event() {
     if (!has_events()) {
         return 0;
@@ -471,7 +448,7 @@ int ghold(int /*ws_id*/) {
     if (gget_looping() != 0) {
         ZYR_init_time();
     }
-    evnt.input_mode = ghas_window() ? input_hold : input_leave;
+    ginput().input_mode = ghas_window() ? input_hold : input_leave;
     gcheck_event(); // what the plot has put off
     auto due = Clock::now() + std::chrono::seconds(evnt.refresh);
     int quiet = 0;
@@ -504,15 +481,6 @@ int gloop_sleep() {
         ZYR_sleep(std::min(rest, slice));
     }
     return 0;
-}
-
-int gset_input_mode(int value) {
-    evnt.input_mode = value == input_hold ? input_hold : input_idle;
-    return 0;
-}
-
-int gget_input_mode() {
-    return evnt.input_mode != input_leave ? 1 : 0;
 }
 
 int gis_mapped() {

@@ -1,8 +1,9 @@
 // gks_evnt.h: what the modules of the events share: gks_evnt.cpp takes them from
-// the server, gks_keys.cpp knows keys and buttons, gks_help.cpp shows them, gks_band.cpp the rubber
-// band. Included by these alone.
+// the server, gks_input.cpp keeps what waits, gks_keys.cpp knows keys and buttons,
+// gks_help.cpp shows them, gks_band.cpp the rubber band. Included by these alone.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <vector>
 
@@ -45,3 +46,22 @@ void gband_move(XPoint at);
 // Draws the final band and ends it. Returns the position to report: the moved
 // point of a constrained line, else `at`.
 XPoint gband_release(XPoint at);
+
+// --- The hold (gks_input.cpp) ---------------------------------------------------
+
+enum Input_mode : int { input_idle, input_hold, input_key_seen, input_leave };
+
+// A button whose call to the plotter waits.
+struct Waiting {
+    std::array<char, event_name_size> name{};
+    XPoint at{}; // pixels
+    bool release = false;
+};
+
+struct Ginput {
+    Input_mode input_mode = input_idle;
+    bool size_due = false; // the window has a new size
+    std::array<Waiting, 16> waiting;
+    std::size_t num_waiting = 0;
+};
+Ginput& ginput();

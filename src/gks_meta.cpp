@@ -204,18 +204,16 @@ int gmeta_clear_region(const Glim& lim) {
                         static_cast<double>(lim.y_max));
 }
 
-void gmeta_attribute(const Gattribute& attribute, const Gvalues& values) {
+void gmeta_attribute(const Gword& attribute, const Gvalues& values) {
     if (!is_text_open()) {
         return;
     }
-    const Gcounts counts = gcount_values(attribute);
-    const bool is_point = std::holds_alternative<Gset_point*>(attribute.set);
     gmeta_printf("%.*s", static_cast<int>(attribute.word.size()), attribute.word.data());
-    for (int i = 0; i < counts.integers; ++i) {
+    for (int i = 0; i < attribute.counts.integers; ++i) {
         gmeta_printf(" %d", values.n[i]);
     }
-    for (int i = 0; i < counts.reals; ++i) {
-        gmeta_printf(is_point && i > 0 ? ",%f" : " %f", static_cast<double>(values.f[i]));
+    for (int i = 0; i < attribute.counts.reals; ++i) {
+        gmeta_printf(attribute.is_point && i > 0 ? ",%f" : " %f", static_cast<double>(values.f[i]));
     }
     gmeta_printf("\n");
 }

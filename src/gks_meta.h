@@ -12,7 +12,13 @@ constexpr int meta_cgm = 1;
 // Writes bytes to a binary metafile alone.
 void gmeta_put_bytes(const unsigned char* bytes, std::size_t n);
 // A setting as a line: its word and its values.
-void gmeta_attribute(const Gattribute& attribute, const Gvalues& values);
+struct Gword {
+    Gobj code{};
+    std::string_view word; // empty: not in a metafile
+    Gcounts counts{};
+    bool is_point = false; // its two numbers have a comma between them
+};
+void gmeta_attribute(const Gword& attribute, const Gvalues& values);
 // 1 if `file` is the metafile that is being written.
 int gmeta_is_output(std::FILE* file);
 

@@ -1,18 +1,17 @@
-// gks_obj.cpp: the redraw list: the kernel calls of the picture on a window, in
-// order, so that they can be written out as a metafile. Owns the list, and the
+// gks_obj: the redraw list: the kernel calls of the picture on a window, in order,
+// so that gks_replay can write them out as a metafile. Owns the list, and the
 // switches that say whether calls are recorded and events served. gopen_ws sets
-// it up by ginit_objs.
+// it up by ginit_objs. Every primitive calls it; it calls none.
 //
 // Records and their data lie side by side in blocks that are given back
 // together: a full product has 160,000 records, a Level II scan 300,000. A list
 // beyond 2 MB goes on in large pages of memory, since the system takes longer to
 // hand out the 512 small ones of each than the list takes to fill them.
 
-#include "gks.h"
-#include "gks_attr.h"
+#include "gks_obj.h"
+
 #include "gks_draw.h"
 #include "no_memory.h"
-#include "out_file.h"
 #include "state_keeper.h"
 #include "zyr.h"
 
@@ -95,89 +94,16 @@ struct RedrawList {
     unsigned num_objects = 0;              // calls counted
     int action = 0;                        // 1: events are served
     int redraw = 1;                        // the list is in use
-    int redrawn = 0;                       // a metafile was written
+    Gevent_server* serve = nullptr;        // of the window; null: none
     Arena arena;
 };
 RedrawList list;
-
-const Gpt* points_of(const drawobj* obj) {
-    return reinterpret_cast<const Gpt*>(obj->data);
-}
-
-// What is no setting: a figure, a message, a cleared region.
-int play_figure(const drawobj* obj) {
-    const int n = obj->values;
-    switch (obj->type) {
-    case obj_message:
-        return gmessage(1, obj->data);
-    case obj_polyline:
-        return gpolyline(n, points_of(obj));
-    case obj_polymarker:
-        return gpolymarker(n, points_of(obj));
-    case obj_fill_area:
-        return gfill_area(n, points_of(obj));
-    case obj_text:
-        return gtext(points_of(obj), obj->data + sizeof(Gpt));
-    case obj_clear_region: {
-        Glim lim{};
-        std::memcpy(&lim, obj->data, sizeof lim);
-        return gclear_region(&lim);
-    }
-    default:
-        return -1;
-    }
-}
 
 bool says_no(const char* text) {
     return text != nullptr && stricmp(text, "no") == 0;
 }
 
-// Sets the window's state aside while its list is played into a metafile, and
-// brings it back however that ends.
-class Replay {
-public:
-    Replay() {
-        gget_win_size(&width, &height);
-        gset_cursor(cursor_number_wait);
-        ghold_state(Ghold::begin);
-        list.redraw = 0;
-        gset_win_type(ws_metafile);
-    }
-    ~Replay() {
-        gset_win_type(type);
-        list.redraw = redraw;
-        gset_win_size(width, height);
-        ghold_state(Ghold::restore);
-        gset_cursor(cursor);
-    }
-    Replay(const Replay&) = delete;
-    Replay& operator=(const Replay&) = delete;
-
-private:
-    Gws_type type = gget_win_type();
-    int redraw = list.redraw;
-    int cursor = gget_cursor_type();
-    int width = 0;
-    int height = 0;
-};
-
 } // namespace
-
-void gput_state() {
-    gput_tran_state();
-    gput_line_state();
-    gput_fill_state();
-    gput_marker_state();
-    gput_text_state();
-}
-
-void ghold_state(Ghold what) {
-    ghold_tran_state(what);
-    ghold_line_state(what);
-    ghold_fill_state(what);
-    ghold_marker_state(what);
-    ghold_text_state(what);
-}
 
 int ginit_objs() {
     gclear_objs();
@@ -194,7 +120,7 @@ int ginit_objs() {
 
 char* gnew_obj(int type, int values, int size, const void* data) {
     if (++list.num_objects % heartbeat == 0) {
-        gcheck_event();
+        gserve_events();
     }
     if (list.redraw == 0 || list.last == nullptr) {
         return nullptr;
@@ -233,6 +159,18 @@ std::size_t gget_objs_bytes() {
     return list.arena.bytes();
 }
 
+const drawable* gfirst_obj() {
+    return list.root.next;
+}
+
+void gset_event_server(Gevent_server* serve) {
+    list.serve = serve;
+}
+
+int gserve_events() {
+    return list.serve != nullptr ? list.serve() : 0;
+}
+
 int gset_cache(int value) {
     list.action = value;
     return 0;
@@ -252,46 +190,9 @@ int gget_redraw() {
     return list.redraw;
 }
 
-int gobj_redraw_funcs(const drawobj* obj) {
-    if (const Gattribute* attribute = gfind_attribute(obj->type)) {
-        return gplay_record(*attribute, *obj);
-    }
-    return obj->data == nullptr ? -1 : play_figure(obj);
-}
-
-int gobj_print_meta() {
-    const char* name = std::getenv("METAOUT");
-    if (name == nullptr || *name == '\0') {
-        name = "zyr.meta";
-    }
-    // Frames and "noredraw" leave the list without the picture.
-    const bool in_use = list.redraw != 0 && list.root.next != nullptr;
-    {
-        const Replay replay;
-        if (gmeta_open_file(name) == nullptr) {
-            gerr_printf("gprint_meta", "unable to open metafile\n");
-            explain_output("gprint_meta");
-            return -1;
-        }
-        gmeta_init_file();
-        if (!in_use) {
-            MESS_print(mess_warn, "gobj_print_meta: No redraw data to make metafile from\n");
-        }
-        for (const drawable* obj = list.root.next; obj != nullptr; obj = obj->next) {
-            gobj_redraw_funcs(obj);
-        }
-        gmeta_close_file();
-    }
-    gcheck_event();
-    gbell(50);
-    list.redrawn = 1;
-    return 0;
-}
-
 void keep_gks_obj(StateKeeper& keeper) {
     keeper.close_by([] { gclear_objs(); });
     keeper.keep(list.action);
     keeper.keep(list.redraw);
-    keeper.keep(list.redrawn);
     keeper.keep(list.num_objects);
 }

@@ -5,6 +5,8 @@
 #include "gks.h"
 #include "gks_attr.h"
 #include "gks_draw.h"
+#include "gks_obj.h"
+#include "gks_plot.h"
 #include "gks_state.h"
 #include "state_keeper.h"
 #include "zyr.h"
@@ -18,16 +20,6 @@ struct Opening {
     int redraw = 1; // of the redraw list before a file device
 };
 Opening opening;
-
-// How ginit_plot and ginit_tran are told the device.
-enum Init_type {
-    init_none = -1,
-    init_display = 0,
-    init_again = 1, // on the same display
-    init_postscript = 2,
-    init_hpgl = 3,
-    init_metafile = 4
-};
 
 // A file device has no events, and its file is all that is kept of the plot.
 void hold_redraw() {
@@ -120,6 +112,7 @@ int gopen_ws(int /*ws_id*/, const char* conn_id, Gws_type ws_type) {
         return -1;
     }
     gmark_open(true);
+    gset_event_server(gcheck_event);
     ginit_objs();
     ginit_plot(init);
     if (gtype_is_META()) {
@@ -161,65 +154,6 @@ int gclear_ws(int /*ws_id*/, int /*flag*/) {
     gclear_objs();
     gput_state();
     ginit_plot(init_none);
-    return 0;
-}
-
-float gkept_width(float width) {
-    switch (gget_device()) {
-    case Gdevice::postscript:
-        return gps_kept_width(width);
-    case Gdevice::window:
-    case Gdevice::pixmap:
-    case Gdevice::metafile:
-    case Gdevice::hpgl:
-    case Gdevice::none:
-        return width;
-    }
-    return width;
-}
-
-int ginit_plot(int type) {
-    if (type == init_none) {
-        return -1;
-    }
-    greset_text();
-    greset_line();
-    greset_marker();
-    greset_fill();
-    ginit_loop();
-    ginit_tran(type);
-    ginit_text(type);
-    ginit_line(type);
-    ginit_marker(type);
-    ginit_fill(type);
-    if (type == init_display) {
-        gclear_errors();
-        if (gtype_is_PIX()) {
-            gset_rw_colors(0); // the colours of its owner stay
-        }
-    }
-    if (type == init_display || type == init_again) {
-        ginit_event(type);
-        gdraw_reset_pens();
-    }
-    return 0;
-}
-
-int gmessage(int level, const char* text) {
-    if (!gtype_is_META()) {
-        gnew_obj(obj_message, level, static_cast<int>(std::strlen(text)) + 1, text);
-    }
-    switch (gget_device()) {
-    case Gdevice::metafile:
-        return gmeta_line("ME %s", text);
-    case Gdevice::postscript:
-        return gps_comment("%%%%Message: %s", text);
-    case Gdevice::window:
-    case Gdevice::pixmap:
-    case Gdevice::hpgl:
-    case Gdevice::none:
-        return 0;
-    }
     return 0;
 }
 
