@@ -192,8 +192,9 @@ int gmessage(int level, const char* text);
 
 // --- Window (gks_x11.cpp; X types and ids in gks_x11.h) -------------------------
 // Its opening and its size are in gks_window.cpp, type 6 in gks_pixmap.cpp, cursors in
-// gks_cursor.cpp, what is the same on every display in gks_draw.cpp. A display is open on types 1 and 6. Calls that need one return 0 or -1 at
-// once on a file device and change nothing.
+// gks_cursor.cpp, what is the same on every display in gks_draw.cpp. A display is open
+// on types 1 and 6. Calls that need one return 0 or -1 at once on a file device and
+// change nothing.
 
 // What gopen_ws does for types 1 and 6. Returns 0, or -1 after a report.
 int gopen_window(const char* conn_id);
@@ -280,7 +281,7 @@ int ginc_loop_delay(float step);
 float gget_loop_delay();
 float gget_frame_delay(int ind);
 int ginc_frame(int step); // next frame number, -1 without frames
-int gloop_sleep(); // gks_evnt.cpp: events may end it
+int gloop_sleep();        // gks_evnt.cpp: events may end it
 int gset_image_data(int ind, const unsigned char* data, int size); // -1 above 50 bytes
 int gget_image_data(int ind, unsigned char* data);                 // size
 

@@ -1,5 +1,5 @@
-// gks_cgm.cpp: the binary metafile of ISO 8632-3: one picture of polylines and
-// clip rectangles. No state; the file is gks_meta.cpp's, and while it holds text
+// gks_cgm: the binary metafile of ISO 8632-3: one picture of polylines and clip
+// rectangles. No state; gks_meta_out keeps the file, and while that holds text
 // nothing is written.
 //
 // An element has a header of 16 bits: class (4 bits), id (7 bits) and length in

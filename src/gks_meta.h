@@ -9,6 +9,12 @@
 constexpr int meta_text = 0;
 constexpr int meta_cgm = 1;
 
+struct Gmetafile {
+    std::FILE* out_file = nullptr; // null: none is open
+    bool append = false;
+    int meta_type = meta_text;
+};
+Gmetafile& gmetafile();
 // Writes bytes to a binary metafile alone.
 void gmeta_put_bytes(const unsigned char* bytes, std::size_t n);
 // A setting as a line: its word and its values.

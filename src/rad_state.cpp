@@ -14,7 +14,7 @@ constexpr void (*keepers[])(StateKeeper& keeper) = {
     keep_plt_tool,   keep_colors,      keep_cont,         keep_cont_bar,  keep_cty_tool,
     keep_date,       keep_files,       keep_file_sel,     keep_flag,      keep_gif,
     keep_gif_loop,   keep_gks_colr,    keep_gks_draw,     keep_gks_fill,  keep_gks_hpgl,
-    keep_gks_line,   keep_gks_loop,    keep_gks_mark,     keep_gks_mdraw, keep_gks_meta,
+    keep_gks_line,   keep_gks_loop,    keep_gks_mark,     keep_gks_mdraw, keep_gks_meta_out,
     keep_gks_obj,    keep_gks_palette, keep_gks_pipe,     keep_gks_print, keep_gks_ps,
     keep_gks_state,  keep_gks_text,    keep_gks_tool,     keep_gks_tran,  keep_gph_tool,
     keep_kav_plt,    keep_kavrad,      keep_lev2_plt,     keep_lev2_read, keep_map,

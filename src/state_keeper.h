@@ -61,7 +61,7 @@ void keep_gks_line(StateKeeper& keeper);
 void keep_gks_loop(StateKeeper& keeper);
 void keep_gks_mark(StateKeeper& keeper);
 void keep_gks_mdraw(StateKeeper& keeper);
-void keep_gks_meta(StateKeeper& keeper);
+void keep_gks_meta_out(StateKeeper& keeper);
 void keep_gks_obj(StateKeeper& keeper);
 void keep_gks_palette(StateKeeper& keeper);
 void keep_gks_pipe(StateKeeper& keeper);
