@@ -153,6 +153,12 @@ void check_options() {
             }
         }
     }
+    for (const char* request : {"--resume", "--keep-going", "--stop"}) {
+        if (RES_get(request) != nullptr && RES_get("--files-from") == nullptr) {
+            MESS_print(mess_warn, "RES_decode: Left out: %s, it goes with --files-from LIST\n",
+                       request);
+        }
+    }
     const char* output = RES_get("output");
     if (output != nullptr) {
         MESS_print(mess_warn,

@@ -5,6 +5,7 @@
 
 #include "files.h"
 #include "gks.h"
+#include "name_list.h"
 #include "out_file.h"
 #include "plt_tally.h"
 #include "plt_tool.h"
@@ -18,13 +19,11 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cerrno>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -50,65 +49,6 @@ State state;
 
 // --- The list -------------------------------------------------------------------
 
-// The names of a list, one by one, as they come in.
-class Names {
-public:
-    explicit Names(int fd) : fd_(fd) {}
-
-    // The next name that is not empty; none at the end. A longer one than any file can
-    // have is cut.
-    std::optional<std::string> next() {
-        std::string name;
-        for (;;) {
-            const int c = get();
-            if (c < 0 || c == mark_) {
-                if (mark_ == '\n' && name.ends_with('\r')) {
-                    name.pop_back();
-                }
-                if (c < 0 && name.empty()) {
-                    return std::nullopt;
-                }
-                if (!name.empty()) {
-                    return name;
-                }
-            } else if (name.size() < longest) {
-                name += static_cast<char>(c);
-            }
-        }
-    }
-
-private:
-    static constexpr std::size_t longest = 8192;
-
-    int get() {
-        if (at_ == end_ && !fill()) {
-            return -1;
-        }
-        return static_cast<unsigned char>(buffer_[at_++]);
-    }
-    // What the first piece has a zero byte in is separated by them.
-    bool fill() {
-        ssize_t got = 0;
-        do {
-            got = read(fd_, buffer_.data(), buffer_.size());
-        } while (got < 0 && errno == EINTR);
-        at_ = 0;
-        end_ = got > 0 ? static_cast<std::size_t>(got) : 0;
-        const std::string_view piece(buffer_.data(), end_);
-        if (!known_ && piece.find_first_of(std::string_view("\n\0", 2)) != std::string_view::npos) {
-            known_ = true;
-            mark_ = piece.find('\0') != std::string_view::npos ? '\0' : '\n';
-        }
-        return end_ > 0;
-    }
-
-    int fd_;
-    std::array<char, 65536> buffer_{};
-    std::size_t at_ = 0, end_ = 0;
-    char mark_ = '\n';
-    bool known_ = false; // which mark it is
-};
-
 // The list, of which nothing else reads: a prompt finds the end of its input instead of
 // names. -1 after a message.
 int open_list(const char* name) {
@@ -128,7 +68,7 @@ int open_list(const char* name) {
         return -1;
     }
     if (S_ISREG(info.st_mode)) {
-        Names names(fd);
+        NameList names(fd);
         while (names.next()) {
             ++state.total;
         }
@@ -365,7 +305,7 @@ int RAD_plot_list(int (*plot)()) {
     state.start = seconds_now();
     MESS_set_before(take_line_away);
     int worst = 0;
-    Names names(list);
+    NameList names(list);
     while (const std::optional<std::string> name = names.next()) {
         ++state.inputs;
         keeper.restore();

@@ -43,6 +43,8 @@ constexpr Mistake mistakes[] = {
      "FILE_set_file: A name alone is an input, this output is named by -of png=FILE\n", "!o.png"},
     {"radial -ba=maybe", 0, "batch: No switch: maybe, on is taken; *", "page.ps"},
     {"radial -ic=maybe", 0, "icon: No switch: maybe, off is taken; *", "page.ps"},
+    {"radial --resume", 0, "RES_decode: Left out: --resume, it goes with --files-from LIST\n",
+     "page.ps"},
     // Defaults files.
     {"radial -df my.cgf", 0,
      "RES_decode: Unable to open defaults file: my.cgf\nRES_decode: The nearest file is my.cfg\n",
