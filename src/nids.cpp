@@ -853,6 +853,16 @@ int NIDS_get_data(FILE* ifile, NIDS_data* data) {
     return next_data(ifile, data);
 }
 
+std::span<const std::uint8_t> NIDS_take_bins() {
+    const std::span<const std::uint8_t> ready(walk.bin_at, walk.bin_end);
+    walk.bin_at = walk.bin_end;
+    return ready;
+}
+
+float NIDS_bin_value(std::uint8_t level) {
+    return walk.bin[level].val;
+}
+
 int NIDS_get_level() {
     const bool ready = walk.packet_code == nids_packet_dig_radial && walk.bin_at != walk.bin_from;
     return ready ? walk.bin_at[-1] : walk.level;

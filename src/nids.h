@@ -222,6 +222,12 @@ NIDS_bins NIDS_get_bins();
 // stream. For a packet of another kind 1, and `data` is left alone.
 int NIDS_get_data(FILE* ifile, NIDS_data* data);
 
+// The bins of a digital radial that follow the run read last, as far as they are at hand:
+// their levels, a byte each. They count as read. Valid until the next call.
+std::span<const std::uint8_t> NIDS_take_bins();
+// The value of a level of this packet.
+float NIDS_bin_value(std::uint8_t level);
+
 // Level of the run read last, as it is in the product: one of 16, or of 256.
 int NIDS_get_level();
 

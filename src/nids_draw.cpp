@@ -12,7 +12,10 @@
 #include "windbarb.h"
 
 #include <algorithm>
+#include <array>
+#include <climits>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 
 namespace {
@@ -22,9 +25,33 @@ constexpr float barb_size = 20.0F; // plot units
 constexpr float text_height = 8.0F;
 constexpr double mm_per_inch = 25.4; // the document's decibels are of millimetres
 
+// The looks of the levels of a packet, each looked up when it is met: the values met are
+// part of the account.
+class LevelLooks {
+public:
+    LevelLooks(RadFills& fills, RadStrip& strip) : fills_(fills), strip_(strip) {
+        looks_.fill(unknown);
+    }
+    int get(std::uint8_t level) {
+        int& look = looks_[level];
+        if (look == unknown) {
+            const Gattribs* attrib = fills_.get(NIDS_bin_value(level));
+            look = attrib != nullptr ? strip_.look_of(*attrib) : RadStrip::no_look;
+        }
+        return look;
+    }
+
+private:
+    static constexpr int unknown = INT_MIN;
+    RadFills& fills_;
+    RadStrip& strip_;
+    std::array<int, 256> looks_{};
+};
+
 // These take the figures that they draw off `room`, and end where none is left.
 void draw_radials(const NIDS_frame& frame, RadFills& fills, long& room) {
     RadStrip strip(frame.own, frame.plot);
+    LevelLooks looks(fills, strip);
     float sangle = 0;
     float dangle = 0;
     while (room > 0 && NIDS_get_radial(frame.ifile, &sangle, &dangle) > 0) {
@@ -41,6 +68,14 @@ void draw_radials(const NIDS_frame& frame, RadFills& fills, long& room) {
                 room -= strip.add(start, bin + run - start, 1, *attrib);
             }
             bin += run;
+            // Those of a digital radial that are at hand go the short way.
+            const auto levels = NIDS_take_bins();
+            const int first = bin;
+            room -= strip.add_each(bin, static_cast<int>(levels.size()), [&](int i) {
+                const int look = looks.get(levels[static_cast<std::size_t>(i)]);
+                return first + i < frame.clutter_rad ? RadStrip::no_look : look;
+            });
+            bin += static_cast<int>(levels.size());
         }
         strip.draw(edges);
     }

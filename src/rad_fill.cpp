@@ -39,6 +39,15 @@ void narrow(double at, double step, double low, double high, double* first, doub
     *last = std::min(*last, std::max(a, b));
 }
 
+// Without a way out of the loop, so that it takes several at a time.
+bool all_in_place(const std::vector<Gpt>& points) {
+    int missing_ones = 0;
+    for (const Gpt& p : points) {
+        missing_ones |= rad_is_place(p) ? 0 : 1;
+    }
+    return missing_ones == 0;
+}
+
 } // namespace
 
 // --- Look of values -------------------------------------------------------------
@@ -185,7 +194,7 @@ RadStrip::StepRange RadStrip::seen_steps(const RadEdges& edges) const {
         return std::hypot(b.x - a.x + step * (b.dx - a.dx), b.y - a.y + step * (b.dy - a.dy));
     };
     const double length = longest_ * std::hypot(a.dx, a.dy);
-    const double size = std::max(chord(steps_.front()), chord(steps_.back())) + length;
+    const double size = std::max(chord(steps_[0]), chord(steps_[used_ - 1])) + length;
     const double pad = size * (same_ ? 1.5 : 8.0) + length;
     narrow(a.x, a.dx, window_.left - pad, window_.right + pad, &seen.first, &seen.last);
     narrow(a.y, a.dy, window_.low - pad, window_.high + pad, &seen.first, &seen.last);
@@ -193,37 +202,74 @@ RadStrip::StepRange RadStrip::seen_steps(const RadEdges& edges) const {
 }
 
 void RadStrip::begin() {
-    steps_.clear();
-    figures_.clear();
+    used_ = 0;
+    num_figures_ = 0;
+}
+
+int RadStrip::look_of(const Gattribs& attrib) {
+    if (attrib.fill_pat == 0 && attrib.color >= 0) {
+        return attrib.color;
+    }
+    const auto same = [&](const Gattribs& other) {
+        return other.color == attrib.color && other.fill_pat == attrib.fill_pat;
+    };
+    const auto found = std::find_if(hatched_.begin(), hatched_.end(), same);
+    const auto place = static_cast<int>(found - hatched_.begin());
+    if (found == hatched_.end()) {
+        hatched_.emplace_back();
+        hatched_.back().color = attrib.color;
+        hatched_.back().fill_pat = attrib.fill_pat;
+    }
+    return first_hatched - place;
+}
+
+// Makes room for figures of so many steps, and continues those that end at `start`.
+void RadStrip::open(int start, int count) {
+    const std::size_t most = used_ + static_cast<std::size_t>(count) + 1;
+    if (steps_.size() < most) {
+        steps_.resize(most);
+        looks_.resize(most);
+    }
+    if (used_ > 0 && steps_[used_ - 1] == start) {
+        --used_;
+    }
+}
+
+void RadStrip::close(int end) {
+    steps_[used_] = end;
+    looks_[used_] = no_look;
+    ++used_;
 }
 
 int RadStrip::add(int start, int count, int chunk, const Gattribs& attrib) {
-    const int end = start + count;
-    if (start >= end) {
+    if (count <= 0) {
         return 0;
     }
-    const std::size_t before = figures_.size();
+    const int end = start + count;
+    const int look = look_of(attrib);
     longest_ = std::max(longest_, std::min(count, chunk));
-    if (steps_.empty() || steps_.back() != start) {
-        steps_.push_back(start);
+    open(start, count);
+    const std::size_t before = used_;
+    for (int step = start; step < end; step = std::min(step + chunk, end)) {
+        steps_[used_] = step;
+        looks_[used_] = look;
+        ++used_;
     }
-    for (int step = start; step < end;) {
-        step = std::min(step + chunk, end);
-        figures_.push_back({steps_.size() - 1, attrib.color, attrib.fill_pat});
-        steps_.push_back(step);
-    }
-    return static_cast<int>(figures_.size() - before);
+    const std::size_t added = used_ - before;
+    num_figures_ += added;
+    close(end);
+    return static_cast<int>(added);
 }
 
 void RadStrip::draw(const RadEdges& edges) {
-    if (figures_.empty()) {
+    if (num_figures_ == 0) {
         return;
     }
     drawn_ = true;
-    PLT_get_tally().figures += static_cast<long>(figures_.size());
+    PLT_get_tally().figures += static_cast<long>(num_figures_);
     const StepRange seen = seen_steps(edges);
     std::size_t first = 0;
-    std::size_t end = steps_.size();
+    std::size_t end = used_;
     while (first < end && !seen.holds(steps_[first])) {
         ++first;
     }
@@ -239,69 +285,81 @@ void RadStrip::draw(const RadEdges& edges) {
         reproject(near_);
         reproject(far_);
     }
-    // Solid figures go out together; a hatched one has an attribute of its own.
-    const auto in_place = [](const std::vector<Gpt>& points) {
-        return std::all_of(points.begin(), points.end(), rad_is_place);
-    };
-    const bool whole = in_place(near_) && in_place(far_);
-    colors_.assign(end - first - 1, -1);
-    for (const Figure& figure : figures_) {
-        if (figure.first < first || figure.first + 1 >= end) {
-            continue;
-        }
-        const std::size_t i = figure.first - first;
-        if (!whole && !(rad_is_place(near_[i]) && rad_is_place(near_[i + 1]) &&
-                        rad_is_place(far_[i + 1]) && rad_is_place(far_[i]))) {
-            continue;
-        }
-        if (!in_view_) {
-            note({near_[i], near_[i + 1], far_[i + 1], far_[i], near_[i]});
-        }
-        const bool solid = figure.fill_pat == 0 && figure.color >= 0;
-        if (!solid || fill_pat_ != 0) {
-            fill_solid();
-            look_as(figure);
-        }
-        if (solid) {
-            colors_[i] = figure.color;
-            has_colors_ = true;
-        } else {
-            const std::array<Gpt, 5> corners = {near_[i], near_[i + 1], far_[i + 1], far_[i],
-                                                near_[i]};
-            gfill_area(static_cast<int>(corners.size()), corners.data());
+    const std::span<int> looks(looks_.data() + first, end - first - 1);
+    if (!all_in_place(near_) || !all_in_place(far_)) {
+        drop_placeless(looks);
+    }
+    for (std::size_t i = 0; i < looks.size() && !in_view_; ++i) {
+        if (looks[i] != no_look) {
+            note(corners(i));
         }
     }
-    fill_solid();
+    fill(looks);
 }
 
-// Draws the solid figures collected so far, which have their colour to themselves.
-void RadStrip::fill_solid() {
-    if (has_colors_) {
-        gfill_strip(static_cast<int>(colors_.size()), near_.data(), far_.data(), colors_.data());
-        color_ = gget_fill_colr();
-        std::fill(colors_.begin(), colors_.end(), -1);
-        has_colors_ = false;
+// Those with a corner that has no image.
+void RadStrip::drop_placeless(std::span<int> looks) const {
+    for (std::size_t i = 0; i < looks.size(); ++i) {
+        if (!(rad_is_place(near_[i]) && rad_is_place(near_[i + 1]) && rad_is_place(far_[i + 1]) &&
+              rad_is_place(far_[i]))) {
+            looks[i] = no_look;
+        }
     }
 }
 
-void RadStrip::look_as(const Figure& figure) {
-    if (figure.color == color_ && figure.fill_pat == fill_pat_) {
+std::array<Gpt, 5> RadStrip::corners(std::size_t i) const {
+    return {near_[i], near_[i + 1], far_[i + 1], far_[i], near_[i]};
+}
+
+// Solid figures go out together; a hatched one has an attribute of its own.
+void RadStrip::fill(std::span<const int> looks) {
+    std::size_t from = 0;
+    for (std::size_t i = 0; !hatched_.empty() && i < looks.size(); ++i) {
+        if (looks[i] <= first_hatched) {
+            fill_solid(looks, from, i);
+            from = i + 1;
+            look_as(hatched_[static_cast<std::size_t>(first_hatched - looks[i])]);
+            const auto points = corners(i);
+            gfill_area(static_cast<int>(points.size()), points.data());
+        }
+    }
+    fill_solid(looks, from, looks.size());
+}
+
+void RadStrip::fill_solid(std::span<const int> looks, std::size_t from, std::size_t end) {
+    const auto is_drawn = [](int look) { return look != no_look; };
+    const auto part = looks.subspan(from, end - from);
+    const auto first = std::find_if(part.begin(), part.end(), is_drawn);
+    if (first == part.end()) {
         return;
     }
-    color_ = figure.color;
-    fill_pat_ = figure.fill_pat;
-    Gattribs attrib;
-    attrib.color = color_;
-    attrib.fill_pat = fill_pat_;
-    GPH_fill_attr(&attrib);
+    if (fill_pat_ != 0) {
+        Gattribs solid;
+        solid.color = *first;
+        solid.fill_pat = 0;
+        look_as(solid);
+    }
+    gfill_strip(static_cast<int>(part.size()), near_.data() + from, far_.data() + from,
+                part.data());
+    color_ = gget_fill_colr();
+}
+
+void RadStrip::look_as(const Gattribs& look) {
+    if (look.color == color_ && look.fill_pat == fill_pat_) {
+        return;
+    }
+    color_ = look.color;
+    fill_pat_ = look.fill_pat;
+    GPH_fill_attr(&look);
 }
 
 void RadStrip::place(const RadRuler& ruler, std::size_t first, std::size_t end,
                      std::vector<Gpt>& points) const {
-    points.clear();
-    for (std::size_t i = first; i < end; ++i) {
-        points.push_back(ruler.at(steps_[i]));
-    }
+    points.resize(end - first);
+    const RadRuler own = ruler; // else each store might change it
+    std::transform(steps_.begin() + static_cast<std::ptrdiff_t>(first),
+                   steps_.begin() + static_cast<std::ptrdiff_t>(end), points.begin(),
+                   [own](int step) { return own.at(step); });
 }
 
 // The data's coordinates to latitude and longitude, and these to the plot's.

@@ -5,10 +5,12 @@
 #include "map_proj.h"
 #include "zyrgks.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 // Whether a point has a place on the page.
@@ -113,7 +115,7 @@ public:
     // Draws what is held when it is much: a damaged file's radials may be very
     // long.
     void make_room(const RadEdges& edges) {
-        if (figures_.size() >= max_figures) {
+        if (num_figures_ >= max_figures) {
             draw(edges);
             begin();
         }
@@ -121,6 +123,13 @@ public:
     // Figures from step `start` on, each `chunk` steps long and the last as
     // long as what is left of `count`. Returns their number.
     int add(int start, int count, int chunk, const Gattribs& attrib);
+    // The number by which a look goes into add_each; it stays for this strip's life.
+    int look_of(const Gattribs& attrib);
+    static constexpr int no_look = -1; // not drawn
+    // Figures of one step each from `start` on, number i of them with `look(i)`. For
+    // many at a time, drawn or not: there is nothing to decide for each. Returns how
+    // many are drawn.
+    template <class Look> int add_each(int start, int count, Look look);
     // What lies outside the window costs no transformation.
     void draw(const RadEdges& edges);
 
@@ -141,18 +150,18 @@ private:
         [[nodiscard]] bool holds(int step) const { return step >= first && step <= last; }
     };
 
-    struct Figure {
-        std::size_t first; // its near step; the far one is the next
-        int color, fill_pat;
-    };
-
     [[nodiscard]] Box find_window() const;
     [[nodiscard]] StepRange seen_steps(const RadEdges& edges) const;
     void place(const RadRuler& ruler, std::size_t first, std::size_t end,
                std::vector<Gpt>& points) const;
     void reproject(std::vector<Gpt>& points) const;
-    void fill_solid();
-    void look_as(const Figure& figure);
+    void open(int start, int count);
+    void close(int end);
+    void drop_placeless(std::span<int> looks) const;
+    [[nodiscard]] std::array<Gpt, 5> corners(std::size_t i) const;
+    void fill(std::span<const int> looks);
+    void fill_solid(std::span<const int> looks, std::size_t from, std::size_t end);
+    void look_as(const Gattribs& look);
     void note(const std::array<Gpt, 5>& corners);
 
     const Map& own_;
@@ -163,9 +172,37 @@ private:
     bool drawn_ = false, in_view_ = false;
     int color_ = missing;    // of the last figure drawn
     int fill_pat_ = missing; // and its pattern
-    std::vector<int> steps_; // steps at which figures begin and end
-    std::vector<Figure> figures_;
-    std::vector<int> colors_; // of the solid figures between them, -1: none
-    bool has_colors_ = false;
+    // The figures: number i goes from steps_[i] to the next one's start. Where none
+    // follows, one without a look does. The first used_ are in force.
+    std::vector<int> steps_, looks_;
+    std::size_t used_ = 0, num_figures_ = 0;
+    static constexpr int first_hatched = -2; // and down: looks in hatched_
+    std::vector<Gattribs> hatched_;
     std::vector<Gpt> near_, far_; // the points of the two rulers at those steps_ that are seen
 };
+
+template <class Look> int RadStrip::add_each(int start, int count, Look look) {
+    if (count <= 0) {
+        return 0;
+    }
+    const std::size_t before = used_;
+    open(start, count);
+    bool gap = used_ == before; // one goes on here, or there is nothing yet
+    std::size_t at = used_;
+    int drawn = 0;
+    for (int i = 0; i < count; ++i) {
+        looks_[at] = look(i);
+        steps_[at] = start + i;
+        const bool empty = looks_[at] == no_look;
+        at += gap && empty ? 0 : 1; // what goes on with a gap is written over
+        drawn += empty ? 0 : 1;
+        gap = empty;
+    }
+    used_ = at;
+    if (!gap) {
+        close(start + count);
+    }
+    longest_ = std::max(longest_, 1);
+    num_figures_ += static_cast<std::size_t>(drawn);
+    return drawn;
+}
