@@ -376,7 +376,7 @@ int gget_redraw();
 int gobj_redraw_funcs(const drawobj* obj); // plays one record
 int gobj_print_meta();                     // writes the list as a metafile
 
-// --- Metafile (gks_meta.cpp, gks_cgm.cpp, gks_meta_out.cpp, gks_meta_read.cpp) --
+// --- Metafile (gks_meta.cpp, gks_cgm.cpp, gks_meta_read.cpp) -------------------
 
 // What gopen_ws does for type 3. Returns 0, or -1 after a report.
 int gmeta_open_ws(const char* conn_id);

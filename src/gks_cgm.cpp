@@ -1,6 +1,6 @@
 // gks_cgm: the binary metafile of ISO 8632-3: one picture of polylines and clip
-// rectangles. No state; gks_meta_out keeps the file, and while that holds text
-// nothing is written.
+// rectangles. State: the file, which gks_meta opens and closes; while that holds text
+// there is none here, and nothing is written.
 //
 // An element has a header of 16 bits: class (4 bits), id (7 bits) and length in
 // bytes (5 bits). A length of 31 says that 16 more bits hold the true one.
@@ -8,6 +8,7 @@
 
 #include "gks.h"
 #include "gks_meta.h"
+#include "state_keeper.h"
 #include "text_num.h"
 
 #include <algorithm>
@@ -31,8 +32,12 @@ constexpr std::array<unsigned char, 12> description = {10,  'Z', 'Y', 'R', 'C', 
 constexpr std::array<unsigned char, 4> element_list = {0xff, 0xff, 0, 1};
 constexpr std::array<unsigned char, 2> max_colour = {0xff, 0};
 
+std::FILE* out_file = nullptr;
+
 template <std::size_t N> void put(const std::array<unsigned char, N>& bytes) {
-    gmeta_put_bytes(bytes.data(), bytes.size());
+    if (out_file != nullptr) {
+        fwrite_unlocked(bytes.data(), 1, bytes.size(), out_file);
+    }
 }
 
 void put_coordinate(float value) {
@@ -42,6 +47,10 @@ void put_coordinate(float value) {
 }
 
 } // namespace
+
+void gcgm_write_to(std::FILE* file) {
+    out_file = file;
+}
 
 int gcgm_control(int maj, int min, int len, int param) {
     put(std::array{static_cast<unsigned char>(maj * 16 + min / 8),
@@ -87,7 +96,7 @@ int gcgm_ps_point(float x, float y) {
 }
 
 int gcgm_polyline(int n, const Gpt* pts) {
-    if (gmeta_get_type() != meta_cgm) {
+    if (out_file == nullptr) {
         return 0;
     }
     // A line that is longer than an element goes on in the next one.
@@ -106,4 +115,8 @@ int gcgm_set_clip(float x0, float y0, float x1, float y1) {
     gcgm_ps_point(x0, y0);
     gcgm_ps_point(x1, y1);
     return 0;
+}
+
+void keep_gks_cgm(StateKeeper& keeper) {
+    keeper.keep(out_file);
 }

@@ -1,7 +1,7 @@
-// gks_meta: the metafile workstation: every kernel call as a line of text, or a
-// binary metafile of polylines (gks_cgm). No state: gks_meta_out keeps the file and
-// its form. gmeta_open_ws (from gopen_ws) comes first; the redraw list opens a file
-// of its own while a window is up.
+// gks_meta: the metafile workstation: every kernel call as a line of text, or
+// a binary metafile of polylines (gks_cgm). Owns the file and its form.
+// gmeta_open_ws (from gopen_ws) comes first; the redraw list opens a file of its
+// own while a window is up.
 //
 // The records are written where the calls are, by gmeta_printf and its like. A
 // text metafile begins with the state in force, so that it plays the same
@@ -15,6 +15,7 @@
 #include "out_file.h"
 #include "zyr.h"
 
+#include "state_keeper.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
@@ -22,13 +23,26 @@
 #include <cstdarg>
 #include <utility>
 
+#include <sys/stat.h>
+
 namespace {
 
 constexpr int open_end = 0; // of gmeta_points
 
+struct Metafile {
+    std::FILE* out_file = nullptr;
+    bool append = false;
+    int meta_type = meta_text;
+};
+Metafile meta;
+
 bool is_text_open() {
-    const Gmetafile& meta = gmetafile();
     return meta.meta_type == meta_text && meta.out_file != nullptr;
+}
+
+// The file as the binary form knows it.
+void share_file() {
+    gcgm_write_to(meta.meta_type == meta_cgm ? meta.out_file : nullptr);
 }
 
 // The form of the file, the one option behind its name.
@@ -49,7 +63,7 @@ void put_heading() {
 }
 
 // "x,y ", with a line break behind it.
-void put_point(std::FILE* file, const Gpt& pt, bool line_break) {
+void put_point(const Gpt& pt, bool line_break) {
     constexpr char indent[] = "\n   ";
     std::array<char, 2 * fixed6_size + 8> text;
     char* end = format_fixed6(text.data(), pt.x);
@@ -59,7 +73,7 @@ void put_point(std::FILE* file, const Gpt& pt, bool line_break) {
     if (line_break) {
         end = std::copy_n(indent, sizeof indent - 1, end);
     }
-    fwrite_unlocked(text.data(), 1, static_cast<std::size_t>(end - text.data()), file);
+    fwrite_unlocked(text.data(), 1, static_cast<std::size_t>(end - text.data()), meta.out_file);
 }
 
 } // namespace
@@ -70,9 +84,8 @@ int gmeta_open_ws(const char* conn_id) {
     gset_win_type(ws_metafile);
     take_options(conn_id, 1, decode_type);
     std::array<char, file_name_size> name{};
-    output_name(conn_id, {"zyrmeta_out"},
-                gmetafile().meta_type == meta_cgm ? "zyr.cgm" : "zyr.meta", name.data(),
-                name.size());
+    output_name(conn_id, {"zyrmeta_out"}, meta.meta_type == meta_cgm ? "zyr.cgm" : "zyr.meta",
+                name.data(), name.size());
     if (gmeta_open_file(name.data()) == nullptr) {
         gerr_printf("gopen_ws", "unable to open metafile\n");
         explain_output("gopen_ws");
@@ -85,17 +98,17 @@ int gmeta_open_ws(const char* conn_id) {
 
 std::FILE* gmeta_open_file(const char* name) {
     MESS_print(mess_mess, "Creating metafile: %s\n", name);
-    Gmetafile& meta = gmetafile();
     meta.append = *name == '+';
     if (meta.append) {
         ++name;
     }
     meta.out_file = open_output(name, meta.append);
+    share_file();
     return meta.out_file;
 }
 
 int gmeta_init_file() {
-    if (gmetafile().meta_type == meta_cgm) {
+    if (meta.meta_type == meta_cgm) {
         gcgm_begin();
     } else {
         put_heading();
@@ -104,7 +117,6 @@ int gmeta_init_file() {
 }
 
 int gmeta_close_file() {
-    Gmetafile& meta = gmetafile();
     if (meta.out_file == nullptr) {
         return -1;
     }
@@ -112,6 +124,7 @@ int gmeta_close_file() {
         gcgm_end();
     }
     const int status = close_output(std::exchange(meta.out_file, nullptr));
+    share_file();
     if (status < 0) {
         gerr_printf("gmeta_close_file", "unable to write metafile\n");
         explain_output("gmeta_close_file");
@@ -121,13 +134,23 @@ int gmeta_close_file() {
     return status;
 }
 
+int gmeta_set_type(int type) {
+    meta.meta_type = type;
+    share_file();
+    return 0;
+}
+
+int gmeta_get_type() {
+    return meta.meta_type;
+}
+
 int gmeta_printf(const char* format, ...) {
     if (!is_text_open()) {
         return 0;
     }
     std::va_list args;
     va_start(args, format);
-    std::vfprintf(gmetafile().out_file, format, args);
+    std::vfprintf(meta.out_file, format, args);
     va_end(args);
     return 0;
 }
@@ -139,7 +162,7 @@ int gmeta_line(const char* format, ...) {
     constexpr std::size_t most = 511;
     std::va_list args;
     va_start(args, format);
-    put_line(gmetafile().out_file, most, format, args);
+    put_line(meta.out_file, most, format, args);
     va_end(args);
     return 0;
 }
@@ -149,11 +172,10 @@ int gmeta_points(const char* keyword, int n, const Gpt* pts, int end) {
     if (!is_text_open()) {
         return 0;
     }
-    std::FILE* file = gmetafile().out_file;
     gmeta_printf("%s %d ", keyword, n);
     for (int i = 0; i < n; ++i) {
         const bool full = (i + 1) % points_per_line == 0;
-        put_point(file, pts[i], full && (end == 0 || i + 1 < n));
+        put_point(pts[i], full && (end == 0 || i + 1 < n));
     }
     if (end != 0 || n % points_per_line != 0) {
         gmeta_printf("\n");
@@ -163,7 +185,7 @@ int gmeta_points(const char* keyword, int n, const Gpt* pts, int end) {
 
 int gmeta_polyline(int n, const Gpt* pts) {
     constexpr int end_line = 1;
-    if (gmetafile().meta_type == meta_text) {
+    if (meta.meta_type == meta_text) {
         gmeta_points("PL", n, pts, end_line);
     } else {
         gcgm_polyline(n, pts);
@@ -202,4 +224,18 @@ void gmeta_attribute(const Gword& attribute, const Gvalues& values) {
         gmeta_printf(attribute.is_point && i > 0 ? ",%f" : " %f", static_cast<double>(values.f[i]));
     }
     gmeta_printf("\n");
+}
+
+int gmeta_is_output(std::FILE* file) {
+    struct stat in {};
+    struct stat out {};
+    if (meta.out_file == nullptr || fstat(fileno(file), &in) != 0 ||
+        fstat(fileno(meta.out_file), &out) != 0) {
+        return 0;
+    }
+    return S_ISREG(in.st_mode) && in.st_dev == out.st_dev && in.st_ino == out.st_ino ? 1 : 0;
+}
+
+void keep_gks_meta(StateKeeper& keeper) {
+    keeper.keep(meta);
 }

@@ -9,14 +9,6 @@
 constexpr int meta_text = 0;
 constexpr int meta_cgm = 1;
 
-struct Gmetafile {
-    std::FILE* out_file = nullptr; // null: none is open
-    bool append = false;
-    int meta_type = meta_text;
-};
-Gmetafile& gmetafile();
-// Writes bytes to a binary metafile alone.
-void gmeta_put_bytes(const unsigned char* bytes, std::size_t n);
 // A setting as a line: its word and its values.
 struct Gword {
     Gobj code{};
@@ -28,6 +20,8 @@ void gmeta_attribute(const Gword& attribute, const Gvalues& values);
 // 1 if `file` is the metafile that is being written.
 int gmeta_is_output(std::FILE* file);
 
+// Where a binary metafile goes; null while there is none.
+void gcgm_write_to(std::FILE* file);
 // Everything in front of the first polyline of a binary metafile, and behind
 // the last.
 void gcgm_begin();

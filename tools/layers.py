@@ -60,7 +60,9 @@ def place(modules, level):
 
 def read_objects(build):
     """For each module the symbols it defines and those it needs."""
-    objects = sorted(build.glob("CMakeFiles/zyr.dir/src/*.cpp.o"))
+    sources = pathlib.Path(__file__).parent.parent / "src"
+    # A build directory keeps the objects of modules that are gone.
+    objects = sorted(o for o in build.glob("CMakeFiles/zyr.dir/src/*.cpp.o") if (sources / o.stem).exists())
     objects += sorted(build.glob("CMakeFiles/zyrrad.dir/zyrrad.cpp.o"))
     if not objects:
         sys.exit(f"layers: no objects in {build}")

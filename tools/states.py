@@ -29,6 +29,9 @@ def main():
     failed, used = [], set()
     for path in objects:
         module = path.name.removesuffix(".cpp.o")
+        source = pathlib.Path(__file__).parent.parent / "src" / f"{module}.cpp"
+        if not source.exists():
+            continue  # a build directory keeps the objects of modules that are gone
         table = subprocess.run(["objdump", "-tC", path], capture_output=True, text=True, check=True)
         keeps, states = False, []
         for line in table.stdout.splitlines():
@@ -39,7 +42,6 @@ def main():
             keeps |= name.startswith(f"keep_{module}(")
             if " O " in line and re.match(r"\.(data|bss)(?!\.rel\.ro)", section) and PRIVATE in name:
                 states.append(name.removeprefix(PRIVATE))
-        source = pathlib.Path(__file__).parent.parent / "src" / f"{module}.cpp"
         text = source.read_text()
         for state in states:
             if re.search(rf"^const(expr)? [^;(){{}}=]*\b{state}\b", text, re.MULTILINE):
