@@ -24,6 +24,11 @@ protected:
                 dir.write("in/" + name, {bytes.begin(), bytes.end()});
             }
         }
+        NidsSample bare;
+        bare.code = 19;
+        bare.layers = {nids_radial_packet(0xAF1F, 24, {Bytes{0xF0}})};
+        const Bytes message = nids_message(bare);
+        dir.write("bare", {message.begin(), message.end()});
         dir.write("in/a \"name\"\\ \t\xC3\xA4\xFF", "no radar file");
     }
     ProgramRun run(std::vector<std::string> args) const {
@@ -121,6 +126,8 @@ TEST_F(Account, SaysWhatWasDrawn) {
          "['in/radial', '00.png', 0]\n['./nothing', None, 10]\n['in/raster', '01.png', 0]\n", 0},
         {{"-inp", "auto", "-de", "p,a.ps", "in/radial", "-dr", "labels", "-pp", "empty=9"},
          "[r['figures'], r['exit']]", "[0, 0]\n", 9},
+        {{"-inp", "nids", "-of", "png@%i.png", "in/radial", "bare", "-pp", "empty=9"},
+         "[r['figures'] > 0, r['exit']]", "[True, 0]\n[False, 0]\n", 0},
         {{"-inp", "auto", "-de", "p,a.ps", "in/radial", "-pp", "empty=9"},
          "r['figures'] > 0", "True\n", 0},
         {{"-inp", "auto", "-de", "p,a.ps", "nothing", "-pp", "empty=9"},
