@@ -376,11 +376,6 @@ bool parse_long_form(const char* field, Gattribs* attrib) {
     return true;
 }
 
-bool is_number(const char* text) {
-    float number = 0.0F;
-    return take_float(&text, &number) && *text == '\0';
-}
-
 // Can a field after the color be read? Names of colors and fonts are looked up.
 bool is_readable(const char* field) {
     constexpr std::array short_forms = {"w", "s", "t", "f", "h", "e"};

@@ -19,7 +19,6 @@
 #include <cfloat>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <set>
 #include <string>
@@ -123,10 +122,10 @@ bool leading_number(const char* text, float* value, const char** end) {
     if (!is_digit(*digits)) {
         return false;
     }
-    char* behind = nullptr;
-    const float number = std::strtof(text, &behind);
+    float number = 0.0F;
+    take_real(&text, &number);
     *value = std::clamp(number, -FLT_MAX, FLT_MAX);
-    *end = behind;
+    *end = text;
     return true;
 }
 

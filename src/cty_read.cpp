@@ -14,14 +14,12 @@
 #include "zyrcty.h"
 
 #include "files.h"
+#include "text_num.h"
 #include "text_scan.h"
 #include "tools.h"
 
 #include <algorithm>
-#include <cctype>
-#include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <utility>
 
 namespace {
@@ -61,16 +59,7 @@ struct Fields {
         out[n] = '\0';
         return n > 0;
     }
-    bool number(float* out) {
-        char* end = nullptr;
-        const float value = std::strtof(at, &end);
-        if (end == at || !std::isfinite(value)) {
-            return false;
-        }
-        at = end;
-        *out = value;
-        return true;
-    }
+    bool number(float* out) { return take_float(&at, out); }
     bool integer(int* out) { return scan_int(&at, any_width, out) == 1; }
 };
 

@@ -8,6 +8,7 @@
 #include "no_memory.h"
 #include "state_keeper.h"
 #include "table.h"
+#include "text_num.h"
 #include "text_scan.h"
 #include "tools.h"
 #include "zyrresrc.h"
@@ -216,9 +217,8 @@ bool in_state(std::string_view value, const CTY_data& city) {
 }
 
 bool compare(float own, const char* value, char op) {
-    char* end = nullptr;
-    const float limit = std::strtof(value, &end);
-    if (end == value) {
+    float limit = 0.0F;
+    if (!take_real(&value, &limit)) {
         return false;
     }
     return op == '<' ? own <= limit : op == '>' ? own >= limit : own == limit;
@@ -226,14 +226,12 @@ bool compare(float own, const char* value, char op) {
 
 // "RA<" r:lat:lon; takes the two parts behind the radius.
 bool in_radius(const char*& at, const char* value, const CTY_data& city) {
-    char* end = nullptr;
-    const float radius = std::strtof(value, &end);
+    float radius = 0.0F;
     float place[2] = {0, 0};
-    bool read = end != value;
+    bool read = take_real(&value, &radius);
     for (float& p : place) {
-        read = read && *at != '\0';
-        p = std::strtof(at, &end);
-        read = read && end != at;
+        const char* part = at;
+        read = read && *at != '\0' && take_real(&part, &p);
         next_part(at);
     }
     return read && calc_earth_dist(place[0], place[1], city.lat, city.lon) <= radius;

@@ -4,6 +4,7 @@
 #include "date.h"
 
 #include "state_keeper.h"
+#include "text_num.h"
 #include "text_scan.h"
 #include "tools.h"
 
@@ -149,9 +150,7 @@ bool zone_hours(const char* text, float* hours) {
         return false;
     }
     const char* number = text + name + 1;
-    char* end = nullptr;
-    *hours = std::strtof(number, &end);
-    return end != number && std::abs(*hours) <= max_zone_hours;
+    return take_float(&number, hours) && std::abs(*hours) <= max_zone_hours;
 }
 
 } // namespace

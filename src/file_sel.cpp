@@ -7,6 +7,7 @@
 #include "files.h"
 #include "name_find.h"
 #include "state_keeper.h"
+#include "text_num.h"
 #include "text_scan.h"
 #include "tools.h"
 #include "zyrresrc.h"

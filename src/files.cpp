@@ -18,6 +18,7 @@
 #include "no_memory.h"
 #include "state_keeper.h"
 #include "text_list.h"
+#include "text_num.h"
 #include "tools.h"
 #include "zyrresrc.h"
 

@@ -1,10 +1,10 @@
 // gks_font.cpp: reads stroke fonts. No state; gks_text.cpp holds the font.
 
 #include "gks_font.h"
+#include "text_num.h"
 
 #include <algorithm>
 #include <cctype>
-#include <charconv>
 
 namespace {
 
@@ -29,9 +29,8 @@ public:
         return word;
     }
     bool number(int* value) {
-        const std::string_view word = next();
-        const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), *value);
-        return error == std::errc() && end == word.data() + word.size();
+        std::string_view word = next();
+        return take_plain(&word, value) && word.empty();
     }
 
 private:

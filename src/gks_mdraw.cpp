@@ -9,6 +9,7 @@
 #include "gks_raster.h"
 #include "gks_state.h"
 #include "state_keeper.h"
+#include "text_num.h"
 #include "text_scan.h"
 #include "zyr.h"
 #include "zyrresrc.h"
@@ -264,15 +265,13 @@ Gcolr_levels levels_of_rgb(std::uint32_t rgb) {
 
 // Hexadecimal digits alone, 1 to 4 of them.
 bool read_hex(std::string_view text, unsigned* value) {
-    *value = 0;
-    for (const char c : text) {
-        if (std::isxdigit(static_cast<unsigned char>(c)) == 0) {
-            return false;
-        }
-        const char digit[] = {c, '\0'};
-        *value = *value * 16 + static_cast<unsigned>(std::strtoul(digit, nullptr, 16));
-    }
-    return !text.empty() && text.size() <= 4;
+    constexpr int most = 4;
+    const std::string digits(text);
+    const char* at = digits.c_str();
+    int number = 0;
+    const bool read = take_digits(&at, most, 16, &number) && at == digits.c_str() + digits.size();
+    *value = static_cast<unsigned>(number);
+    return read;
 }
 
 // "#rgb" to "#rrrrggggbbbb": the digits are the upper ones of a component.
@@ -324,9 +323,9 @@ bool parse_name(std::string_view text, Gcolr_levels* levels) {
         return true;
     }
     const bool grey = name.starts_with("gray") || name.starts_with("grey");
-    char* end = nullptr;
-    const long percent = grey && name.size() > 4 ? std::strtol(name.c_str() + 4, &end, 10) : -1;
-    if (end == nullptr || *end != '\0' || percent < 0 || percent > 100) {
+    const char* at = name.c_str() + (grey ? 4 : 0);
+    int percent = 0;
+    if (!grey || !take_int(&at, &percent) || *at != '\0' || percent < 0 || percent > 100) {
         return false;
     }
     const auto level = static_cast<std::uint32_t>((percent * 255 + 50) / 100);
@@ -582,10 +581,9 @@ struct Size {
 
 // A side out of a text; moves the text to after its digits. Held within an int.
 int read_side(const char** text) {
-    char* end = nullptr;
-    const long value = std::strtol(*text, &end, 10);
-    *text = end;
-    return static_cast<int>(std::clamp<long>(value, 0, max_side + 1L));
+    int value = 0;
+    take_int(text, &value);
+    return std::clamp(value, 0, max_side + 1);
 }
 
 // "WxH", a place after it being nothing to this display. False if it is neither

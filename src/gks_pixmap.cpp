@@ -5,6 +5,7 @@
 
 #include "gks_disp.h"
 #include "gks_state.h"
+#include "text_num.h"
 #include "zyr.h"
 
 #include "files.h"
@@ -16,7 +17,6 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -40,18 +40,15 @@ int refuse(const char* text) {
 int read_numbers(const char* text, int base, const char* separators, std::span<long* const> out) {
     int count = 0;
     for (long* number : out) {
-        char* end = nullptr;
-        const long value = std::strtol(text, &end, count == 0 ? base : 10);
-        if (end == text) {
+        if (!take_long(&text, number, count == 0 ? base : 10)) {
             return count;
         }
-        *number = value;
         ++count;
-        if (*separators == '\0' || *end != *separators) {
+        if (*separators == '\0' || *text != *separators) {
             return count;
         }
         ++separators;
-        text = end + 1;
+        ++text;
     }
     return count;
 }
@@ -87,7 +84,7 @@ std::string id_file(const char* text) {
     if (!is_digit(text[1])) {
         return "zyrloop.win";
     }
-    return "zyrloop." + std::to_string(std::clamp(std::strtol(text + 1, nullptr, 10), 0L, 99999L));
+    return "zyrloop." + std::to_string(std::clamp(text_int(text + 1), 0, 99999));
 }
 
 // One word of that file. False if it cannot be opened.
@@ -191,17 +188,11 @@ void set_panel(const char* text) {
     std::array<float, 4> panel{1.0F, 1.0F, 0.0F, 0.0F};
     const char* separators = "x++";
     for (float& number : panel) {
-        char* end = nullptr;
-        const float value = std::strtof(text, &end);
-        if (end == text || !std::isfinite(value)) {
-            break;
-        }
-        number = value;
-        if (*separators == '\0' || *end != *separators) {
+        if (!take_float(&text, &number) || *separators == '\0' || *text != *separators) {
             break;
         }
         ++separators;
-        text = end + 1;
+        ++text;
     }
     auto [sx, sy, ox, oy] = panel;
     if (sx > 1.0F) {

@@ -25,7 +25,6 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <utility>
@@ -126,8 +125,9 @@ bool take_item(const char* item) {
     for (std::size_t i = 0; i < moments.size(); ++i) {
         const int length = static_cast<int>(std::strlen(moments[i].word));
         if (strnicmp(item, moments[i].word, length) == 0) {
-            char* end = nullptr;
-            const long number = std::strtol(item + length, &end, 10);
+            const char* at = item + length;
+            int number = 0;
+            const bool numbered = take_int(&at, &number);
             lev2.scan_type = static_cast<int>(i);
             lev2.wanted = {};
             if (item[length] == '@') {
@@ -138,9 +138,7 @@ bool take_item(const char* item) {
                 }
                 return true;
             }
-            lev2.scan_num = end == item + length
-                                ? scan_first
-                                : static_cast<int>(std::clamp(number, -1000000L, 1000000L));
+            lev2.scan_num = numbered ? std::clamp(number, -1000000, 1000000) : scan_first;
             return true;
         }
     }

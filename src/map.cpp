@@ -9,6 +9,7 @@
 #include "plt_tool.h"
 #include "state_keeper.h"
 #include "text_list.h"
+#include "text_num.h"
 #include "text_scan.h"
 #include "zyr.h"
 #include "zyrgks.h"
@@ -17,8 +18,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -49,19 +48,6 @@ State state;
 const char* get_or_null(const char* resource) {
     const char* text = RES_get(resource);
     return text == nullptr || *text == '\0' ? nullptr : text;
-}
-
-// Reads a number and moves `*at` behind it. False, with both as they were, if
-// there is none.
-bool read_number(const char** at, float* out) {
-    char* end = nullptr;
-    const float value = std::strtof(*at, &end);
-    if (end == *at || !std::isfinite(value)) {
-        return false;
-    }
-    *at = end;
-    *out = value;
-    return true;
 }
 
 FILE_ptr open_on_path(const char* path_resource, const char* name) {
@@ -99,10 +85,10 @@ bool conditions_hold(const char** entry, float height) {
         }
         const char* at = *entry + std::strlen(c.word);
         float limit = 0;
-        bool holds = !read_number(&at, &limit) || passes(height, limit, c.at_least);
+        bool holds = !take_float(&at, &limit) || passes(height, limit, c.at_least);
         if (c.other != '\0' && *at == c.other) {
             ++at;
-            holds = (!read_number(&at, &limit) || passes(height, limit, !c.at_least)) && holds;
+            holds = (!take_float(&at, &limit) || passes(height, limit, !c.at_least)) && holds;
         }
         const char* colon = std::strchr(at, ':');
         if (!holds || colon == nullptr) {
@@ -118,7 +104,7 @@ bool conditions_hold(const char** entry, float height) {
 bool in_block(const char* text) {
     float box[5] = {0, 0, 0, 0, 1000};
     int n = 0;
-    for (const char* at = text + 1; n < 5 && read_number(&at, &box[n]); ++n) {
+    for (const char* at = text + 1; n < 5 && take_float(&at, &box[n]); ++n) {
         at += *at == ',' ? 1 : 0;
     }
     if (n < 4) {
@@ -159,10 +145,10 @@ int lalo_entry(const char* text) {
     constexpr int dashed = 4;
     const char* at = *text == '\0' ? text : text + 1;
     float dlat = default_step;
-    const bool given = read_number(&at, &dlat);
+    const bool given = take_float(&at, &dlat);
     float dlon = dlat;
     const char* second = at + 1;
-    if (given && *at == ':' && read_number(&second, &dlon)) {
+    if (given && *at == ':' && take_float(&second, &dlon)) {
         at = second;
     }
     PLT_mess("Map-lalo: %.1f,%.1f", static_cast<double>(dlat), static_cast<double>(dlon));
@@ -253,8 +239,8 @@ ImageEntry read_image_entry(const char* text) {
     at = take_field(at, entry.background, sizeof entry.background);
     float x = 0;
     float y = 0;
-    if (read_number(&at, &x) && *at == ':') {
-        read_number(&++at, &y);
+    if (take_float(&at, &x) && *at == ':') {
+        take_float(&++at, &y);
     }
     constexpr float far = 30000; // beyond any window
     entry.x = static_cast<int>(std::clamp(x, -far, far));

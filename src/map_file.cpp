@@ -20,6 +20,7 @@
 #include "maptran.h"
 #include "no_memory.h"
 #include "state_keeper.h"
+#include "text_num.h"
 #include "units.h"
 
 #include <algorithm>
@@ -28,7 +29,6 @@
 #include <cctype>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -138,12 +138,10 @@ bool is_text(Source& source) {
     source.peek(text.data(), text.size());
     const char* at = text.data();
     for (int i = 0; i < 6; ++i) {
-        char* end = nullptr;
-        std::strtof(at, &end);
-        if (end == at) {
+        float field = 0.0F;
+        if (!take_real(&at, &field)) {
             return false;
         }
-        at = end;
     }
     return true;
 }
@@ -208,9 +206,8 @@ private:
         if (!source_.word(word.data(), word.size())) {
             return false;
         }
-        char* end = nullptr;
-        *out = std::strtof(word.data(), &end);
-        return end != word.data();
+        const char* at = word.data();
+        return take_real(&at, out);
     }
     int text_count() {
         float header[6] = {};

@@ -1,10 +1,10 @@
 // menu.cpp: numbered menus on the terminal. It prints a table of entries and
 // reads a choice by number, abbreviation or name; a text that is none of these
 // is handed back. It keeps nothing between calls.
+#include "text_num.h"
 #include "zyr.h"
 
 #include <array>
-#include <charconv>
 #include <cstring>
 
 namespace {
@@ -97,7 +97,8 @@ int find_choice(const Visible& list, char* string, int flag) {
     }
     if (string_is_num(string) != 0) {
         int number = missing;
-        std::from_chars(string, string + std::strlen(string), number);
+        std::string_view text = string;
+        take_plain(&text, &number);
         if (number >= smallest_number(flag) && number <= list.count) {
             return number > 0 ? choose(list.place[number], string) : number;
         }

@@ -7,12 +7,12 @@
 #include "date.h"
 #include "near_word.h"
 #include "text_list.h"
+#include "text_num.h"
 #include "text_scan.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <charconv>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -210,9 +210,9 @@ void set_item(const char* item) {
     } else if (stricmp(item, "page") == 0) {
         state.page = page_lines;
     } else if (begins(item, "line")) {
-        const char* text = value_behind(item, "line");
+        std::string_view text = value_behind(item, "line");
         int number = 0;
-        std::from_chars(text, text + std::strlen(text), number);
+        take_plain(&text, &number);
         state.max_lines = number < 1 ? default_lines : number;
     } else {
         set_level(item);

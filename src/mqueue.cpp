@@ -3,11 +3,11 @@
 // then MQ_connect. A window that stays silent for the time-out ends the
 // program: a broken one is not to be mistaken for none.
 #include "mqueue.h"
+#include "text_num.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <csignal>
 #include <cstdarg>
 #include <cstdio>
@@ -117,7 +117,8 @@ int MQ_connect(int queue) {
         return -1;
     }
     int conn_id = 0;
-    std::from_chars(text.data(), text.data() + std::strlen(text.data()), conn_id);
+    std::string_view answer = text.data();
+    take_plain(&answer, &conn_id);
     if (conn_id < 1 || conn_id > max_conn_id) {
         return -1;
     }

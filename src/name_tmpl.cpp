@@ -4,6 +4,7 @@
 #include "name_tmpl.h"
 
 #include "date.h"
+#include "text_num.h"
 #include "text_scan.h"
 #include "tools.h"
 

@@ -29,6 +29,7 @@
 #include "nids_tables.h"
 #include "region.h"
 #include "state_keeper.h"
+#include "text_num.h"
 #include "tools.h"
 #include "units.h"
 
@@ -289,7 +290,7 @@ int find_in_collective(FILE* ifile, const char* ext_info) {
     constexpr long most_products = 100000;
     long bytes = 64L * 1024 * 1024; // to look through: a device never ends
     char line[200] = {};
-    long left = std::clamp(std::strtol(ext_info + 1, nullptr, 10), 0L, most_products) + 1;
+    long left = std::clamp<long>(text_int(ext_info + 1), 0, most_products) + 1;
     while (left > 0) {
         std::size_t used = 0;
         int c = std::fgetc(ifile);

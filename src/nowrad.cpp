@@ -23,6 +23,7 @@
 #include "region.h"
 #include "state_keeper.h"
 #include "text_num.h"
+#include "units.h"
 
 #include <array>
 #include <cctype>
@@ -31,7 +32,7 @@
 
 namespace {
 
-constexpr float to_degrees = 57.295779513082195F;
+constexpr auto to_degrees = static_cast<float>(rad_to_deg);
 constexpr float level_dbz = 5.0F;
 constexpr std::size_t title_size = 80;
 constexpr int most_cells = 65535; // of a row or column

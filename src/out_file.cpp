@@ -6,6 +6,7 @@
 
 #include "out_file.h"
 
+#include "text_num.h"
 #include "zyr.h"
 
 #include "date.h"
@@ -17,8 +18,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
-#include <climits>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -410,9 +409,9 @@ void take_options(const char* text, int first, bool (*take)(const char* option))
 
 std::time_t creation_time() {
     const char* fixed = std::getenv("SOURCE_DATE_EPOCH");
-    std::time_t time = 0;
-    const char* end = fixed == nullptr ? nullptr : fixed + std::strlen(fixed);
-    if (fixed != nullptr && fixed != end && std::from_chars(fixed, end, time).ptr == end) {
+    std::string_view text = fixed == nullptr ? "" : fixed;
+    std::int64_t time = 0;
+    if (take_plain(&text, &time) && text.empty()) {
         return time;
     }
     return DATE_get_time(nullptr);

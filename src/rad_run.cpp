@@ -13,6 +13,7 @@
 #include "rad_probe.h"
 #include "region.h"
 #include "text_list.h"
+#include "text_num.h"
 #include "units.h"
 #include "watch.h"
 #include "zyrgks.h"
@@ -39,16 +40,14 @@ void set_rings(RadWords& words, const char* word) {
     }
     const char* at = word + length + 1;
     for (float& ring : words.rings) {
-        char* end = nullptr;
-        const float value = std::strtof(at, &end);
-        if (end == at) {
+        float value = 0.0F;
+        if (!take_real(&at, &value)) {
             return;
         }
         ring = std::isfinite(value) ? value : 0.0F;
-        if (*end != ':') {
+        if (!take_char(&at, ':')) {
             return;
         }
-        at = end + 1;
     }
 }
 
@@ -317,7 +316,12 @@ RadFolded rad_folded(const RadWords& words, float value, bool listed) {
 }
 
 double rad_word_number(const char* word, std::size_t length) {
-    return std::strlen(word) > length ? std::strtod(word + length + 1, nullptr) : 0.0;
+    double number = 0.0;
+    if (std::strlen(word) > length) {
+        const char* at = word + length + 1;
+        take_real(&at, &number);
+    }
+    return number;
 }
 
 int rad_word_int(const char* word, std::size_t length) {

@@ -194,11 +194,6 @@ void check_panel(const char* item) {
     }
 }
 
-bool is_number(const char* text) {
-    float number = 0.0F;
-    return take_float(&text, &number) && *text == '\0';
-}
-
 // -in is taken for the type of input, as the help names it.
 void check_interval() {
     const char* value = value_of("con_interval");

@@ -12,8 +12,6 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <charconv>
-#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <functional>
@@ -76,19 +74,12 @@ void copy_piece(char* out, std::size_t size, const char* begin, std::size_t leng
     out[n] = '\0';
 }
 
-// A finite number that begins with a digit, "-" or "."; moves `*at` behind it.
+// A number that begins with a digit, "-" or "."; moves `*at` past it.
 bool read_number(const char** at, const char* end, float* value) {
-    float number = 0.0F;
-    const auto result = std::from_chars(*at, end, number);
-    if (result.ptr == *at || !std::isfinite(number)) {
-        return false;
-    }
-    if (result.ec == std::errc::result_out_of_range) {
-        return false;
-    }
-    *at = result.ptr;
-    *value = number;
-    return true;
+    std::string_view text(*at, static_cast<std::size_t>(end - *at));
+    const bool read = take_plain(&text, value);
+    *at = end - text.size();
+    return read;
 }
 
 // --- Rows -------------------------------------------------------------------------
@@ -410,12 +401,6 @@ bool go_to(int raw_fd, RAW_file* raw, int wanted) {
 }
 
 // --- Opening -------------------------------------------------------------------------
-
-bool is_number(const char* text) {
-    const char* at = text;
-    float value = 0.0F;
-    return take_float(&at, &value) && *at == '\0';
-}
 
 // Whether the first line, read to `text`, is a data row all the same.
 bool is_row(const char* text) {

@@ -4,6 +4,7 @@
 
 #include "files.h"
 #include "state_keeper.h"
+#include "text_num.h"
 #include "text_scan.h"
 #include "zyrresrc.h"
 

@@ -41,6 +41,7 @@
 #include "date.h"
 #include "scanp.h"
 #include "text_scan.h"
+#include "units.h"
 
 #include <algorithm>
 #include <cmath>
@@ -55,7 +56,6 @@ namespace {
 constexpr std::size_t least_body = 100; // bytes; line feeds before are part of it
 constexpr std::size_t longest_line = 5000;
 constexpr std::size_t longest_search = 64U << 20; // bytes of a file without a message
-constexpr float metres_per_foot = 0.3048F;
 
 constexpr unsigned packet_number = 0x0101;
 constexpr unsigned packet_site = 0x0110;
@@ -65,10 +65,6 @@ constexpr std::size_t packet_head = 4;
 
 bool is_upper(char c) {
     return c >= 'A' && c <= 'Z';
-}
-
-bool is_white(char c) {
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 
 // --- Lines ----------------------------------------------------------------------
@@ -483,7 +479,7 @@ void take_site(std::string_view text, RCM_report* report) {
     if (!site.take("%*2D%8F%10F%4F", &lat, &lon, &report->elev)) {
         return;
     }
-    report->elev *= is_set(report->elev) ? metres_per_foot : 1.0F;
+    report->elev *= is_set(report->elev) ? m_per_foot_f : 1.0F;
     if (std::abs(lat) <= 90.0F && std::abs(lon) <= 360.0F) {
         report->lat = lat;
         report->lon = lon;

@@ -21,6 +21,7 @@
 #include "map_proj.h"
 #include "state_keeper.h"
 #include "text_list.h"
+#include "text_num.h"
 #include "text_scan.h"
 #include "tools.h"
 #include "zyrcty.h"
@@ -160,34 +161,6 @@ Regions state;
 
 // --- Text ---------------------------------------------------------------------
 
-// Reads the number that the text begins with. Returns false if there is none
-// or it is no finite number.
-bool read_float(const char* text, float* value) {
-    char* end = nullptr;
-    const float number = std::strtof(text, &end);
-    if (end == text || !std::isfinite(number)) {
-        return false;
-    }
-    *value = number;
-    return true;
-}
-
-bool read_int(const char* text, int* value) {
-    return scan_int(&text, any_width, value) == 1;
-}
-
-// A number of a projection field; 0 for what is no number.
-float float_or_zero(const char* text) {
-    float value = 0.0F;
-    read_float(text, &value);
-    return value;
-}
-
-int truncate(float value) {
-    constexpr float limit = 2.0e9F;
-    return static_cast<int>(std::fmax(-limit, std::fmin(limit, value)));
-}
-
 // --- Region files ---------------------------------------------------------------
 
 // Opens a region file along `file_path`. Only a regular file will do: a domain
@@ -248,7 +221,8 @@ bool read_row(std::FILE* file, FileRow* row) {
     }
     row->shown = 0;
     if (read_word(file, word, dom_string_size)) {
-        read_int(word, &row->shown);
+        const char* at = word;
+        scan_int(&at, any_width, &row->shown);
         read_word(file, word, dom_string_size); // the domain string
     }
     return true;
@@ -265,7 +239,7 @@ bool fit_proj(const char* field, Domain* domain) {
         return false;
     }
     if (count == 2) {
-        domain->plon = float_or_zero(words[1]);
+        domain->plon = text_float(words[1]);
         return true;
     }
     int i = 1;
@@ -274,14 +248,14 @@ bool fit_proj(const char* field, Domain* domain) {
         ++i;
     }
     if (i < count) {
-        domain->plat = float_or_zero(words[i++]);
+        domain->plat = text_float(words[i++]);
     }
     if (i < count) {
-        domain->plon = float_or_zero(words[i++]);
+        domain->plon = text_float(words[i++]);
     }
     for (int k = 0; k < 4 && i < count; ++k, ++i) {
         if (words[i][0] != '\0') {
-            domain->param[k] = float_or_zero(words[i]);
+            domain->param[k] = text_float(words[i]);
         }
     }
     return true;
@@ -340,10 +314,10 @@ bool fit_region(const char* field, Domain* domain) {
 
 // An empty number field fits and leaves the value unset.
 bool fit_float(const char* field, float* value) {
-    return field[0] == '\0' || read_float(field, value);
+    return field[0] == '\0' || take_float(&field, value);
 }
 bool fit_int(const char* field, int* value) {
-    return field[0] == '\0' || read_int(field, value);
+    return field[0] == '\0' || scan_int(&field, any_width, value) == 1;
 }
 
 bool fit_field(int kind, const char* field, Domain* domain) {
@@ -405,8 +379,8 @@ void complete(const Shape& shape, Domain* domain) {
         domain->proj == proj_size) {
         domain->dx = missing_f;
         domain->dy = missing_f;
-        domain->nx = truncate(first);
-        domain->ny = truncate(second);
+        domain->nx = trunc_int(first);
+        domain->ny = trunc_int(second);
         domain->clat = missing_f;
         domain->clon = missing_f;
     }

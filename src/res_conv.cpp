@@ -4,13 +4,13 @@
 #include "zyrresrc.h"
 
 #include "text_list.h"
+#include "text_num.h"
 #include "text_scan.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <limits>
@@ -143,26 +143,14 @@ struct HourText {
 
     // Up to `width` digits; false if a digit is wanting at the first place.
     bool digits(int width, int& field) {
-        if (!is_digit(*at)) {
-            return false;
-        }
-        int value = 0;
-        for (; width > 0 && is_digit(*at); --width, ++at) {
-            value = 10 * value + (*at - '0');
-        }
-        field = value;
-        return width == 0;
+        const char* from = at;
+        return take_digits(&at, width, 10, &field) && at - from == width;
     }
     bool number(int& field) {
-        char* end = nullptr;
-        const long value = std::strtol(at, &end, 10);
-        if (end == at) {
-            return false;
-        }
-        constexpr long limit = 99999;
-        field = static_cast<int>(std::clamp(value, -limit, limit));
-        at = end;
-        return true;
+        constexpr int limit = 99999;
+        const bool read = take_int(&at, &field);
+        field = read ? std::clamp(field, -limit, limit) : field;
+        return read;
     }
     bool skip(char c) {
         const bool there = *at == c;
@@ -187,25 +175,17 @@ Date clock_text(const char* text) {
 
 void store_int(const char* value, int* out) {
     if (is_digit(value[0]) || value[0] == '-' || value[0] == '+') {
-        char* end = nullptr;
-        if (value[1] == 'x' || value[1] == 'X') {
-            const unsigned long number = std::strtoul(value, &end, 16);
-            if (end != value) {
-                *out = static_cast<int>(static_cast<std::uint32_t>(number));
-            }
-            return;
-        }
-        const long number = std::strtol(value, &end, 10);
-        if (end != value) {
-            *out = clamp_int(number);
+        const bool hex = value[1] == 'x' || value[1] == 'X';
+        long number = 0;
+        if (take_long(&value, &number, hex ? 16 : 10)) {
+            *out = hex ? static_cast<int>(static_cast<std::uint32_t>(number)) : clamp_int(number);
         }
     }
 }
 
 void store_float(const char* value, float* out) {
-    char* end = nullptr;
-    const double number = std::strtod(value, &end);
-    if (end != value && std::isfinite(number)) {
+    double number = 0.0;
+    if (take_real(&value, &number) && std::isfinite(number)) {
         constexpr double limit = std::numeric_limits<float>::max();
         *out = static_cast<float>(std::clamp(number, -limit, limit));
     }
@@ -243,23 +223,18 @@ void store(const char* value, void* out, DEF_convert cvt) {
         break;
     case CV_short:
         if (is_digit(*value)) {
-            *static_cast<short*>(out) = static_cast<short>(std::clamp<long>(
-                std::strtol(value, nullptr, 10), 0, std::numeric_limits<short>::max()));
+            *static_cast<short*>(out) = static_cast<short>(
+                std::clamp<int>(text_int(value), 0, std::numeric_limits<short>::max()));
         }
         break;
     case CV_long:
         if (is_digit(*value)) {
-            *static_cast<long*>(out) = std::strtol(value, nullptr, 10);
+            take_long(&value, static_cast<long*>(out));
         }
         break;
-    case CV_color: {
-        char* end = nullptr;
-        const long number = std::strtol(value, &end, 10);
-        if (end != value) {
-            *static_cast<long*>(out) = number;
-        }
+    case CV_color:
+        take_long(&value, static_cast<long*>(out));
         break;
-    }
     case CV_float:
         store_float(value, static_cast<float*>(out));
         break;

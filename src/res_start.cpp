@@ -13,7 +13,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -173,10 +172,6 @@ void read_environment(const RES_defobj* def_table) {
 }
 
 // --- Command line -----------------------------------------------------------
-
-bool is_letter(char c) {
-    return std::isalpha(static_cast<unsigned char>(c)) != 0;
-}
 
 bool is_short_option(const char* arg) {
     return arg[0] == '-' && is_letter(arg[1]);

@@ -4,12 +4,11 @@
 #include "res_window.h"
 
 #include "mqueue.h"
+#include "text_num.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <cstring>
-#include <limits>
 
 namespace {
 
@@ -94,11 +93,9 @@ void exchange_values(const RES_defobj* def_table) {
 } // namespace
 
 void RES_link_window(const char* number, const RES_defobj* def_table) {
-    char* end = nullptr;
-    const long value = std::strtol(number, &end, 10);
-    constexpr long largest = std::numeric_limits<int>::max();
-    const int queue =
-        end == number ? -1 : MQ_open(static_cast<int>(std::clamp(value, -largest - 1, largest)));
+    const char* at = number;
+    int value = 0;
+    const int queue = take_int(&at, &value) ? MQ_open(value) : -1;
     if (queue == -1) {
         MESS_print(mess_warn, "ZYRloop window: %s not running or no message queue exists\n",
                    number);

@@ -2,14 +2,13 @@
 // state here and no allocation in a scan.
 #include "scanp.h"
 
+#include "text_num.h"
 #include "text_scan.h"
 #include "tools.h"
 #include "zyr.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdarg>
-#include <cstdlib>
 #include <cstring>
 #include <string_view>
 
@@ -18,14 +17,6 @@ namespace {
 constexpr int field_size = 80; // of the buffer of a stored field
 constexpr int widest = 999;    // a field without a width
 constexpr unsigned trace = 0x80000000;
-
-bool is_letter(char c) {
-    return std::isalpha(static_cast<unsigned char>(c)) != 0;
-}
-
-bool is_white(char c) {
-    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
-}
 
 // A directive of the format, as read from it.
 struct Directive {
@@ -273,7 +264,10 @@ private:
         char buffer[field_size];
         buffer[digits.copy(buffer, field_size - 1)] = '\0';
         if (is_float) {
-            *next_argument<float*>() = std::strtof(buffer, nullptr);
+            float number = 0.0F;
+            const char* at = buffer;
+            take_real(&at, &number);
+            *next_argument<float*>() = number;
             ++param->assigned;
             return;
         }

@@ -3,6 +3,7 @@
 #include "zyr.h"
 
 #include "no_memory.h"
+#include "text_num.h"
 #include "text_scan.h"
 #include "tools.h"
 

@@ -6,6 +6,7 @@
 
 #include "no_memory.h"
 #include "run_end.h"
+#include "text_num.h"
 #include "zyrresrc.h"
 
 #include <algorithm>
@@ -83,24 +84,17 @@ template <typename Accept> void ask(const char* prompt, Accept accept) {
 
 // Has the text a number in front?
 bool read_float(const char* text, float& value) {
-    char* end = nullptr;
-    const double number = std::strtod(text, &end);
-    if (end == text || !std::isfinite(number)) {
+    double number = 0.0;
+    if (!take_real(&text, &number) || !std::isfinite(number)) {
         return false;
     }
-    constexpr double limit = 3.4e38;
+    constexpr double limit = std::numeric_limits<float>::max();
     value = static_cast<float>(std::clamp(number, -limit, limit));
     return true;
 }
 
 bool read_int(const char* text, int& value) {
-    char* end = nullptr;
-    const long number = std::strtol(text, &end, 10);
-    if (end == text) {
-        return false;
-    }
-    value = static_cast<int>(std::clamp(number, -2147483647L, 2147483647L));
-    return true;
+    return take_int(&text, &value);
 }
 
 void list_resources() {

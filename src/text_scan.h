@@ -8,6 +8,13 @@
 inline bool is_digit(char c) {
     return c >= '0' && c <= '9';
 }
+inline bool is_letter(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+// A blank, a tab or a line's end, but no other white space.
+inline bool is_white(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
 // White space of any kind.
 inline bool is_blank(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');

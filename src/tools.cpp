@@ -4,14 +4,13 @@
 #include "tools.h"
 
 #include "state_keeper.h"
+#include "text_num.h"
 #include "text_scan.h"
 #include "units.h"
 
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cctype>
-#include <climits>
 #include <cmath>
 #include <cstring>
 
@@ -166,29 +165,6 @@ int fgetstring(std::FILE* stream, char* buffer, int n) {
 int fskipline(std::FILE* stream) {
     char none[1];
     return fgetnline(stream, none, 0);
-}
-
-int scan_int(const char** text, int width, int* value) {
-    const char* at = *text;
-    while (std::isspace(static_cast<unsigned char>(*at)) != 0) {
-        ++at;
-    }
-    const bool negative = *at == '-';
-    if ((*at == '-' || *at == '+') && width > 0) {
-        ++at;
-        --width;
-    }
-    if (width <= 0 || !is_digit(*at)) {
-        return 0;
-    }
-    long long number = 0;
-    for (; width > 0 && is_digit(*at); --width, ++at) {
-        number = std::min(number * 10 + (*at - '0'), 1LL + INT_MAX);
-    }
-    number = negative ? -number : std::min(number, static_cast<long long>(INT_MAX));
-    *value = static_cast<int>(number);
-    *text = at;
-    return 1;
 }
 
 int swap_setup(int order) {

@@ -19,15 +19,6 @@ int fgetstring(std::FILE* stream, char* buffer, int n);
 // Passes the rest of a line. Returns 0, -1 at the end of the stream.
 int fskipline(std::FILE* stream);
 
-// --- Integers in text --------------------------------------------------------
-
-// Reads an integer as scanf's "%d" does (blanks, a sign, digits; of the sign
-// and digits at most `width` characters) and moves `*text` behind it. A number
-// too large for an int becomes the largest or smallest one. Returns 1; 0, with
-// `*text` and `*value` as they were, when no digit is there.
-int scan_int(const char** text, int width, int* value);
-constexpr int any_width = 999;
-
 // --- Byte order --------------------------------------------------------------
 
 // Says what a file holds: 1 big-endian, 2 little-endian, 0 always reverse, -1

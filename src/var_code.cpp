@@ -304,14 +304,16 @@ bool read_named(const char** text, Term* term) {
 bool read_decimal(const char** text, double* value) {
     const std::size_t length = std::strspn(*text, "0123456789.");
     char digits[24] = "";
-    char* end = nullptr;
     if (length == 0 || length >= sizeof digits) {
         return false;
     }
     std::memcpy(digits, *text, length);
-    *value = std::min(std::strtod(digits, &end), 999999.0);
+    const char* at = digits;
+    *value = 0.0;
+    take_real(&at, value);
+    *value = std::min(*value, 999999.0);
     *text += length;
-    return *end == '\0';
+    return *at == '\0';
 }
 
 bool read_term(const char** text, Term* term) {

@@ -20,6 +20,7 @@
 #include "maptran.h"
 #include "state_keeper.h"
 #include "text_list.h"
+#include "text_num.h"
 #include "text_scan.h"
 #include "units.h"
 #include "wx_tool.h"
@@ -128,29 +129,28 @@ public:
     // A whole number of at most `width` digits.
     bool number(int* value, std::size_t width = 9) {
         skip_space();
-        const std::string_view digits = text_.substr(at_, width);
-        const auto [end, error] =
-            std::from_chars(digits.data(), digits.data() + digits.size(), *value);
-        if (error != std::errc() || *value < 0) {
-            return false;
-        }
-        at_ += static_cast<std::size_t>(end - digits.data());
-        return true;
+        return take(text_.substr(at_, width), value,
+                    [](std::string_view* text, int* number) { return take_plain(text, number); });
     }
     // A number from 0 on, with or without a fraction.
     bool real(float* value) {
         skip_space();
-        const char* begin = text_.data() + at_;
-        const auto [end, error] =
-            std::from_chars(begin, text_.data() + text_.size(), *value, std::chars_format::fixed);
-        if (error != std::errc() || !(*value >= 0.0F)) {
-            return false;
-        }
-        at_ += static_cast<std::size_t>(end - begin);
-        return true;
+        return take(text_.substr(at_), value, [](std::string_view* text, float* number) {
+            return take_plain(text, number, std::chars_format::fixed);
+        });
     }
 
 private:
+    // What `read` takes of a piece at the cursor, unless it is below 0.
+    template <typename T, typename Read> bool take(std::string_view piece, T* value, Read read) {
+        const std::size_t before = piece.size();
+        if (!read(&piece, value) || *value < 0) {
+            return false;
+        }
+        at_ += before - piece.size();
+        return true;
+    }
+
     std::string_view text_;
     std::size_t at_ = 0;
 };

@@ -1,5 +1,6 @@
 // Strings, lines, byte order, station numbers and the keyed table.
 #include "table.h"
+#include "text_num.h"
 #include "tools.h"
 #include "zyr.h"
 
@@ -9,7 +10,9 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <sstream>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -107,27 +110,76 @@ TEST(Lines, LongEmptyAndLast) {
     EXPECT_EQ(fskipline(file.get()), -1);
 }
 
-TEST(Lines, Integers) {
+// What a reader takes of a text, with what is after it; "-" for nothing.
+template <typename T, typename Read> std::string taken(const char* text, Read read) {
+    T value{};
+    const char* at = text;
+    std::ostringstream out;
+    if (!read(&at, &value)) {
+        return at == text ? "-" : "- at " + std::string(at);
+    }
+    out << value << "|" << at;
+    return out.str();
+}
+
+template <typename T> bool take_plain_of(const char** at, T* value) {
+    std::string_view text = *at;
+    const std::size_t before = text.size();
+    const bool read = take_plain(&text, value);
+    *at += before - text.size();
+    return read;
+}
+
+bool scan_three(const char** at, int* value) {
+    return scan_int(at, 3, value) == 1;
+}
+bool four_hex(const char** at, int* value) {
+    return take_digits(at, 4, 16, value);
+}
+
+TEST(Numbers, FormsOfEachReader) {
     struct Row {
         const char* text;
-        int width, found, value;
-        const char* rest;
+        const char *whole, *plain, *scanned, *hex; // take_int, take_plain, scan_int, take_digits
+        const char *real, *single, *plain_real;    // take_real, take_float, take_plain
     };
     // clang-format off
     const Row rows[] = {
-        {" 12x", any_width, 1, 12, "x"}, {"-12", 2, 1, -1, "2"}, {"+7", 9, 1, 7, ""},
-        {"- 7", 9, 0, 77, "- 7"}, {"x", 9, 0, 77, "x"}, {"-", 1, 0, 77, "-"},
-        {"99999999999", any_width, 1, 2147483647, ""},
-        {"-99999999999", any_width, 1, -2147483647 - 1, ""},
+        {"12x",         "12|x",         "12|x",  "12|x",      "18|x",     "12|x",        "12|x",      "12|x"},
+        {" 7",          "7|",           "-",     "7|",        "-",        "7|",          "7|",        "-"},
+        {"+7",          "7|",           "-",     "7|",        "-",        "7|",          "7|",        "-"},
+        {"-1234",       "-1234|",       "-1234|", "-12|34",   "-",        "-1234|",      "-1234|",    "-1234|"},
+        {"- 7",         "-",            "-",     "-",         "-",        "-",           "-",         "-"},
+        {"",            "-",            "-",     "-",         "-",        "-",           "-",         "-"},
+        {".5:",         "-",            "-",     "-",         "-",        "0.5|:",       "0.5|:",     "0.5|:"},
+        {"2e3",         "2|e3",         "2|e3",  "2|e3",      "739|",     "2000|",       "2000|",     "2000|"},
+        {"0x1F",        "0|x1F",        "0|x1F", "0|x1F",     "0|x1F",    "31|",         "31|",       "0|x1F"},
+        {"inf",         "-",            "-",     "-",         "-",        "inf|",        "-",         "-"},
+        {"nan",         "-",            "-",     "-",         "-",        "nan|",        "-",         "-"},
+        {"1e99",        "1|e99",        "1|e99", "1|e99",     "7833|",   "inf|",        "-",         "-"},
+        {"99999999999", "2147483647|",  "-",     "999|99999999", "39321|9999999", "1e+11|", "1e+11|", "1e+11|"},
     };
     // clang-format on
     for (const Row& row : rows) {
-        const char* at = row.text;
-        int value = 77;
-        EXPECT_EQ(scan_int(&at, row.width, &value), row.found) << row.text;
-        EXPECT_EQ(value, row.value) << row.text;
-        EXPECT_STREQ(at, row.rest) << row.text;
+        const char* text = row.text;
+        EXPECT_EQ(taken<int>(text, take_int), row.whole) << text;
+        EXPECT_EQ(taken<int>(text, take_plain_of<int>), row.plain) << text;
+        EXPECT_EQ(taken<int>(text, scan_three), row.scanned) << text;
+        EXPECT_EQ(taken<int>(text, four_hex), row.hex) << text;
+        EXPECT_EQ(
+            taken<float>(text, [](const char** at, float* out) { return take_real(at, out); }),
+            row.real)
+            << text;
+        EXPECT_EQ(taken<float>(text, take_float), row.single) << text;
+        EXPECT_EQ(taken<float>(text, take_plain_of<float>), row.plain_real) << text;
     }
+    int value = 0;
+    const char* low = "-99999999999";
+    EXPECT_TRUE(scan_int(&low, any_width, &value) == 1 && value == -2147483647 - 1);
+    EXPECT_TRUE(is_number("-1.5e1") && !is_number("1 ") && !is_number("") && !is_number("inf"));
+    long address = 0;
+    const char* hex = "0x2a:";
+    EXPECT_TRUE(take_long(&hex, &address, 16) && address == 42 && *hex == ':');
 }
 
 TEST(Bytes, OrderOfTheFile) {
