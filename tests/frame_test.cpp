@@ -424,7 +424,7 @@ TEST_F(Window, SharesItsSettings) {
 TEST_F(Window, ThatIsNotThereOrRefusesIsPassedOver) {
     CaptureStderr();
     EXPECT_EQ(in_child([] {
-                  start("-ic -fp /x", "#4711:#x");
+                  start("-ic -fp .", "#4711:#x");
                   return value("label");
               }),
               "(absent)");
@@ -433,7 +433,7 @@ TEST_F(Window, ThatIsNotThereOrRefusesIsPassedOver) {
     const QueuePeer peer(QueuePeer::refuses, {}, log);
     const std::string number = std::to_string(peer.number());
     CaptureStderr();
-    start("-la x -fp /x", "#" + number);
+    start("-la x -fp .", "#" + number);
     EXPECT_EQ(GetCapturedStderr(), "ZYRloop window: " + number + " unable to connect\n");
     // A command longer than a message is refused, not cut.
     CaptureStderr();
