@@ -1,10 +1,12 @@
 // What plotting the first reflectivity scan of a Level II volume costs against
 // the least that its work can cost: bzip2's own decompression of the units up to
 // the end of that scan, plus a loop that writes the same polygons, or,
-// for an image of the window, plus a bare client that sends them and libpng
-// writing the same picture. Also the peak memory. Starts an X server of its own.
+// for an image without a screen, plus a bare loop that fills them and libpng writing
+// the same picture, or, for an image of the window, plus a bare client that sends them
+// in place of the loop. Also the peak memory. Starts an X server of its own.
 //   lev2_plot_bench [FILE...]     by default a written storm and real volumes
 #include "bare_client.h"
+#include "bare_picture.h"
 #include "lev2_storm.h"
 #include "page_floor.h"
 #include "png_floor.h"
@@ -61,10 +63,10 @@ std::size_t decompress(std::string& volume, std::vector<char>& out, int* units) 
     return bytes;
 }
 
-// The areas of a page as a window of the bench shows them.
-Polygons window_polygons(const Page& page) {
+// The areas of a page as a picture of some width and height shows them.
+Polygons polygons_of(const Page& page, int wide, int high) {
     constexpr float page_width = 755; // points, between the margins of a sheet on its side
-    constexpr float scale = bench_width / page_width;
+    const float scale = static_cast<float>(wide) / page_width;
     Polygons all;
     const float* xy = page.xy.data();
     for (std::size_t i = 0; i < page.points.size(); xy += 2 * page.points[i], ++i) {
@@ -72,9 +74,10 @@ Polygons window_polygons(const Page& page) {
             continue;
         }
         for (int k = 0; k < 2 * page.points[i]; k += 2) {
-            all.points.push_back(
-                {static_cast<short>(std::lround(xy[k] * scale)),
-                 static_cast<short>(bench_height - std::lround(xy[k + 1] * scale))});
+            const long x = std::lround(xy[k] * scale);
+            const long y = high - 1 - std::lround(xy[k + 1] * scale);
+            all.points.push_back({static_cast<short>(std::clamp(x, 0L, wide - 1L)),
+                                  static_cast<short>(std::clamp(y, 0L, high - 1L))});
         }
         all.counts.push_back(page.points[i]);
         all.pixels.push_back(static_cast<unsigned long>(page.shades[i]));
@@ -88,12 +91,34 @@ void say(const char* output, double program, double floor, bool packed) {
                 program / floor, packed ? " (at most 1.3)" : "");
 }
 
+// The program draws into memory, writes the picture and ends.
+void measure_memory(const std::string& file, const Page& page, double unzip, int rounds) {
+    const std::string png = std::filesystem::temp_directory_path() / "zyr_lev2_bench.png";
+    const Polygons all = polygons_of(page, width, height);
+    Filler filler;
+    double program = 1e9;
+    double write = 1e9;
+    for (int i = 0; i < rounds; ++i) {
+        program = std::min(
+            program,
+            run_program({"-inp", "lev2z", "-de", "d,memory", "-of", "png@" + png, file}).seconds);
+        const Indexed picture = read_indexed(png);
+        write = std::min(write, least_time(1, [&] {
+                             filler.draw(all);
+                             write_indexed(picture, png);
+                         }));
+    }
+    std::printf("  bzip2 %.4f s, bare filler and libpng %.4f s\n", unzip, write);
+    say("PNG", program, unzip + write, unzip > 0);
+    std::filesystem::remove(png);
+}
+
 // The program draws into a window, writes its image and ends.
 void measure_window(const XServer& server, const std::string& file, const Page& page, double unzip,
                     int rounds) {
     const std::string png = std::filesystem::temp_directory_path() / "zyr_lev2_bench.png";
     const BareClient bare(server);
-    Polygons all = window_polygons(page);
+    Polygons all = polygons_of(page, bench_width, bench_height);
     double program = 1e9;
     double send = 1e9;
     double write = 1e9;
@@ -149,6 +174,7 @@ void measure(const XServer& server, const std::string& file, long peak_kb, int r
     say("PostScript", program, unzip + write, unzip > 0);
     std::printf("  exact places   %.4f s; ratio %.2f (at most 1)\n", exact, exact / program);
     std::filesystem::remove(ps);
+    measure_memory(file, page, unzip, rounds);
     if (server.works()) {
         measure_window(server, file, page, unzip, rounds);
     }

@@ -14,6 +14,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 
 namespace {
 
@@ -30,33 +31,42 @@ struct Rung {
     }
 };
 
-// Quads on their way to the display.
+// Quads on their way to the display. The last one waits for the next, which may hide it.
 class Quads {
 public:
     Quads() = default;
-    ~Quads() { flush(); }
+    ~Quads() {
+        keep_last();
+        flush();
+    }
     Quads(const Quads&) = delete;
     Quads& operator=(const Quads&) = delete;
-    void add(const Rung& from, const Rung& to, int color) {
-        if (used_ == 0 || !hides_last(from, to)) {
-            if (used_ == quads_.size()) {
-                flush();
-            }
-            ++used_;
+    void add(Rung from, Rung to, int color) {
+        if (!hides_last(from, to)) {
+            keep_last();
         }
-        quads_[used_ - 1] = {
-            {from.near, to.near, to.far, from.far},
-            color
-        };
         from_ = from;
         to_ = to;
+        color_ = color;
     }
 
 private:
     // The next covers all that the last one does: the same pixels; or the last is no more
     // than the two ends of one rung, which are corners of the next.
-    [[nodiscard]] bool hides_last(const Rung& from, const Rung& to) const {
+    [[nodiscard]] bool hides_last(Rung from, Rung to) const {
         return from == from_ && (to == to_ || (from_ == to_ && from_.is_short()));
+    }
+    void keep_last() {
+        if (color_ < 0) {
+            return;
+        }
+        if (used_ == quads_.size()) {
+            flush();
+        }
+        quads_[used_++] = {
+            {from_.near, to_.near, to_.far, from_.far},
+            color_
+        };
     }
     void flush() {
         gdraw_quads({quads_.data(), used_});
@@ -64,7 +74,8 @@ private:
     }
     std::array<Gcolored_quad, 256> quads_; // not cleared: written before it is read
     std::size_t used_ = 0;
-    Rung from_{}, to_{}; // of the last one
+    Rung from_{}, to_{}; // the last one
+    int color_ = -1;     // below 0: none yet
 };
 
 // The colours of areas as the fill state takes them. That is asked once for each index,
@@ -104,22 +115,60 @@ unsigned sides_beyond(const Gcoords& window, const Gpt& p) {
            (p.y < window.y_min ? 4U : 0U) | (p.y > window.y_max ? 8U : 0U);
 }
 
-// Some neighbours of a strip: their rungs and those before and after them.
-struct Block {
-    static constexpr int size = 256;
-    std::array<Rung, size + 1> rungs;
-    bool inside; // all its points lie in the window
-
-    Block(const Gpipe& pipe, const Gcoords& window, int n, const Gpt* near, const Gpt* far) {
-        unsigned beyond = 0;
-        for (int i = 0; i <= n; ++i) {
-            rungs[static_cast<std::size_t>(i)] = {to_pixel(pipe, near[i]), to_pixel(pipe, far[i])};
-        }
-        for (int i = 0; i <= n; ++i) {
-            beyond |= sides_beyond(window, near[i]) | sides_beyond(window, far[i]);
-        }
-        inside = beyond == 0;
+// The road of gks_pipe.h and to_pixel for two points at once, x and y of each: the same
+// numbers by the same steps, but that Y down takes the edge off and turns the factor.
+class TwoPoints {
+public:
+    TwoPoints(const Gpipe& p, const Gcoords& window)
+        : wn_(both(p.wn_x, p.wn_y)), wn_vp_(both(p.wn_vp_x, p.wn_vp_y)), vp_(both(p.vp_x, p.vp_y)),
+          wkwn_(both(p.wkwn_x, p.wkwn_y_max)), plt_f_(both(p.plt_fx, -p.plt_fy)),
+          plt_(both(p.plt_x, p.plt_y)), low_(both(window.x_min, window.y_min)),
+          high_(both(window.x_max, window.y_max)) {}
+    std::array<Gpixel, 2> take(const Gpt* points) {
+        Four v;
+        std::memcpy(&v, points, sizeof v);
+        beyond_ |= (v < low_) | (v > high_);
+        v = (((v - wn_) * wn_vp_ + vp_) - wkwn_) * plt_f_ + plt_;
+        const Four limit = both(pixel_limit, pixel_limit);
+        v = v > -limit ? v : -limit;
+        v = v < limit ? v : limit;
+        const auto whole = __builtin_convertvector(v + 0.5F, Ints);
+        const auto pixel = __builtin_convertvector(whole, Shorts);
+        return std::bit_cast<std::array<Gpixel, 2>>(pixel);
     }
+    // Whether all points so far lie in the window.
+    [[nodiscard]] bool inside() const {
+        return (beyond_[0] | beyond_[1] | beyond_[2] | beyond_[3]) == 0;
+    }
+
+private:
+    using Four [[gnu::vector_size(16)]] = float;
+    using Ints [[gnu::vector_size(16)]] = std::int32_t;
+    using Shorts [[gnu::vector_size(8)]] = std::int16_t;
+    static Four both(float x, float y) { return Four{x, y, x, y}; }
+    Four wn_, wn_vp_, vp_, wkwn_, plt_f_, plt_;
+    Four low_, high_; // of the window
+    Ints beyond_{};
+};
+
+// Some neighbours of a strip in pixels.
+class Block {
+public:
+    static constexpr int size = 256;
+    Block(const Gpipe& pipe, const Gcoords& window, int n, const Gpt* near, const Gpt* far) {
+        TwoPoints road(pipe, window);
+        for (int i = 0; i <= n; ++i) {
+            const std::array<Gpt, 2> pair = {near[i], far[i]};
+            rungs_[static_cast<std::size_t>(i)] = std::bit_cast<Rung>(road.take(pair.data()));
+        }
+        inside_ = road.inside();
+    }
+    [[nodiscard]] bool inside() const { return inside_; }
+    [[nodiscard]] const Rung& rung(int i) const { return rungs_[static_cast<std::size_t>(i)]; }
+
+private:
+    std::array<Rung, size + 1> rungs_; // written as far as they are read
+    bool inside_;
 };
 
 void fill_each(int n, const Gpt* near, const Gpt* far, const int* colors) {
@@ -157,11 +206,10 @@ void gfill_strip(int n, const Gpt* near, const Gpt* far, const int* colors) {
                 continue;
             }
             // The box about the four corners decides, as for every area.
-            if (block.inside ||
+            if (block.inside() ||
                 (sides_beyond(window, near[i]) & sides_beyond(window, far[i]) &
                  sides_beyond(window, near[i + 1]) & sides_beyond(window, far[i + 1])) == 0) {
-                const auto at = static_cast<std::size_t>(k);
-                quads.add(block.rungs[at], block.rungs[at + 1], known.get(colors[i]));
+                quads.add(block.rung(k), block.rung(k + 1), known.get(colors[i]));
             }
         }
     }

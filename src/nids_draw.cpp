@@ -48,6 +48,26 @@ private:
     std::array<int, 256> looks_{};
 };
 
+// Bins of one step from `bin` on, those before `clutter` left out. Returns how many are
+// drawn.
+int add_levels(RadStrip& strip, LevelLooks& looks, std::span<const std::uint8_t> levels, int bin,
+               int clutter) {
+    int drawn = 0;
+    const int size = static_cast<int>(levels.size());
+    for (int at = 0; at < size;) {
+        auto [first, end] = rad_next_stretch(levels, at);
+        if (first > at && looks.get(0) != RadStrip::no_look) {
+            first = at;
+        }
+        drawn += strip.add_each(bin + first, end - first, [&, start = first](int i) {
+            const int look = looks.get(levels[static_cast<std::size_t>(start + i)]);
+            return bin + start + i < clutter ? RadStrip::no_look : look;
+        });
+        at = end;
+    }
+    return drawn;
+}
+
 // These take the figures that they draw off `room`, and end where none is left.
 void draw_radials(const NIDS_frame& frame, RadFills& fills, long& room) {
     RadStrip strip(frame.own, frame.plot);
@@ -70,11 +90,7 @@ void draw_radials(const NIDS_frame& frame, RadFills& fills, long& room) {
             bin += run;
             // Those of a digital radial that are at hand go the short way.
             const auto levels = NIDS_take_bins();
-            const int first = bin;
-            room -= strip.add_each(bin, static_cast<int>(levels.size()), [&](int i) {
-                const int look = looks.get(levels[static_cast<std::size_t>(i)]);
-                return first + i < frame.clutter_rad ? RadStrip::no_look : look;
-            });
+            room -= add_levels(strip, looks, levels, bin, frame.clutter_rad);
             bin += static_cast<int>(levels.size());
         }
         strip.draw(edges);

@@ -76,6 +76,25 @@ const Gattribs* RadFills::find(float value) {
     return slot.attrib.color == -1 ? nullptr : &slot.attrib;
 }
 
+RadStretch rad_next_stretch(std::span<const std::uint8_t> bytes, int from) {
+    const int size = static_cast<int>(bytes.size());
+    std::uint64_t eight = 0;
+    constexpr int step = sizeof eight;
+    const auto are_zero = [&](int at) {
+        std::memcpy(&eight, bytes.data() + at, sizeof eight);
+        return eight == 0;
+    };
+    int first = from;
+    while (first + step <= size && are_zero(first)) {
+        first += step;
+    }
+    int end = first;
+    while (end + step <= size && !are_zero(end)) {
+        end += step;
+    }
+    return {first, end + step <= size ? end : size};
+}
+
 // --- Strips ---------------------------------------------------------------------
 
 RadEdges rad_radial_edges(const Map& own, Gpt site, const RadBeam& beam) {

@@ -94,6 +94,13 @@ struct RadRay {
 // comes, which is some ten metres at 460 km. Where the map has no image they have none.
 RadEdges rad_earth_edges(const Map& own, double lat, double lon, const RadRay& ray);
 
+// Bytes most of which are 0: a stretch in which they are not, and what lies before it.
+struct RadStretch {
+    int first, end;
+};
+// The next one at or after `from`, eight bytes at a time.
+RadStretch rad_next_stretch(std::span<const std::uint8_t> bytes, int from);
+
 // What one file may draw: as many figures as make a page of some 256 MB. The
 // largest real ones have about half of it; packed bytes can ask for any
 // number, and a window keeps them all for a redraw.
