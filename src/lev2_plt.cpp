@@ -221,58 +221,14 @@ void find_cut() {
 
 // --- Radials ------------------------------------------------------------------
 
-// The values and looks of the words of a scale.
-class Looks {
-public:
-    explicit Looks(const RadFolded& folded) : fills_(folded) {}
-
-    struct Look {
-        float value = lev2_below;
-        bool drawn = false;
-        Gattribs attrib;
-    };
-
-    // Settles the looks of one-byte words, unless the scale is that of before.
-    void take(const LEV2_gates& gates) {
-        wide_ = gates.word_bytes != 1;
-        if (wide_ || (settled_ && gates.scale == scale_ && gates.offset == offset_)) {
-            return;
-        }
-        settled_ = true;
-        scale_ = gates.scale;
-        offset_ = gates.offset;
-        for (std::size_t word = 0; word < bytes_.size(); ++word) {
-            bytes_[word] = look(gates.value(static_cast<unsigned>(word)));
-        }
-    }
-
-    // Of a gate of the radial taken last; valid until the next call.
-    const Look& get(const LEV2_gates& gates, int gate) {
-        if (!wide_) {
-            return bytes_[gates.bytes[static_cast<std::size_t>(gate)]];
-        }
-        return other_ = look(gates.value(gates.word(gate)));
-    }
-
-private:
-    Look look(float value) {
-        const Gattribs* attrib = fills_.get(value);
-        return attrib != nullptr ? Look{value, true, *attrib} : Look{value, false, {}};
-    }
-
-    RadFills fills_;
-    std::array<Look, 256> bytes_; // by word
-    Look other_;                  // of a wider word
-    float scale_ = 0, offset_ = 0;
-    bool settled_ = false, wide_ = false;
-};
-
 // A walk over the volume, and what it finds for the labels.
 struct Walk {
     Map own;       // of the volume
     Map plot;      // of the picture
     Gpt site = {}; // on the volume's own map
-    Looks looks;
+    RadFills fills;
+    RadByteLooks looks;          // of one-byte words
+    float scale = 0, offset = 0; // by which they are values
     RadStrip strip;
     long room = rad_most_figures;
     int elev_num = missing; // of the radial before
@@ -283,7 +239,7 @@ struct Walk {
     bool left = false;      // what follows the scan was not read
 
     Walk(const Domain& domain, const Map& picture)
-        : own(map_make(domain)), plot(picture), looks(rad_folded(lev2.words, lev2_folded, true)),
+        : own(map_make(domain)), plot(picture), fills(rad_folded(lev2.words, lev2_folded, true)),
           strip(own, plot) {}
     Walk(const Walk&) = delete; // the strip refers to the maps
     Walk& operator=(const Walk&) = delete;
@@ -298,26 +254,6 @@ void print_radial(Walk& walk, const LEV2_data& data) {
                    data.elev_ang, data.rad_az, data.refl_ptr, data.vel_ptr, data.spect_ptr,
                    data.num_refl, data.num_vel);
     }
-}
-
-// How many gates from `gate` on are like the one in front of them, whose word is 0 as
-// that of most: the eight at a time that are looked at. None in front of another word.
-int zero_words(const LEV2_gates& gates, int gate) {
-    std::uint64_t words = 0;
-    if (gates.word(gate - 1) != 0) {
-        return 0;
-    }
-    const auto word_bytes = static_cast<std::size_t>(gates.word_bytes);
-    const auto left = gates.bytes.subspan(static_cast<std::size_t>(gate) * word_bytes);
-    std::size_t zeros = 0;
-    while (left.size() - zeros >= sizeof words) {
-        std::memcpy(&words, &left[zeros], sizeof words);
-        if (words != 0) {
-            break;
-        }
-        zeros += sizeof words;
-    }
-    return static_cast<int>(zeros / word_bytes);
 }
 
 // The radial as it lies on the map: a degree wide on a straight line, or, exactly, as
@@ -342,29 +278,52 @@ int gates_behind(const LEV2_gates& gates) {
     return lev2.words.exact == 0 ? 0 : std::clamp(static_cast<int>(count), 0, gates.count);
 }
 
+// The look of a value that was met, for the strip.
+int look_of(Walk& walk, float value) {
+    walk.largest = std::max(walk.largest, value);
+    if (value > lev2_folded) {
+        walk.smallest = std::min(walk.smallest, value);
+    }
+    const Gattribs* attrib = walk.fills.get(value);
+    return attrib != nullptr ? walk.strip.look_of(*attrib) : RadStrip::no_look;
+}
+
+// Gates of one byte, from gate `first` on.
+RadStrip::Added add_bytes(Walk& walk, const LEV2_gates& gates, int first) {
+    if (gates.scale != walk.scale || gates.offset != walk.offset) {
+        walk.scale = gates.scale;
+        walk.offset = gates.offset;
+        walk.looks.forget();
+    }
+    const auto find = [&](std::uint8_t word) { return look_of(walk, gates.value(word)); };
+    return walk.strip.add_bytes(first, gates.bytes.subspan(static_cast<std::size_t>(first)),
+                                lev2.words.clutter,
+                                [&](std::uint8_t word) { return walk.looks.get(word, find); });
+}
+
+RadStrip::Added add_words(Walk& walk, const LEV2_gates& gates, int first) {
+    RadStrip::Added added;
+    added.drawn = walk.strip.add_each(first, gates.count - first, [&](int i) {
+        const int look = look_of(walk, gates.value(gates.word(first + i)));
+        const bool hidden = look != RadStrip::no_look && first + i < lev2.words.clutter;
+        added.hidden = added.hidden || hidden;
+        return hidden ? RadStrip::no_look : look;
+    });
+    return added;
+}
+
 // Draws the gates of the moment selected.
 void draw_radial(Walk& walk, const LEV2_data& data) {
     const LEV2_gates& gates = LEV2_get_gates();
     walk.clear_air = data.cov_patt >= first_clear && data.cov_patt <= last_clear;
     walk.elev = data.elev_ang;
     const RadEdges edges = radial_edges(walk.own, walk.site, data, gates);
-    walk.looks.take(gates);
     walk.strip.begin();
-    for (int i = gates_behind(gates); i < gates.count; ++i) {
-        const Looks::Look& look = walk.looks.get(gates, i);
-        walk.largest = std::max(walk.largest, look.value);
-        if (look.value > lev2_folded) {
-            walk.smallest = std::min(walk.smallest, look.value);
-        }
-        if (!look.drawn) {
-            i += zero_words(gates, i + 1);
-        } else if (i < lev2.words.clutter) {
-            walk.cluttered = true;
-        } else {
-            walk.strip.make_room(edges);
-            walk.room -= walk.strip.add(i, 1, 1, look.attrib);
-        }
-    }
+    const int first = gates_behind(gates);
+    const RadStrip::Added added =
+        gates.word_bytes == 1 ? add_bytes(walk, gates, first) : add_words(walk, gates, first);
+    walk.cluttered = walk.cluttered || added.hidden;
+    walk.room -= added.drawn;
     walk.strip.draw(edges);
 }
 

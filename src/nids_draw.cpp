@@ -12,8 +12,6 @@
 #include "windbarb.h"
 
 #include <algorithm>
-#include <array>
-#include <climits>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -25,53 +23,14 @@ constexpr float barb_size = 20.0F; // plot units
 constexpr float text_height = 8.0F;
 constexpr double mm_per_inch = 25.4; // the document's decibels are of millimetres
 
-// The looks of the levels of a packet, each looked up when it is met: the values met are
-// part of the account.
-class LevelLooks {
-public:
-    LevelLooks(RadFills& fills, RadStrip& strip) : fills_(fills), strip_(strip) {
-        looks_.fill(unknown);
-    }
-    int get(std::uint8_t level) {
-        int& look = looks_[level];
-        if (look == unknown) {
-            const Gattribs* attrib = fills_.get(NIDS_bin_value(level));
-            look = attrib != nullptr ? strip_.look_of(*attrib) : RadStrip::no_look;
-        }
-        return look;
-    }
-
-private:
-    static constexpr int unknown = INT_MIN;
-    RadFills& fills_;
-    RadStrip& strip_;
-    std::array<int, 256> looks_{};
-};
-
-// Bins of one step from `bin` on, those before `clutter` left out. Returns how many are
-// drawn.
-int add_levels(RadStrip& strip, LevelLooks& looks, std::span<const std::uint8_t> levels, int bin,
-               int clutter) {
-    int drawn = 0;
-    const int size = static_cast<int>(levels.size());
-    for (int at = 0; at < size;) {
-        auto [first, end] = rad_next_stretch(levels, at);
-        if (first > at && looks.get(0) != RadStrip::no_look) {
-            first = at;
-        }
-        drawn += strip.add_each(bin + first, end - first, [&, start = first](int i) {
-            const int look = looks.get(levels[static_cast<std::size_t>(start + i)]);
-            return bin + start + i < clutter ? RadStrip::no_look : look;
-        });
-        at = end;
-    }
-    return drawn;
-}
-
 // These take the figures that they draw off `room`, and end where none is left.
 void draw_radials(const NIDS_frame& frame, RadFills& fills, long& room) {
     RadStrip strip(frame.own, frame.plot);
-    LevelLooks looks(fills, strip);
+    RadByteLooks looks; // of the levels of this packet
+    const auto find = [&](std::uint8_t level) {
+        const Gattribs* attrib = fills.get(NIDS_bin_value(level));
+        return attrib != nullptr ? strip.look_of(*attrib) : RadStrip::no_look;
+    };
     float sangle = 0;
     float dangle = 0;
     while (room > 0 && NIDS_get_radial(frame.ifile, &sangle, &dangle) > 0) {
@@ -90,7 +49,8 @@ void draw_radials(const NIDS_frame& frame, RadFills& fills, long& room) {
             bin += run;
             // Those of a digital radial that are at hand go the short way.
             const auto levels = NIDS_take_bins();
-            room -= add_levels(strip, looks, levels, bin, frame.clutter_rad);
+            const auto look = [&](std::uint8_t level) { return looks.get(level, find); };
+            room -= strip.add_bytes(bin, levels, frame.clutter_rad, look).drawn;
             bin += static_cast<int>(levels.size());
         }
         strip.draw(edges);

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <vector>
 
@@ -22,6 +23,24 @@ inline bool rad_is_place(const Gpt& p) {
 struct RadFolded {
     float value = NAN; // none
     Gattribs look;
+};
+
+// The looks of bytes as numbers for RadStrip, each found when it is first met.
+class RadByteLooks {
+public:
+    RadByteLooks() { forget(); }
+    void forget() { looks_.fill(unknown); }
+    template <class Find> int get(std::uint8_t byte, Find find) {
+        int& look = looks_[byte];
+        if (look == unknown) {
+            look = find(byte);
+        }
+        return look;
+    }
+
+private:
+    static constexpr int unknown = std::numeric_limits<int>::min();
+    std::array<int, 256> looks_{};
 };
 
 // How the values of one frame are filled. CONT_get_fill_attrib is asked once
@@ -137,6 +156,14 @@ public:
     // many at a time, drawn or not: there is nothing to decide for each. Returns how
     // many are drawn.
     template <class Look> int add_each(int start, int count, Look look);
+    // The same from bytes, each with `look(byte)`; those before step `hidden` are left
+    // out. Eight zeros in a row, as most radials have them, cost next to nothing.
+    struct Added {
+        int drawn = 0;
+        bool hidden = false; // one that was left out has a look
+    };
+    template <class Look>
+    Added add_bytes(int start, std::span<const std::uint8_t> bytes, int hidden, Look look);
     // What lies outside the window costs no transformation.
     void draw(const RadEdges& edges);
 
@@ -212,4 +239,26 @@ template <class Look> int RadStrip::add_each(int start, int count, Look look) {
     longest_ = std::max(longest_, 1);
     num_figures_ += static_cast<std::size_t>(drawn);
     return drawn;
+}
+
+template <class Look>
+RadStrip::Added RadStrip::add_bytes(int start, std::span<const std::uint8_t> bytes, int hidden,
+                                    Look look) {
+    Added added;
+    const int size = static_cast<int>(bytes.size());
+    int at = std::clamp(hidden - start, 0, size);
+    for (const std::uint8_t byte : bytes.first(static_cast<std::size_t>(at))) {
+        added.hidden = look(byte) != no_look || added.hidden;
+    }
+    while (at < size) {
+        auto [first, end] = rad_next_stretch(bytes, at);
+        if (first > at && look(0) != no_look) {
+            first = at;
+        }
+        const auto part = bytes.subspan(static_cast<std::size_t>(first));
+        added.drawn += add_each(start + first, end - first,
+                                [&](int i) { return look(part[static_cast<std::size_t>(i)]); });
+        at = end;
+    }
+    return added;
 }
