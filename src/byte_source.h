@@ -12,7 +12,7 @@ class ByteSource {
 public:
     static constexpr int end = -1;
 
-    // From where the file stands.
+    // From where the file is.
     void begin(std::FILE* file) {
         file_ = file;
         at_ = size_ = keep;

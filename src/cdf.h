@@ -8,7 +8,7 @@
 
 constexpr int cdf_max_dims = 10; // of a variable
 
-// Opens a file that stands at its start; it is read whole, 16 MB at most, and
+// Opens a file that is at its start; it is read whole, 16 MB at most, and
 // may come unpacked or through a pipe. `name` is for messages. The file becomes the current
 // one. Returns its number; -1 after a message when there is no library or the
 // file is damaged.

@@ -114,7 +114,7 @@ void finish_steps() {
 
 // --- Level and colour strings -----------------------------------------------
 
-// A number at the start of `text`; `end` is set behind it. No word, such as
+// A number at the start of `text`; `end` is set past it. No word, such as
 // "inf" or "nan", counts.
 bool leading_number(const char* text, float* value, const char** end) {
     const char* digits = text + (*text == '-' || *text == '+' ? 1 : 0);
@@ -521,7 +521,7 @@ void decode_param(const char* word) {
         const std::size_t length = std::strlen(row.known.text);
         if (row.known.prefix ? strnicmp(word, row.known.text, static_cast<int>(length)) == 0
                              : stricmp(word, row.known.text) == 0) {
-            // The value stands after the word and one separator character.
+            // The value is after the word and one separator character.
             set_param(row.param, word + length + (word[length] != '\0' ? 1 : 0));
             return;
         }

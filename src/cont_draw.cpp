@@ -52,7 +52,7 @@ struct Cell {
     float x[4], y[4], z[4]; // corners
     float zmin, zmax;
     float dz[4];  // fraction at which the current level crosses each side
-    int cross[5]; // the crossed sides, ascending; -1 behind the last
+    int cross[5]; // the crossed sides, ascending; -1 after the last
     int numsides;
     float total; // below 2 the saddle's lines cut off corners 0 and 3
 };

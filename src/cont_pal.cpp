@@ -173,7 +173,7 @@ std::vector<std::string> cont_pal_entries(const std::vector<std::string>& lines,
         if (row->statement == Statement::units) {
             factor = factor_of(text, quantity);
         } else if (row->statement == Statement::folded) {
-            // Only the moments of a volume tell a folded value from others.
+            // Only the moments of a volume distinguish a folded value from others.
             if (quantity != nullptr && std::strcmp(quantity, "velocity_ms") == 0 &&
                 take_rgb(&at, false, &entry.from) && out.empty()) {
                 out = {entry_text(lev2_folded - 1.0F, entry.from),

@@ -80,7 +80,7 @@ void ask_interval();
 // con_interval and con_base. Returns whether they make a bar.
 bool settle_bar_levels();
 
-// Level i, and the distance to the next (1e6 behind the last explicit one).
+// Level i, and the distance to the next (1e6 after the last explicit one).
 float level_at(int i);
 float level_width(int i);
 // Colour step of level 0, counted from `base` (missing: from the level itself).

@@ -191,7 +191,7 @@ const Keyword* find_keyword(const char* text) {
     return nullptr;
 }
 
-// Moves `at` behind the next colon, or to the end of the text.
+// Moves `at` past the next colon, or to the end of the text.
 void next_part(const char*& at) {
     at += std::strcspn(at, ":");
     at += *at == ':' ? 1 : 0;
@@ -224,7 +224,7 @@ bool compare(float own, const char* value, char op) {
     return op == '<' ? own <= limit : op == '>' ? own >= limit : own == limit;
 }
 
-// "RA<" r:lat:lon; takes the two parts behind the radius.
+// "RA<" r:lat:lon; takes the two parts after the radius.
 bool in_radius(const char*& at, const char* value, const CTY_data& city) {
     float radius = 0.0F;
     float place[2] = {0, 0};
@@ -237,7 +237,7 @@ bool in_radius(const char*& at, const char* value, const CTY_data& city) {
     return read && calc_earth_dist(place[0], place[1], city.lat, city.lon) <= radius;
 }
 
-// Tests the part at `at` and moves `at` behind it.
+// Tests the part at `at` and moves `at` past it.
 bool part_holds(const char*& at, const CTY_data& city) {
     const Keyword* k = find_keyword(at);
     if (k == nullptr) {
@@ -252,7 +252,7 @@ bool part_holds(const char*& at, const CTY_data& city) {
     const std::string_view text(value, std::strcspn(value, ":"));
     switch (k->test) {
     case Test::name: {
-        // The first character behind the sign is an opening mark.
+        // The first character after the sign is an opening mark.
         const std::size_t length = std::strcspn(part, ":");
         return length <= 6 || strnicmp(city.name, part + 6, static_cast<int>(length - 6)) == 0;
     }

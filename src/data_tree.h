@@ -7,5 +7,5 @@
 // The built-in search list, the last place first in rank: the current directory,
 // the fixed places, and the data tree beside the program: "../zyr/etc" and
 // "../share/zyrrad" from its own directory, and "etc" of the source tree that
-// it was built in. A directory stands there once.
+// it was built in. A directory is there once.
 std::vector<std::string> data_tree_search();

@@ -96,7 +96,7 @@ void time_text(char* text, const Date& date, const Date& utc, bool padded) {
 struct LabelForm {
     int from_end;       // where the scan begins, counted from the end; 0: at the start
     const char* fields; // h hour, n minute, s second, d day
-    const char* marks;  // character behind each field; ' ' stands for any or no blank
+    const char* marks;  // character after each field; ' ' stands for any or no blank
 };
 constexpr LabelForm label_forms[] = {
     {0,  "hd",   "Z "  },

@@ -46,7 +46,7 @@ int DATE_monday_julian(int year, int month, int day, int* jday);
 Date* DATE_to_struct(int year, int month, int day, int hour, int min);
 
 // Display zone from "[-|+]name:hours": a sign asks for the 12-hour form, "-"
-// for the UTC time in brackets behind it. A text without hours leaves the
+// for the UTC time in brackets after it. A text without hours leaves the
 // offset as it was. Returns 0; -1 for a null text.
 int DATE_set_TZ(const char* text);
 // 1 if the text names a zone whose offset is known: it has hours, or is UTC.
@@ -65,7 +65,7 @@ int DATE_make_label_valid_time(int fhour, const Date* date, char* text);
 // Length of a forecast ("6 hour", "3.5 day", "2 month"), the empty text for
 // none; a non-zero flag counts half days from 12 hours on.
 char* DATE_fhour_label(char* text, int fhour, int flag);
-// Reads a UTC label back, also behind other text. Returns 0; a text that is no
+// Reads a UTC label back, also after other text. Returns 0; a text that is no
 // label leaves the fields unknown, the month 0 and the year -6099.
 int DATE_decode_label(const char* text, Date* date);
 // 1 to 12; 0 for a text that is no month in one case ("Jan" is none).

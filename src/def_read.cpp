@@ -217,7 +217,7 @@ std::string full_name(const char* resource) {
     return name.append(".").append(resource);
 }
 
-// Does the name fit the pattern? Of the text behind a `*` only the first
+// Does the name fit the pattern? Of the text after a `*` only the first
 // occurrence is tried.
 bool fits(const std::string& full, const char* pattern) {
     const char* name = full.c_str();
@@ -238,7 +238,7 @@ bool fits(const std::string& full, const char* pattern) {
     return *name == '\0';
 }
 
-// The last part of a pattern, behind "." or `*`.
+// The last part of a pattern, after "." or `*`.
 const char* last_part(const char* pattern) {
     const char* end = pattern + std::strlen(pattern);
     while (end > pattern && end[-1] != '.' && end[-1] != '*') {

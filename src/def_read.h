@@ -22,7 +22,7 @@ int DEF_get(char* key, char* value);
 
 // Takes the program name (RES_get_progname) into the full names of resources.
 int DEF_prog();
-// A title in place of the program name; with a leading "+", behind it.
+// A title in place of the program name; with a leading "+", after it.
 int DEF_name(const char* text);
 int DEF_clr_tag();
 // Defines a tag for IF and ELIF. Returns 0; -1 at the limit of 10.
@@ -32,7 +32,7 @@ int DEF_tag(const char* text);
 int DEF_cmp(const char* resource, const char* pattern);
 // 1 if the pattern's last part, taken as a resource name, fits the pattern.
 int DEF_valid(const char* pattern);
-// The text behind the last "." or `*`; `out` (res_name_size) gets 49 characters
+// The text after the last "." or `*`; `out` (res_name_size) gets 49 characters
 // of it, with a warning if that cuts it. Returns 1; 0 if there is none.
 int DEF_parse_name(const char* pattern, char* out);
 

@@ -1,4 +1,4 @@
-// file_kind: tells files apart by their first bytes: those that a plotter reads,
+// file_kind: distinguishes files by their first bytes: those that a plotter reads,
 // and those that a failed download or a mistyped name brings. No state.
 #include "file_kind.h"
 

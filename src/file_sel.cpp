@@ -63,7 +63,7 @@ bool is_request(const char* name) {
 }
 
 // Digits by position (year 4, month, day, hour, minute 2 each) to the first
-// place that is none. Moves `*text` behind them; returns how many fields it found.
+// place that is none. Moves `*text` past them; returns how many fields it found.
 int read_digits(const char** text, Date* date) {
     int* const fields[] = {&date->year, &date->month, &date->day, &date->hour, &date->min};
     int found = 0;
@@ -124,7 +124,7 @@ bool is_fixed(const Date& set) {
 
 // Makes sure that a file is found again: the plotters build its name anew from
 // the file date. If that leads elsewhere, the digits taken for a date are none,
-// and the name itself stands. A date that the user fixed goes before.
+// and the name itself is kept. A date that the user fixed goes before.
 void check_date(FileState& s, const char* name) {
     if (!is_set(s.file_date.year) || is_fixed(s.set)) {
         return;
@@ -161,8 +161,8 @@ void look_up(const FileState& s, const NameSource& source, const Date& date, Nam
     }
 }
 
-// Where the extra text of a typed name begins: at the first mark behind its
-// third letter, or behind the file that a longer part of the name is. Null if
+// Where the extra text of a typed name begins: at the first mark after its
+// third letter, or after the file that a longer part of the name is. Null if
 // all of it is a file or a command.
 char* find_extra(char* name) {
     constexpr const char* marks = "#-+:";
@@ -274,7 +274,7 @@ void trace_time(const char* label, std::time_t seconds) {
     MESS_print(mess_debug, "%s%d %d %d %d\n", label, date.year, date.month, date.day, date.hour);
 }
 
-// A relative request being read. `text` moves behind what was read.
+// A relative request being read. `text` moves past what was read.
 struct Request {
     const char* text;
     std::time_t seconds;
@@ -308,7 +308,7 @@ struct Request {
         return true;
     }
 
-    // How many names "la[#tries]" may try; 0 if it does not stand there.
+    // How many names "la[#tries]" may try; 0 if it is not there.
     int read_latest(bool* given) {
         *given = false;
         if (*text != 'l') {
@@ -346,7 +346,7 @@ bool is_large(const std::string& name) {
 }
 
 // The same for an open template: the times are those of the files that there are,
-// so that the newest one is found however old it is. Without one the start stands.
+// so that the newest one is found however old it is. Without one the start is kept.
 std::time_t find_latest_file(std::time_t seconds, int direction, long limit) {
     name_at(seconds); // for the step
     const FileState& s = file_state();
@@ -376,7 +376,7 @@ std::time_t find_latest_file(std::time_t seconds, int direction, long limit) {
     return start;
 }
 
-// Steps through the times until a file is large enough; the last time tried stands.
+// Steps through the times until a file is large enough; the last time tried is kept.
 std::time_t find_latest(std::time_t seconds, int direction, int limit) {
     for (int i = 0; i < limit; ++i) {
         if (is_large(name_at(seconds))) {
@@ -581,7 +581,7 @@ int FILE_set_file(const char* file, char* out_file) {
     const char* chosen = typed ? name : result.name;
     if (!typed && name_is_open(s.conv) && is_set(s.file_date.year) && !is_file(chosen)) {
         const Date date = s.file_date;
-        store_name("FILE_set_file", s.filename, chosen); // its path stands
+        store_name("FILE_set_file", s.filename, chosen); // its path is kept
         s.filename_type = 1;
         FILE_set_date(&date, out_file);
         return 0;

@@ -56,7 +56,7 @@ void FILE_keep_read();
 
 // Appends "/" unless the text is empty or ends with one.
 char* FILE_add_path_delim(char* path);
-// `file` behind `path` (null: none); `file` alone if it is a standard stream
+// `file` after `path` (null: none); `file` alone if it is a standard stream
 // or a full path. `out` may be `file`. Returns `out`.
 char* FILE_add_path(const char* path, const char* file, char* out);
 // After the message that a file does not open: says in a line of its own that it is
@@ -108,7 +108,7 @@ void FILE_put_date(const Date* date); // puts it back after names of other files
 // latest, else by asking. Returns 1 if it exists, 0 if a given name does not;
 // ends the program with 10 when none can be had. `outfile` may be null.
 int FILE_get_file(const char* prompt, char* outfile);
-// How typed names are read: 0 a date behind "#", 1 extra text behind "#", "-",
+// How typed names are read: 0 a date after "#", 1 extra text after "#", "-",
 // "+" or ":" (FILE_get_ext_info, which begins with that mark).
 void FILE_set_type(int type);
 const char* FILE_get_ext_info();

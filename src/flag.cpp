@@ -1,5 +1,5 @@
 // flag.cpp: the switchboard of the program: 30 numbered flags and the 13
-// switches that tell which components of a plot are drawn. It owns both
+// switches that say which components of a plot are drawn. It owns both
 // tables and needs nothing to be called first; RES_init unsets all flags.
 
 #include "state_keeper.h"

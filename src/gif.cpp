@@ -150,7 +150,7 @@ bool skip_extension(std::FILE* file, IMG_report* image) {
     return true;
 }
 
-// Up to the first image descriptor, read behind its label.
+// Up to the first image descriptor, read after its label.
 bool find_image(std::FILE* file, IMG_report* image, Canvas* canvas) {
     constexpr int extension = 0x21;
     constexpr int descriptor = 0x2C;

@@ -75,7 +75,7 @@ void clear_table() {
     enc.h_node_ind = 0;
 }
 
-// Enters the string under the next free code, behind the last of its chain.
+// Enters the string under the next free code, after the last of its chain.
 void enter(hash_entry* last, int hash_data) {
     if (enc.h_table_ind >= num_codes || enc.h_node_ind >= num_codes) {
         clear_table();
@@ -223,7 +223,7 @@ bool GIF_decode(std::FILE* file, int code_size, GIF_take take, void* to) {
     }
     reset_table();
     const int clear_code = 1 << code_size;
-    int last = -1; // the code before, -1 behind a clear code
+    int last = -1; // the code before, -1 after a clear code
     for (int code = read_data(); code >= 0 && code != clear_code + 1; code = read_data()) {
         if (code == clear_code) {
             reset_table();

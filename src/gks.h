@@ -5,7 +5,7 @@
 //
 // Phases: closed; kernel open (gopen_gks); workstation open (gopen_ws).
 // Drawing and attribute setters work in the last alone: before it they report
-// "GKS not opened" and return -1. Unless told otherwise a call returns 0, or
+// "GKS not opened" and return -1. Unless said otherwise a call returns 0, or
 // -1 after a report, and then the old state stays in force.
 #pragma once
 
@@ -228,7 +228,7 @@ int gflush();                // sends what is drawn so far; nothing is waited fo
 int gbell(int percent);      // 0: 50
 int gshow_win_title();       // gives the window the title in force; -1 without one
 void gcut_title(char* text); // drops a UTF-8 character at the end that a buffer has cut in two
-int gset_win_title_extra(const char* text); // behind the title; empty removes it
+int gset_win_title_extra(const char* text); // after the title; empty removes it
 int gget_win_title_extra(char* buf);        // buf: 60 bytes
 // Cursors 0 to 8. Return the number before.
 int gset_cursor(int n);
@@ -391,7 +391,7 @@ int gmeta_get_type();
 // text of a plot is taken for records. Cut at 511 characters.
 [[gnu::format(printf, 1, 2)]] int gmeta_line(const char* format, ...);
 // "PL 5 x,y x,y ...": a keyword, the count and the points, broken after every
-// fourth. `end` 1: always ends the line; 0: not behind a multiple of four.
+// fourth. `end` 1: always ends the line; 0: not after a multiple of four.
 int gmeta_points(const char* keyword, int n, const Gpt* pts, int end);
 // The records of the primitives. A binary metafile takes polylines and clips.
 int gmeta_polyline(int n, const Gpt* pts);  // 1
@@ -495,7 +495,7 @@ int greset_fill();
 int ginit_fill(int type);
 int gdel_fill_pat();
 // Sends what gfill_area still holds back to the display. Every other drawing
-// and every copy of the drawing comes behind it.
+// and every copy of the drawing comes after it.
 void gflush_fill();
 // Paints the rectangle (world coordinates) in the background colour.
 int gclear_region(const Glim* lim);

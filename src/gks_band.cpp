@@ -24,7 +24,7 @@ struct Band {
     std::array<XPoint, 5> pts{};
     bool limited = false;
     std::array<XPoint, 2> limits{}; // least and greatest, per axis
-    bool drawn = false;             // stands on the window
+    bool drawn = false;             // is on the window
     bool anchored = false;          // a button has been pressed
 };
 Band band;
@@ -34,7 +34,7 @@ XPoint x_point(const Gpt& pt) {
     return {at.x, at.y};
 }
 
-// The line ends in a third point when it stands between two neighbours.
+// The line ends in a third point when it is between two neighbours.
 void draw_band() {
     const Window window = gget_root_window();
     const XPoint* pts = band.pts.data();

@@ -78,7 +78,7 @@ void gcgm_begin() {
     gcgm_control(0, 4, 0, 0); // BEGIN PICTURE BODY
 }
 
-// Readers need the END METAFILE behind the picture's end: the standard knows no
+// Readers need the END METAFILE after the picture's end: the standard knows no
 // file without it.
 void gcgm_end() {
     gcgm_control(0, 5, 0, 0); // END PICTURE

@@ -69,7 +69,7 @@ void alloc_shared(int ind) {
     gpalette().color_ind[ind] = gdraw_share_pixel(levels_of(ind), nearest);
 }
 
-// Writes the colour into the index's own cell: what stands in that colour
+// Writes the colour into the index's own cell: what is in that colour
 // changes at once.
 void store_cell(int ind) {
     const Gcolr_levels stored = levels_of(ind);

@@ -31,7 +31,7 @@ constexpr int max_side = 8192;
 // What every display has. Closing it puts all of it back.
 struct Gscreen {
     int depth = 0;
-    bool true_color = false; // a pixel tells its colour, by the masks
+    bool true_color = false; // a pixel gives its colour, by the masks
     unsigned long red_mask = 0;
     unsigned long grn_mask = 0;
     unsigned long blu_mask = 0;

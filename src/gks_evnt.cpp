@@ -282,7 +282,7 @@ void motion(XMotionEvent* event) {
 // --- Polling ------------------------------------------------------------------
 
 // Whether an event is taken in the middle of a plot. Keys count in a hold alone:
-// those of before are dropped, those of a redraw in a hold are kept for it.
+// the earlier ones are dropped, those of a redraw in a hold are kept for it.
 Bool may_interrupt(Display* /*display*/, XEvent* event, XPointer /*arg*/) {
     switch (event->type) {
     case ClientMessage:
@@ -349,7 +349,7 @@ void show_next_frame() {
 }
 
 void hold_pass(int* quiet) {
-    std::fflush(stdout); // a pipe behind the program reads on while it waits
+    std::fflush(stdout); // a pipe after the program reads on while it waits
     if (gget_num_images() >= 2 && gget_looping() != 0) {
         show_next_frame();
         *quiet = 0;

@@ -1,8 +1,8 @@
 // gks_font.h: a stroke font in memory, and its file.
 //
 // The file is plain text: whitespace-separated numbers. If the first is 255,
-// only numbers follow; otherwise it and the word behind it are passed over,
-// and a word (a label) stands behind every 255 of the stroke data.
+// only numbers follow; otherwise it and the word after it are passed over,
+// and a word (a label) is after every 255 of the stroke data.
 //
 //   stroke data  byte values: pairs (x, y) and marks. First byte of a pair:
 //                0 to 127 draw to (x, y); 128 to 253 move to (value - 128, y);

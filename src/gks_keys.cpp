@@ -80,7 +80,7 @@ void dump_path(const IMG_kind& kind, int frame, char* path) {
     FILE_add_path(RES_get("image_path"), name, path);
 }
 
-// Writes one file and tells of it; by its bare path where a heading stands.
+// Writes one file and reports it; by its bare path where there is a heading.
 void dump_one(const IMG_kind& kind, int frame, bool in_list) {
     char path[file_name_size];
     dump_path(kind, frame, path);

@@ -1,7 +1,7 @@
 // gks_loop.h: the arithmetic of the loop, apart from its state.
 #pragma once
 
-// Frame number `step` frames behind `cur` in the range `first` to `last`; step
+// Frame number `step` frames after `cur` in the range `first` to `last`; step
 // 0 is one frame in the direction `*direct` (0 backward, 1 forward, 2 rocking
 // and going back, 3 rocking and going forward), which turns round at the ends
 // when rocking.

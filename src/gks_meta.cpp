@@ -45,7 +45,7 @@ void share_file() {
     gcgm_write_to(meta.meta_type == meta_cgm ? meta.out_file : nullptr);
 }
 
-// The form of the file, the one option behind its name.
+// The form of the file, the one option after its name.
 bool decode_type(const char* option) {
     const bool cgm = stricmp(option, "cgm") == 0;
     if (!cgm && stricmp(option, "zyr") != 0) {
@@ -62,7 +62,7 @@ void put_heading() {
     gmeta_printf("#CreationDate: %s", creation_date().c_str());
 }
 
-// "x,y ", with a line break behind it.
+// "x,y ", with a line break after it.
 void put_point(const Gpt& pt, bool line_break) {
     constexpr char indent[] = "\n   ";
     std::array<char, 2 * fixed6_size + 8> text;

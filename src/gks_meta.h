@@ -22,7 +22,7 @@ int gmeta_is_output(std::FILE* file);
 
 // Where a binary metafile goes; null while there is none.
 void gcgm_write_to(std::FILE* file);
-// Everything in front of the first polyline of a binary metafile, and behind
+// Everything in front of the first polyline of a binary metafile, and after
 // the last.
 void gcgm_begin();
 void gcgm_end();

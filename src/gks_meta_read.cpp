@@ -30,7 +30,7 @@ class Source {
 public:
     explicit Source(std::FILE* stream) : file(stream) {}
 
-    // Next character, end_of_file behind the last.
+    // Next character, end_of_file after the last.
     int peek() {
         if (at == held) {
             at = 0;
@@ -63,7 +63,7 @@ public:
         const char* text = number("+-0123456789");
         return take_int(&text, value);
     }
-    // A comma may stand in front of it.
+    // A comma may be before it.
     bool real(float* value) {
         if (peek() == ',') {
             skip();

@@ -65,7 +65,7 @@ private:
 };
 
 // A colour map has no room for all colours of a deep image: each component
-// goes to one of a few steps. `key` tells the resulting colours apart.
+// goes to one of a few steps. `key` distinguishes the resulting colours.
 IMG_color to_steps(const IMG_color& color, Pixel* key) {
     const int steps = gget_win_depth() == small_depth ? 5 : 2;
     const auto top = static_cast<float>(steps - 1);

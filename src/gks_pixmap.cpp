@@ -142,8 +142,8 @@ void attach(const WindowId& id) {
     }
 }
 
-// The window's own title, without what its owner has put behind it. Comes
-// before attach, so that the window keeps what stands there.
+// The window's own title, without what its owner has put after it. Comes
+// before attach, so that the window keeps what is there.
 void take_title(const WindowId& id) {
     if (id.window == 0) {
         return;

@@ -1,4 +1,4 @@
-// gks_plot.h: how ginit_plot (gks_plot.cpp) and ginit_tran are told the device.
+// gks_plot.h: how ginit_plot (gks_plot.cpp) and ginit_tran learn the device.
 #pragma once
 
 #include "gks.h"

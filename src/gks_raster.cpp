@@ -304,7 +304,7 @@ void thin_dashed(const Gcanvas& canvas, const Gink& ink, const Gdash& dash,
 // --- Areas of four corners with their outline -----------------------------------
 
 // Where such a figure goes down once and up once each row is one span: what the area
-// takes lies between two pixels of the outline, or next to one. The outline alone tells
+// takes lies between two pixels of the outline, or next to one. The outline alone decides
 // the span, in one go over the sides.
 constexpr int few_rows = 24;
 

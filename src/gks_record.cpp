@@ -1,4 +1,4 @@
-// gks_record: records what the primitives are told: in the redraw list, or on a
+// gks_record: records what the primitives are given: in the redraw list, or on a
 // metafile as its line. Of the table of gks_attr.h it takes the words alone, when it
 // is compiled: the setters are above it, and gks_attr calls them. No state.
 

@@ -282,7 +282,7 @@ int start_y() {
     }
 }
 
-// Where a string stands, and how far it has come.
+// Where a string is, and how far it has come.
 struct Layout {
     Gpt at;     // world
     float unit; // world units of a font unit

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int size_changed = 10; // of the device, told ginit_tran
+constexpr int size_changed = 10; // of the device, given to ginit_tran
 constexpr int missing_tran = -1; // selected at the start of a replay
 Gtransformations tran_aside;     // while a replay runs
 

@@ -1,5 +1,5 @@
 // gks_window: opens the plot's own window, workstation type 1: its place and
-// size, what the window manager is told, its pixmap. The state is that of the
+// size, what the window manager is given, its pixmap. The state is that of the
 // display (gks_disp.h).
 
 #include "gks_disp.h"
@@ -63,7 +63,7 @@ void place_size(XSizeHints* hints, unsigned width, unsigned height) {
     hints->height = gwindow_side(static_cast<int>(std::min(height, most)), hints->height);
 }
 
-// `negative` as XParseGeometry tells it: from the right or the bottom.
+// `negative` as XParseGeometry gives it: from the right or the bottom.
 void place_position(XSizeHints* hints, int x, int y, int negative) {
     constexpr int far = 30000; // a window's place has 16 bits
     Display* display = gdisp().display;
@@ -185,7 +185,7 @@ void tell_window_manager(XSizeHints* hints) {
 }
 
 // The window is up when it is mapped or exposed, an icon with its first event,
-// which stays for the event loop. On the way its events tell the size, on which
+// which stays for the event loop. On the way its events give the size, on which
 // the window manager has the last word, so that nobody need ask. A window that
 // nobody maps gets none: the wait is bounded, and a refusal ends it.
 void wait_until_up(bool iconic, int* width, int* height) {

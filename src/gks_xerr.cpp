@@ -24,7 +24,7 @@ constexpr int most_errors = 25;
 struct ErrorState {
     int Xerror = 0;       // 1: an error came since this was cleared
     int Xerror_print = 1; // 0: errors are noted and no more
-    int num_error = 0;    // errors told
+    int num_error = 0;    // errors reported
 };
 ErrorState errors;
 

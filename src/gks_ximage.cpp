@@ -151,7 +151,7 @@ void take_strip(IMG_report* image, XImage* ximage, int top) {
     }
 }
 
-// The server tells the masks of a window's pixels, not those of a pixmap's.
+// The server gives the masks of a window's pixels, not those of a pixmap's.
 void complete_masks(XImage* ximage, const Visual& visual) {
     if (ximage->red_mask != 0) {
         return;

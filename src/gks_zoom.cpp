@@ -122,7 +122,7 @@ struct Source {
 };
 
 // A frame keeps its picture as it was drawn. A still picture is magnified where
-// it stands: a further zoom goes by what is on show.
+// it is: a further zoom goes by what is on show.
 Source source_of(int ind, int factor) {
     if (gget_num_images() > 0) {
         return {gget_frame_id(ind), true};

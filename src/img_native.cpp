@@ -140,7 +140,7 @@ bool read_line(std::FILE* file, std::string* line) {
     return true;
 }
 
-// The numbers behind a projection word.
+// The numbers after a projection word.
 void decode_proj_word(const std::string& word, Domain* d) {
     const std::size_t colon = word.find(':');
     const char* numbers = colon == std::string::npos ? "" : word.c_str() + colon;
@@ -179,7 +179,7 @@ void decode_proj_word(const std::string& word, Domain* d) {
 }
 
 // A domain text can also name files and ask the user; one that came in a file
-// gives numbers alone, behind a projection word. Decoding it leaves the plot's
+// gives numbers alone, after a projection word. Decoding it leaves the plot's
 // own domain settings as they were.
 bool decode_domain(const std::string& text, Domain* d) {
     const std::size_t word = std::min(text.find_first_of(":,"), text.size());
@@ -356,7 +356,7 @@ bool read_pixels(std::FILE* file, const char* filename, const std::string& flags
     const std::size_t got = flags.find('Z') != std::string::npos
                                 ? read_packed(file, image->data.get(), size)
                                 : std::fread(image->data.get(), 1, size, file);
-    if (got < size) { // what arrived stands
+    if (got < size) { // what arrived is kept
         MESS_print(mess_warn, "IMG_read_zyr: Pixels are missing: %s\n", filename);
     }
     return true;

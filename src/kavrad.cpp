@@ -1,5 +1,5 @@
 // kavrad: the reader of KAVRAD mosaics. A record of 52 bytes at offset 1996,
-// the image behind it:
+// the image after it:
 //
 //   offset  size  field
 //   14      1     "C": values of type 1

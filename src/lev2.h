@@ -9,7 +9,7 @@
 //       LEV2_set_data_type picks a moment of a radial; then LEV2_get_gates for
 //       all of its gates at once, or LEV2_get_data gate by gate
 //       LEV2_next_block, and LEV2_is_scan_done when one scan is wanted
-//   LEV2_list_cuts or LEV2_warn_empty tell what the walk met; LEV2_close_file
+//   LEV2_list_cuts or LEV2_warn_empty report what the walk met; LEV2_close_file
 #pragma once
 
 #include "zyr.h"
@@ -21,7 +21,7 @@
 
 // --- The volume ---------------------------------------------------------------
 
-// What the header of a volume tells.
+// What the header of a volume says.
 struct LEV2_info {
     char id[10] = {};                       // site, three letters; empty: not known
     float lat = missing_f, lon = missing_f; // its position, degrees
@@ -43,7 +43,7 @@ int LEV2_open_file(const char* filename);
 // Start the volume over, close it. Return 1; 0 with no file open.
 int LEV2_rewind_file();
 int LEV2_close_file();
-// Reads the volume header and looks up the site; the walk starts behind it, at
+// Reads the volume header and looks up the site; the walk starts after it, at
 // the first radial if that was needed to know the site. A volume that names none
 // has that of `identifier`, or of the file's name. A site that is not in
 // the station file has the position 38.98, -77.48, with a warning. Nothing is
@@ -83,7 +83,7 @@ constexpr std::array<LEV2_moment_name, lev2_moments> lev2_names = {
      }
 };
 
-// One record. Fields behind `seg_num` are of radials; "generic" ones are of
+// One record. Fields after `seg_num` are of radials; "generic" ones are of
 // type 31 only, "fixed" ones of type 1 only.
 struct LEV2_data {
     char id[5] = {};                        // site (generic)
@@ -122,7 +122,7 @@ struct LEV2_data {
 };
 
 // Reads the headers of the record at hand; records of other types than the two
-// of radials tell their type alone. Returns 1; 0 at the end of the volume or
+// of radials give their type alone. Returns 1; 0 at the end of the volume or
 // where it is damaged, with a warning if it ends inside a record.
 int LEV2_get_block(LEV2_data* data);
 // Goes to the next record. Returns 1; 0 with no record at hand.
@@ -130,7 +130,7 @@ int LEV2_next_block();
 // Between two records: 1 when the walk has met all radials of a scan, and the volume
 // shows that no others of its number follow, so that nothing need be unpacked any
 // more. 0 where they may. Only packed volumes whose units are those of the coverage
-// pattern that they tell in front can show it.
+// pattern that they give in front can show it.
 int LEV2_is_scan_done(int scan);
 
 // --- Gates ----------------------------------------------------------------------
@@ -141,7 +141,7 @@ constexpr float lev2_folded = -90.0F; // of word 1: range folded
 // Selects a moment of the radial at hand, at its first gate. Returns 1; 0 when
 // the radial does not have it.
 int LEV2_set_data_type(int type);
-// The next gate's value; lev2_below behind the last.
+// The next gate's value; lev2_below after the last.
 float LEV2_get_data();
 
 // The gates of the selected moment as they lie in the record: valid until

@@ -1,5 +1,5 @@
 // lev2_cuts: the table of the cuts that a walk of a Level II volume meets, the
-// texts that tell of it, and the table of cuts in the volume's coverage pattern. It
+// texts that describe it, and the table of cuts in the volume's coverage pattern. It
 // keeps no state. The pattern, message type 5, big-endian:
 //
 //   6  2   number of cuts

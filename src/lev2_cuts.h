@@ -24,7 +24,7 @@ std::string lev2_cut_text(const LEV2_cut& cut);
 // Why a moment of a scan is not to be seen; empty when it is there.
 std::string lev2_empty_text(const Lev2Cuts& cuts, int scan, int type);
 
-// The cuts of a volume coverage pattern, which the volume tells before its radials.
+// The cuts of a volume coverage pattern, which the volume gives before its radials.
 struct Lev2Pattern {
     std::array<int, lev2_max_cuts> radials{}; // of each cut, elevation numbers from 1 up
     int count = 0;                            // 0: not known

@@ -74,11 +74,11 @@ constexpr char velocity[] =
     "10:yellow,20:brown,26:lred,36:red,50:lmagenta,64:magenta";
 
 struct Moment {
-    const char* word; // how `variable` begins, the number of the scan behind it
+    const char* word; // how `variable` begins, the number of the scan after it
     const char* label;
     const char* colors; // a list, or a level file that the user can change
     const char* levels; // the level file of "auto"
-    bool range;         // smallest and largest value are told, not the largest alone
+    bool range;         // smallest and largest value are shown, not the largest alone
     int decimals;       // of these
     float most;         // where the smallest value starts
 };

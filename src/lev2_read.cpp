@@ -4,7 +4,7 @@
 // first.
 // All numbers are big-endian.
 //
-//   volume header, 24 bytes          message header, 16 bytes, behind a record's
+//   volume header, 24 bytes          message header, 16 bytes, after a record's
 //   0  12 file name                  prefix of 12 bytes
 //   12 4  date, days                 0  2  message size, halfwords
 //   16 4  time, milliseconds         2  1  channel
@@ -83,7 +83,7 @@ static_assert(prefix_size + 2UL * 0xFFFF <= lev2_buffer_size, "a record fits the
 // Of a message type 1, whose angles are coded in steps of an eighth of this.
 constexpr double angle_unit = 0.0439453125;
 
-// Blocks of a message type 31 in the order in which their offsets stand.
+// Blocks of a message type 31 in the order of their offsets.
 // The first six have a place of their own, by which one without a name is known.
 enum Place {
     place_vol,
@@ -148,7 +148,7 @@ struct State {
     int scan_type = -1;             // moment selected
     int next_gate = 0;              //
     Lev2Cuts cuts;
-    Lev2Pattern pattern;       // that the volume told
+    Lev2Pattern pattern;       // that the volume gave
     int last_cut = not_looked; // elevation number at the volume's end, see find_last_cut
 };
 State lev2;
@@ -250,7 +250,7 @@ Moments fixed_moments(std::span<const std::uint8_t> radial, const LEV2_data& d) 
 // is; one without a name is what the place of its offset says.
 using Blocks = std::array<std::uint32_t, num_blocks>;
 
-// The name behind the letter that opens a block; empty for none.
+// The name after the letter that opens a block; empty for none.
 std::string_view block_name(std::span<const std::uint8_t> radial, std::uint32_t at) {
     const auto* text = reinterpret_cast<const char*>(radial.data() + at);
     const auto in_name = [](char c) {
@@ -713,7 +713,7 @@ int lev2_open_volume(const char* filename) {
     State fresh;
     fresh.compress = lev2.compress;
     fresh.exact = lev2.exact;
-    if (std::strcmp(lev2.name, filename) == 0) { // what was told is not told again
+    if (std::strcmp(lev2.name, filename) == 0) { // what was reported is not reported again
         fresh.told_kind = lev2.told_kind;
         fresh.told_piece = lev2.told_piece;
         fresh.told_site = lev2.told_site;

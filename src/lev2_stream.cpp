@@ -41,7 +41,7 @@ constexpr std::size_t length_size = 4; // of a unit
 
 // --- State --------------------------------------------------------------------
 
-// The memory of the layers; what it holds is told by `stream`.
+// The memory of the layers; what it holds is in `stream`.
 struct Areas {
     std::array<std::uint8_t, piece_size> piece{};
     std::array<std::uint8_t, lev2_buffer_size> out{};
@@ -267,7 +267,7 @@ bool unpack_head(int file, UnitPlace unit, std::span<std::uint8_t> head) {
 
 // --- Buffer -------------------------------------------------------------------
 
-// Drops what lies before the current record and brings more behind it. Returns
+// Drops what lies before the current record and brings more after it. Returns
 // 1; 0 at the end of the volume.
 int read_block(Stream& s) {
     MESS_print(mess_debug, "Block: %d %d - %d %d %d %d\n", static_cast<int>(s.source.total),

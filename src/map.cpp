@@ -31,7 +31,7 @@ enum class Blocks {
     none,    // no block yet: entries are drawn
     missed,  // blocks, but none that matches: entries are skipped
     matched, // in the block that matches
-    done     // behind it: nothing is drawn to the end of the list
+    done     // after it: nothing is drawn to the end of the list
 };
 
 struct State {
@@ -40,7 +40,7 @@ struct State {
     int over = map_plain;    // bits of the MAP_draw that runs
     int fill_cont = 0;       // 1: databases take `color_cmap`
     Blocks blocks = Blocks::none;
-    bool told_no_image = false;          // a file device was told of, once
+    bool told_no_image = false;          // of a file device, warned of once
     char not_found[file_name_size] = ""; // the database last reported
 };
 State state;
@@ -76,8 +76,8 @@ bool passes(float height, float limit, bool at_least) {
     return at_least ? height >= limit : height <= limit;
 }
 
-// Moves `*entry` behind its conditions. False if one of them, or a condition
-// without a colon behind it, leaves the entry out.
+// Moves `*entry` past its conditions. False if one of them, or a condition
+// without a colon after it, leaves the entry out.
 bool conditions_hold(const char** entry, float height) {
     for (const Condition& c : conditions) {
         if (!begins(*entry, c.word)) {
@@ -139,7 +139,7 @@ int draw_grid(const Gattribs& attr, float dlat, float dlon) {
     return 0;
 }
 
-// "lalo:DLAT:DLON:ATTRIBUTES", from the character behind the word.
+// "lalo:DLAT:DLON:ATTRIBUTES", from the character after the word.
 int lalo_entry(const char* text) {
     constexpr float default_step = 5;
     constexpr int dashed = 4;
@@ -217,7 +217,7 @@ int database_entry(const char* entry) {
     return 0;
 }
 
-// An image entry behind its word: the file and, split at colons, the colour
+// An image entry after its word: the file and, split at colons, the colour
 // that is not drawn, which may be empty, and the place.
 struct ImageEntry {
     char name[file_name_size] = "";
@@ -226,7 +226,7 @@ struct ImageEntry {
     int y = 0;
 };
 
-// Copies the text up to the next colon. Returns the place behind that.
+// Copies the text up to the next colon. Returns the place after that.
 const char* take_field(const char* text, char* out, std::size_t size) {
     const std::size_t length = std::strcspn(text, ":");
     copy_text(out, std::min(size, length + 1), text);

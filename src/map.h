@@ -23,11 +23,11 @@ int MAP_setup(const Domain* domain);
 // Draws the map layer: the entries of the resource `map_file`, or of the
 // list chosen for the domain, and the grid set by MAP_latlon. Plotters call
 // MAP_draw(map_under) before the data and MAP_draw(map_over | map_plain)
-// behind it. Returns 0; -1 when the plot component "map" is off.
+// after it. Returns 0; -1 when the plot component "map" is off.
 //
 // The list is split at commas; "fi:NAME" is a file of entries, a word each.
 // An entry is an optional '-' or '+', conditions on the height of the
-// picture, each with a colon behind it (">N:", "<N:", ">N<M:", "s+N:",
+// picture, each with a colon after it (">N:", "<N:", ">N<M:", "s+N:",
 // "s-N:"), and then one of
 //   [lat1,lat2,lon1,lon2,height]  begins a region block (in a file only)
 //   im:FILE, if:FILE              image on the map, or on the page
@@ -45,9 +45,9 @@ int MAP_process(const char* str);
 // as lines. MAP_process sets it by the attributes of the entry. Returns 0.
 int MAP_set_fill(int value);
 
-// Draws a map database that stands at its start, with the line and fill
+// Draws a map database that is at its start, with the line and fill
 // attributes in force, and leaves the file open. Text and binary files are
-// told apart by the first record:
+// distinguished by the first record:
 //
 //   text    a line "count maxlat minlat maxlon minlon offset", then a line
 //           "latitude longitude" for each point

@@ -175,7 +175,7 @@ public:
     int count() { return text_ ? text_count() : binary_count(); }
 
     // The points of a record while they are still bytes, without taking them; null
-    // where they do not stand in the buffer, as those of a text never do.
+    // where they are not in the buffer, as those of a text never do.
     const std::uint8_t* ahead(int count) {
         return text_ ? nullptr : source_.ahead(static_cast<std::size_t>(count) * point_bytes);
     }

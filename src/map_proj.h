@@ -119,7 +119,7 @@ std::span<const Projection> map_projections() noexcept;
 
 // --- Maps -------------------------------------------------------------------
 
-// Where a satellite stands, in 100 km from the earth's centre, and what follows
+// Where a satellite is, in 100 km from the earth's centre, and what follows
 // from it and from the equator's radius.
 struct MapOrbit {
     static constexpr float start = 421.64F; // before any domain

@@ -78,7 +78,7 @@ constexpr LogWord log_words[] = {
     {"fi",  "a",     out_log    },
 };
 
-// The text behind a keyword and its one separator character.
+// The text after a keyword and its one separator character.
 const char* value_behind(const char* text, const char* word) {
     text += std::strlen(word);
     return *text == '\0' ? text : text + 1;
@@ -154,7 +154,7 @@ void close_log() {
     state.pfile = nullptr;
 }
 
-// A log that does not open is dropped; the user is told once, on the screen
+// A log that does not open is dropped; the user is warned once, on the screen
 // even where messages go to the log alone.
 void open_log(const char* name, const char* mode) {
     state.pfile = state.tools.open(name, mode);
@@ -219,7 +219,7 @@ void set_item(const char* item) {
     }
 }
 
-// A screenful ends with a pause. Newlines count as they stand in the format.
+// A screenful ends with a pause. Newlines count as they are in the format.
 void count_lines(unsigned level, const char* format) {
     state.lines += static_cast<int>(std::count(format, format + std::strlen(format), '\n'));
     if (state.lines > state.max_lines) {

@@ -13,5 +13,5 @@ struct FoundName {
 
 // The files of a date, of all dates where its fields are unknown (those of
 // `source.set` go before): the newest first, by their date and then by the text
-// behind it, which counts seconds in names of radars. Directories are left out.
+// after it, which counts seconds in names of radars. Directories are left out.
 std::vector<FoundName> find_names(const NameSource& source, const Date& date);

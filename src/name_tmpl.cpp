@@ -77,7 +77,7 @@ struct Directive {
     std::string_view name; // between braces, for letter '{'
 };
 
-// Reads the directive behind a "%" and returns what follows it.
+// Reads the directive after a "%" and returns what follows it.
 const char* read_directive(const char* at, Directive* directive) {
     if (is_digit(*at)) {
         scan_int(&at, any_width, &directive->n);

@@ -53,7 +53,7 @@ NameResult match_name(const NameSource& source, const char* typed);
 NameResult build_name(const NameSource& source, const Date& date, const Date& start);
 // Whether a template holds "%*", so that its names are looked up.
 bool name_is_open(const char* conv);
-// A pattern of shell words for all names of the template: only its globs stand
+// A pattern of shell words for all names of the template: only its globs are
 // outside quotes.
 std::string list_pattern(const NameSource& source);
 // The part of a full name in front of as many "/" (and a ":" at place 1) as

@@ -1,7 +1,7 @@
 // nids: the logical stream of a NIDS product and the walk of its packets.
 //
 // A product is one stream of big-endian bytes, whatever it came in: plain, in
-// one or several zlib streams behind the wrapper, or plain up to a symbology
+// one or several zlib streams after the wrapper, or plain up to a symbology
 // block that is bzip2-compressed. The stream works in two fixed buffers; a
 // run, vector or text is decoded when it is asked for. NIDS_get_header
 // (nids_header.cpp) starts a product and reads its header.
@@ -128,7 +128,7 @@ struct BlockHeader {
     int count = 0; // layers of a symbology block, pages of a graphic block
 };
 
-// Where the walk stands; `walk = {}` starts over.
+// Where the walk is; `walk = {}` starts over.
 struct Walk {
     int status = 0;      // result of the last NIDS_packet
     int packet_code = 0; // 0xBA07 as 0xBA0F
@@ -350,7 +350,7 @@ int read_bytes(Stream& s, unsigned char* data, int dsize, FILE* ifile) {
 }
 
 // The halfword with which a block or packet begins. The end of the product may
-// stand in its place, but not that of a compressed stream that is not whole.
+// be in its place, but not that of a compressed stream that is not whole.
 int read_start(FILE* ifile, std::uint16_t& value) {
     const bool going = stream.failed == 1;
     const int result = NIDS_read_short(reinterpret_cast<unsigned char*>(&value), ifile);
@@ -589,7 +589,7 @@ int read_block(FILE* ifile, BlockHeader& block, int divider, int id) {
     return block.id == id ? 1 : 0;
 }
 
-// The next bin of a digital radial; those behind it that are in the output
+// The next bin of a digital radial; those after it that are in the output
 // buffer are made ready.
 int next_bins(FILE* ifile, NIDS_data* data) {
     std::uint8_t level = 0;
@@ -756,13 +756,13 @@ int NIDS_skip_line(FILE* ifile) {
 int NIDS_prod_symb(FILE* ifile) {
     const NidsHeader& header = nids_header();
     const int code = header.mess.code;
-    // Parameter 8 of the later products tells that the block is compressed.
+    // Parameter 8 of the later products says that the block is compressed.
     // Inside a zlib stream there is nothing to look for.
     if (stream.file_type == type_plain &&
         (nids_product(code).compressed || (code >= 32 && header.pr_desc.p[8] == 1))) {
         stream.comp_test = true;
     }
-    // A product whose description tells of no block may end here.
+    // A product whose description has no block may end here.
     const bool may_end = header.pr_desc.code != 0 && header.pr_desc.off_symb == 0;
     std::uint16_t divider = 0;
     if (ifile == nullptr || read_start(ifile, divider) < 1) {

@@ -46,7 +46,7 @@ constexpr int nids_max_site = 9999;
 
 constexpr int nids_num_thres = 16;
 
-// What the header of a product tells.
+// What the header of a product says.
 struct NIDS_info {
     char info[50] = {};               // product label
     char misc[50] = {};               // parameter line
@@ -73,13 +73,13 @@ struct NIDS_info {
 int NIDS_set_ext_info(const char* str);
 
 // Whether values, texts and the labels of some products go by the format's own
-// document (1), from the next header on, or as told here (0, at the start). Returns 0.
+// document (1), from the next header on, or as given here (0, at the start). Returns 0.
 int NIDS_set_exact(int on);
 int NIDS_get_exact();
 constexpr float nids_folded = -9998.0F; // by the document, value of a range folded bin
 
 // Rewinds the file and reads up to the header of the first packet. Failures
-// behind the message header leave the fields behind them unset. Returns 1; 0
+// after the message header leave the fields after them unset. Returns 1; 0
 // when the file can't be read as a product (`info` is then unspecified).
 int NIDS_get_header(FILE* ifile, NIDS_info* info);
 // Whether what NIDS_get_header took for a product can be one: its radar is

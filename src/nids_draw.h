@@ -22,7 +22,7 @@ int NIDS_set_colors(const NIDS_info& info);
 
 // What the packets of one frame are drawn with.
 struct NIDS_frame {
-    std::FILE* ifile = nullptr; // behind the header of the first packet
+    std::FILE* ifile = nullptr; // after the header of the first packet
     const NIDS_info* info = nullptr;
     const char* datim = "";       // date label
     Map own;                      // of the product

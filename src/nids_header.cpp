@@ -58,11 +58,11 @@ constexpr Wrapper wrappers[] = {
     {0x400C, 2},
 };
 
-constexpr int zlib_lead_bytes = 52; // of a zlib message, behind its first code
+constexpr int zlib_lead_bytes = 52; // of a zlib message, after its first code
 
 constexpr char collective_mark[] = "** SDUS97";
 
-constexpr int mess_header_rest = 16; // bytes behind the code
+constexpr int mess_header_rest = 16; // bytes after the code
 constexpr int prod_desc_size = 102;
 
 constexpr double ms_to_knots = 1.944;
@@ -270,7 +270,7 @@ int read_product_code(FILE* ifile, int* code) {
             continue;
         }
         for (int i = 0; i < wrapper.lines; ++i) {
-            NIDS_skip_line(ifile); // the read behind it tells
+            NIDS_skip_line(ifile); // the read after it reports
         }
         nids_expect_compression();
         result = read_code(ifile, code);

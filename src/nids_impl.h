@@ -49,7 +49,7 @@ struct NidsHeader {
 // The header blocks of the open product.
 const NidsHeader& nids_header();
 
-// Starts a new product: the next read takes the file from where it stands.
+// Starts a new product: the next read takes the file from where it is.
 void nids_restart();
 // The product code, two bytes, was read: offsets count from it.
 void nids_begin_message();

@@ -14,7 +14,7 @@ struct VAR_data;
 
 // What the pages of one frame are drawn with.
 struct NIDS_page_frame {
-    std::FILE* ifile = nullptr; // behind the symbology block
+    std::FILE* ifile = nullptr; // after the symbology block
     const NIDS_info* info = nullptr;
     Map plot;            // the plot's, current on entry and exit
     Gattribs data;       // attributes of texts, barbs and tracks

@@ -26,7 +26,7 @@ int NIDS_plot_param();
 // 1 when `out_file` asks for a text grid file; its convention is then set.
 int NIDS_grd_out_file();
 void NIDS_callback(int type, const char* str, float x, float y);
-// On the event "v-Alt" tells position, distance from the site (degrees) and
+// On the event "v-Alt" reports position, distance from the site (degrees) and
 // beam height at the antenna's elevation (degrees). Returns 0, otherwise -1.
 int NIDS_print_loc_elev(const char* str, float x, float y, float slat, float slon, float selev);
 

@@ -1,5 +1,5 @@
 // nids_probe: the value of a NIDS product at a place. The packets are walked as they
-// are drawn, so that what is told is what lies on top. No state of its own.
+// are drawn, so that what is shown is what lies on top. No state of its own.
 #include "nids_probe.h"
 
 #include "nids_impl.h"

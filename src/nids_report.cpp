@@ -174,7 +174,7 @@ constexpr Line lines[] = {
     {"SR   LLRV",     NidsTable::mesocyclones, Row::rank     },
 };
 
-// Where the columns of a table stand.
+// Where the columns of a table are.
 struct Layout {
     NidsTable table;
     std::size_t first, width;

@@ -66,7 +66,7 @@ struct Drawing {
     float step; // of texts from their mark
     bool any = false;
     const NIDS_symbol* mark = nullptr;  // of the storm met last
-    const NIDS_symbol* apart = nullptr; // the last name that stands apart from its mark
+    const NIDS_symbol* apart = nullptr; // the last name that is apart from its mark
 
     // Image of a place by its kilometres east and north of the radar.
     [[nodiscard]] Gpt image(float x, float y) const {
@@ -174,7 +174,7 @@ void draw_name(Drawing& drawing, const NIDS_symbol& symbol, Gpt p) {
     }
 }
 
-// The name of a storm. Where it stands apart from what it names, as that of a vortex,
+// The name of a storm. Where it is apart from what it names, as that of a vortex,
 // the storm is there, which is marked once for all of its vortices.
 void draw_named(Drawing& drawing, const NIDS_symbol& symbol, Gpt p) {
     constexpr float near_km = 0.5F;

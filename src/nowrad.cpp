@@ -83,7 +83,7 @@ bool take_angle(float* value) {
 // --- Title --------------------------------------------------------------------
 
 struct MonthRow {
-    std::size_t place; // of the letter that tells
+    std::size_t place; // of the letter that decides
     char first, letter;
     int month;
 };

@@ -22,7 +22,7 @@ struct NOWRad_packet {
 
 // Reads the header. Returns 1 with the first line ready to be read; 0 for a null
 // file, a wrong tag, a size outside 1 to 65535, or a file that ends: no line is
-// read then, and what was found stands in `info`.
+// read then, and what was found is in `info`.
 int NOWRad_header(std::FILE* ifile, NOWRad_info* info);
 // Whether the last header began as a NOWrad file does.
 bool NOWRad_is_one();

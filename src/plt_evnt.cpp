@@ -1,6 +1,6 @@
 // plt_evnt: what the user's events do to a plot: a rectangle zooms into the
-// domain, a new window size or the clock draws it again, and a key tells where
-// the pointer stands. State: the functions that the plotter registered, and
+// domain, a new window size or the clock draws it again, and a key says where
+// the pointer is. State: the functions that the plotter registered, and
 // the zoom. The plotter registers them after PLT_open.
 #include "plt_tool.h"
 

@@ -169,7 +169,7 @@ std::array<bool, plt_positions> read_entries() {
     return fixed;
 }
 
-// Where the lines of all positions stand.
+// Where the lines of all positions are.
 struct Layout {
     Glim view;
     int lines;    // a position

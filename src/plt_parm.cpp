@@ -212,8 +212,8 @@ void set_gif_delay(const char* value) {
     }
 }
 
-// Words that set something outside the plot session. `rest` is all that stands
-// behind the word, `value` the same without the separator.
+// Words that set something outside the plot session. `rest` is all that is
+// after the word, `value` the same without the separator.
 void apply_elsewhere(const WordRow& row, const char* rest, const char* value) {
     switch (row.word) {
     case Word::id_type:
@@ -347,7 +347,7 @@ void apply(const WordRow& row, const char* rest) {
     }
 }
 
-// Whether the row fits the word; `rest` then stands behind it.
+// Whether the row fits the word; `rest` is then after it.
 bool fits(const WordRow& row, const char* word, const char** rest) {
     const std::size_t length = std::strlen(row.text);
     *rest = word + std::min(length, std::strlen(word));

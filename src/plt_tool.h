@@ -55,7 +55,7 @@ int PLT_get_view(Glim* view);
 // Whether a frame is drawn about the viewport (1 at start).
 int PLT_border(int value);
 int PLT_get_border();
-// 1: labels stand inside the viewport.
+// 1: labels are inside the viewport.
 int PLT_set_full_lab(int value);
 int PLT_get_full_lab();
 // 1: the lower right label and the colour bar keep clear of each other, and the
@@ -86,7 +86,7 @@ const PLT_settings& PLT_get_settings();
 
 // Whether a loop has room for frame number `frame`: only a window's is bounded.
 bool PLT_has_room(int frame);
-// Tells how many files found no room in the loop; 0 tells nothing.
+// Reports how many files found no room in the loop; 0 reports nothing.
 void PLT_tell_left_out(int files);
 // Warns of several pictures on the one page of a file device.
 void PLT_tell_overlaid(int pictures);

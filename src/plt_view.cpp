@@ -1,5 +1,5 @@
 // plt_view: where a plot lies on its page: the viewport between the margins of the
-// panel, what stands in them, and the status line. Everything that draws reads
+// panel, what is in them, and the status line. Everything that draws reads
 // it; the session (plt_tool) begins it anew. State: viewport and margins.
 #include "plt_tool.h"
 

@@ -142,7 +142,7 @@ struct Header {
 };
 
 // Up to the pixels. Grey with alpha comes as colour, 16 bits as 8; the alpha
-// byte stands before the colour, where a 32-bit pixel has nothing.
+// byte is before the colour, where a 32-bit pixel has nothing.
 bool read_header(png_structp png, png_infop info, std::FILE* file, Header* h) {
     if (setjmp(png_jmpbuf(png)) != 0) { // NOLINT(cert-err52-cpp): the library's way
         return false;

@@ -16,7 +16,7 @@ void derive_stereo(Map& m) {
 
 MapPair stereo_lat(const Map& m, double lat) {
     const double s = -m.scale;
-    // The far pole is infinitely far away: latitudes behind it are held.
+    // The far pole is infinitely far away: latitudes beyond it are held.
     const double held = s * lat > 75.0 ? 75.0 : s * lat;
     const double r = m.mult * tan_deg((held + 90.0) / 2.0);
     return {r, s * r};

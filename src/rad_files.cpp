@@ -42,7 +42,7 @@ struct State {
     long passed = 0;            // over, as their pictures are there
     bool resume = false;        //
     bool shows = false;         // progress, on a terminal
-    bool shown = false;         // a line of it stands there
+    bool shown = false;         // a line of it is there
     double start = 0, told = 0; // seconds, of the run and of the line of progress
 };
 State state;
@@ -309,7 +309,7 @@ int RAD_plot_list(int (*plot)()) {
     while (const std::optional<std::string> name = names.next()) {
         ++state.inputs;
         keeper.restore();
-        for (const auto& [resource, value] : settings) { // of before the first picture
+        for (const auto& [resource, value] : settings) { // as before the first picture
             RES_put_again(resource, value.c_str());
         }
         const int code = take_input(plain_name(*name), plot);

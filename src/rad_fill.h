@@ -45,7 +45,7 @@ private:
 
 // How the values of one frame are filled. CONT_get_fill_attrib is asked once
 // for each value met; the answer depends on the value alone while the frame's
-// colours stand. Most frames hold at most some 256 different values.
+// colours are. Most frames hold at most some 256 different values.
 class RadFills {
 public:
     explicit RadFills(const RadFolded& folded = {});

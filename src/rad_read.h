@@ -16,7 +16,7 @@ void rad_take_precipitation(const char** at, MDR_prec* prec);
 // --- Texts --------------------------------------------------------------------
 
 // Holds a text of a type whole; what came before the end of a damaged packing
-// stands. False with a message when it is too large.
+// is. False with a message when it is too large.
 bool rad_text_take(std::FILE* file, const char* name, int type);
 void rad_text_forget();
 // Date and grid, into an empty record. Returns 0, -1 without a grid.

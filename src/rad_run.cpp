@@ -106,7 +106,7 @@ bool take_name(char* kept, const char* name) {
     return same;
 }
 
-// Opens a file of the walk. The first one was tried already, and is open behind
+// Opens a file of the walk. The first one was tried already, and is open after
 // its header or reported: a standard stream can be read but once, and half of
 // its unpacking would be done twice.
 // The next file of the run. Those that a span of hours names and nobody has

@@ -2,7 +2,7 @@
 // `plot_param`, the run over the selected files with a frame for each, the
 // refresh, and the mark and range rings of a site.
 //
-// A plotter owns a RadRun and tells of itself in a RadPlotter. Its plot routine,
+// A plotter owns a RadRun and describes itself in a RadPlotter. Its plot routine,
 // which is also called for a zoom or a resize, calls rad_open_session and then
 // rad_plot_files; its refresh routine calls rad_plot_nextfile.
 #pragma once
@@ -41,7 +41,7 @@ void rad_add_words(KnownWords* known);
 // values; else nothing. `listed` is whether the levels of the frame may have an entry
 // of their own for them, which then counts unless the word names a colour.
 RadFolded rad_folded(const RadWords& words, float value, bool listed);
-// The number behind `length` letters of a word and one character; 0 for none.
+// The number after `length` letters of a word and one character; 0 for none.
 double rad_word_number(const char* word, std::size_t length);
 int rad_word_int(const char* word, std::size_t length); // cut, and to 1e9 in size
 
@@ -51,7 +51,7 @@ struct RadPlotter {
     int (*decode)();                   // takes the plotter's words of `plot_param`
     int (*open)(const char* filename); // 1; 0 with a message when it does not open
     int (*close)();
-    // Takes what the open file tells before its data, in the zone of the
+    // Takes what the open file says before its data, in the zone of the
     // session. Gives the file's own domain, whose `proj` may be unset.
     const Domain* (*begin)();
     int (*frame)(); // draws a frame of the open file

@@ -1,4 +1,4 @@
-// rad_sites.h: which radar stands at a place.
+// rad_sites.h: which radar is at a place.
 #pragma once
 
 #include "zyrcty.h"

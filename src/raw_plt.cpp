@@ -181,7 +181,7 @@ void take_limit(const char* text, float* out) {
     take_float(&text, out);
 }
 
-// Two numbers, one behind the other or with a mark between, as an offset.
+// Two numbers, one after the other or with a mark between, as an offset.
 void take_offset(const char* text, RAW_attribs* attr) {
     float x = 0.0F;
     float y = 0.0F;
@@ -302,7 +302,7 @@ int take_part(const char* part, RAW_attribs* attr) {
 
 // --- Words of plot_param -------------------------------------------------------------
 
-// What stands from the sixth character on.
+// What is from the sixth character on.
 const char* from_sixth(const char* word) {
     return std::strlen(word) > 5 ? word + 5 : "";
 }
@@ -796,7 +796,7 @@ void plot_rows(FilePlot& plot) {
     const bool each = plot.field == RAW_selector(raw_each);
     RAW_report report;
     RAW_data data;
-    int placed = -1; // the row whose place stands in `data`
+    int placed = -1; // the row whose place is in `data`
     bool has_place = false;
     bool any = each; // value of the field
     for (int record = 0;;) {

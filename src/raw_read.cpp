@@ -27,7 +27,7 @@ constexpr char magic = 'Z';
 struct State {
     std::array<std::unique_ptr<RAW_file>, raw_max_files> rfile = {};
     // A selector below raw_selectors is the address of its place here, so that
-    // a number and a name are told apart without a look at either.
+    // a number and a name are distinguished without a look at either.
     std::array<char, raw_selectors> selectors = {};
 };
 State state;
@@ -109,15 +109,14 @@ bool next_line(RAW_file* raw) {
     } else if (n == 0) {
         raw->ended = true;
         if (c == '\n' && !raw->is_input) {
-            // Rows behind an empty one are data that a user may miss.
+            // Rows after an empty one are data that a user may miss.
             int next = std::getc(raw->file);
             while (next != EOF && is_blank(static_cast<char>(next))) {
                 next = std::getc(raw->file);
             }
             if (next != EOF) {
-                MESS_print(
-                    mess_warn,
-                    "RAW_read: The data end at an empty line, rows behind it are left out\n");
+                MESS_print(mess_warn,
+                           "RAW_read: The data end at an empty line, rows after it are left out\n");
             }
         }
     }
@@ -230,7 +229,7 @@ void read_header(RAW_file* raw, RAW_info* info) {
 
 // --- Values --------------------------------------------------------------------------
 
-// Identifier and position of the row in hand. Returns the offset behind them.
+// Identifier and position of the row in hand. Returns the offset past them.
 int read_prefix(RAW_file* raw, RAW_report* report) {
     Words words{raw->line};
     const char* begin = nullptr;

@@ -1,4 +1,4 @@
-// raw_tool.cpp: names of raw files, with the field and the format behind them,
+// raw_tool.cpp: names of raw files, with the field and the format after them,
 // and items to plot (zyrraw.h). State: the field and format of the last name.
 #include "zyrraw.h"
 

@@ -150,7 +150,7 @@ public:
         return true;
     }
 
-    // Moves on to a tag if it stands somewhere; before the part ends, if told.
+    // Moves on to a tag if it is somewhere; before the part ends, if asked.
     bool reach(std::string_view tag, bool within_part = true) {
         const std::string_view text = rest();
         const std::size_t end =
@@ -164,7 +164,7 @@ public:
     }
 
     // Scans the section of a tag. One that does not scan is passed over, as is
-    // what stands before it.
+    // what is before it.
     template <class... Out> bool section(const char* tag, const char* format, Out*... out) {
         return reach(tag) && take(format, out...);
     }
@@ -209,7 +209,7 @@ void take_place(const char* name, float* x, float* y) {
     }
 }
 
-// Two characters as they stand, without blanks.
+// Two characters as they are, without blanks.
 void take_id(const char* two, char (&id)[3]) {
     std::size_t size = 0;
     for (const char* at = two; *at != '\0' && size < sizeof id - 1; ++at) {

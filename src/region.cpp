@@ -1,6 +1,6 @@
 // region.cpp: where a picture lies. A domain comes as text: from the
 // resources `plot_domain` and `region`, from a line of a region file, or typed
-// at the region prompt. A domain string is a list of fields; its shape is told
+// at the region prompt. A domain string is a list of fields; its shape is given
 // by their number and kind, the first shape of the table that fits wins.
 //
 // State: the region menu (built-in rows until a region file was read), the two
@@ -134,7 +134,7 @@ struct Regions {
     int priority = 3;
     int loc_prior = 4;
     int prompt_region = 1; // 0: DOM_prompt_region has given its one domain
-    int num_regs = 0;      // row behind the last one read from a file, 0: none read
+    int num_regs = 0;      // row after the last one read from a file, 0: none read
     int menu_type = 0;     // display column of the menu
     int depth = 0;         // decodes under way
     bool wiped = false;    // the built-in rows are gone

@@ -57,7 +57,7 @@ int RES_help_item(res_type type) {
     if (row == nullptr || row->argument == nullptr) {
         return 0;
     }
-    // A domain's argument is long: its text stands on a line of its own.
+    // A domain's argument is long: its text is on a line of its own.
     const bool own_line = row->more == HelpMore::domain || row->more == HelpMore::region;
     MESS_print(mess_print, " %-10s  %s\n", row->argument, own_line ? "" : row->help);
     help_more(*row);

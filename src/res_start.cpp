@@ -288,7 +288,7 @@ const Request* find_request(const Option& option, const char* typed) {
                : nullptr;
 }
 
-// Returns how many arguments behind the option it used up.
+// Returns how many arguments after the option it used up.
 int take_option(Option option, const char* typed, const RES_defobj* def_table) {
     const char* name = option.name.data();
     if (const Request* request = find_request(option, typed)) {

@@ -2,7 +2,7 @@
 // style of scanf and a cursor that stays in the text from call to call.
 //
 // A format is a sequence of blanks (one or more white characters, all passed
-// over), directives, and other characters, which must stand in the text. A
+// over), directives, and other characters, which must be in the text. A
 // directive is % [*] [<] [width] [!missing!] conversion:
 //   *        recognise but do not store; takes no argument
 //   <        the width is a maximum; without it the field is exactly that wide
@@ -34,14 +34,14 @@ void scanp_set(parse_param* param, char* text);
 // One scan from `off`, which stays. Returns `matched`; -1 for an empty format
 // or at the end of the text.
 int scanp(parse_param* param, const char* format, ...);
-// Move on behind what the last scan consumed, to an offset, or by a count. The
+// Move on past what the last scan consumed, to an offset, or by a count. The
 // cursor never leaves the text. Return the new offset.
 int scanp_inc(parse_param* param);
 int scanp_off(parse_param* param, int offset);
 int scanp_inc_off(parse_param* param, int count);
-// The text at the cursor; the character `index` places behind it, 0 outside the text.
+// The text at the cursor; the character `index` places after it, 0 outside the text.
 char* scanp_str(const parse_param* param);
 char scanp_char(const parse_param* param, int index);
-// Every character `from` behind the cursor becomes `to`, in the caller's text.
+// Every character `from` after the cursor becomes `to`, in the caller's text.
 // Returns how many did.
 int scanp_replace(parse_param* param, char from, char to);

@@ -217,7 +217,7 @@ int ZYR_set_command(const char* text) {
     if (strnicmp(text, "set", 3) != 0) {
         return 0;
     }
-    const char* name = text + std::strcspn(text, blanks); // behind the word that begins with "set"
+    const char* name = text + std::strcspn(text, blanks); // after the word that begins with "set"
     name += std::strspn(name, blanks);
     const std::size_t length = std::strcspn(name, "= ");
     if (length == 0) {

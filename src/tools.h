@@ -25,7 +25,7 @@ int fskipline(std::FILE* stream);
 // never. Returns whether items will be reversed.
 int swap_setup(int order);
 // Reverse items of four (long) or two (short) bytes in place, if need be.
-// Return 0; -1 if they stand as they are.
+// Return 0; -1 if they stay as they are.
 int swap_long(void* data);
 int swap_short(void* data);
 int swap_longs(void* data, int count);

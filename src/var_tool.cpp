@@ -125,7 +125,7 @@ int decide_type(const VAR_data& var, const char* name) {
 // "ensmean[]name" and its like: how a variable's number becomes that of a form
 // of an ensemble.
 struct Ensemble {
-    const char* variable;    // what is behind the "]"
+    const char* variable;    // what is after the "]"
     std::int64_t factor = 1; // number * factor + offset
     std::int64_t offset = 0;
 };
@@ -182,7 +182,7 @@ bool read_ensemble(const char* name, Ensemble* form) {
                                         : skip_word(&name, "ens[") && read_member(name, form);
 }
 
-// The variable of a name such as "max-top": what is behind the function word.
+// The variable of a name such as "max-top": what is after the function word.
 const char* variable_of(const char* name) {
     const char* minus = std::strchr(name, '-');
     return minus == nullptr || minus == name || minus[1] == '\0' ? name : minus + 1;

@@ -178,7 +178,7 @@ std::uint64_t pixel_bytes(const XWDFileHeader& h) {
     return std::uint64_t{h.pixmap_height} * h.bytes_per_line * (by_planes(h) ? h.pixmap_depth : 1);
 }
 
-// Bytes of a colour record: the file's length tells.
+// Bytes of a colour record: the file's length decides.
 std::uint32_t record_size(std::FILE* file, const XWDFileHeader& h) {
     const long here = std::ftell(file);
     if (here < 0 || std::fseek(file, 0, SEEK_END) != 0) {

@@ -58,7 +58,7 @@ struct CTY_info {
 // --- Station file (cty_read.cpp) --------------------------------------------
 
 // One station file is open at a time; opening another closes it.
-// CTY_open: the name stands as it is. f_access 0 reads, 1 writes; f_type is
+// CTY_open: the name is taken as it is. f_access 0 reads, 1 writes; f_type is
 // carried and not used. Returns the descriptor, or -1.
 int CTY_open(const char* filename, int f_access, int f_type);
 // These return 0, or -1 for a descriptor that is not the open one.

@@ -22,7 +22,7 @@ struct Gattribs {
 // "zyr.clr", each a list split at commas. A missing file is passed over.
 int CLR_read_table(const char* filename);
 int CLR_clear_table();
-// Takes the next slot and tells the kernel. Returns its index, -1 when full.
+// Takes the next slot and gives it to the kernel. Returns its index, -1 when full.
 int CLR_add(const char* name, float red, float grn, float blu);
 int CLR_get_num_fill();
 int CLR_get_num();

@@ -27,7 +27,7 @@
 // no header and is of type 99.
 //
 // A value is "-" (missing), a number, two numbers with a comma between, or a
-// word; ":" and a plot format may follow, and "name=" stand in front.
+// word; ":" and a plot format may follow, and "name=" may come first.
 
 constexpr int raw_type_file = 1;
 constexpr int raw_type_plain = 99;
@@ -84,7 +84,7 @@ struct RAW_file {
 };
 
 // What is wanted of a row, as `rep_type` of RAW_read: raw_each each value in
-// turn, raw_ident the identifier, raw_value(n) value n behind the position
+// turn, raw_ident the identifier, raw_value(n) value n after the position
 // columns; or the name of a field, or of a "name=value" in the row.
 char* RAW_selector(int number);
 constexpr int raw_each = 1;
@@ -101,7 +101,7 @@ int RAW_chktype(const char* filename);
 int RAW_open(const char* filename, int f_access, int* f_type);
 // Reads the header; nothing of a type 99 file. Returns 0, -1 for no handle.
 int RAW_getinfo(int raw_fd, RAW_info* info);
-// Place of a field behind the position columns, which themselves are below 0;
+// Place of a field after the position columns, which themselves are below 0;
 // missing if there is none. `field`: a selector.
 int RAW_get_field_ind(int raw_fd, const char* field);
 // Description of a field, or null.

@@ -224,7 +224,7 @@ int RES_enter(RES_defobj* row, res_type type);
 void RES_setCL(int argc, char** argv);
 // argv[0]; null before RES_setCL.
 const char* RES_get_prog();
-// The text of argv[0] behind its last "/". `buffer` holds at least
+// The text of argv[0] after its last "/". `buffer` holds at least
 // file_name_size characters; null: new memory. Returns the text.
 char* RES_get_progname(char* buffer);
 

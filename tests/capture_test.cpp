@@ -195,7 +195,7 @@ TEST_F(CaptureTest, ImagesLieOverThePlot) {
         int bits; // 0: an XWD file whose pixels are beyond its table; 16: greys
         int width, height, x, y;
         const char* kind;
-        const char* rest;    // of the entry, behind the file
+        const char* rest;    // of the entry, after the file
         std::uint32_t clear; // the colour that is not drawn
     };
     // The picture fills the window of 401 by 301. One picture holds them all,

@@ -70,7 +70,7 @@ TEST(ColorTable, ListsAndFillCount) {
     const std::string b = dir.write("b", "END\nsky .5 .7 1\nEND\n");
     RES_put("color_table", (a + ",,missing.clr," + b).c_str());
     CLR_read_table(nullptr);
-    EXPECT_EQ(CLR_get_num(), 5) << "the END behind the last entry counts";
+    EXPECT_EQ(CLR_get_num(), 5) << "the END after the last entry counts";
     EXPECT_EQ(CLR_get_num_fill(), 2) << "of the first file alone";
     EXPECT_EQ(CLR_get_ind("sky"), 3);
     CLR_read_table(a.c_str());

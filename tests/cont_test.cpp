@@ -142,7 +142,7 @@ TEST(Cont, ColorOfAValue) {
     EXPECT_EQ(color_of(0.9F) + color_of(1.0F) + color_of(10.0F) + color_of(10.1F),
               "noneredbluenone");
 
-    // A step without a pattern is solid, also behind a hatched one.
+    // A step without a pattern is solid, also after a hatched one.
     start();
     CONT_set_fill_colors("0:red:fi=hat:wi=3,10:blue", 1);
     Gattribs hatched;

@@ -143,7 +143,7 @@ TEST(Dates, LabelsInAZone) {
     EXPECT_EQ(label_of(date_of(2000, 1, 1)), "6:00 PM CST [0000Z] 31 DEC 99");
     DATE_set_TZ("+EASTERN:5.5");
     EXPECT_STREQ(DATE_get_tz_str(), " EAST");
-    EXPECT_EQ(DATE_get_tz_off(), -21600); // no offset is read behind five letters
+    EXPECT_EQ(DATE_get_tz_off(), -21600); // no offset is read after five letters
     DATE_set_TZ("+UT:0");
     EXPECT_EQ(label_of(date_of(2000, 1, 1, 12)), "12 PM UT  1 JAN 00");
     DATE_set_TZ("X:1e30"); // no offset that a clock can have

@@ -6,7 +6,7 @@
 #include "zyr.h"
 #include "zyrresrc.h"
 
-#include "gks_x11.h" // behind gtest: Xlib's macros hide names of its
+#include "gks_x11.h" // after gtest: Xlib's macros hide names of its
 #include "x_server.h"
 
 #include <array>

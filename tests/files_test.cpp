@@ -441,7 +441,7 @@ TEST_F(Files, TypedNamesWithTheShippedConventions) {
         {"rad_dat",  0, "@any/name",             "any/name",                "- - - - -",     ""  },
         {"rad_dat",  0, "std",                   "-",                       "- - - - -",     ""  },
         {"nids",     1, "lev-3/gsm-1.nids",      "lev-3/gsm-1.nids",        "- - - - -",     ""  },
-        {"nids",     1, "lev-3/gsm-1.nids#1",    "lev-3/gsm-1.nids",        "- - - - -",     "#1"}, // behind the file
+        {"nids",     1, "lev-3/gsm-1.nids#1",    "lev-3/gsm-1.nids",        "- - - - -",     "#1"}, // after the file
         {"nids",     1, "@lev-3/gsm-1.nids:2",   "lev-3/gsm-1.nids",        "- - - - -",     ":2"},
         {"nids",     1, "|cat latest-1",         "|cat latest-1",           "- - - - -",     ""  }, // a command
         {"nids",     1, full.c_str(),            full.c_str(),              "- - - - -",     ""  },

@@ -206,7 +206,7 @@ TEST(Arguments, ReachTheirRows) {
             CaptureStdout();
             RES_list();
             const std::string list = GetCapturedStdout();
-            return list.substr(list.find('\n') + 1); // behind "default"
+            return list.substr(list.find('\n') + 1); // after "default"
         });
 }
 

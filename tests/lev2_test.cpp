@@ -44,7 +44,7 @@ std::string dump(const Bytes& bytes, LEV2_info* info = nullptr) {
     return dump(file.name(), info);
 }
 
-// The walk of one radial behind a volume header; `data` takes its record.
+// The walk of one radial after a volume header; `data` takes its record.
 std::string dump_one(const Lev2Radial& radial, LEV2_data& data) {
     Lev2Volume volume;
     volume.units = {lev2_radial(radial)};
@@ -267,7 +267,7 @@ TEST_F(Lev2, Units) {
     };
     const auto size = static_cast<std::uint32_t>(first.size() - 4);
     EXPECT_GT(both.size(), one.size());
-    EXPECT_EQ(with_length(size + 1000, 1000), both); // bytes behind the stream
+    EXPECT_EQ(with_length(size + 1000, 1000), both); // bytes after the stream
     EXPECT_EQ(with_length(0 - size, 0), both);
     EXPECT_EQ(with_length(0, 0), "");
     EXPECT_EQ(with_length(size - 20, 0), ""); // the block is not whole

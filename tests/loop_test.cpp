@@ -4,7 +4,7 @@
 
 #include "gks.h"
 #include "gks_loop.h"
-#include "gks_zoom.h" // behind gtest: Xlib's macros hide names of its
+#include "gks_zoom.h" // after gtest: Xlib's macros hide names of its
 
 #include <algorithm>
 #include <array>

@@ -71,7 +71,7 @@ void draw() {
 class MetaPage : public FilePage {
 public:
     explicit MetaPage(const std::string& form = "zyr") : FilePage(ws_metafile, form) {}
-    // What stands behind the state at the opening.
+    // What stands after the state at the opening.
     std::string drawn() {
         constexpr std::string_view last = "TE_FNT 1 2\n";
         const std::string text = whole();

@@ -62,7 +62,7 @@ TEST_F(NidsPlot, TextsHangFromTheirTops) {
     EXPECT_NEAR(top, 552 - 30 * 529.0F / 511, 0.5F);
 }
 
-// Site and rings look the same behind a wide map line.
+// Site and rings look the same after a wide map line.
 TEST_F(NidsPlot, RingsForgetTheMapLine) {
     std::string parts[2];
     for (const int width : {3, 6}) {

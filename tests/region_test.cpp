@@ -122,7 +122,7 @@ TEST_F(Region, Files) {
         {"fi:mine.reg", "2: 1 - - 10 20 25 17 1.2 1.2"  },
         {"bare.reg:x",  "2: 1 - - 13 23 25 17 0.25 0.25"},
         {"mine.reg:B",  "2: 1 - - 12 22 25 17 1.2 1.2"  },
-        {"late",        "2: -1 - - - - 25 17 1.2 1.2"   }, // behind a blank line
+        {"late",        "2: -1 - - - - 25 17 1.2 1.2"   }, // after a blank line
         {"mine.reg:",   "2: -9999 - - - - - - - -"      }, // the menu alone
     };
     expect_decoded(rows);
@@ -154,7 +154,7 @@ TEST_F(Region, Prompt) {
               std::string::npos);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               std::string("Invalid domain\n") + invalid_line + "Invalid domain\n");
-    // A resource gives one domain and no prompt behind it, or ends the program.
+    // A resource gives one domain and no prompt after it, or ends the program.
     RES_put("plot_domain", "miss"); // leaves the question to the next one
     RES_put("region", "nowhere");
     EXPECT_EXIT(DOM_prompt_region(&d_, 1), testing::ExitedWithCode(43), "^Invalid domain\n");

@@ -25,7 +25,7 @@ std::unique_ptr<std::FILE, Closer> stream_of(std::string& text) {
 }
 
 TEST(Strings, ParseString) {
-    // The result and the fields with a bar behind each.
+    // The result and the fields with a bar after each.
     const auto parsed = [](const char* text) {
         int count = 99;
         char** array = nullptr;

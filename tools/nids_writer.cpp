@@ -349,7 +349,7 @@ std::vector<std::pair<std::string, Bytes>> nids_samples() {
     const std::vector<Bytes> both = {message, nids_message(digital)};
     all.emplace_back("collective", nids_collective(both));
 
-    // A list of storms on two pages, and one of columns behind a packet that is
+    // A list of storms on two pages, and one of columns after a packet that is
     // not walked.
     const char* header = " STM ID  AZ/RAN TVS  MDA  POSH/POH/MX SIZE VIL DBZM  HT  TOP  FCST MVMT ";
     NidsSample storms = radial;

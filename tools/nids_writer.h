@@ -68,7 +68,7 @@ Bytes nids_message(const NidsSample& sample);
 // --- Wrappers ---------------------------------------------------------------
 
 Bytes nids_bzip2(const Bytes& data);
-// A message behind the wrapper with these first two bytes, such as "SD".
+// A message after the wrapper with these first two bytes, such as "SD".
 Bytes nids_wrapped(const std::string& mark, const Bytes& message);
 // The message in `streams` zlib streams, with its 54 lead bytes.
 Bytes nids_zlib(const Bytes& message, int streams);

@@ -30,7 +30,7 @@ std::string color_name(const std::string& numbers) {
     return numbers;
 }
 
-// Two numbers at the start of a line. Returns what stands behind them, null
+// Two numbers at the start of a line. Returns what stands after them, null
 // if they are not there.
 const char* two_numbers(const char* text, Gpt* pt) {
     char* second = nullptr;

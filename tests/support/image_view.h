@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "x_server.h" // behind gtest: Xlib's macros hide names of its
+#include "x_server.h" // after gtest: Xlib's macros hide names of its
 
 #include <string>
 #include <vector>

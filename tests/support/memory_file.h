@@ -17,7 +17,7 @@ public:
     MemoryFile& operator=(const MemoryFile&) = delete;
 
     [[nodiscard]] const char* name() const { return name_.data(); }
-    // Writes behind what is there.
+    // Writes after what is there.
     void add(const std::vector<std::uint8_t>& bytes) {
         for (std::size_t done = 0; done < bytes.size();) {
             const auto n = write(handle_, bytes.data() + done, bytes.size() - done);

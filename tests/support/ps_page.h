@@ -51,7 +51,7 @@ inline std::array<int, 4> device_area() {
 // A file device with its own file, which goes with the object.
 class FilePage {
 public:
-    // `conn` stands behind the name, `mode` in front of it.
+    // `conn` stands after the name, `mode` in front of it.
     FilePage(Gws_type type, const std::string& conn, const std::string& mode = "")
         : path(temp_name("page")) {
         for (const char* name :

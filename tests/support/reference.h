@@ -10,7 +10,7 @@
 
 constexpr char real_data[] = ZYR_REAL_DATA "/";
 
-// The number, or the text, behind a key, searched from `from` on; `missing`, or
+// The number, or the text, after a key, searched from `from` on; `missing`, or
 // empty, for none.
 inline double json_number(const std::string& json, const std::string& key, std::size_t from = 0) {
     const std::size_t at = json.find("\"" + key + "\": ", from);

@@ -53,7 +53,7 @@ private:
 };
 
 // Runs `body` in a process of its own and returns its result, with "exit N"
-// behind it if the process did not end well. So a row of a table starts from
+// after it if the process did not end well. So a row of a table starts from
 // untouched module state.
 std::string in_child(const std::function<std::string()>& body);
 
