@@ -196,7 +196,8 @@ int gmessage(int level, const char* text);
 // on types 1 and 6. Calls that need one return 0 or -1 at once on a file device and
 // change nothing.
 
-// What gopen_ws does for types 1 and 6. Returns 0, or -1 after a report.
+// What gopen_ws does for types 1 and 6. Returns 0, or -1 after a report. A window whose
+// display does not answer gives 1, and no report, if the plot ends in image files.
 int gopen_window(const char* conn_id);
 // 1: the plot ends in image files, so that the display in memory serves it where no
 // other answers.

@@ -41,12 +41,18 @@ bool is_file_device(Gdevice device) {
     return false;
 }
 
+// A window, or the display in memory where that is named or no other answers.
+int open_screen(const char* conn_id) {
+    const int status = gnames_memory(conn_id) ? 1 : gopen_window(conn_id);
+    return status > 0 ? gopen_memory() : status;
+}
+
 // The branch of the device, with what initialises the plot there. Negative
 // after a report.
 int open_device(const char* conn_id, Gdevice device) {
     switch (device) {
     case Gdevice::window:
-        return gopen_window(conn_id) == 0 ? init_display : init_none;
+        return open_screen(conn_id) == 0 ? init_display : init_none;
     case Gdevice::pixmap:
         return gopen_pixmap(conn_id) == 0 ? init_display : init_none;
     case Gdevice::postscript:

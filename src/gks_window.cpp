@@ -260,13 +260,10 @@ int gset_icon_bitmap(const unsigned char* bits) {
 }
 
 int gopen_window(const char* conn_id) {
-    if (gnames_memory(conn_id)) {
-        return gopen_memory();
-    }
     gset_win_type(ws_window);
     const Gdisplay_watch watch;
     if (gopen_display(conn_id) != 0) {
-        return gis_image_run() ? gopen_memory() : -1;
+        return gis_image_run() ? 1 : -1;
     }
     gset_cache(1);
     if (is_environment("zyrinverse")) {
