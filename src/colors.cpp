@@ -522,7 +522,8 @@ int CLR_add(const char* name, float red, float grn, float blu) {
     color.red = red;
     color.grn = grn;
     color.blu = blu;
-    GPH_set_color(ind, red, grn, blu);
+    const Gcolr_rep rep = {red, grn, blu};
+    gset_colr_rep(gget_ws_id(), ind, &rep);
     return ind;
 }
 

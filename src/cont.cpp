@@ -364,7 +364,7 @@ int regular_step(float value) {
     if (!is_set(s.cbase)) {
         if (!s.levels_asked && (!is_set(s.intrvl) || !is_set(s.base))) {
             s.levels_asked = true;
-            settle_bar_levels();
+            settle_bar_levels(s);
         }
         s.cbase = is_set(s.base) ? s.base : s.conlo;
     }
@@ -530,10 +530,6 @@ void decode_param(const char* word) {
 
 // ceil(v * parts) / parts; the product is single precision, so that 0.3
 // stays 0.3.
-float round_up(float v, float parts) {
-    return std::ceil(v * parts) / parts;
-}
-
 } // namespace
 
 namespace cont {
@@ -547,31 +543,6 @@ State& state() {
     return contours;
 }
 
-int whole(double value) {
-    constexpr double most = 1e9;
-    return std::isnan(value) ? 0 : static_cast<int>(std::clamp(value, -most, most));
-}
-
-Extent regular_extent(float low, float high, float base, float intrvl) {
-    Extent extent{high, low, 0};
-    if (high >= low) {
-        extent.lo = base + std::floor((low - base) / intrvl) * intrvl;
-        extent.hi = base + std::floor((high - base) / intrvl + 1.0F) * intrvl;
-        if (high - base == extent.hi) {
-            extent.hi += intrvl;
-        }
-    }
-    extent.num =
-        whole((static_cast<double>(extent.hi - extent.lo) + 0.01) / static_cast<double>(intrvl));
-    return extent;
-}
-
-void ask_interval() {
-    if (!is_set(contours.intrvl)) {
-        RES_getval("con_interval", &contours.intrvl, CV_float);
-    }
-}
-
 float level_at(int i) {
     const State& s = contours;
     if (is_set(s.cont_value[0])) {
@@ -581,12 +552,7 @@ float level_at(int i) {
 }
 
 float level_width(int i) {
-    const State& s = contours;
-    if (!is_set(s.cont_value[0])) {
-        return s.intrvl;
-    }
-    constexpr float open_end = 1e6F;
-    return i >= s.num_cont - 1 ? open_end : s.cont_value[i + 1] - s.cont_value[i];
+    return level_width(contours, i);
 }
 
 int first_step(float base) {
@@ -917,19 +883,6 @@ int CONT_get_fill_attrib(float value, Gattribs* attrib) {
 
 // --- Range of the levels ----------------------------------------------------
 
-float CONT_calc_intrvl(float max, float min, int num) {
-    const float v = (max - min) / static_cast<float>(num == 0 ? 1 : num);
-    if (v >= 1.0F) {
-        return std::ceil(v);
-    }
-    for (const float parts : {10.0F, 100.0F, 1000.0F, 10000.0F}) {
-        if (v >= 1.0F / parts) {
-            return round_up(v, parts);
-        }
-    }
-    return v == 0.0F ? 1.0F : v;
-}
-
 int CONT_set_cont_ext(const GRD_report* grid) {
     State& s = contours;
     if (is_set(s.cont_value[0])) {
@@ -943,7 +896,7 @@ int CONT_set_cont_ext(const GRD_report* grid) {
     if (!is_set(s.grid_max)) {
         return -1;
     }
-    ask_interval();
+    ask_interval(s);
     if (!is_set(s.intrvl) && s.cont_type != cont_values) {
         s.intrvl = 0.0F;
     }

@@ -120,7 +120,7 @@ int CONT_draw_bar(int orient, const char* label) {
     bar.bar_inc = 0.0F;
     Glim view = {};
     PLT_get_view(&view);
-    if (orient != 1 || !settle_bar_levels() || !lay_out(view)) {
+    if (orient != 1 || !settle_bar_levels(state()) || !lay_out(view)) {
         return -1;
     }
     Gattribs text;

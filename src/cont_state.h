@@ -1,4 +1,4 @@
-// cont_state.h: what the three source files of the contour module share: the
+// cont_state.h: what the source files of the contour module share: the
 // state, the level arithmetic and the attributes of a colour step.
 #pragma once
 
@@ -63,6 +63,8 @@ constexpr bool has_lines(int type) {
     return is_line_type(type) || type == cont_fill_lines;
 }
 
+// --- Level arithmetic (cont_levl.cpp) -------------------------------------------
+
 // The value cut to a whole number, held within a thousand million.
 int whole(double value);
 
@@ -74,13 +76,17 @@ struct Extent {
 Extent regular_extent(float low, float high, float base, float intrvl);
 
 // Reads the resource con_interval when no interval is set.
-void ask_interval();
+void ask_interval(State& s);
 
 // Fixes the levels that the bar shows from what is set and from the resources
 // con_interval and con_base. Returns whether they make a bar.
-bool settle_bar_levels();
+bool settle_bar_levels(State& s);
+// From level i to the next (1e6 after the last explicit one).
+float level_width(const State& s, int i);
 
-// Level i, and the distance to the next (1e6 after the last explicit one).
+// --- The levels in force (cont.cpp) ---------------------------------------------
+
+// Level i, and the distance to the next.
 float level_at(int i);
 float level_width(int i);
 // Colour step of level 0, counted from `base` (missing: from the level itself).

@@ -1,6 +1,6 @@
 // plt_parm: the words of the resource `plot_param` that belong to every plot.
-// They set the plot session, the map, the colour bar, the kernel and the file
-// layer; words for modules that read them later are kept in PLT_settings.
+// They set the map, the colour bar, the kernel and the file layer; words for the plot
+// session and for modules that read them later are kept in PLT_settings.
 #include "plt_tool.h"
 
 #include "cont.h"
@@ -336,7 +336,7 @@ void apply(const WordRow& row, const char* rest) {
         settings.max_bad = positive(value, row.number);
         break;
     case Word::place:
-        PLT_set_place(row.number != 0);
+        settings.place = row.number != 0;
         break;
     case Word::grid_format:
         copy_text(settings.grid_format, sizeof settings.grid_format, value);
@@ -413,6 +413,23 @@ int PLT_panel_decode(const char* text) {
         return -1;
     }
     return GPH_set_view_size(panel.width, panel.height, panel.x, panel.y);
+}
+
+int PLT_set_dump(int type, const char* filename) {
+    settings.dump = type;
+    if (filename == nullptr || *filename == '\0') {
+        const IMG_kind* kind = IMG_find_dump(type);
+        filename = kind == nullptr ? "" : kind->file_name;
+    }
+    const int status = copy_text(settings.dump_file, sizeof settings.dump_file, filename);
+    if (status != 0) {
+        MESS_print(mess_warn, "PLT_set_dump: Name is too long, cut to: %s\n", settings.dump_file);
+    }
+    return status;
+}
+
+bool PLT_has_dump() {
+    return settings.dump != 0;
 }
 
 const PLT_settings& PLT_get_settings() {

@@ -1,6 +1,6 @@
 // plt_tool: the plot session. It opens the workstation for a plotter and
-// writes the image dump of each frame. State: workstation and what is to be
-// dumped; the viewport is plt_view's.
+// writes the image dump of each frame. State: workstation, and the names of what is
+// written; the viewport is plt_view's, what is to be dumped plt_parm's.
 #include "plt_tool.h"
 
 #include "cont.h"
@@ -32,18 +32,15 @@ namespace {
 struct Session {
     int work_id = 1;
     Gws_type wk_type = ws_none;
-    float aspect = 1.0F;                 // of the viewport, as opened
-    int dump = 0;                        // kind of image dump
-    char dump_file[file_name_size] = ""; // its name convention
-    Date data_date;                      // of the data in the picture
-    std::vector<std::string> files;      // the input of each frame, without directory and ending
-    bool lost = false;                   // an output could not be written
-    bool place = false;                  // an image says to other programs where it lies
-    IMG_place placed_at;                 // of the picture that is being written
-    std::string number;                  // of the picture in a run over a list, else empty
-    bool resume = false;                 // pictures that are there stay
-    std::string page;                    // name of the page that is written
-    std::string loop_path;               // of the animation that is being written
+    float aspect = 1.0F;            // of the viewport, as opened
+    Date data_date;                 // of the data in the picture
+    std::vector<std::string> files; // the input of each frame, without directory and ending
+    bool lost = false;              // an output could not be written
+    IMG_place placed_at;            // of the picture that is being written
+    std::string number;             // of the picture in a run over a list, else empty
+    bool resume = false;            // pictures that are there stay
+    std::string page;               // name of the page that is written
+    std::string loop_path;          // of the animation that is being written
 };
 Session session;
 
@@ -135,7 +132,7 @@ void describe_place(IMG_report* image) {
 
 // Of an animation the first picture says where it lies.
 bool write_image(const IMG_kind& kind, const char* path) {
-    const bool place = session.place && !kind.placed && !GIF_has_frames();
+    const bool place = PLT_get_settings().place && !kind.placed && !GIF_has_frames();
     void (*const about)(IMG_report*) = place ? describe_place : kind.placed ? describe : nullptr;
     if ((kind.frames ? gadd_image(path, about) : gdump_image(kind, path, about)) == 0) {
         return false;
@@ -224,7 +221,7 @@ void name_output(const char* conv, const char* key, int frame, char* name) {
 
 void name_image(const char* key, int frame, char* path) {
     char name[file_name_size] = "";
-    name_output(session.dump_file, key, frame, name);
+    name_output(PLT_get_settings().dump_file, key, frame, name);
     FILE_add_path(RES_get("image_path"), name, path);
 }
 
@@ -273,7 +270,7 @@ std::string page_name() {
 // Writes the picture of the selected frame.
 void dump_image(const char* key, int frame) {
     char path[file_name_size] = "";
-    const IMG_kind* kind = IMG_find_dump(session.dump);
+    const IMG_kind* kind = IMG_find_dump(PLT_get_settings().dump);
     name_image(kind != nullptr && kind->frames ? "loop" : key, frame, path);
     const char* label = kind == nullptr ? "" : kind->dump_name;
     if (!gtype_is_WIN_PIX()) {
@@ -311,8 +308,8 @@ int PLT_open(float aspect) {
         warn_of_parts();
         return -1;
     }
-    gset_image_run(session.dump != 0 ? 1 : 0);
-    if (!session.number.empty() && session.page.empty() && session.dump == 0) {
+    gset_image_run(PLT_has_dump() ? 1 : 0);
+    if (!session.number.empty() && session.page.empty() && !PLT_has_dump()) {
         name_page(); // unless that was done to look for it
     }
     GPH_setup(&session.work_id, &session.wk_type, aspect, view);
@@ -344,7 +341,7 @@ int PLT_close() {
     // What is written has to be whole when the program comes back to the user;
     // a window is handed over as it is.
     end_frames();
-    const bool writes = session.dump != 0 || (gchk_graphics() != 0 && !gtype_is_WIN_PIX());
+    const bool writes = PLT_has_dump() || (gchk_graphics() != 0 && !gtype_is_WIN_PIX());
     if (FLAG_batch() != 0 && !writes) {
         go_to_background();
     }
@@ -352,7 +349,7 @@ int PLT_close() {
         return -1;
     }
     GPH_trans(tran_map);
-    if (session.dump == 0) {
+    if (!PLT_has_dump()) {
         GPH_hold(session.work_id);
     }
     gclear_ws(session.work_id, 1);
@@ -362,7 +359,7 @@ int PLT_close() {
     if (status != 0 || session.lost || ZYR_lacked_memory()) {
         ZYR_exit(end_output);
     }
-    if (writes && session.dump == 0) {
+    if (writes && !PLT_has_dump()) {
         note_output(page_name().c_str());
     }
     if (FLAG_batch() != 0 && writes) {
@@ -395,36 +392,19 @@ void PLT_tell_left_out(int files) {
     if (files > 0) {
         MESS_print(mess_warn, "A loop holds %d frames: %d more files are left out\n", max_frames,
                    files);
-        if (session.dump != 0) { // each was to have a picture
+        if (PLT_has_dump()) { // each was to have a picture
             PLT_lost_output();
         }
     }
 }
 
-int PLT_set_dump(int type, const char* filename) {
-    session.dump = type;
-    if (filename == nullptr || *filename == '\0') {
-        const IMG_kind* kind = IMG_find_dump(type);
-        filename = kind == nullptr ? "" : kind->file_name;
-    }
-    const int status = copy_text(session.dump_file, sizeof session.dump_file, filename);
-    if (status != 0) {
-        MESS_print(mess_warn, "PLT_set_dump: Name is too long, cut to: %s\n", session.dump_file);
-    }
-    return status;
-}
-
 std::string PLT_output_pattern() {
-    if (session.dump != 0) {
-        return session.dump_file;
+    if (PLT_has_dump()) {
+        return PLT_get_settings().dump_file;
     }
     const char* text = nullptr;
     RES_getval("device", &text, CV_device);
     return text == nullptr ? "" : std::string(text, std::strcspn(text, ","));
-}
-
-bool PLT_has_dump() {
-    return session.dump != 0;
 }
 
 void PLT_set_number(const char* number) {
@@ -435,7 +415,7 @@ std::string PLT_name_output() {
     PLT_param_decode();
     GPH_set_win_title();
     char path[file_name_size] = "";
-    if (session.dump == 0) {
+    if (!PLT_has_dump()) {
         name_page();
         return FILE_add_user_path(session.page.c_str(), path);
     }
@@ -466,10 +446,6 @@ bool PLT_has_picture(const char* input) {
     return PLT_get_tally().there;
 }
 
-void PLT_set_place(bool value) {
-    session.place = value;
-}
-
 void PLT_set_data_date(const Date* date) {
     session.data_date = date == nullptr ? Date{} : *date;
 }
@@ -498,7 +474,7 @@ void PLT_shift_data_files() {
 }
 
 int PLT_dump(int frame) {
-    if (session.dump == 0) {
+    if (!PLT_has_dump()) {
         return -1;
     }
     FILE_save_name_conv();

@@ -73,14 +73,17 @@ void PLT_add_param_words(KnownWords* known);
 // Panel "WxH+X+Y". Returns 0; -1 when the four numbers are not all there.
 int PLT_panel_decode(const char* text);
 
-// Words of `plot_param` whose readers are no part of the plot session:
-// header files and gridded fields take their settings from here.
+// Words of `plot_param` that are asked for later: by the plot session, header files and
+// gridded fields.
 struct PLT_settings {
-    int headers = 1;           // "nohdr" 0: no header files
-    int grid_factor = missing; // "gridx"
-    int max_bad = missing;     // "max_bad"
-    int empty_code = 0;        // "empty": exit code of a run without any echo
-    char grid_format[40] = ""; // "grdfmt"
+    int headers = 1;                     // "nohdr" 0: no header files
+    int grid_factor = missing;           // "gridx"
+    int max_bad = missing;               // "max_bad"
+    int empty_code = 0;                  // "empty": exit code of a run without any echo
+    char grid_format[40] = "";           // "grdfmt"
+    int dump = 0;                        // kind of image dump
+    char dump_file[file_name_size] = ""; // its name convention
+    bool place = false;                  // each image has files beside it that say where it lies
 };
 const PLT_settings& PLT_get_settings();
 
@@ -110,8 +113,6 @@ std::string PLT_name_output();
 // its header is read.
 void PLT_set_resume(bool resume);
 bool PLT_has_picture(const char* input);
-// Whether each image has files beside it that say where it lies (img_place.h).
-void PLT_set_place(bool value);
 // Date of the data in the picture: date keys in the name of a dump take from it
 // what the name of the file does not say. Null: not known.
 void PLT_set_data_date(const Date* date);
