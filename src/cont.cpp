@@ -1,4 +1,4 @@
-// cont.cpp: contour levels and the colours of values. Every radar value gets
+// cont: contour levels and the colours of values. Every radar value gets
 // its colour here; the contours (cont_draw.cpp) and the colour bar
 // (cont_bar.cpp) read the same levels. Owns the state of all three. Nothing
 // has to be called first; colour names need the colour table.
@@ -725,6 +725,10 @@ int CONT_set_type(int ind) {
 
 int CONT_get_type() {
     return contours.cont_type;
+}
+
+float CONT_get_bar_end() {
+    return contours.bar_inc == 0.0F ? missing_f : contours.bar_lim.x_max;
 }
 
 int CONT_set_bar(int value) {

@@ -1,11 +1,10 @@
-// cont_bar.cpp: the colour bar below a picture, the value under a point of it
-// and the blinking of one of its colours. Reads the levels of cont.cpp, which
-// a plotter sets first; owns the place of the last bar drawn.
+// cont_bar: the colour bar below a picture, the value under a point of it and the
+// blinking of one of its colours. No state: the levels, which a plotter sets first,
+// and the place of the last bar drawn are those of cont.
 #include "cont.h"
 
 #include "cont_state.h"
 #include "plt_tool.h"
-#include "state_keeper.h"
 #include "text_num.h"
 #include "zyrresrc.h"
 
@@ -18,12 +17,6 @@ namespace {
 
 constexpr float most_room = 0.035F; // height of the bar with its numbers
 constexpr float least_room = 0.01F;
-
-struct Bar {
-    Glim bar_lim = {};    // rectangle of boxes and numbers
-    float bar_inc = 0.0F; // width of a box; 0: no bar yet
-};
-Bar bar;
 
 // Ends the bar before the lower right label, but not below a fifth of the
 // viewport's width: the label gives way then. Lifts the numbers off the edge.
@@ -45,7 +38,7 @@ bool lay_out(const Glim& view) {
     } else if (!(room >= least_room)) {
         return false;
     }
-    Glim& lim = bar.bar_lim;
+    Glim& lim = state().bar_lim;
     lim.x_min = view.x_min + 0.03F * (view.x_max - view.x_min);
     lim.x_max = (view.x_min + view.x_max) / 2.0F;
     lim.y_max = inside ? view.y_min + room : view.y_min - 0.15F * room;
@@ -53,19 +46,20 @@ bool lay_out(const Glim& view) {
     if (PLT_get_fit_lab() != 0) {
         keep_clear(view, &lim);
     }
-    bar.bar_inc = (lim.x_max - lim.x_min) / static_cast<float>(state().num_cont);
+    state().bar_inc = (lim.x_max - lim.x_min) / static_cast<float>(state().num_cont);
     return true;
 }
 
 float middle() {
-    return (bar.bar_lim.y_min + bar.bar_lim.y_max) / 2.0F;
+    const Glim& lim = state().bar_lim;
+    return (lim.y_min + lim.y_max) / 2.0F;
 }
 
 void draw_box(int i, int step) {
     const State& s = state();
-    const float left = bar.bar_lim.x_min + static_cast<float>(i) * bar.bar_inc;
-    const float right = left + bar.bar_inc;
-    const float top = bar.bar_lim.y_max;
+    const float left = s.bar_lim.x_min + static_cast<float>(i) * s.bar_inc;
+    const float right = left + s.bar_inc;
+    const float top = s.bar_lim.y_max;
     use_step(step, level_at(i));
     const int type = s.cont_type;
     if (type >= cont_fill && type <= cont_values && s.fill_attrib[step].color >= 0) {
@@ -95,7 +89,8 @@ void print_number(int i, float level) {
     } else {
         set_num(text, "2.2.0", level);
     }
-    const Gpt pos = {bar.bar_lim.x_min + static_cast<float>(i) * bar.bar_inc, bar.bar_lim.y_min};
+    const Gpt pos = {state().bar_lim.x_min + static_cast<float>(i) * state().bar_inc,
+                     state().bar_lim.y_min};
     GPH_pprint(&pos, text);
 }
 
@@ -117,7 +112,7 @@ void draw_boxes(bool numbers) {
 } // namespace
 
 int CONT_draw_bar(int orient, const char* label) {
-    bar.bar_inc = 0.0F;
+    state().bar_inc = 0.0F;
     Glim view = {};
     PLT_get_view(&view);
     if (orient != 1 || !settle_bar_levels(state()) || !lay_out(view)) {
@@ -126,7 +121,7 @@ int CONT_draw_bar(int orient, const char* label) {
     Gattribs text;
     ATTRIB_get("color_text", plain_color(), &text);
     set_line_attribs();
-    const Glim& lim = bar.bar_lim;
+    const Glim& lim = state().bar_lim;
     GPH_text_attr(&text, 0.35F * (lim.y_max - lim.y_min));
     GPH_text_align(GCENTER_HOR, GBASE_VERT);
 
@@ -139,7 +134,7 @@ int CONT_draw_bar(int orient, const char* label) {
         frame.color = text.color;
         GPH_line_attr(&frame);
         GPH_rect(lim.x_min, lim.y_max,
-                 lim.x_min + static_cast<float>(state().num_cont) * bar.bar_inc, middle());
+                 lim.x_min + static_cast<float>(state().num_cont) * state().bar_inc, middle());
     }
     if (text.color >= 0 && label != nullptr && *label != '\0') {
         GPH_text_align(GLEFT_HOR, GCAP_VERT);
@@ -149,18 +144,14 @@ int CONT_draw_bar(int orient, const char* label) {
     return 0;
 }
 
-float CONT_get_bar_end() {
-    return bar.bar_inc == 0.0F ? missing_f : bar.bar_lim.x_max;
-}
-
 float CONT_get_bar_value(float x, float y) {
     const State& s = state();
-    const Glim& lim = bar.bar_lim;
+    const Glim& lim = s.bar_lim;
     const bool inside = x >= lim.x_min && x <= lim.x_max && y >= lim.y_min && y <= lim.y_max;
-    if (bar.bar_inc == 0.0F || !inside) {
+    if (s.bar_inc == 0.0F || !inside) {
         return missing_f;
     }
-    const int k = whole(static_cast<double>((x - lim.x_min) / bar.bar_inc));
+    const int k = whole(static_cast<double>((x - lim.x_min) / s.bar_inc));
     if (!is_set(s.cont_value[0])) {
         return static_cast<float>(k) * s.intrvl + s.conlo;
     }
@@ -192,8 +183,4 @@ int CONT_flash_value(const char* str, float x, float y) {
         GPH_set_color(attrib.color, red, grn, blu);
     }
     return 0;
-}
-
-void keep_cont_bar(StateKeeper& keeper) {
-    keeper.keep(bar);
 }

@@ -46,6 +46,10 @@ struct State {
     int mapcon = 0;         // 1: contours in map coordinates
     int draw_grid = 0;      // 1: draw grid points
 
+    // The bar.
+    Glim bar_lim = {};    // rectangle of boxes and numbers
+    float bar_inc = 0.0F; // width of a box; 0: no bar yet
+
     // The drawing under way.
     int con_off = 0;           // colour step in force
     Gattribs ln_cont_attr;     // line attributes

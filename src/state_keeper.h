@@ -45,7 +45,6 @@ private:
 
 void keep_colors(StateKeeper& keeper);
 void keep_cont(StateKeeper& keeper);
-void keep_cont_bar(StateKeeper& keeper);
 void keep_cty_tool(StateKeeper& keeper);
 void keep_date(StateKeeper& keeper);
 void keep_file_sel(StateKeeper& keeper);
