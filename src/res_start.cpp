@@ -96,7 +96,7 @@ void read_defaults(const char* item, bool given, const RES_defobj* def_table) {
 std::vector<std::string> search_list() {
     const char* list = RES_get("default");
     if (list == nullptr) {
-        return data_tree_search();
+        return data_tree_search(RES_get_prog());
     }
     const TextList items(list, ':');
     return {items.begin(), items.end()};
@@ -126,7 +126,7 @@ void read_search_list(bool given, const RES_defobj* def_table) {
 // Defaults files that the user names take the place of those of the data tree, whose
 // maps and colours are wanted all the same.
 bool find_data_tree() {
-    for (const std::string& place : data_tree_search()) {
+    for (const std::string& place : data_tree_search(RES_get_prog())) {
         const std::string tree = place.empty() ? "." : place;
         if (FILE_exist((tree + "/zyr.cfg").c_str()) != 0) {
             RES_put("file_path", tree.c_str());

@@ -316,6 +316,35 @@ TEST_F(Outputs, TheDataTreeIsFound) {
     EXPECT_EQ(colors(file("prefix/bin/zyrrad")), "1");
 }
 
+// The same where the system does not say which program runs: the name that it was
+// started by, with a directory or along PATH.
+TEST_F(Outputs, TheDataTreeIsFoundWithoutProc) {
+#ifdef ZYR_SANITIZED
+    GTEST_SKIP() << "a sanitizer reads /proc itself";
+#endif
+    fs::create_directories(file("prefix/bin"));
+    fs::copy(ZYR_PROGRAM, file("prefix/bin/zyrrad"));
+    fs::create_directories(file("prefix/share"));
+    fs::create_symlink(ZYR_SOURCE_DIR "/etc", file("prefix/share/zyrrad"));
+    fs::create_symlink("prefix/bin/zyrrad", file("link"));
+    for (const char* program : {"prefix/bin/zyrrad", "./link", "PATH=/none:prefix/bin zyrrad"}) {
+        ProgramCall hidden;
+        hidden.directory = dir.path();
+        hidden.env = {
+            {"zyrdefault", "unset"}
+        };
+        hidden.args = {"-m", "sh", "-c",
+                       "mount -t tmpfs none /proc || exit 99; " + std::string(program) +
+                           " -inp nids -me warn -de p,page radial"};
+        const ProgramRun result = run_program("/usr/bin/unshare", hidden);
+        if (result.code == 99 || result.err.find("unshare") != std::string::npos) {
+            GTEST_SKIP() << "no namespace of its own: " << result.err;
+        }
+        EXPECT_EQ(result.code, 0) << program;
+        EXPECT_EQ(result.err, "") << program;
+    }
+}
+
 // A command comes from the user alone: each of these would make the file "ran".
 TEST_F(Outputs, NothingButTheUserRunsACommand) {
     dir.write("list", "mf:|touch<ran\nmf:|touch${IFS}ran\n|touch${IFS}ran\n");
