@@ -538,17 +538,30 @@ void next_record(State& s) {
     s.moments = {};
 }
 
-// The elevation number of the last unit, where the volume has as many units as its
-// coverage pattern fills up to this cut: then no cut comes twice. 0 where it has not,
-// or that can't be told without reading it all.
+// The last cut, where the volume has as many units as its coverage pattern fills up to
+// it, and a unit of its last ones says that they are of this cut: then no cut comes
+// twice. 0 where that is not so, or can't be told without reading it all. To look into a
+// unit costs half as much as to draw it, so the smallest is asked.
 int find_last_cut(const Lev2Pattern& pattern) {
+    const auto units = lev2_list_units();
+    const int count = static_cast<int>(units.size());
+    int last = pattern.count;
+    while (last >= 1 && lev2_pattern_units(pattern, last) != count) {
+        --last;
+    }
+    if (last < 1) {
+        return 0;
+    }
+    const auto first = units.begin() + lev2_pattern_units(pattern, last - 1);
+    const auto smallest =
+        std::min_element(first, units.end(), [](const Lev2UnitPlace& a, const Lev2UnitPlace& b) {
+            return a.size < b.size;
+        });
     constexpr std::size_t number_at = data_header_at + 22;
     constexpr std::size_t type_at = prefix_size + 3;
     std::array<std::uint8_t, number_at + 1> head{};
-    const int units = lev2_count_units(head);
-    const int last = head[type_at] == lev2_radial_generic ? head[number_at] : 0;
-    const bool fits =
-        last >= 1 && last <= pattern.count && units == lev2_pattern_units(pattern, last);
+    const bool fits = smallest != units.end() && lev2_unpack_head(*smallest, head) &&
+                      head[type_at] == lev2_radial_generic && head[number_at] == last;
     return fits ? last : 0;
 }
 

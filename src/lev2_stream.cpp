@@ -213,56 +213,27 @@ std::size_t fill_plain(Stream& s) {
 
 // --- Units ahead of the walk ----------------------------------------------------
 
-// Where the bytes of a unit lie in the file.
-struct UnitPlace {
-    std::int64_t at = 0, size = 0;
-};
-
-// Hops from length to length, from the first unit to the end of the file. Returns
-// the number of units, `last` being the place of the last one; 0 when they are not
-// all whole.
-int hop_units(int file, std::int64_t at, std::int64_t file_size, UnitPlace* last) {
-    constexpr int most_units = 10000;
-    int count = 0;
-    while (at < file_size && count < most_units) {
+// Hops from length to length, from the first unit to the end of the file. None when
+// they are not all whole.
+std::vector<Lev2UnitPlace> hop_units(int file, std::int64_t at, std::int64_t file_size) {
+    constexpr std::size_t most_units = 10000;
+    std::vector<Lev2UnitPlace> units;
+    while (at < file_size && units.size() < most_units) {
         std::array<std::uint8_t, length_size> field{};
         if (pread(file, field.data(), field.size(), at) != static_cast<ssize_t>(field.size())) {
-            return 0;
+            return {};
         }
         at += static_cast<std::int64_t>(length_size);
         if (field == trailer && at == file_size) {
-            return count;
+            return units;
         }
-        *last = {at, unit_length(field)};
-        if (last->size == 0 || last->size > std::min(max_unit_bytes, file_size - at)) {
-            return 0;
+        units.push_back({at, unit_length(field)});
+        at += units.back().size;
+        if (units.back().size == 0 || units.back().size > max_unit_bytes || at > file_size) {
+            return {};
         }
-        at += last->size;
-        ++count;
     }
-    return at == file_size ? count : 0;
-}
-
-// Unpacks the first bytes of a unit. Whether they were as many.
-bool unpack_head(int file, UnitPlace unit, std::span<std::uint8_t> head) {
-    std::vector<std::uint8_t> in(piece_size);
-    const BunzipStream bz(new bz_stream{});
-    int status = bzip2_status(BZ2_bzDecompressInit(bz.get(), 0, 0));
-    bz->next_out = reinterpret_cast<char*>(head.data());
-    bz->avail_out = static_cast<unsigned>(head.size());
-    while (status == BZ_OK && bz->avail_out > 0 && unit.size > 0) {
-        const auto part = std::min(unit.size, static_cast<std::int64_t>(in.size()));
-        const ssize_t got = pread(file, in.data(), static_cast<std::size_t>(part), unit.at);
-        if (got <= 0) {
-            return false;
-        }
-        unit.at += got;
-        unit.size -= got;
-        bz->next_in = reinterpret_cast<char*>(in.data());
-        bz->avail_in = static_cast<unsigned>(got);
-        status = bzip2_status(BZ2_bzDecompress(bz.get()));
-    }
-    return bz->avail_out == 0;
+    return at == file_size ? units : std::vector<Lev2UnitPlace>{};
 }
 
 // --- Buffer -------------------------------------------------------------------
@@ -373,17 +344,36 @@ int lev2_units_walked() {
     return s.bz == nullptr && s.osize == s.blk_off ? s.units : -1;
 }
 
-int lev2_count_units(std::span<std::uint8_t> head) {
+std::vector<Lev2UnitPlace> lev2_list_units() {
     struct stat status = {};
     const int file = fileno(stream.file.get()); // -1: a stream of this program's own
     if (!lev2_stream_packed() || file < 0 || fstat(file, &status) != 0 ||
         !S_ISREG(status.st_mode)) {
-        return 0;
+        return {};
     }
-    UnitPlace last;
-    const int count =
-        hop_units(file, static_cast<std::int64_t>(stream.header_size), status.st_size, &last);
-    return count > 0 && unpack_head(file, last, head) ? count : 0;
+    return hop_units(file, static_cast<std::int64_t>(stream.header_size), status.st_size);
+}
+
+bool lev2_unpack_head(Lev2UnitPlace unit, std::span<std::uint8_t> head) {
+    const int file = fileno(stream.file.get());
+    std::vector<std::uint8_t> in(piece_size);
+    const BunzipStream bz(new bz_stream{});
+    int status = bzip2_status(BZ2_bzDecompressInit(bz.get(), 0, 0));
+    bz->next_out = reinterpret_cast<char*>(head.data());
+    bz->avail_out = static_cast<unsigned>(head.size());
+    while (status == BZ_OK && bz->avail_out > 0 && unit.size > 0) {
+        const auto part = std::min(unit.size, static_cast<std::int64_t>(in.size()));
+        const ssize_t got = pread(file, in.data(), static_cast<std::size_t>(part), unit.at);
+        if (got <= 0) {
+            return false;
+        }
+        unit.at += got;
+        unit.size -= got;
+        bz->next_in = reinterpret_cast<char*>(in.data());
+        bz->avail_in = static_cast<unsigned>(got);
+        status = bzip2_status(BZ2_bzDecompress(bz.get()));
+    }
+    return bz->avail_out == 0;
 }
 
 Lev2End lev2_stream_end() {

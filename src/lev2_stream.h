@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <vector>
 
 // Bytes of a volume header, and the most that a record may have.
 constexpr std::size_t lev2_header_size = 24;
@@ -31,11 +32,16 @@ void lev2_advance(std::size_t n);
 
 // The units that the walk of a packed volume has gone through; -1 inside of one.
 int lev2_units_walked();
-// Counts the units of a packed volume by their lengths and unpacks the first bytes
-// of the last one, which leaves the walk where it is. 0 when the file must be read
-// to be counted (a pipe, gzip), has more bytes than its units or fewer, or when the
-// last unit does not fill `head`.
-int lev2_count_units(std::span<std::uint8_t> head);
+// Where the bytes of a unit lie in the file.
+struct Lev2UnitPlace {
+    std::int64_t at = 0, size = 0;
+};
+// The units of a packed volume by their lengths, which leaves the walk where it is. None
+// when the file must be read to find them (a pipe, gzip), or has more bytes than its
+// units or fewer.
+std::vector<Lev2UnitPlace> lev2_list_units();
+// Unpacks the first bytes of one. False when it does not fill `head`.
+bool lev2_unpack_head(Lev2UnitPlace unit, std::span<std::uint8_t> head);
 
 // Why the volume ended.
 enum class Lev2End {

@@ -38,6 +38,7 @@ namespace {
 constexpr int usual_points = 1000; // records below this need no memory of their own
 constexpr int most_text_points = 32767;
 constexpr std::size_t point_bytes = 8;
+constexpr float least_degrees = 1e-6F; // 10 cm, the smallest but 0 that a place has
 
 struct State {
     int fill = 0; // 1: outlines are painted
@@ -149,9 +150,8 @@ bool is_text(Source& source) {
 // Degrees of a place on the earth: a text, read as such a number, is far below, and
 // random bytes are so once in four times.
 bool is_degrees(float value, float largest) {
-    constexpr float least = 1e-6F; // 10 cm
     const float size = std::fabs(value);
-    return size == 0.0F || (size >= least && size <= largest);
+    return size == 0.0F || (size >= least_degrees && size <= largest);
 }
 
 // Whether at least half of the points lie on the earth.
@@ -243,6 +243,56 @@ struct Box {
     }
 };
 
+// The extent of a record while its points are still bytes. Most records of a database
+// are far away, and to find that out is all that they cost: both numbers of two points
+// are taken at a time.
+class Extent {
+public:
+    Extent(const std::uint8_t* points, int count) {
+        for (int i = 0; i < count; i += 2) {
+            std::array<std::uint8_t, 2 * point_bytes> two{};
+            const std::uint8_t* point = points + static_cast<std::ptrdiff_t>(i) * point_bytes;
+            std::memcpy(two.data(), point, point_bytes);
+            std::memcpy(two.data() + point_bytes, i + 1 < count ? point + point_bytes : point,
+                        point_bytes);
+            take(two.data());
+        }
+    }
+    // All lie on the earth, none of them where a number of another kind would.
+    [[nodiscard]] bool on_earth() const { return !any(off_) && !any(tiny_); }
+    [[nodiscard]] bool valid() const { return !any(off_); }
+    [[nodiscard]] Box box() const {
+        Box box;
+        for (const int i : {0, 2}) {
+            box.take(low_[i], low_[i + 1]);
+            box.take(high_[i], high_[i + 1]);
+        }
+        return box;
+    }
+
+private:
+    using Four [[gnu::vector_size(16)]] = float;
+    using Words [[gnu::vector_size(16)]] = std::uint32_t;
+    using Ints [[gnu::vector_size(16)]] = std::int32_t;
+    static bool any(Ints mask) { return (mask[0] | mask[1] | mask[2] | mask[3]) != 0; }
+    void take(const std::uint8_t* bytes) {
+        Words v;
+        std::memcpy(&v, bytes, sizeof v);
+        if constexpr (std::endian::native == std::endian::little) {
+            v = v >> 24 | (v >> 8 & 0xFF00U) | (v << 8 & 0xFF0000U) | v << 24;
+        }
+        const auto degrees = std::bit_cast<Four>(v);
+        const auto size = std::bit_cast<Four>(v & 0x7FFFFFFFU);
+        low_ = degrees < low_ ? degrees : low_;
+        high_ = degrees > high_ ? degrees : high_;
+        off_ |= ~(size <= Four{90.0F, 360.0F, 90.0F, 360.0F});
+        tiny_ |= (size < least_degrees) & (size != 0.0F);
+    }
+    Four low_{90.0F, 360.0F, 90.0F, 360.0F};
+    Four high_ = -low_;
+    Ints off_{}, tiny_{};
+};
+
 // The picture as such a rectangle, to tell which records it does not show: those
 // whose distance exceeds their own size so far that not even the upright rectangle
 // about their image, which decides whether a line goes to the device, meets it. Where
@@ -276,21 +326,13 @@ public:
         pad_ = share * (box_.north - box_.south + box_.east - box_.west);
     }
 
-    // Whether a record of `count` points can be left out. False where in doubt.
-    [[nodiscard]] bool far_from(const std::uint8_t* points, int count) const {
-        if (!known_ || points == nullptr) {
+    // Whether a record can be left out. False where in doubt.
+    [[nodiscard]] bool far_from(const Extent& record) const {
+        if (!known_ || !record.valid()) {
             return false;
         }
-        Box record;
-        for (int i = 0; i < count; ++i, points += point_bytes) {
-            const float lat = f32be(points);
-            const float lon = f32be(points + 4);
-            if (!(std::fabs(lat) <= 90.0F && std::fabs(lon) <= 360.0F)) {
-                return false;
-            }
-            record.take(lat, lon);
-        }
-        return gap(record) > pad_ + largest_growth(record) * size(record);
+        const Box box = record.box();
+        return gap(box) > pad_ + largest_growth(box) * size(box);
     }
 
 private:
@@ -435,10 +477,12 @@ int MAP_map(std::FILE* map_file) {
         if (count <= 0) {
             return first && count == 0 && records.are_bytes() ? map_no_database : count;
         }
-        if (!records.on_earth(count)) {
+        const std::uint8_t* bytes = records.ahead(count);
+        const Extent extent(bytes, bytes != nullptr ? count : 0);
+        if ((bytes == nullptr || !extent.on_earth()) && !records.on_earth(count)) {
             return first ? map_no_database : -1;
         }
-        if (near.far_from(records.ahead(count), count)) {
+        if (bytes != nullptr && near.far_from(extent)) {
             records.pass(count);
             continue;
         }

@@ -73,7 +73,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const bool walked : {false, true}) { // the units ahead of the walk
         std::array<std::uint8_t, 64> head{};
         lev2_stream_open(FILE_ptr(std::fopen(file.name(), "rbe")));
-        lev2_count_units(head);
+        const auto units = lev2_list_units();
+        if (!units.empty()) {
+            lev2_unpack_head(units.back(), head);
+        }
         while (walked && !lev2_record(1).empty()) {
             lev2_units_walked();
             lev2_advance(lev2_record(1).size());
