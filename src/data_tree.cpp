@@ -28,7 +28,7 @@ fs::path find_program(const std::string& typed) {
     std::string_view rest = search != nullptr ? search : "";
     while (!typed.empty() && !rest.empty()) {
         const std::string_view one = rest.substr(0, rest.find(':'));
-        const fs::path program = fs::path(one.empty() ? "." : one) / typed;
+        fs::path program = fs::path(one.empty() ? "." : one) / typed;
         std::error_code failed;
         if (fs::is_regular_file(program, failed) && access(program.c_str(), X_OK) == 0) {
             return program;

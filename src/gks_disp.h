@@ -85,15 +85,16 @@ void gfree_cursors();
 
 void ginstall_error_handlers();
 
-// While one lives, a server that does not answer ends the run.
+// While one lives that is set, a server that does not answer ends the run.
 class Gdisplay_watch {
 public:
-    Gdisplay_watch();
+    explicit Gdisplay_watch(bool set = true);
     ~Gdisplay_watch();
     Gdisplay_watch(const Gdisplay_watch&) = delete;
     Gdisplay_watch& operator=(const Gdisplay_watch&) = delete;
 
 private:
+    bool set_;
     struct sigaction before_ {};
 };
 int gget_noted_error(); // 1: an error has come while they are kept from the user

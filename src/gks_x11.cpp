@@ -103,6 +103,7 @@ void XDisplay::close() {
     if (gtype_is_PIX()) {
         end_pixmap();
     }
+    const Gdisplay_watch watch(gis_image_run());
     XCloseDisplay(display); // waits for the last answer
     disp = {};
 }
@@ -163,5 +164,6 @@ void XDisplay::flush() {
 }
 
 void XDisplay::sync() {
+    const Gdisplay_watch watch(gis_image_run()); // where nobody sees that it hangs
     XSync(gget_display(), False);
 }

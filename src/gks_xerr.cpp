@@ -1,6 +1,6 @@
 // gks_xerr.cpp: what happens when the X server refuses a request, goes away, or
-// does not answer while a window is opened. Owns the error state and the patience.
-// gopen_display installs the handlers.
+// does not answer while a window is opened, or in a run that ends in image files.
+// Owns the error state and the patience. gopen_display installs the handlers.
 //
 // A handler runs inside an Xlib call and may send no request itself. Frames and
 // windows go with the connection when the program ends.
@@ -28,7 +28,7 @@ struct ErrorState {
 };
 ErrorState errors;
 
-int patience = 20; // seconds for the first answers of a server
+int patience = 20; // seconds for an answer of a server
 
 // The library cannot be made to give up, nor be left in the middle.
 extern "C" void no_answer(int) {
@@ -75,7 +75,10 @@ int XerrorIO_handler(Display* /*display*/) {
 
 } // namespace
 
-Gdisplay_watch::Gdisplay_watch() {
+Gdisplay_watch::Gdisplay_watch(bool set) : set_(set) {
+    if (!set_) {
+        return;
+    }
     struct sigaction action {};
     action.sa_handler = no_answer;
     sigemptyset(&action.sa_mask);
@@ -84,6 +87,9 @@ Gdisplay_watch::Gdisplay_watch() {
 }
 
 Gdisplay_watch::~Gdisplay_watch() {
+    if (!set_) {
+        return;
+    }
     set_timer(0);
     sigaction(SIGALRM, &before_, nullptr);
 }

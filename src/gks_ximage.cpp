@@ -4,6 +4,7 @@
 // An image that is put goes through two more forms: the pixels of this display, as
 // an X image; and a bitmap that has a bit for each pixel to be drawn.
 
+#include "gks_disp.h"
 #include "gks_pixels.h"
 #include "gks_x11.h"
 #include "img_pixel.h"
@@ -170,6 +171,7 @@ Failure take_pixels(IMG_report* image, const Visual& visual) {
     const int most_rows = std::max(1, strip_pixels / std::max(1, image->width));
     for (int top = 0; top < image->height; top += most_rows) {
         const int rows = std::min(most_rows, image->height - top);
+        const Gdisplay_watch watch(gis_image_run());
         const XImage_ptr strip(XGetImage(gget_display(), gget_draw_window(), 0, top,
                                          static_cast<unsigned>(image->width),
                                          static_cast<unsigned>(rows), AllPlanes, ZPixmap));

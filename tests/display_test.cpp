@@ -290,6 +290,19 @@ TEST(Display, ThatDoesNotAnswerEndsTheRun) {
     close(silent);
 }
 
+// One that falls silent later, where no window is looked at.
+TEST_F(AtDisplay, ThatFallsSilentEndsARunOfImages) {
+    const auto wait = [&] {
+        gset_image_run(1);
+        const int opened = open();
+        gset_display_patience(1);
+        kill(server->pid(), SIGSTOP);
+        std::exit(opened != 0 ? 1 : gsync());
+    };
+    EXPECT_EXIT(wait(), testing::ExitedWithCode(4), "gopen_ws: the display does not answer");
+    kill(server->pid(), SIGCONT);
+}
+
 TEST_F(AtDisplay, ErrorsOfTheServerEndTheRun) {
     RES_conv_data("warn", nullptr, CV_mess);
     const Pixmap pixmap =
