@@ -58,6 +58,9 @@ constexpr Row rows[] = {
     {"radial",  "-inp nids -de m,out,cgm ",                                   "out",     4, 5},
     {"radial",  "-inp nids -de d -pp xwd=out.xwd ",                           "out.xwd", 4, 5},
     {"radial",  "-inp nids -de d -pp img=out.img ",                           "out.img", 4, 5},
+    {"radial",  "-inp nids -de m,out,cgm ",                                   "out",     4, 5},
+    {"radial",  "-inp nids -de d -pp xwd=out.xwd ",                           "out.xwd", 4, 5},
+    {"radial",  "-inp nids -de d -pp img=out.img ",                           "out.img", 4, 5},
     {"radial",  "-inp nids -of gif=out.gif ",                                 "out.gif", 4, 5}, // at a display
 };
 
