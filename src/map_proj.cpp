@@ -13,6 +13,16 @@ using namespace proj;
 
 constexpr double km_per_degree = 111.195;
 
+// By the image of a point 1 km away.
+float dir_by_image(const Map& m, float dir, float x, float y) {
+    float x2 = missing_f;
+    float y2 = missing_f;
+    if (m.offset(x, y, dir, 1.0F, &x2, &y2) == 0) {
+        return missing_f;
+    }
+    return to_float(atan2_deg(static_cast<double>(x2) - x, static_cast<double>(y2) - y));
+}
+
 // The first word that fits decides: "lamb" hides "la" for "lambaz", "polar" is
 // the map.
 constexpr Projection rows[] = {
@@ -49,7 +59,7 @@ constexpr Projection rows[] = {
      .derive = derive_satellite,
      .forward = satellite,
      .inverse = satellite_inverse,
-     .dir_adj = satellite_dir_adj,
+     .dir_adj = dir_by_image,
      .meridians_meet = true},
     {.code = proj_lambert,
      .numbers = MapNumbers::cone,

@@ -114,7 +114,6 @@ void take_satellite(Map& m);
 void derive_satellite(Map& m);
 MapPair satellite(const Map& m, double lat, double lon);
 MapPair satellite_inverse(const Map& m, double x, double y);
-float satellite_dir_adj(const Map& m, float dir, float x, float y);
 
 // proj_diagram: pairs that are no place on the earth.
 void derive_axes(Map& m);

@@ -93,14 +93,4 @@ MapPair satellite_inverse(const Map& m, double x, double y) {
                                  : satellite_sphere_inverse(m, x, y);
 }
 
-// By the image of a point 1 km away.
-float satellite_dir_adj(const Map& m, float dir, float x, float y) {
-    float x2 = missing_f;
-    float y2 = missing_f;
-    if (m.offset(x, y, dir, 1.0F, &x2, &y2) == 0) {
-        return missing_f;
-    }
-    return to_float(atan2_deg(static_cast<double>(x2) - x, static_cast<double>(y2) - y));
-}
-
 } // namespace proj
