@@ -1,5 +1,5 @@
 // nids_header: message header and product description of a NIDS product, and
-// the NIDS_info record made of them. The blocks stay until the next
+// the NIDS_info record made of them. The blocks stay, in nids_value, until the next
 // NIDS_get_header.
 //
 // A file opens with a wrapper, or with the message header at once. A wrapper is
@@ -68,7 +68,6 @@ constexpr int prod_desc_size = 102;
 constexpr double ms_to_knots = 1.944;
 
 // Taken for a size that is not known.
-constexpr float default_bin_nmi = 0.54F;
 constexpr float default_cell_km = 4.0F;
 constexpr int default_size = 460;
 
@@ -78,17 +77,12 @@ constexpr float level_text = -90.0F;   // one that means another text
 // --- State ------------------------------------------------------------------
 
 struct State {
-    NidsHeader header;      // of the open product
     char ext_info[30] = {}; // selector of one product inside a collective file
     bool exact = false;     // values go by the format's own document
 };
 State state;
 
 // --- Numbers ----------------------------------------------------------------
-
-float tenths(int value) {
-    return static_cast<float>(value) / 10.0F;
-}
 
 // A coded level: a number in the low byte, and bits that change it.
 float coded_level(unsigned t) {
@@ -125,11 +119,6 @@ void linear_thresholds(const NidsProdDesc& desc, float divisor, double factor,
     v[2] = static_cast<float>(desc.thres[2]);
 }
 
-// A damaged product may hold infinities where a number should be.
-float finite_or_missing(float v) {
-    return std::isfinite(v) ? v : missing_f;
-}
-
 // The thresholds of a product from its 16 halfwords.
 std::array<float, nids_num_thres> decode_thresholds(int code, const NidsProdDesc& desc) {
     std::array<float, nids_num_thres> v{};
@@ -155,9 +144,9 @@ std::array<float, nids_num_thres> decode_thresholds(int code, const NidsProdDesc
         std::copy_n(t.begin(), 4, v.begin());
         break;
     case NidsScale::floats:
-        v[0] = finite_or_missing(NIDS_float32(t[0], t[1]));
+        v[0] = nids_finite(NIDS_float32(t[0], t[1]));
         v[0] = v[0] == 0.0F ? 1.0F : v[0];
-        v[2] = finite_or_missing(NIDS_float32(t[2], t[3]));
+        v[2] = nids_finite(NIDS_float32(t[2], t[3]));
         break;
     case NidsScale::levels:
         std::transform(t.begin(), t.end(), v.begin(), coded_level);
@@ -377,10 +366,10 @@ void finish_domain(NIDS_info& info, unsigned level) {
         domain.dx = plot_length(domain, info.res);
         if (!is_length(domain.dx)) {
             MESS_print(level, "NIDS_get_header: Unknown bin length, product:%d\n", info.code);
-            domain.dx = plot_length(domain, default_bin_nmi);
+            domain.dx = plot_length(domain, nids_usual_bin_nmi);
         }
         if (!is_length(domain.dx)) { // a centre without map factor
-            domain.dx = static_cast<float>(default_bin_nmi * km_per_nmi / 100.0);
+            domain.dx = static_cast<float>(nids_usual_bin_nmi * km_per_nmi / 100.0);
         }
         domain.dy = domain.dx;
     } else {
@@ -415,7 +404,7 @@ void set_label(NIDS_info& info) {
 void set_params(NIDS_info& info, const NidsProdDesc& desc) {
     const NidsParams& row = nids_product(info.code).params;
     if (row.elev != NidsElev::none) {
-        info.elev = tenths(desc.p[3]);
+        info.elev = nids_tenths(desc.p[3]);
     }
     info.max = static_cast<float>(desc.p[static_cast<std::size_t>(row.max)] * row.factor);
     if (row.nmax != 0) {
@@ -463,7 +452,7 @@ void add_extra(Line& line, NidsExtra extra, const NidsProdDesc& desc) {
         add_start(line, desc.p[1], desc.p[2]);
         break;
     case NidsExtra::storm:
-        line.add(" Stm=%.0f-%.0f", tenths(desc.p[9]), tenths(desc.p[8]));
+        line.add(" Stm=%.0f-%.0f", nids_tenths(desc.p[9]), nids_tenths(desc.p[8]));
         break;
     case NidsExtra::layer:
         line.add(" Lyr=%d-%d", desc.p[5], desc.p[6]);
@@ -535,59 +524,6 @@ NIDS_info make_info(const NidsHeader& header) {
 
 // --- Shared with nids.cpp ---------------------------------------------------
 
-const NidsHeader& nids_header() {
-    return state.header;
-}
-
-float nids_level_value(const NidsHeader& header, int packet, int level) {
-    const NidsProduct& product = nids_product(header.mess.code);
-    const auto& v = header.thres;
-    const auto b = static_cast<float>(level);
-    float value = b * v[1] + v[0];
-    if (packet == nids_packet_dig_precip) {
-        value = level < 255 ? value : missing_f;
-    } else {
-        switch (product.scale) {
-        case NidsScale::liquid:
-            value = b < v[2] ? (b - v[1]) / v[0] : std::exp((b - v[4]) / v[3]);
-            break;
-        case NidsScale::tops:
-            value = static_cast<float>(level & header.pr_desc.thres[0]) / v[1] - v[2];
-            break;
-        case NidsScale::floats:
-            value = is_set(v[0]) && is_set(v[2]) ? (b - v[2]) / v[0] : missing_f;
-            break;
-        default:
-            break;
-        }
-        value = level < 2 ? missing_f : value;
-        value /= product.divisor;
-    }
-    value = finite_or_missing(value); // a step or divisor may be damaged
-    return header.exact ? nids_exact_value(header, packet, level, value) : value;
-}
-
-float nids_bin_km() {
-    // Tables of bins have nautical miles to two or three digits; the radars' are
-    // multiples of 50 metres.
-    constexpr double unit_km = 0.05;
-    const int code = state.header.mess.code;
-    const float known = nids_product(code).bin_nmi;
-    const float bin_nmi = known > 0 ? known : nids_exact(code).bin_nmi;
-    const double units = (bin_nmi > 0 ? bin_nmi : default_bin_nmi) * km_per_nmi / unit_km;
-    return static_cast<float>(std::round(units) * unit_km);
-}
-
-float nids_ground_factor(int packet_scale) {
-    constexpr double tolerance = 0.002; // of thousandths that are cut, and of a tenth of a degree
-    const NidsHeader& header = state.header;
-    if (nids_product(header.mess.code).params.elev == NidsElev::none) {
-        return 1.0F;
-    }
-    const double cosine = std::cos(tenths(header.pr_desc.p[3]) * deg_to_rad);
-    return std::abs(packet_scale / 1000.0 - cosine) < tolerance ? static_cast<float>(cosine) : 1.0F;
-}
-
 // --- Public -----------------------------------------------------------------
 
 int NIDS_is_product(std::span<const std::uint8_t> head) {
@@ -615,7 +551,7 @@ int NIDS_is_product(std::span<const std::uint8_t> head) {
 }
 
 int NIDS_is_plausible() {
-    return is_plausible(state.header.mess.code, state.header.pr_desc) ? 1 : 0;
+    return is_plausible(nids_header().mess.code, nids_header().pr_desc) ? 1 : 0;
 }
 
 int NIDS_set_ext_info(const char* str) {
@@ -633,7 +569,7 @@ int NIDS_get_exact() {
 }
 
 int NIDS_mess_header(FILE* ifile) {
-    NidsMessHeader& mess = state.header.mess;
+    NidsMessHeader& mess = nids_fill_header().mess;
     mess = {};
     std::array<unsigned char, mess_header_rest> area{};
     if (ifile == nullptr || read_product_code(ifile, &mess.code) < 1) {
@@ -655,7 +591,7 @@ int NIDS_mess_header(FILE* ifile) {
 }
 
 int NIDS_prod_desc(FILE* ifile) {
-    NidsHeader& header = state.header;
+    NidsHeader& header = nids_fill_header();
     header.pr_desc = {};
     header.thres = {};
     std::array<unsigned char, prod_desc_size> area{};
@@ -676,7 +612,7 @@ int NIDS_get_header(FILE* ifile, NIDS_info* info) {
     }
     std::rewind(ifile);
     nids_restart();
-    state.header = {};
+    nids_fill_header() = {};
     if (state.ext_info[0] != '\0' && find_in_collective(ifile, state.ext_info) == 0) {
         return 0;
     }
@@ -689,7 +625,7 @@ int NIDS_get_header(FILE* ifile, NIDS_info* info) {
     static_cast<void>(NIDS_prod_symb(ifile));
     static_cast<void>(NIDS_prod_symb_layer(ifile));
     static_cast<void>(NIDS_packet(ifile, &packet));
-    *info = make_info(state.header);
+    *info = make_info(nids_header());
     return 1;
 }
 

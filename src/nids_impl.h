@@ -1,6 +1,6 @@
 // nids_impl.h: what the sources of the NIDS reader share: the decoded header
-// blocks (nids_header.cpp), the hold on the stream (nids.cpp) and the packets of
-// storm symbols (nids_symbols.cpp).
+// blocks (nids_value.cpp, filled in by nids_header.cpp), the hold on the stream
+// (nids.cpp) and the packets of storm symbols (nids_symbols.cpp).
 #pragma once
 
 #include "nids.h"
@@ -48,6 +48,11 @@ struct NidsHeader {
 
 // The header blocks of the open product.
 const NidsHeader& nids_header();
+NidsHeader& nids_fill_header(); // for nids_header.cpp alone
+// A number of tenths; and one that a damaged product may hold, an infinity being missing.
+float nids_tenths(int value);
+float nids_finite(float v);
+constexpr float nids_usual_bin_nmi = 0.54F; // for a length that is not known
 
 // Starts a new product: the next read takes the file from where it is.
 void nids_restart();

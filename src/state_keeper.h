@@ -85,6 +85,7 @@ void keep_nids_header(StateKeeper& keeper);
 void keep_nids_pages(StateKeeper& keeper);
 void keep_nids_plt(StateKeeper& keeper);
 void keep_nids_symbols(StateKeeper& keeper);
+void keep_nids_value(StateKeeper& keeper);
 void keep_no_memory(StateKeeper& keeper);
 void keep_now_plt(StateKeeper& keeper);
 void keep_nowrad(StateKeeper& keeper);

@@ -4,8 +4,8 @@
 Edges between modules are what the linker sees: a symbol that one object of the
 program needs and another one defines. tools/layers.txt lists the layers from the
 bottom up and what is excepted. The check fails on an edge that goes up, on a
-module that no layer names, and on a circle of more than two modules. -v prints
-every edge of a circle with its symbols.
+module that no layer names, and on a circle, be it of two modules in one layer.
+-v prints every edge of a circle with its symbols.
 """
 import collections
 import fnmatch
@@ -150,7 +150,7 @@ def main():
         if a in level and b in level and level[a] < level[b]:
             faults.append(f"{a} ({names[level[a]]}) calls up to {b} ({names[level[b]]}): {readable(symbols)}")
     for circle in find_circles(defines, kept):
-        if len(circle) > 2 and not any(all(is_named(m, row) for m in circle) for row in circles):
+        if not any(all(is_named(m, row) for m in circle) for row in circles):
             faults.append("circle of " + " ".join(circle))
         if "-v" in sys.argv:
             for (a, b), symbols in sorted(kept.items()):
