@@ -28,14 +28,30 @@ char* put_pair(char* out, std::uint32_t n) {
     return out + 2;
 }
 
-// The whole part, without leading zeros.
-char* put_whole(char* out, std::uint32_t n) {
-    if (n < 10) {
-        *out = static_cast<char>('0' + n);
-        return out + 1;
+// "0" to "999", as most coordinates of a page begin.
+struct Whole {
+    std::array<char, 3> text;
+    std::uint8_t size;
+};
+constexpr auto small_wholes = [] {
+    std::array<Whole, 1000> wholes{};
+    for (std::uint32_t n = 0; n < wholes.size(); ++n) {
+        Whole& whole = wholes[n];
+        for (const std::uint32_t unit : {100U, 10U, 1U}) {
+            if (n >= unit || unit == 1) {
+                whole.text[whole.size++] = static_cast<char>('0' + n / unit % 10);
+            }
+        }
     }
-    if (n < 100) {
-        return put_pair(out, n);
+    return wholes;
+}();
+
+// The whole part, without leading zeros. `out` has room for three characters.
+char* put_whole(char* out, std::uint32_t n) {
+    if (n < small_wholes.size()) {
+        const Whole& whole = small_wholes[n];
+        std::memcpy(out, whole.text.data(), whole.text.size());
+        return out + whole.size;
     }
     return put_pair(put_whole(out, n / 100), n % 100);
 }

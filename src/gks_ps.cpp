@@ -87,36 +87,34 @@ int page_unit(float v) {
     return static_cast<int>(std::lrint(static_cast<double>(v) * page_units));
 }
 
-// One of the coordinates of a path. Cells have sides along the axes, and figures
-// end where they begin: the number of the first point, and the one written last,
-// are copied where they come again.
+// One of the coordinates of a path while its text is in one place. Cells have sides
+// along the axes, and figures end where they begin: the number of the first point, and
+// the one written last, are copied where they come again.
 class Coordinate {
 public:
     // `out` has room for fixed2_size characters. Returns the end of the text.
     char* put(char* out, float value) {
         const auto bits = std::bit_cast<std::uint32_t>(value);
         for (const Written* known : {&last_, &first_}) {
-            if (known->size != 0 && known->bits == bits) {
-                std::memcpy(out, known->text.data(), known->text.size());
+            if (known->bits == bits) {
+                std::memmove(out, known->text, copied); // what comes next is written over the rest
                 return out + known->size;
             }
         }
         char* end = format_fixed2(out, value);
         const auto size = static_cast<std::size_t>(end - out);
-        if (size <= last_.text.size()) {
-            Written& written = first_.size == 0 ? first_ : last_;
-            written.bits = bits;
-            written.size = size;
-            std::memcpy(written.text.data(), out, size);
+        if (size <= copied) {
+            (first_.text == nullptr ? first_ : last_) = {bits, size, out};
         }
         return end;
     }
 
 private:
+    static constexpr std::size_t copied = 16;
     struct Written {
-        std::uint32_t bits = 0; // of the value
-        std::size_t size = 0;   // 0: none
-        std::array<char, 16> text{};
+        std::uint32_t bits = ~0U; // of the value; at first none that the device has
+        std::size_t size = 0;
+        const char* text = nullptr;
     };
     Written first_, last_;
 };
@@ -158,19 +156,26 @@ public:
             return;
         }
         const Gpipe& pipe = gget_pipe();
-        Coordinate x;
-        Coordinate y;
-        for (int i = 0; i < n; ++i) {
-            make_room(std::size_t{2} * fixed2_size + 1);
-            char* p = x.put(place(), pipe_x(pipe, pts[i].x));
-            *p++ = ' ';
-            advance(y.put(p, pipe_y(pipe, pts[i].y)));
-            put(i == 0 ? move : line);
+        for (int start = 0; start < n; start += few) {
+            make_room(std::size_t{few} * (2 * fixed2_size + 1 + move.size()));
+            Coordinate x;
+            Coordinate y;
+            char* p = place();
+            for (int i = start; i < std::min(n, start + few); ++i) {
+                p = x.put(p, pipe_x(pipe, pts[i].x));
+                *p++ = ' ';
+                p = y.put(p, pipe_y(pipe, pts[i].y));
+                std::memcpy(p, (i == 0 ? move : line).data(), move.size());
+                p += move.size();
+            }
+            advance(p);
         }
     }
 
+    static constexpr int few = 8; // points whose text surely fits
     static constexpr std::string_view move = " mv\n";
     static constexpr std::string_view line = " ln\n";
+    static_assert(move.size() == line.size());
 };
 
 // A grey that is no colour's own: the fixed levels of the print colours.
