@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstdio>
 
 #ifdef ZYR_SANITIZED
 // What the libraries keep of a damaged netCDF-4 file is theirs.
@@ -52,5 +53,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     RAD_close(fd);
     CDF_close(fd);
+    CDF_get_glob_att("none", text.data(), text.size()); // of no file
+    CDF_open(nullptr, "");
+    static bool once = false; // 16 MB are read
+    if (std::FILE* endless = once ? nullptr : std::fopen("/dev/zero", "rb")) {
+        once = true;
+        CDF_open(endless, "");
+        (void)std::fclose(endless);
+    }
     return 0;
 }

@@ -1,5 +1,6 @@
 // Level and colour lists, level files and the contour words of plot_param.
-// The first byte says which: "f" a level file, "p" plot_param, else a list.
+// The first byte says which: "f" a level file, "v" and "m" one of
+// velocity in knots and metres a second, "p" plot_param, else a list.
 #include "cont.h"
 #include "cont_state.h"
 #include "zyrresrc.h"
@@ -48,7 +49,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     const std::string text(reinterpret_cast<const char*>(data) + 1, size - 1);
-    if (data[0] == 'f') {
+    CONT_set_quantity(data[0] == 'v' ? "velocity" : data[0] == 'm' ? "velocity_ms" : nullptr);
+    if (data[0] == 'f' || data[0] == 'v' || data[0] == 'm') {
         const LevelFile file(text);
         CONT_set_fill_colors(file.name.c_str(), 1);
     } else if (data[0] == 'p') {

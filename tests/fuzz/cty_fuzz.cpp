@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include <unistd.h>
@@ -40,6 +41,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     domain.nx = domain.ny = 25;
     domain.dx = domain.dy = 2;
     CTY_data city;
+    CTY_info info;
+    if (CTY_open(nullptr, 0, missing) != -1 || CTY_rewind(-1) != -1 ||
+        CTY_getinfo(-1, &info) != -1) {
+        std::abort();
+    }
+    const int fd = CTY_open(name.c_str(), 0, missing);
+    CTY_getinfo(fd, &info);
+    while (CTY_read(fd, &city) != -1) {
+    }
+    CTY_rewind(fd);
+    CTY_close(fd);
     CTY_get(name.c_str(), first.c_str(), &city);
     for (int type = cty_full; type <= cty_xy_pos; ++type) {
         CTY_set_id_type(type - 1);

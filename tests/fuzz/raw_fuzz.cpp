@@ -1,5 +1,5 @@
 // A raw file, drawn as an overlay and as a plot of its own; its first line is
-// also the field and format behind its name.
+// also the field and format after its name.
 #include "zyrraw.h"
 
 #include "map.h"
@@ -8,6 +8,7 @@
 #include "zyrresrc.h"
 
 #include <cstdint>
+#include <cstdlib>
 #include <string>
 
 namespace {
@@ -53,5 +54,48 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     RAW_plot_file(name.c_str(), 0);
     RAW_plot_file((name + "-" + first).c_str(), 1);
     RAW_plot_file((name + ":" + first).c_str(), 0);
+    for (const char* field : {"-t", "-1", "-70:ul", "-"}) {
+        RAW_plot_file((name + field).c_str(), 1);
+    }
+    int type = 0;
+    const int fd = RAW_open(name.c_str(), raw_read_access, &type);
+    RAW_info info;
+    RAW_getinfo(fd, &info);
+    RAW_get_field_info(fd, "w");
+    RAW_report report;
+    constexpr int most = 100;
+    const char* const selectors[] = {
+        RAW_selector(raw_ident),
+        RAW_selector(raw_first_value),
+        RAW_selector(raw_first_value - 1),
+        RAW_selector(raw_each),
+        "t",
+        "none",
+    };
+    for (const char* wanted : selectors) {
+        for (int i = 0; i < most && RAW_read(fd, &report, wanted, &i) != -1; ++i) {
+        }
+        RAW_rewind(fd);
+    }
+    RAW_dec_line(fd, 0, &report, first.c_str());
+    RAW_close(fd);
+    int row = 0; // calls with the handle of a file that is closed
+    RAW_getinfo(fd, &info);
+    RAW_get_field_ind(fd, "t");
+    RAW_read(fd, &report, "t", &row);
+    RAW_rewind(fd);
+    RAW_close(fd);
+    for (const char* other : {"/nonexistent/a.raw", "|none", "/tmp"}) {
+        int none = 0;
+        RAW_chktype(other);
+        if (RAW_open(other, raw_read_access, &none) != -1) {
+            std::abort();
+        }
+    }
+    int wrong = 7;
+    RAW_open(name.c_str(), raw_read_access, &wrong);
+    const int out = RAW_open(name.c_str(), raw_append_access, &type);
+    RAW_read(out, &report, "t", &row);
+    RAW_close(out);
     return 0;
 }

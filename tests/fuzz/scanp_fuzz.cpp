@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <string>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
@@ -37,6 +38,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                   &a[8], &a[9], &a[10], &a[11], &a[12], &a[13], &a[14], &a[15]);
         if (matched < 0 || param.len == 0) {
             break;
+        }
+        scanp_replace(&param, '_', scanp_char(&param, -1));
+        if (scanp_char(&param, 0) != *scanp_str(&param)) {
+            std::abort();
         }
         scanp_inc(&param);
     }

@@ -39,6 +39,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string text(reinterpret_cast<const char*>(data), size);
     // A file that was read is kept: each run names its own.
     const std::string name = dir.write("f" + std::to_string(count++ % 100), text);
+    WX_symb(1, 2, "", 3);
+    WX_symb_file("none");
+    WX_symb_file(name.c_str());
     WX_symb_file(name.c_str());
     GPH_text_align(data[0] % 4, data[1] % 6);
     std::istringstream words(text);

@@ -44,7 +44,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         VAR_is_LABEL(i);
         VAR_is_type_PLOT(i);
     }
+    VAR_set_model_str("mdr");
+    FLAG_set(flag_def_time, 5);
     VAR_read_menu();
+    VAR_print_file();
+    char choice[81] = "";
+    FLAG_set_batch(1);
+    VAR_menu("", "", choice, 3);
+    KnownWords words;
+    VAR_add_names(&words);
+    check(*VAR_get_model_str() == 'm' && VAR_find_number(-1) == nullptr);
+    VAR_open_file("none.var");
+    VAR_open_file(nullptr);
     VAR_menu_display(text.c_str());
     return 0;
 }

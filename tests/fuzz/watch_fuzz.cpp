@@ -1,8 +1,12 @@
-// Watch bulletins: any bytes as a file of them, at a time of its own.
+// Watch bulletins: any bytes as a file of them, at a time of its own, drawn about Oklahoma.
+#include "map.h"
+#include "maptran.h"
+#include "region.h"
+#include "run_program.h"
 #include "watch.h"
 
-#include "memory_file.h"
 #include "zyr.h"
+#include "zyrgks.h"
 #include "zyrresrc.h"
 
 #include <cstddef>
@@ -10,11 +14,45 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+namespace {
+
+int open_output(const char* watch_path) {
     MESS_set(0, 0);
+    RES_put("device", "p,/dev/null");
     RES_put("file_path", ZYR_SOURCE_DIR "/etc");
-    const MemoryFile file(std::vector<std::uint8_t>(data, data + size));
-    const Date date = {2013, 5, 20, missing, missing, 12, 0, 0};
-    WATCH_decode_file(file.name(), &date, 1369087200L);
+    RES_put("watch_path", watch_path);
+    RES_put("color_watch", "lblue:wi=2,red:fp=hat");
+    int id = 0;
+    Gws_type type = ws_none;
+    Glim offset{};
+    GPH_setup(&id, &type, 1.5F, &offset);
+    FLAG_resetplot(1);
+    Domain domain;
+    domain.proj = proj_pstereo;
+    domain.clat = 35;
+    domain.clon = -97;
+    domain.nx = domain.ny = 25;
+    domain.dx = domain.dy = 1;
+    MAP_setup(&domain);
+    return id;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const TempDir dir;
+    static const int id = open_output(dir.path().c_str());
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    const std::string name = dir.write("2013052020.wat", text);
+    const Date late = {2013, 5, 25, missing, missing, 22, 0, 0}; // without a file
+    WATCH_decode(&late);
+    WATCH_decode_file("/nonexistent", &late, 0);
+    const Date date = {2013, 5, 20, missing, missing, 22, 0, 0};
+    if (id >= 0) {
+        WATCH_decode(&date);
+        WATCH_set_label(size % 2 == 0 ? 1 : 0);
+        WATCH_plot();
+    }
+    WATCH_decode_file(name.c_str(), &date, 1369087200L);
     return 0;
 }
