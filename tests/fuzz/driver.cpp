@@ -1,7 +1,10 @@
 // Replays the seeds of a fuzz target and, for each, a fixed number of
 // mutations from a fixed random sequence, so that a plain build exercises the
-// target in a few seconds. Arguments: seed files or directories of them; -runs=0
-// leaves the mutations out.
+// target in a few seconds. At the end the state of the program is put back, whatever
+// the inputs left of it. Arguments: seed files or directories of them; -runs=0 leaves
+// the mutations out.
+#include "rad_state.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -74,6 +77,7 @@ int main(int argc, char** argv) {
             files.push_back(entry.path());
         }
     }
+    const StateKeeper& keeper = RAD_take_state();
     std::size_t runs = 0;
     for (const auto& file : files) {
         const Bytes seed = read_file(file);
@@ -84,6 +88,7 @@ int main(int argc, char** argv) {
             LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
         }
     }
+    keeper.restore();
     std::printf("%zu seeds, %zu mutations\n", files.size(), runs);
     return files.empty() ? 1 : 0;
 }
