@@ -31,6 +31,7 @@
 #include <iterator>
 #include <string>
 
+#include <malloc.h>
 #include <unistd.h>
 
 namespace {
@@ -158,9 +159,20 @@ int plot() {
     return code != 0 ? code : plot_kind();
 }
 
+// Memory that unpacking gives back serves the picture that is made of it. The C library
+// would return each block of this size to the system and get a new one, whose pages cost
+// more than a picture's own work on them.
+void keep_freed_memory() {
+    constexpr int largest_block = 8 << 20;
+    constexpr int largest_rest = 16 << 20;
+    mallopt(M_MMAP_THRESHOLD, largest_block);
+    mallopt(M_TRIM_THRESHOLD, largest_rest);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+    keep_freed_memory();
     ZYR_watch_memory([](const char* message) { MESS_print(mess_error, "%s", message); });
     if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {
         MESS_print(mess_print, "zyrrad %s\n", ZYR_version());

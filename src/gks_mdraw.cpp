@@ -554,7 +554,7 @@ int MemoryDisplay::take_image(IMG_report* image) {
         std::snprintf(name.data(), name.size(), "%s", gget_win_title());
     }
     copy_text(image->info, sizeof image->info, name.data());
-    if (IMG_alloc(image) == 0) {
+    if (IMG_alloc_unset(image) == 0) {
         MESS_print(mess_warn, "gget_image: Unable to allocate data buffer.\n");
         return 0;
     }

@@ -6,6 +6,7 @@
 #include <bit>
 #include <cstring>
 #include <new>
+#include <span>
 
 namespace {
 
@@ -77,6 +78,25 @@ std::uint32_t packed_value(const unsigned char* line, int x, int bits) {
     const int step = x % per_byte;
     const int shift = bits == 1 ? step : 8 - bits * (step + 1);
     return (byte >> shift) & ((1U << bits) - 1U);
+}
+
+// Where the run of equal values that begins at `x` ends.
+std::size_t end_of_run(std::span<const std::uint32_t> values, std::size_t x) {
+    constexpr std::size_t step = 8; // compared at a time: most runs are long
+    const std::uint32_t value = values[x];
+    for (; x + step <= values.size(); x += step) {
+        std::uint32_t others = 0;
+        for (std::size_t i = 0; i < step; ++i) {
+            others |= values[x + i] ^ value;
+        }
+        if (others != 0) {
+            break;
+        }
+    }
+    while (x < values.size() && values[x] == value) {
+        ++x;
+    }
+    return x;
 }
 
 } // namespace
@@ -201,12 +221,9 @@ bool IMG_make_indexed(const IMG_report& image, std::uint32_t background, IMG_ind
     for (int row = 0; row < image.height; ++row) {
         IMG_row_values(image, row, image.width, values.data());
         for (std::size_t x = 0; x < width;) { // by runs of one value
-            const std::uint32_t value = values[x];
-            const std::size_t start = x;
-            while (x < width && values[x] == value) {
-                ++x;
-            }
-            std::memset(index + start, builder.place(value), x - start);
+            const std::size_t end = end_of_run(values, x);
+            std::memset(index + x, builder.place(values[x]), end - x);
+            x = end;
         }
         index += width;
         if (padded) {

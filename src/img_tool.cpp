@@ -31,6 +31,14 @@ int IMG_free(IMG_report* image) {
 }
 
 int IMG_alloc(IMG_report* image) {
+    if (IMG_alloc_unset(image) == 0) {
+        return 0;
+    }
+    std::memset(image->data.get(), 0, num_bytes(*image));
+    return 1;
+}
+
+int IMG_alloc_unset(IMG_report* image) {
     image->data = nullptr;
     if (image->width < 1 || image->height < 1 || image->bytes_line < 1 ||
         num_bytes(*image) > img_most_bytes ||
@@ -39,7 +47,7 @@ int IMG_alloc(IMG_report* image) {
         return 0;
     }
     const ZYR_own_report report;
-    image->data.reset(new (std::nothrow) unsigned char[num_bytes(*image)]());
+    image->data.reset(new (std::nothrow) unsigned char[num_bytes(*image)]);
     return image->data != nullptr ? 1 : 0;
 }
 

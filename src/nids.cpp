@@ -269,7 +269,11 @@ int bunzip_output(Stream& s, FILE* ifile) {
         s.oavail = 0;
         return 0;
     }
-    return s.oavail > 0 || s.zstat == BZ_STREAM_END ? 1 : 0;
+    if (s.zstat == BZ_STREAM_END) {
+        s.bz.reset(); // 4 MB, which the picture may have
+        return 1;
+    }
+    return s.oavail > 0 ? 1 : 0;
 }
 
 int copy_output(Stream& s) {

@@ -71,6 +71,8 @@ int IMG_print(int level, const IMG_report* image);
 // New pixels of height * bytes_line bytes, all 0, in the place of the old; 0
 // when the size is none, or above the ceiling, or memory is short.
 int IMG_alloc(IMG_report* image);
+// The same for one who writes them all: their values are not set.
+int IMG_alloc_unset(IMG_report* image);
 int IMG_alloc_colors(IMG_report* image, int count); // black, img_most_colors at most
 
 // --- Formats --------------------------------------------------------------------
