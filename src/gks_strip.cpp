@@ -14,7 +14,6 @@
 #include <bit>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 
 namespace {
 
@@ -124,9 +123,10 @@ public:
           wkwn_(both(p.wkwn_x, p.wkwn_y_max)), plt_f_(both(p.plt_fx, -p.plt_fy)),
           plt_(both(p.plt_x, p.plt_y)), low_(both(window.x_min, window.y_min)),
           high_(both(window.x_max, window.y_max)) {}
-    std::array<Gpixel, 2> take(const Gpt* points) {
-        Four v;
-        std::memcpy(&v, points, sizeof v);
+    std::array<Gpixel, 2> take(const Gpt& a, const Gpt& b) {
+        // By halves: a whole put together in memory would be waited for.
+        const auto v_of = [](const Gpt& p) { return std::bit_cast<Two>(p); };
+        Four v = __builtin_shufflevector(v_of(a), v_of(b), 0, 1, 2, 3);
         beyond_ |= (v < low_) | (v > high_);
         v = (((v - wn_) * wn_vp_ + vp_) - wkwn_) * plt_f_ + plt_;
         const Four limit = both(pixel_limit, pixel_limit);
@@ -142,6 +142,7 @@ public:
     }
 
 private:
+    using Two [[gnu::vector_size(8)]] = float;
     using Four [[gnu::vector_size(16)]] = float;
     using Ints [[gnu::vector_size(16)]] = std::int32_t;
     using Shorts [[gnu::vector_size(8)]] = std::int16_t;
@@ -158,8 +159,7 @@ public:
     Block(const Gpipe& pipe, const Gcoords& window, int n, const Gpt* near, const Gpt* far) {
         TwoPoints road(pipe, window);
         for (int i = 0; i <= n; ++i) {
-            const std::array<Gpt, 2> pair = {near[i], far[i]};
-            rungs_[static_cast<std::size_t>(i)] = std::bit_cast<Rung>(road.take(pair.data()));
+            rungs_[static_cast<std::size_t>(i)] = std::bit_cast<Rung>(road.take(near[i], far[i]));
         }
         inside_ = road.inside();
     }

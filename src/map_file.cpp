@@ -249,12 +249,15 @@ struct Box {
 class Extent {
 public:
     Extent(const std::uint8_t* points, int count) {
-        for (int i = 0; i < count; i += 2) {
+        const std::uint8_t* const end = points + static_cast<std::ptrdiff_t>(count) * point_bytes;
+        for (; end - points >= static_cast<std::ptrdiff_t>(2 * point_bytes);
+             points += 2 * point_bytes) {
+            take(points);
+        }
+        if (points < end) { // an odd one, twice
             std::array<std::uint8_t, 2 * point_bytes> two{};
-            const std::uint8_t* point = points + static_cast<std::ptrdiff_t>(i) * point_bytes;
-            std::memcpy(two.data(), point, point_bytes);
-            std::memcpy(two.data() + point_bytes, i + 1 < count ? point + point_bytes : point,
-                        point_bytes);
+            std::memcpy(two.data(), points, point_bytes);
+            std::memcpy(two.data() + point_bytes, points, point_bytes);
             take(two.data());
         }
     }
