@@ -223,9 +223,9 @@ void find_cut() {
 
 // A walk over the volume, and what it finds for the labels.
 struct Walk {
-    Map own;       // of the volume
-    Map plot;      // of the picture
-    Gpt site = {}; // on the volume's own map
+    Map own;    // of the volume
+    Map plot;   // of the picture
+    RadFan fan; // of radials around the site
     RadFills fills;
     RadByteLooks looks;          // of one-byte words
     float scale = 0, offset = 0; // by which they are values
@@ -239,9 +239,9 @@ struct Walk {
     bool left = false;      // what follows the scan was not read
 
     Walk(const Domain& domain, const Map& picture)
-        : own(map_make(domain)), plot(picture), fills(rad_folded(lev2.words, lev2_folded, true)),
-          strip(own, plot) {}
-    Walk(const Walk&) = delete; // the strip refers to the maps
+        : own(map_make(domain)), plot(picture), fan(own, domain.clat, domain.clon),
+          fills(rad_folded(lev2.words, lev2_folded, true)), strip(own, plot) {}
+    Walk(const Walk&) = delete; // its parts refer to the maps
     Walk& operator=(const Walk&) = delete;
 };
 
@@ -256,19 +256,24 @@ void print_radial(Walk& walk, const LEV2_data& data) {
     }
 }
 
-// The radial as it lies on the map: a degree wide on a straight line, or, exactly, as
-// wide as it is on the earth, the distances being those of the centres of gates.
-RadEdges radial_edges(const Map& own, Gpt site, const LEV2_data& data, const LEV2_gates& gates) {
+// In degrees: a degree, or, exactly, what the radial says.
+float width_of(const LEV2_data& data) {
+    return lev2.words.exact == 0 ? radial_width : data.az_space;
+}
+
+// The radial as it lies on the map: on a straight line, or, exactly, as it is on the earth,
+// the distances being those of the centres of gates.
+RadEdges radial_edges(const Map& own, RadFan& fan, const LEV2_data& data, const LEV2_gates& gates) {
+    const float width = width_of(data);
     if (lev2.words.exact == 0) {
-        const RadBeam beam = {data.rad_az, -radial_width / 2, radial_width, gates.first_km / 100.0,
+        const RadBeam beam = {data.rad_az, -width / 2, width, gates.first_km / 100.0,
                               static_cast<double>(gates.size_km) * own.domain.dx};
-        return rad_radial_edges(own, site, beam);
+        return rad_radial_edges(own, fan.site(), beam);
     }
     const double ground = std::cos(data.elev_ang * deg_to_rad);
     const double step_km = gates.size_km * ground;
-    const RadRay ray = {static_cast<double>(data.rad_az) - data.az_space / 2.0, data.az_space,
-                        gates.centre_km * ground - step_km / 2, step_km, gates.count};
-    return rad_earth_edges(own, own.domain.clat, own.domain.clon, ray);
+    return fan.edges({data.rad_az - width / 2.0, width, gates.centre_km * ground - step_km / 2,
+                      step_km, gates.count});
 }
 
 // The gates that lie behind the site, as the first ones of old radials: they are none.
@@ -317,7 +322,8 @@ void draw_radial(Walk& walk, const LEV2_data& data) {
     const LEV2_gates& gates = LEV2_get_gates();
     walk.clear_air = data.cov_patt >= first_clear && data.cov_patt <= last_clear;
     walk.elev = data.elev_ang;
-    const RadEdges edges = radial_edges(walk.own, walk.site, data, gates);
+    PLT_tally_radial(data.rad_az - width_of(data) / 2, width_of(data));
+    const RadEdges edges = radial_edges(walk.own, walk.fan, data, gates);
     walk.strip.begin();
     const int first = gates_behind(gates);
     const RadStrip::Added added =
@@ -423,8 +429,7 @@ bool keep_scan(const RadSource& source) {
     kept.source = source;
     kept.type = lev2.scan_type;
     kept.own = map_make(domain);
-    Gpt site{missing_f, missing_f};
-    kept.own.tran(info.lat, info.lon, &site.x, &site.y);
+    RadFan fan(kept.own, info.lat, info.lon);
     const int scan = std::exchange(lev2.scan_num, source.scan);
     std::size_t bytes = 0;
     LEV2_data data;
@@ -436,7 +441,7 @@ bool keep_scan(const RadSource& source) {
         const LEV2_gates& gates = LEV2_get_gates();
         bytes += gates.bytes.size() + sizeof(KeptRadial);
         kept.radials.push_back({
-            radial_edges(kept.own, site, data, gates),
+            radial_edges(kept.own, fan, data, gates),
             gates,
             {gates.bytes.begin(), gates.bytes.end()}
         });
@@ -601,7 +606,6 @@ int LEV2_plot_summary() {
     GPH_trans(tran_map);
     set_colors();
     Walk walk(lev2.domain, MAP_current());
-    walk.own.tran(lev2.info.lat, lev2.info.lon, &walk.site.x, &walk.site.y);
     PLT_mess("LEV2 Sum");
     draw_scan(walk);
     rad_note_scan(lev2.scan_num);

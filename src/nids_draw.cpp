@@ -26,6 +26,7 @@ constexpr double mm_per_inch = 25.4; // the document's decibels are of millimetr
 // These take the figures that they draw off `room`, and end where none is left.
 void draw_radials(const NIDS_frame& frame, RadFills& fills, long& room) {
     RadStrip strip(frame.own, frame.plot);
+    RadFan fan(frame.own, frame.info->domain.clat, frame.info->domain.clon);
     RadByteLooks looks; // of the levels of this packet
     const auto find = [&](std::uint8_t level) {
         const Gattribs* attrib = fills.get(NIDS_bin_value(level));
@@ -34,7 +35,8 @@ void draw_radials(const NIDS_frame& frame, RadFills& fills, long& room) {
     float sangle = 0;
     float dangle = 0;
     while (room > 0 && NIDS_get_radial(frame.ifile, &sangle, &dangle) > 0) {
-        const RadEdges edges = nids_radial_edges(frame, sangle, dangle);
+        PLT_tally_radial(sangle, dangle);
+        const RadEdges edges = nids_radial_edges(frame, fan, sangle, dangle);
         strip.begin();
         int bin = 0;
         NIDS_data data;
@@ -210,11 +212,10 @@ bool is_summary(int type) {
 } // namespace
 
 // The bins begin at the site, or, exactly, where their packet and the elevation say.
-RadEdges nids_radial_edges(const NIDS_frame& frame, float sangle, float dangle) {
+RadEdges nids_radial_edges(const NIDS_frame& frame, RadFan& fan, float sangle, float dangle) {
     if (frame.exact) {
         const NIDS_bins bins = NIDS_get_bins();
-        const RadRay ray = {sangle, dangle, bins.first_km, bins.size_km, std::max(bins.count, 1)};
-        return rad_earth_edges(frame.own, frame.info->domain.clat, frame.info->domain.clon, ray);
+        return fan.edges({sangle, dangle, bins.first_km, bins.size_km, std::max(bins.count, 1)});
     }
     const RadBeam beam = {sangle, 0.0F, dangle, 0.0, frame.info->domain.dx};
     return rad_radial_edges(frame.own, frame.site, beam);

@@ -39,7 +39,7 @@ struct NIDS_frame {
 // block or of what can be read. Returns 1; 0 when none is of a kind that is drawn.
 int NIDS_draw_packets(const NIDS_frame& frame);
 // The edges of the radial read last, and of a raster row, counted from the top.
-RadEdges nids_radial_edges(const NIDS_frame& frame, float sangle, float dangle);
+RadEdges nids_radial_edges(const NIDS_frame& frame, RadFan& fan, float sangle, float dangle);
 RadEdges nids_row_edges(const NIDS_frame& frame, int row);
 // The value of a bin or cell in the unit of the label: decibels as what they are of.
 float nids_cell_value(const NIDS_frame& frame, float value);

@@ -121,10 +121,11 @@ std::string nids_value_at(const NIDS_frame& frame, Gpt at) {
         switch (type) {
         case nids_packet_radial:
         case nids_packet_dig_radial: {
+            RadFan fan(frame.own, frame.info->domain.clat, frame.info->domain.clon);
             float sangle = 0;
             float dangle = 0;
             while (NIDS_get_radial(frame.ifile, &sangle, &dangle) > 0) {
-                const int bin = rad_figure_at(nids_radial_edges(frame, sangle, dangle), at);
+                const int bin = rad_figure_at(nids_radial_edges(frame, fan, sangle, dangle), at);
                 probe.take_runs(type, bin < frame.clutter_rad ? -1 : bin);
             }
             break;

@@ -98,7 +98,6 @@ RadStretch rad_next_stretch(std::span<const std::uint8_t> bytes, int from) {
 // --- Strips ---------------------------------------------------------------------
 
 RadEdges rad_radial_edges(const Map& own, Gpt site, const RadBeam& beam) {
-    PLT_tally_radial(beam.azimuth + beam.shift, beam.width);
     const float from = own.dir_adj(beam.azimuth, site.x, site.y) + beam.shift;
     const auto edge = [&](double angle) {
         const double east = std::sin(angle * deg_to_rad);
@@ -109,42 +108,81 @@ RadEdges rad_radial_edges(const Map& own, Gpt site, const RadBeam& beam) {
     return {edge(from), edge(from + beam.width + overlap_deg)};
 }
 
-RadEdges rad_earth_edges(const Map& own, double lat, double lon, const RadRay& ray) {
-    const double sin_lat = std::sin(lat * deg_to_rad);
-    const double cos_lat = std::cos(lat * deg_to_rad);
-    // The image of the place at an azimuth and a distance.
-    const auto place = [&](double azimuth, double km) {
-        const double sin_d = std::sin(km / earth_km);
-        const double cos_d = std::cos(km / earth_km);
-        const double north = sin_d * std::cos(azimuth * deg_to_rad);
-        const double across = sin_d * std::sin(azimuth * deg_to_rad); // to the meridian
-        const double along = cos_lat * cos_d - sin_lat * north;
-        const double up = sin_lat * cos_d + cos_lat * north; // to the equator
-        const auto to_lat =
-            static_cast<float>(std::atan2(up, std::hypot(across, along)) / deg_to_rad);
-        const auto to_lon = static_cast<float>(lon + std::atan2(across, along) / deg_to_rad);
-        Gpt p = {};
-        if (own.tran(to_lat, to_lon, &p.x, &p.y) == 0) {
-            p = {NAN, NAN};
-        }
-        return p;
-    };
-    const auto edge = [&](double azimuth) {
-        const double n = ray.count;
-        const Gpt near = place(azimuth, ray.start_km);
-        const Gpt middle = place(azimuth, ray.start_km + ray.step_km * n / 2);
-        const Gpt far = place(azimuth, ray.start_km + ray.step_km * n);
-        RadRuler ruler;
-        ruler.x = near.x;
-        ruler.y = near.y;
-        // The curve through the three.
-        ruler.dx = (4.0 * middle.x - 3.0 * near.x - far.x) / n;
-        ruler.dy = (4.0 * middle.y - 3.0 * near.y - far.y) / n;
-        ruler.ddx = 2.0 * (near.x - 2.0 * middle.x + far.x) / (n * n);
-        ruler.ddy = 2.0 * (near.y - 2.0 * middle.y + far.y) / (n * n);
-        return ruler;
-    };
-    return {edge(ray.azimuth), edge(ray.azimuth + ray.width + overlap_deg)};
+RadFan::RadFan(const Map& own, float lat, float lon) : own_(own), lat_(lat), lon_(lon) {
+    if (own.tran(lat, lon, &site_.x, &site_.y) == 0) {
+        site_ = {NAN, NAN};
+    }
+}
+
+// The curve of a spoke goes through the site, the middle of the reach and its end.
+void RadFan::fit(double reach_km) {
+    reach_km_ = reach_km;
+    const double sin_lat = std::sin(lat_ * deg_to_rad);
+    const double cos_lat = std::cos(lat_ * deg_to_rad);
+    for (std::size_t i = 0; i < spokes_.size(); ++i) {
+        const double azimuth = (static_cast<double>(i) - 1.0) * spoke_deg * deg_to_rad;
+        // The image of the place at a distance.
+        const auto place = [&](double km) {
+            const double sin_d = std::sin(km / earth_km);
+            const double cos_d = std::cos(km / earth_km);
+            const double north = sin_d * std::cos(azimuth);
+            const double across = sin_d * std::sin(azimuth); // to the meridian
+            const double along = cos_lat * cos_d - sin_lat * north;
+            const double up = sin_lat * cos_d + cos_lat * north; // to the equator
+            const double lat = std::atan2(up, std::hypot(across, along)) / deg_to_rad;
+            const double lon = lon_ + std::atan2(across, along) / deg_to_rad;
+            Gpt p = {};
+            if (own_.tran(static_cast<float>(lat), static_cast<float>(lon), &p.x, &p.y) == 0) {
+                p = {NAN, NAN};
+            }
+            return p;
+        };
+        const Gpt middle = place(reach_km / 2);
+        const Gpt end = place(reach_km);
+        const double square = reach_km * reach_km;
+        spokes_[i] = {(4.0 * middle.x - 3.0 * site_.x - end.x) / reach_km,
+                      (4.0 * middle.y - 3.0 * site_.y - end.y) / reach_km,
+                      2.0 * (site_.x - 2.0 * middle.x + end.x) / square,
+                      2.0 * (site_.y - 2.0 * middle.y + end.y) / square};
+    }
+}
+
+// Between spokes by the cubic through the four around it.
+RadRuler RadFan::ruler(double azimuth, const RadRay& ray) const {
+    const double turns = azimuth / 360.0;
+    const double at = std::min((turns - std::floor(turns)) * count, count - 1e-9);
+    if (!std::isfinite(at)) {
+        return {NAN, NAN};
+    }
+    const auto first = static_cast<std::size_t>(at);
+    const double t = at - static_cast<double>(first);
+    const double weights[] = {-t * (t - 1) * (t - 2) / 6, (t + 1) * (t - 1) * (t - 2) / 2,
+                              -(t + 1) * t * (t - 2) / 2, (t + 1) * t * (t - 1) / 6};
+    Spoke curve;
+    for (std::size_t i = 0; i < std::size(weights); ++i) {
+        const Spoke& spoke = spokes_[first + i];
+        curve.x += weights[i] * spoke.x;
+        curve.y += weights[i] * spoke.y;
+        curve.xx += weights[i] * spoke.xx;
+        curve.yy += weights[i] * spoke.yy;
+    }
+    const double start = ray.start_km;
+    const double step = ray.step_km;
+    return {site_.x + start * (curve.x + start * curve.xx),
+            site_.y + start * (curve.y + start * curve.yy),
+            step * (curve.x + 2.0 * start * curve.xx),
+            step * (curve.y + 2.0 * start * curve.yy),
+            step * step * curve.xx,
+            step * step * curve.yy};
+}
+
+RadEdges RadFan::edges(const RadRay& ray) {
+    // A little further than asked for, as the next radials may be longer.
+    const double end_km = std::max(1.0, ray.start_km + ray.step_km * ray.count);
+    if (end_km > reach_km_) {
+        fit(end_km * 1.01);
+    }
+    return {ruler(ray.azimuth, ray), ruler(ray.azimuth + ray.width + overlap_deg, ray)};
 }
 
 RadStrip::RadStrip(const Map& own, const Map& plot)

@@ -103,15 +103,41 @@ struct RadBeam {
 // The edges of a radial around a site on the data's own map.
 RadEdges rad_radial_edges(const Map& own, Gpt site, const RadBeam& beam);
 
-// The same on the earth.
+// A radial on the earth.
 struct RadRay {
     double azimuth = 0, width = 0;    // of its first edge, degrees from north; to the second
     double start_km = 0, step_km = 0; // along the ground: near end of the first bin, length
     int count = 0;                    // bins
 };
-// Its edges are great circles from the site, as near as a curve of the second order
-// comes, which is some ten metres at 460 km. Where the map has no image they have none.
-RadEdges rad_earth_edges(const Map& own, double lat, double lon, const RadRay& ray);
+
+// The great circles around a site on the data's own map, as near as curves of the second
+// order come, which is some ten metres at 460 km. Found once in a number of directions;
+// what lies between them is interpolated, within a metre. Where the map has no image the
+// edges have none.
+class RadFan {
+public:
+    RadFan(const Map& own, float lat, float lon);    // the map must outlive it
+    [[nodiscard]] Gpt site() const { return site_; } // on the map
+    // The edges of a radial.
+    RadEdges edges(const RadRay& ray);
+
+private:
+    static constexpr int count = 72;
+    static constexpr double spoke_deg = 360.0 / count;
+    // A great circle: place from the site by a distance in km and by its square.
+    struct Spoke {
+        double x = 0, y = 0, xx = 0, yy = 0;
+    };
+
+    void fit(double reach_km);
+    [[nodiscard]] RadRuler ruler(double azimuth, const RadRay& ray) const;
+
+    const Map& own_;
+    double lat_, lon_; // degrees
+    Gpt site_ = {};
+    double reach_km_ = 0;                   // to which the spokes were found
+    std::array<Spoke, count + 3> spokes_{}; // the first is that before north
+};
 
 // Bytes most of which are 0: a stretch in which they are not, and what lies before it.
 struct RadStretch {

@@ -246,8 +246,10 @@ TEST(RadEdges, LieOnGreatCircles) {
         domain.nx = domain.ny = 11;
         domain.dx = domain.dy = 1;
         const Map own = map_make(domain);
-        for (const double azimuth : {0.0, 77.0, 200.0}) {
-            const RadEdges edges = rad_earth_edges(own, lat, -97, {azimuth, 0.5, -0.5, 1.0, 460});
+        RadFan fan(own, static_cast<float>(lat), -97);
+        fan.edges({0, 0.5, 0, 1.0, 60}); // the others are longer
+        for (const double azimuth : {0.0, 77.0, 200.0, -2.5, 357.4, 359.9, 362.6}) {
+            const RadEdges edges = fan.edges({azimuth, 0.5, -0.5, 1.0, 460});
             for (const int step : {0, 1, 115, 300, 460}) {
                 const double angle = (step - 0.5) / 6371.22;
                 const double phi = lat * deg_to_rad;
