@@ -55,7 +55,7 @@ bool is_on_page(const Gpanel& panel) {
 }
 
 Grectangle panel_area(const Gpanel& panel, const Grectangle& page) {
-    return {page.x + scaled(panel.x, page.width), page.y + scaled(panel.y, page.height),
+    return {scaled(panel.x, page.width), scaled(panel.y, page.height),
             scaled(panel.width, page.width), scaled(panel.height, page.height)};
 }
 

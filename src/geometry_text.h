@@ -18,7 +18,8 @@ struct Gpanel {
 bool read_panel(const char* text, Gpanel* panel);
 // Whether any part of the panel lies on the page.
 bool is_on_page(const Gpanel& panel);
-// The panel of a page, in the units of the page.
+// The panel of a page, in the units of the page. Its fractions count from the corner
+// of the sheet: the page's own offset is that of a plot without a panel.
 Grectangle panel_area(const Gpanel& panel, const Grectangle& page);
 // "wxh+x+y", "wxh" or "+x+y", each number times `unit`; an offset is from the
 // page's own. What is not given stays as in `page`.

@@ -279,7 +279,7 @@ TEST(Hpgl, OptionsHeadAndArea) {
              {"",              "nopcl,a4",          "",              begin + state,                          "11357x7876+10+10"   },
              {"letter",        "nopcl,sz=11x17",    "",              begin + state,                          "10657x16747+10+10"  },
              {"nopcl,roll=36", "",                  "",              begin + state,                          "36032x23345+10+10"  },
-             {"",              "nopcl",             "P2x2+1+0",      begin + state,                          "5075x3806+5085+3816"},
+             {"",              "nopcl",             "P2x2+1+0",      begin + state,                          "5075x3806+5075+3806"},
              {"",              "nopcl",             "400x300+10+20", begin + state,                          "4059x3045+111+213"  },
              {"",              "nopcl",             "400x300",       begin + state,                          "4059x3045+10+10"    },
              {"",              "nopcl",             "+10+20",        begin + state,                          "10150x7612+111+213" },
