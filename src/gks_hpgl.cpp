@@ -282,13 +282,14 @@ int ghpgl_close_file() {
         hp.end = hp.pcl != pcl_none ? pcl_end : page_end;
     }
     Commands().put(hp.end);
-    if (close_output(std::exchange(hp.out_file, nullptr)) != 0) {
+    const int status = close_output(std::exchange(hp.out_file, nullptr));
+    if (status < 0) {
         gerr_printf("ghpgl_close_file", "unable to write HPGL file\n");
         explain_output("ghpgl_close_file");
-        return -1;
+    } else if (status == 0) {
+        MESS_print(mess_mess, "Created HPGL file\n");
     }
-    MESS_print(mess_mess, "Created HPGL file\n");
-    return 0;
+    return status;
 }
 
 int ghpgl_printf(const char* format, ...) {

@@ -6,6 +6,7 @@
 
 #include "gks.h"
 #include "nids_page.h"
+#include "out_file.h"
 #include "ps_page.h"
 #include "zyr.h"
 #include "zyrresrc.h"
@@ -308,6 +309,16 @@ TEST(Hpgl, WrongOptionsAreReported) {
         EXPECT_EQ(testing::internal::GetCapturedStderr(),
                   std::string("gopen_ws: invalid option: ") + option + "\n");
     }
+}
+
+// The run has said what went wrong.
+TEST(Hpgl, GivenUpPageSaysNothing) {
+    FilePage page(ws_hpgl, "nopcl");
+    line(2);
+    give_up_outputs();
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(page.whole(), "");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST(Hpgl, ScaleIsOfAllCoordinates) {
