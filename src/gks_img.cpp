@@ -61,8 +61,8 @@ int gread_image_file(const char* filename, IMG_report* image) {
 
 int IMG_read(const char* filename, IMG_report* image, int type) {
     constexpr int any_depth = 32;
-    const int depth = gget_win_depth();
-    return IMG_read_any(filename, image, type, type == 1 && depth == 0 ? any_depth : depth);
+    const bool any = type == 1 && gget_device() == Gdevice::none;
+    return IMG_read_any(filename, image, type, any ? any_depth : gget_win_depth());
 }
 
 int GIF_write(const char* filename, IMG_report* image) {
