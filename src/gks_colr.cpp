@@ -179,9 +179,11 @@ int gset_colr_rep(int ws_id, int ind, const Gcolr_rep* rep) {
         gerr_printf("gset_colr_rep", "invalid color index: %d\n", ind);
         return -1;
     }
-    grecord(obj_colr_rep, ws_id, ind, *rep);
+    const Gcolr_rep held = {gcolor_component(rep->red), gcolor_component(rep->green),
+                            gcolor_component(rep->blue)};
+    grecord(obj_colr_rep, ws_id, ind, held);
     if (!gtype_is_META() || !gdraw_ready()) { // else a window's list is written out
-        galloc_colr(ind, rep->red, rep->green, rep->blue);
+        galloc_colr(ind, held.red, held.green, held.blue);
     }
     return 0;
 }

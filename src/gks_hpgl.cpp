@@ -125,7 +125,7 @@ void put_width(Commands& out, int ind, float width) {
         return;
     }
     out.put("PW");
-    out.number(times * hp.base_width * wide, 1);
+    out.number(gprint_held_width(times * hp.base_width * wide), 1);
     out.put(";\n");
     hp.line_width = times * wide;
 }

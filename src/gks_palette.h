@@ -20,8 +20,12 @@ struct Gpalette {
 };
 Gpalette& gpalette();
 
+// A component within its range; what is no number is 0.
+inline float gcolor_component(float value) {
+    return value > 0.0F ? std::min(value, 1.0F) : 0.0F;
+}
 // A component as window systems count it, to 65535.
 inline std::uint16_t gcolor_level(float value) {
     constexpr float full = 65535.0F;
-    return static_cast<std::uint16_t>(std::clamp(value, 0.0F, 1.0F) * full);
+    return static_cast<std::uint16_t>(gcolor_component(value) * full);
 }

@@ -4,6 +4,7 @@
 
 #include "gks.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <initializer_list>
 #include <string_view>
@@ -32,6 +33,13 @@ bool gis_print_colr(int ind);
 float gprint_gray(int ind);
 // The factor on the width of any index: that of a print colour, else 1.
 int gprint_factor(int ind);
+
+// A width in units of a device within what it takes; what is no number is 0. The
+// attributes are bounded by the type alone, and factors come on top.
+inline float gprint_held_width(float width) {
+    constexpr float widest = 100000.0F;
+    return width > 0.0F ? std::min(width, widest) : 0.0F;
+}
 
 // Where the setters of gks.h keep their values, and the getters find them.
 void gprint_set_bold(int factor);

@@ -9,6 +9,7 @@
 #include "gks_attr.h"
 #include "gks_join.h"
 #include "gks_pack.h"
+#include "gks_palette.h"
 #include "gks_pipe.h"
 #include "gks_print.h"
 #include "out_file.h"
@@ -239,7 +240,7 @@ void put_width(OutText& out, int ind, float width) {
     if (wanted == ps.line_width) {
         return;
     }
-    const float dots = static_cast<float>(bold) * ps.base_width * width;
+    const float dots = gprint_held_width(static_cast<float>(bold) * ps.base_width * width);
     std::array<char, 64> text{};
     if (factor > 1) {
         std::snprintf(text.data(), text.size(), "%d dot lw\n", trunc_int(dots));
@@ -754,6 +755,9 @@ int gps_set_color_rep(float red, float grn, float blu, int ind) {
         return -1;
     }
     write_kept(); // in the colours that it was drawn in
+    red = gcolor_component(red);
+    grn = gcolor_component(grn);
+    blu = gcolor_component(blu);
     PrintColor& color = ps.colors[ind < 0 ? background_colr : ind];
     const auto before = color.rgb_text;
     const double sum =
@@ -785,8 +789,8 @@ int gps_set_orient(int portrait) {
 }
 
 int gps_set_scale(float scale) {
-    // A scale of nothing would be an error of the printer.
-    if (!(scale >= 0.01F)) {
+    // A scale of nothing would be an error of the printer, a huge one shows a point.
+    if (!(scale >= 0.01F && scale <= 100.0F)) {
         return -1;
     }
     ps.pr_scale = scale;

@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <limits>
 #include <string>
 
 namespace {
@@ -103,6 +104,43 @@ TEST(PostScript, PageOptionsAndGeometry) {
         EXPECT_EQ(testing::internal::GetCapturedStderr(),
                   refused.empty() ? "" : "gopen_ws: " + refused + "\n");
     }
+}
+
+// What a colour table, a metafile or an attribute may say, and no device takes.
+TEST(Printers, NumbersBeyondTheirRangeAreHeld) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    struct Row {
+        Gws_type type;
+        const char* options;
+        const char* line;
+        const char* area;
+    };
+    for (const Row& row : {
+             Row{ws_postscript, "gray",  "100000.0 dot lw\n", "\n0.370 setgray\n"             },
+             Row{ws_postscript, "color", "100000.0 dot lw\n", "\n0.00 1.00 0.00 setrgbcolor\n"},
+             Row{ws_hpgl,       "nopcl", "PW100000.0;\n",     "\nFT10,63;\n"                  },
+    }) {
+        FilePage page(row.type, row.options);
+        const Gcolr_rep rep = {nan, 1e30F, -5.0F};
+        EXPECT_EQ(gset_colr_rep(1, 3, &rep), 0);
+        Gcolr_rep held{};
+        gget_color_rgb(3, &held.red, &held.green, &held.blue);
+        EXPECT_TRUE(held.red == 0.0F && held.green == 1.0F && held.blue == 0.0F);
+        const std::array<Gpt, 3> corners = {
+            {{0, 0}, {1, 0}, {1, 1}}
+        };
+        gset_linewidth(3e38F);
+        gset_line_print_bold(4);
+        gpolyline(3, corners.data());
+        gset_line_print_bold(1);
+        gset_fill_colr_ind(3);
+        gfill_area(3, corners.data());
+        const std::string text = page.whole();
+        EXPECT_NE(text.find(row.line), std::string::npos) << row.options;
+        EXPECT_NE(text.find(row.area), std::string::npos) << row.options;
+    }
+    EXPECT_EQ(gps_set_scale(1e30F), -1);
+    gps_set_colorPS(0);
 }
 
 TEST(PostScript, NamesAndPipes) {
