@@ -411,6 +411,11 @@ int gcgm_point(float x, float y);    // world
 int gcgm_ps_point(float x, float y); // device units
 int gcgm_polyline(int n, const Gpt* pts);
 int gcgm_set_clip(float x0, float y0, float x1, float y1); // device units
+// The attributes of what it draws are no part of a binary metafile: nothing is written.
+int gcgm_set_color(int ind);
+int gcgm_set_fill_color(int ind);
+int gcgm_set_width(int ind, float width);
+int gcgm_set_type(int type);
 
 // --- Capture (gks_img.cpp; records in zyrimg.h, kinds in img_kind.h) ------------
 

@@ -117,6 +117,22 @@ int gcgm_set_clip(float x0, float y0, float x1, float y1) {
     return 0;
 }
 
+int gcgm_set_color(int /*ind*/) {
+    return 0;
+}
+
+int gcgm_set_fill_color(int /*ind*/) {
+    return 0;
+}
+
+int gcgm_set_width(int /*ind*/, float /*width*/) {
+    return 0;
+}
+
+int gcgm_set_type(int /*type*/) {
+    return 0;
+}
+
 void keep_gks_cgm(StateKeeper& keeper) {
     keeper.keep(out_file);
 }
