@@ -1,5 +1,5 @@
 // A map database in either form, drawn on the projection that the first byte
-// chooses.
+// chooses, of the whole earth or of a small part of it.
 #include "map.h"
 #include "maptran.h"
 #include "zyrgks.h"
@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     domain.clat = data[0] % 3 == 0 ? -90.0F : 40.0F;
     domain.clon = data[0] < 128 ? -97.0F : 180.0F;
     domain.nx = domain.ny = 25;
-    domain.dx = domain.dy = 5;
+    domain.dx = domain.dy = (data[0] & 32U) != 0 ? 0.1F : 5.0F;
     MAP_setup(&domain);
     MAP_set_fill(data[0] >> 4 & 1);
     std::FILE* file = fmemopen(const_cast<std::uint8_t*>(data + 1), size - 1, "rb");

@@ -1,5 +1,6 @@
-// The template language: lines of the input are a template, a typed name, and
-// the digits of a date. Names are matched, built and listed.
+// The template language: lines of the input are a template, a typed name, the
+// digits of a date, an extension and an input's name. Names are matched, built and
+// listed.
 #include "date.h"
 #include "name_tmpl.h"
 
@@ -29,18 +30,25 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::string conv;
     std::string typed;
     std::string digits;
+    std::string ext;
+    std::string file;
     std::getline(input, conv);
     std::getline(input, typed);
     std::getline(input, digits);
+    std::getline(input, ext);
+    std::getline(input, file);
     NameKeys keys;
+    copy_text(keys.file, sizeof keys.file, file.c_str());
     constexpr std::size_t site = 's';
     copy_text(keys.text[site], sizeof keys.text[site], "KTLX");
     NameSource source;
     source.conv = conv.c_str();
     source.keys = &keys;
+    source.ext = ext.c_str();
     source.resource = resource;
     DATE_decode_seq(digits.c_str(), &source.set);
-    if (size % 2 == 0) { // steps in place of clock values
+    if (size % 2 == 0) { // steps in place of values
+        source.set.day = -source.set.day;
         source.set.hour = -source.set.hour;
         source.set.min = -source.set.min;
     }
