@@ -157,6 +157,59 @@ void add_pages(Seeds& all) {
     all.emplace_back("pages_alone", nids_message(s));
 }
 
+// Storms: lists of a trend that are none, packets that end within each other, symbols
+// that name no place or all the same one, and more of them than any product has.
+void add_symbols(Seeds& all) {
+    constexpr int storm_tracks = 58;
+    constexpr int far = 20000; // quarters of a kilometre
+    NidsSample s;
+    s.code = storm_tracks;
+    const auto add = [&](const std::string& name, std::initializer_list<Bytes> packets) {
+        s.layers = {nids_join(packets)};
+        all.emplace_back(name, nids_message(s));
+    };
+    const NidsPlace here = {40, 60};
+    const Bytes track = nids_track_packet(23, '"',
+                                          {
+                                              here, {30, 50},
+                                               {20, 40}
+    });
+    const auto trend = [](std::initializer_list<int> lists) {
+        const int size = 2 * static_cast<int>(lists.size()) + 6;
+        return nids_join({nids_words({21, size, 'A' << 8 | '1', 40, 60}), nids_words(lists)});
+    };
+    add("hail_words", {nids_symbol_packet(13, {40, 60, far, 60}), nids_symbol_packet(14, {1, 2})});
+    add("hail_sizes", {nids_symbol_packet(19, {40, 60, 90, 80, 2, 44, 60, 60, 20, 0})});
+    add("features",
+        {nids_symbol_packet(20, {1, 2, 3, 40, 5, 6, 9, 40, 7, 8, 11, 500, 1, 1, 99, 0})});
+    add("trend_lists", {trend({7, 0x0101, 33, 1, 0, 4, 0x0203, 50, 60, 5, 0xFF01})});
+    add("trend_cut", {cut(trend({1, 0x0401, 5}), 12)});
+    add("names", {nids_symbol_packet(12, {40, 60}), nids_name_packet(15, here, "A1"),
+                  nids_name_packet(15, {80, 90}, "B2"), nids_name_packet(15, {81, 90}, "B2"),
+                  nids_name_packet(15, {far, far}, "C3"), nids_text_packet(8, 0, 80, 90, "D4")});
+    add("texts_alone", {nids_text_packet(1, 0, 80, 90, "D4")});
+    add("track_far", {
+                         nids_track_packet(24, '#', {here, {far, far}, {20, 40}}
+                           )
+    });
+    s.pages = {nids_join({nids_words({4, 10, 3, 100, 200, 270, 45}), nids_symbol_packet(12, {9, 9}),
+                          nids_text_packet(8, 0, 1, 1, " STM ID  AZ/RAN"), nids_words({8, 2, 0})})};
+    add("page_winds", {nids_symbol_packet(12, {40, 60})});
+    s.pages.clear();
+    for (const std::size_t size : {2, 6, 10, 20}) {
+        add("track_cut_" + std::to_string(size), {track});
+        all.back().second.resize(all.back().second.size() - size);
+        add("trend_cut_" + std::to_string(size), {trend({1, 0x0401, 5, 6, 7, 8, 4, 0x0101, 9})});
+        all.back().second.resize(all.back().second.size() - size);
+    }
+    add("letter_cut", {nids_name_packet(2, here, "\"")});
+    all.back().second.pop_back();
+    Bytes vortices = nids_words({12, 40000});
+    vortices.resize(40004);
+    s.bzip2 = true;
+    add("symbols_flood", {vortices, vortices, vortices});
+}
+
 void add_damaged(Seeds& all) {
     NidsSample s = digital_sample(94);
     const Bytes plain = nids_message(s);
@@ -196,6 +249,10 @@ Seeds nids_seeds() {
     add_cuts(all);
     add_pages(all);
     add_damaged(all);
+    add_symbols(all);
+    NidsSample scaled = digital_sample(159); // values by the format's own document
+    scaled.thres = {0x4000, 0, 0x4284, 0, 0, 255, 2, 0};
+    all.emplace_back("scaled", nids_message(scaled));
     return all;
 }
 

@@ -39,7 +39,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // The first byte may select a product of a collective file.
     const bool collective = size > 0 && data[0] == '*';
     const std::vector<std::uint8_t> bytes(data, data + size);
-    NIDS_set_exact(static_cast<int>(size % 2));
     struct Way {
         const char* selector;
         int symbols;
@@ -54,6 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
         NIDS_set_ext_info(way.selector);
         NIDS_take_symbols(way.symbols);
+        NIDS_set_exact(way.symbols);
         NIDS_info info;
         CheckedSink sink;
         const NidsFile file = nids_memory(bytes);

@@ -16,7 +16,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 namespace {
 
 bool open_session() {
-    RES_put("variable", "comp,track,table,posh::text,mvmt::track,model");
+    RES_put("variable", "comp,track,table,id::text,tvs::text,meso::text,posh::text,"
+                        "poh,mvmt::track,hsize,vil,dbzm,top,model");
     return open_plot_session("p,/dev/null") && NIDS_plot_param() == 0;
 }
 
