@@ -131,14 +131,12 @@ bool copy_part(const IMG_report& image, int width, int height, IMG_report* part)
     static_cast<IMG_fields&>(*part) = image;
     part->width = std::min(image.width, width);
     part->height = std::min(image.height, height);
-    if (image.colors != nullptr) {
-        if (IMG_alloc_colors(part, image.num_colors) == 0) {
-            return false;
-        }
-        std::copy_n(image.colors.get(), image.num_colors, part->colors.get());
-    }
-    if (IMG_alloc(part) == 0) {
+    const bool has_colors = image.colors != nullptr;
+    if ((has_colors && IMG_alloc_colors(part, image.num_colors) == 0) || IMG_alloc(part) == 0) {
         return false;
+    }
+    if (has_colors) {
+        std::copy_n(image.colors.get(), image.num_colors, part->colors.get());
     }
     const std::size_t size = static_cast<std::size_t>(part->height) * image.bytes_line;
     std::memcpy(part->data.get(), image.data.get(), size);

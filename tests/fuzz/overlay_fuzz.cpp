@@ -1,8 +1,10 @@
 // An image file laid over the plot, on displays with a colour map and with masks.
-// The first byte chooses the display, the second the place and the background. The
-// seeds are made by `make_sample --overlay-seeds tests/fuzz/seeds/overlay_fuzz`.
+// The first byte chooses the display, the second the place and the background, and
+// whether it is an entry of a map list. The seeds are made by
+// `make_sample --overlay-seeds tests/fuzz/seeds/overlay_fuzz`.
 // Does nothing where there is no Xvfb.
 #include "gks.h"
+#include "map.h"
 #include "memory_file.h"
 #include "zyr.h"
 #include "zyrimg.h"
@@ -12,6 +14,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <string>
 
 #include "x_server.h" // after the others: Xlib's macros hide names of theirs
 
@@ -33,6 +36,7 @@ Screens& screens() {
         gset_color_finder([](const char* name, Gcolr_rep*) { return *name == 'w' ? 1 : -1; });
         RES_put("file_path", ZYR_SOURCE_DIR "/etc");
         RES_put("geometry", "60x40");
+        FLAG_resetplot(1);
         gopen_gks(nullptr, 0);
         return Screens{};
     }();
@@ -74,6 +78,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     const MemoryFile file({data + 2, data + size});
     const int place = (data[1] - 128) * (data[1] % 16 == 15 ? 1000 : 1);
-    goverlay_image_file(file.name(), backgrounds[data[1] % backgrounds.size()], place, place / 2);
+    const char* background = backgrounds[data[1] % backgrounds.size()];
+    goverlay_image_file(file.name(), background, place, place / 2);
+    const std::string entry = (data[0] < 128 ? "if:" : "im:") + std::string(file.name()) + ":" +
+                              background + ":" + std::to_string(place) + ":9";
+    RES_put("map_file", (entry + ",im:none").c_str());
+    MAP_draw(map_plain);
     return 0;
 }

@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (text.find("f=") != std::string::npos || text.find("F=") != std::string::npos) {
         return 0;
     }
-    const std::string name = dir.write("a.raw", text);
+    const std::string name = dir.rewrite("a.raw", text);
     constexpr int codes[] = {proj_pstereo, proj_latlon,   proj_lambert,
                              proj_xlogp,   proj_category, proj_pixel};
     Domain domain;

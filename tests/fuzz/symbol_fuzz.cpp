@@ -38,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     const std::string text(reinterpret_cast<const char*>(data), size);
     // A file that was read is kept: each run names its own.
-    const std::string name = dir.write("f" + std::to_string(count++ % 100), text);
+    const std::string name = dir.rewrite("f" + std::to_string(count++ % 100), text);
     WX_symb(1, 2, "", 3);
     WX_symb_file("none");
     WX_symb_file(name.c_str());

@@ -51,9 +51,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     RES_put("file_path", dir.path().c_str());
     const std::string all(reinterpret_cast<const char*>(data), size);
     const std::size_t cut = std::min(all.find("==\n"), all.size());
-    dir.write("f.var", all.substr(0, cut));
+    dir.rewrite("f.var", all.substr(0, cut));
     if (cut > 0) {
-        dir.write("variable.lup", all.substr(0, cut));
+        dir.rewrite("variable.lup", all.substr(0, cut));
     } else {
         std::filesystem::remove(dir.path() + "/variable.lup");
     }

@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const TempDir dir;
     static const int id = open_output(dir.path().c_str());
     const std::string text(reinterpret_cast<const char*>(data), size);
-    const std::string name = dir.write("2013052020.wat", text);
+    const std::string name = dir.rewrite("2013052020.wat", text);
     const Date late = {2013, 5, 25, missing, missing, 22, 0, 0}; // without a file
     WATCH_decode(&late);
     WATCH_decode_file("/nonexistent", &late, 0);

@@ -182,6 +182,11 @@ std::string TempDir::write(const std::string& name, const std::string& text) con
     return full.string();
 }
 
+std::string TempDir::rewrite(const std::string& name, const std::string& text) const {
+    fs::remove(fs::path(path_) / name);
+    return write(name, text);
+}
+
 std::string read_text(const std::string& name) {
     std::ifstream file(name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};

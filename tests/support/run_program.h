@@ -68,6 +68,9 @@ public:
     const std::string& path() const { return path_; }
     // Writes a file, with the directories in front of it. Returns its full name.
     std::string write(const std::string& name, const std::string& text) const;
+    // The same in the place of an older one: a file that is cut and written anew may wait
+    // for the disk, which a fuzzer cannot.
+    std::string rewrite(const std::string& name, const std::string& text) const;
 
 private:
     std::string path_;
