@@ -7,15 +7,12 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 
 namespace {
 
-int scaled(int n, float unit) {
-    return trunc_int(static_cast<float>(n) * unit);
-}
-
-int scaled(float fraction, int side) {
-    return trunc_int(static_cast<float>(side) * fraction);
+int scaled(float factor, int n) {
+    return whole_units(static_cast<double>(factor) * n);
 }
 
 // Do two stretches have a part in common?
@@ -35,6 +32,14 @@ bool usable(const Grectangle& area, const Grectangle& page) {
 }
 
 } // namespace
+
+int whole_units(double length) {
+    constexpr double least_part = 2.5e-7;
+    constexpr double limit = 2.0e9;
+    const double held = length > -limit ? std::min(length, limit) : -limit;
+    const double near = std::round(held);
+    return static_cast<int>(std::fabs(held - near) <= std::fabs(held) * least_part ? near : held);
+}
 
 bool read_panel(const char* text, Gpanel* panel) {
     constexpr float most_cells = 8.0F;
@@ -65,16 +70,16 @@ Grectangle unit_area(const char* text, const Grectangle& page, float unit) {
     int w = 0;
     int h = 0;
     if (take_int(&cursor, &w) && take_char(&cursor, 'x') && take_int(&cursor, &h)) {
-        area.width = scaled(w, unit);
-        area.height = scaled(h, unit);
+        area.width = scaled(unit, w);
+        area.height = scaled(unit, h);
     } else {
         cursor = text;
     }
     int x = 0;
     int y = 0;
     if (take_int(&cursor, &x) && take_int(&cursor, &y)) {
-        area.x = page.x + scaled(x, unit);
-        area.y = page.y + scaled(y, unit);
+        area.x = page.x + scaled(unit, x);
+        area.y = page.y + scaled(unit, y);
     }
     return area;
 }

@@ -12,6 +12,10 @@ struct Gpanel {
     float y = 0.0F;
 };
 
+// A length cut to whole units. Fractions and inches come in single precision, which
+// may leave a whole number just short of itself: that number is meant.
+int whole_units(double length);
+
 // "wxh+x+y": fractions of the page, or with w above 1 a grid of
 // w columns and h rows and the cell x, y in it, row 0 at the top. What is not
 // given keeps its start value. Returns whether all four numbers were given.

@@ -27,7 +27,7 @@
 
 namespace {
 
-constexpr float units_per_inch = 1015.0F;
+constexpr double units_per_inch = 1015.0;
 constexpr float units_per_pixel = 10.15F;
 constexpr int page_offset = 10;
 constexpr Gpage usual_page = {10.5F, 8.0F};
@@ -229,9 +229,8 @@ int ghpgl_open_ws(const char* conn_id) {
     ghpgl_init();
     take_options(std::getenv("zyrhp_param"), 0, decode_environment);
     take_options(conn_id, 1, decode_option);
-    const Grectangle area = {page_offset, page_offset,
-                             trunc_int((hp.page.x - 0.5F) * units_per_inch),
-                             trunc_int((hp.page.y - 0.5F) * units_per_inch)};
+    const auto side = [](double inches) { return whole_units((inches - 0.5) * units_per_inch); };
+    const Grectangle area = {page_offset, page_offset, side(hp.page.x), side(hp.page.y)};
     set_page_area(geometry_text(), area, units_per_pixel);
     return ghpgl_init_file();
 }

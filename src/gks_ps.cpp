@@ -463,8 +463,8 @@ int gps_open_ws(const char* conn_id) {
     take_options(std::getenv("zyrps_param"), 0, decode_option);
     take_options(conn_id, 1, decode_option);
     gps_init_file();
-    const Grectangle page = {0, 0, trunc_int((ps.sx - 0.5F) * points_per_inch),
-                             trunc_int((ps.sy - 0.5F) * points_per_inch)};
+    const auto side = [](double inches) { return whole_units((inches - 0.5) * points_per_inch); };
+    const Grectangle page = {0, 0, side(ps.sx), side(ps.sy)};
     set_page_area(geometry_text(), page, points_per_pixel);
     return 0;
 }

@@ -86,6 +86,7 @@ TEST(PostScript, PageOptionsAndGeometry) {
                  {756, 576, 0, 0},
                  "invalid option: small=x\ngopen_ws: invalid option: small=9"                                           },
              Row{"",            "",           "P2x2+0+0",        {378, 288, 0, 288}, ""                                 },
+             Row{"",            "",           "P3x3+0+0",        {252, 192, 0, 384}, ""                                 }, // two thirds, whole
              Row{"",            "",           "p20x1+7+0",       {94, 576, 661, 0},  ""                                 }, // at most 8 columns
              Row{"",            "",           "P0.5x0.25+0.5+0", {378, 144, 378, 0}, ""                                 },
              Row{"",            "",           "800x600-10+20",   {576, 432, -7, 14}, ""                                 },

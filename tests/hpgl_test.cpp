@@ -279,10 +279,11 @@ TEST(Hpgl, OptionsHeadAndArea) {
              {"",              "nopcl,lwidth=0.75", "",              begin + "PW0.8;SV;LT;\n",               usual                },
              {"",              "nopcl,a4",          "",              begin + state,                          "11357x7876+10+10"   },
              {"letter",        "nopcl,sz=11x17",    "",              begin + state,                          "10657x16747+10+10"  },
+             {"",              "nopcl,sz=16.3x8",   "",              begin + state,                          "16037x7612+10+10"   },
              {"nopcl,roll=36", "",                  "",              begin + state,                          "36032x23345+10+10"  },
              {"",              "nopcl",             "P2x2+1+0",      begin + state,                          "5075x3806+5075+3806"},
-             {"",              "nopcl",             "400x300+10+20", begin + state,                          "4059x3045+111+213"  },
-             {"",              "nopcl",             "400x300",       begin + state,                          "4059x3045+10+10"    },
+             {"",              "nopcl",             "400x300+10+20", begin + state,                          "4060x3045+111+213"  },
+             {"",              "nopcl",             "400x300",       begin + state,                          "4060x3045+10+10"    },
              {"",              "nopcl",             "+10+20",        begin + state,                          "10150x7612+111+213" },
     }) {
         const std::string got = in_child([&] {
