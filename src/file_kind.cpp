@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
+#include <cstring>
 #include <string_view>
 
 namespace {
@@ -139,9 +140,20 @@ bool is_rrwds(std::span<const std::uint8_t> head) {
            (head[6] & 15) < 10;
 }
 
-// Code 2: the general status of a radar, in the form of a product.
+// Code 2: the general status of a radar, in the form of a product, at the start or
+// after the two lines of a bulletin.
 bool is_status(std::span<const std::uint8_t> head) {
-    return head.size() > 20 && head[0] == 0 && head[1] == 2 && head[18] == 0xFF && head[19] == 0xFF;
+    constexpr int lines = 2;
+    constexpr std::size_t longest = 80;
+    const std::string_view text = as_text(head);
+    std::size_t at = 0;
+    for (int line = 0; line < lines && is_text(text.substr(at, 1)); ++line) {
+        const std::size_t end = text.substr(0, at + longest).find('\n', at);
+        at = end == text.npos ? at : end + 1;
+    }
+    const auto status = head.subspan(at);
+    return status.size() > 20 && status[0] == 0 && status[1] == 2 && status[18] == 0xFF &&
+           status[19] == 0xFF;
 }
 
 } // namespace
@@ -157,23 +169,28 @@ FileKind file_kind(std::span<const std::uint8_t> head) {
         }
     }
     if (is_rcm(text)) {
-        return {"a Radar Coded Message", "rcmsite"};
+        return {"a Radar Coded Message", "rcmsite", false};
     }
     if (NIDS_is_product(head) != 0) {
         return {"a NIDS product", "nids"};
     }
     if (is_status(head)) {
-        return {"a NIDS status message", nullptr};
+        return {"a NIDS status message", nullptr, false};
     }
     if (const FileKind kind = markup(text); kind.name != nullptr) {
         return kind;
     }
     if (is_text(text)) {
-        return {"a text file", nullptr};
+        return {"a text file", nullptr, false};
     }
-    return is_rrwds(head)    ? FileKind{"an RRWDS image", "rrwds"}
-           : is_kavrad(text) ? FileKind{"a KAVRAD mosaic", "kavrad"}
-                             : FileKind{nullptr, nullptr};
+    return is_rrwds(head)    ? FileKind{"an RRWDS image", "rrwds", false}
+           : is_kavrad(text) ? FileKind{"a KAVRAD mosaic", "kavrad", false}
+                             : FileKind{nullptr, nullptr, false};
+}
+
+bool is_other_kind(std::span<const std::uint8_t> head, const char* input) {
+    const FileKind kind = file_kind(head);
+    return kind.sure && (kind.input == nullptr || std::strcmp(kind.input, input) != 0);
 }
 
 void tell_file_kind(const char* routine, std::span<const std::uint8_t> head) {

@@ -4,11 +4,15 @@
 
 #include "cont.h"
 #include "data_file.h"
+#include "file_kind.h"
 #include "files.h"
 #include "maptran.h"
 #include "plt_tool.h"
 #include "rad_mosaic.h"
 #include "state_keeper.h"
+
+#include <array>
+#include <cstdint>
 
 namespace {
 
@@ -46,6 +50,12 @@ int KAVRAD_open_file(const char* filename) {
     if (state.ifile == nullptr) {
         MESS_print(mess_error, "KAVRAD_open_file: Unable to open file: %s\n", filename);
         return 0;
+    }
+    std::array<std::uint8_t, 512> area{};
+    const auto head = FILE_head(state.ifile, area);
+    if (is_other_kind(head, "kavrad")) { // drawn all the same: the format has no mark
+        MESS_print(mess_warn, "KAVRAD_open_file: Not a KAVRAD file: %s\n", filename);
+        tell_file_kind("KAVRAD_open_file", head);
     }
     KAVRAD_header(state.ifile, &state.info);
     rad_mosaic_take(state.plot, filename, state.info.date, state.info.label, state.info.domain);

@@ -378,7 +378,9 @@ int NIDS_open_file(const char* filename) {
     }
     std::array<std::uint8_t, 512> area{};
     const auto head = FILE_head(nids.ifile, area);
-    if (NIDS_get_header(nids.ifile, &nids.info) == 0 || NIDS_is_plausible() == 0) {
+    // Small archives and bzip2 files have bytes that pass for a place on earth.
+    if (is_other_kind(head, "nids") || NIDS_get_header(nids.ifile, &nids.info) == 0 ||
+        NIDS_is_plausible() == 0) {
         nids.info = {};
         MESS_print(mess_error, "NIDS_open_file: Unable to read file:%s\n", filename);
         tell_file_kind("NIDS_open_file", head);

@@ -28,6 +28,7 @@ struct State {
     long num_station = 0; // its reports
     std::array<std::uint8_t, 512> head{};
     std::size_t head_size = 0;
+    bool looked = false; // the head is that of a file that opened
 };
 State state;
 
@@ -62,6 +63,7 @@ int type_of(std::string_view head) {
 int find_type(std::FILE* file, const char* name, int* fd) {
     const auto head = FILE_head(file, state.head);
     state.head_size = head.size();
+    state.looked = true;
     const int type = type_of({reinterpret_cast<const char*>(head.data()), head.size()});
     if (type != rad_type_report) {
         return type;
@@ -93,7 +95,7 @@ int RAD_chktype(const char* filename) {
 }
 
 int RAD_open(const char* filename, int f_access, int* f_type) {
-    state.head_size = 0;
+    state.looked = false;
     const FILE_ptr file(f_access == 0 ? FILE_open_data(filename) : nullptr);
     if (file == nullptr) {
         return -1;
@@ -118,7 +120,7 @@ int RAD_open(const char* filename, int f_access, int* f_type) {
 }
 
 void RAD_tell_kind(const char* routine) {
-    if (state.head_size > 0) {
+    if (state.looked) {
         tell_file_kind(routine, std::span(state.head).first(state.head_size));
     }
 }

@@ -18,6 +18,7 @@
 #include "cont.h"
 #include "data_file.h"
 #include "date.h"
+#include "file_kind.h"
 #include "files.h"
 #include "map.h"
 #include "maptran.h"
@@ -39,6 +40,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <span>
 #include <string_view>
 
 namespace {
@@ -216,9 +218,15 @@ int RRWDS_get_header(std::FILE* ifile, NIDS_info* info) {
 int RRWDS_open_file(const char* filename) {
     copy_text(state.name, sizeof state.name, filename);
     state.ifile = FILE_open_data(filename);
+    std::array<std::uint8_t, 512> area{};
+    const auto head =
+        state.ifile != nullptr ? FILE_head(state.ifile, area) : std::span<const std::uint8_t>();
     const int header = RRWDS_get_header(state.ifile, &state.rrwds_info);
     if (header == 0) {
         MESS_print(mess_warn, "RRWDS_open_file: Unable to open file:%s\n", filename);
+    }
+    if (state.ifile != nullptr && is_other_kind(head, "rrwds")) {
+        tell_file_kind("RRWDS_open_file", head);
     }
     if (header != 1) {
         RRWDS_close_file();

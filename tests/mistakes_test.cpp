@@ -278,6 +278,15 @@ constexpr Mistake mistakes[] = {
      "!page.ps"},
     {"./list -inp auto", 10, "zyrrad: No radar file: ./list\n*a text file*", "!page.ps"},
     {"./list -inp rrwds -id OKC", 11, "RRWDS_get_header: Station not found\n", "!page.ps"},
+    {"./zip", 10, "NIDS_open_file: Unable to read file:./zip\n*looks like a zip archive*",
+     "!page.ps"},
+    {"./bzip2", 10, "NIDS_open_file: Unable to read file:./bzip2\n*a file packed by bzip2*",
+     "!page.ps"},
+    {"./zip -inp kavrad -pd us", 0, "KAVRAD_open_file: Not a KAVRAD file: ./zip\n*a zip archive*",
+     "page.ps"}, // which has no mark
+    {"./zip -inp rrwds", 11, "RRWDS_get_header: Station not found\n*a zip archive*", "!page.ps"},
+    {"./empty -inp mdr -pd us -va pr_tt", 10, "Unable to open file:./empty\n*an empty file*",
+     "!page.ps"},
     {"nofile -inp auto", 10, "zyrrad: Unable to open file: nofile\n", "!page.ps"},
     {"nofile -inp lev2z", 10, "LEV2_open_file: Unable to open file:./nofile\n", "!page.ps"},
     {"./list -inp nowrad -pd us", 10, "*", "!page.ps"},
@@ -489,6 +498,9 @@ TEST(Mistakes, AreEachSaidOnce) {
         dir.write("radial", radial);
         dir.write("list", "mf:|touch${IFS}harm\n");
         dir.write("many", many);
+        dir.write("zip", "PK\x03\x04" + std::string(18, '\0') + '\1' + std::string(200, '\0'));
+        dir.write("bzip2", "BZh91AY&SY" + std::string(200, '\xFF'));
+        dir.write("empty", "");
         dir.write("mosaic", mosaic);
         dir.write("obs.raw", "ZYRRAW\n1200Z 23 NOV 26\n!Obs\nid lat lon t:Temp:%1.0f\n$\n"
                              "OKC 35 -97 21\n");
