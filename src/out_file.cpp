@@ -80,7 +80,8 @@ extern "C" void stop_handler(int signal) {
 
 extern "C" void no_handler(int) {}
 
-constexpr std::array stopping = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGXCPU};
+// SIGUSR1 and SIGUSR2 come from batch queues whose time runs out.
+constexpr std::array stopping = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGXCPU, SIGUSR1, SIGUSR2};
 // A command that ends early, or a limit on the size of files, is an error of
 // writing and must not take the program with it. Unlike SIG_IGN a handler is
 // not handed on to commands.

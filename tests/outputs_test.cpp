@@ -202,7 +202,7 @@ TEST_F(Outputs, OutputsThatFailLeaveThePage) {
 // A run that waits for its second file.
 TEST_F(Outputs, SignalsLeaveThePage) {
     ASSERT_EQ(mkfifo(file("fifo").c_str(), 0600), 0);
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGUSR1}) {
         RunningProgram program(ZYR_PROGRAM, call("-de p,old radial fifo"));
         constexpr int tries = 2000; // of 10 ms
         for (int i = 0; i < tries && unfinished() == 0; ++i) {
