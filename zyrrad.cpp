@@ -27,6 +27,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <cstring>
 #include <iterator>
 #include <string>
@@ -159,6 +160,15 @@ int plot() {
     return code != 0 ? code : plot_kind();
 }
 
+// Ends a run that only answers: an answer that a full disk cut short is a failure.
+void end_answer(int code) {
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        MESS_print(mess_error, "zyrrad: Unable to write to standard output\n");
+        code = end_output;
+    }
+    ZYR_exit(code);
+}
+
 // Memory that unpacking gives back serves the picture that is made of it. The C library
 // would return each block of this size to the system and get a new one, whose pages cost
 // more than a picture's own work on them.
@@ -176,7 +186,7 @@ int main(int argc, char** argv) {
     ZYR_watch_memory([](const char* message) { MESS_print(mess_error, "%s", message); });
     if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {
         MESS_print(mess_print, "zyrrad %s\n", ZYR_version());
-        ZYR_exit(0);
+        end_answer(0);
     }
     // What follows "--info" are files; settings come before it.
     char** const info = std::find_if(
@@ -200,13 +210,13 @@ int main(int argc, char** argv) {
             "More: zyrrad --list products|regions|colours|fonts|stations|projections|variables|"
             "options; --info FILE...; --files-from LIST; "
             "--report FILE; man zyrrad\n");
-        ZYR_exit(0);
+        end_answer(0);
     }
     if (const char* kind = RES_get("--list")) {
-        ZYR_exit(RAD_list(kind) == 0 ? 0 : end_file);
+        end_answer(RAD_list(kind) == 0 ? 0 : end_file);
     }
     if (num_args < argc) {
-        ZYR_exit(print_info(argc - num_args - 1, info + 1));
+        end_answer(print_info(argc - num_args - 1, info + 1));
     }
     RAD_check_settings();
     if (!RAD_open_account()) {

@@ -63,6 +63,41 @@ struct Report {
 
 // --- Reading ------------------------------------------------------------------
 
+// The extremes of products whose document has them otherwise than the parameter line
+// of the picture.
+struct Extremes {
+    int code;
+    int low, high; // which parameter; 0: none
+    double factor;
+};
+constexpr Extremes documented[] = {
+    {163, 4, 5, 0.05 },
+    {174, 7, 4, 0.1  },
+    {175, 7, 4, 0.1  },
+    {176, 0, 4, 0.001},
+};
+
+Range extremes_of(const NIDS_info& info, const NidsProdDesc& desc) {
+    const NidsParams& params = nids_product(info.code).params;
+    Range values;
+    const auto* row = std::find_if(std::begin(documented), std::end(documented),
+                                   [&](const Extremes& r) { return r.code == info.code; });
+    if (row != std::end(documented)) {
+        const auto value = [&](int which) {
+            return which == 0 ? missing_f
+                              : static_cast<float>(static_cast<std::int16_t>(
+                                                       desc.p[static_cast<std::size_t>(which)]) *
+                                                   row->factor);
+        };
+        values.low = value(row->low);
+        values.high = value(row->high);
+    } else if (params.show != NidsExtremes::none) {
+        values.high = info.max;
+        values.low = params.show == NidsExtremes::min_max ? info.nmax : missing_f;
+    }
+    return values;
+}
+
 void read_nids(std::FILE* file, const RadSites& sites, Report* report) {
     NIDS_info info;
     if (NIDS_get_header(file, &info) == 0) {
@@ -82,9 +117,8 @@ void read_nids(std::FILE* file, const RadSites& sites, Report* report) {
     if (params.elev != NidsElev::none) {
         report->elev = info.elev;
     }
-    if (params.show != NidsExtremes::none && !mosaic && nids_product(info.code).label != nullptr) {
-        report->values.high = info.max;
-        report->values.low = params.show == NidsExtremes::min_max ? info.nmax : missing_f;
+    if (!mosaic && nids_product(info.code).label != nullptr) {
+        report->values = extremes_of(info, desc);
     }
 }
 
@@ -249,6 +283,7 @@ Report look_into(const char* name, const RadSites& sites) {
     const FILE_ptr file(FILE_open_data(name));
     if (!file) {
         MESS_print(mess_error, "RAD_print_files: Unable to open file:%s\n", name);
+        FILE_explain(name);
         report.kind = "no file";
         return report;
     }

@@ -29,6 +29,8 @@ protected:
             write(name, bytes);
         }
         dir.write("page", "<html><body>Not found</body></html>");
+        dir.write("status", "NXUS63 KDDC 171000\r\r\nGSMDDC\r\r\n" + std::string("\0\2", 2) +
+                                std::string(16, '\0') + "\xFF\xFF" + std::string(20, '\0'));
         dir.write("with \"quotes\"\x01", "");
     }
 
@@ -107,6 +109,7 @@ TEST_F(Info, OneLineAFileInTheOrderOfTimes) {
         std::string::npos)
         << info({"region"}).out;
     EXPECT_NE(run.out.find("scan 1 0.5 deg, reflectivity"), std::string::npos) << run.out;
+    EXPECT_NE(info({"status"}).out.find("status: a NIDS status message\n"), std::string::npos);
     const std::string time = "2019-05-20T22:35:00Z  -     ";
     EXPECT_EQ(info({"mdr.rad", "rcm.rad", "station.nc", "report.nc"}).out,
               time + "mdr.rad: Radar summary of 78 reports of digitised radar\n" + time +
@@ -137,6 +140,18 @@ TEST_F(Info, JsonCanBeReadAgain) {
     EXPECT_NE(run.out.find(R"("with \"quotes\"\u0001")"), std::string::npos) << run.out;
     EXPECT_EQ(info({"page"}).code, 10);
     EXPECT_EQ(info({"--json"}).code, 10);
+}
+
+// A disk that is full cuts an answer short.
+TEST_F(Info, AnAnswerIsWhole) {
+    for (const char* args : {"--version", "-h", "--list projections", "--info radial"}) {
+        ProgramCall call;
+        call.args = {"-c", std::string(ZYR_PROGRAM " ") + args + " >/dev/full"};
+        call.directory = dir.path();
+        const ProgramRun run = run_program("/bin/sh", call);
+        EXPECT_EQ(run.code, 4) << args << run.err;
+        EXPECT_NE(run.err.find("Unable to write to standard output\n"), std::string::npos);
+    }
 }
 
 TEST_F(Info, TheKindOfAFileIsFound) {
@@ -178,6 +193,7 @@ TEST_F(Info, RealProducts) {
     std::vector<std::string> args = {"--json"};
     args.insert(args.end(), files.begin(), files.end());
     int compared = 0;
+    int extremes = 0;
     for (const std::string& line : lines_of(info(args).out)) {
         const auto at = std::find(files.begin(), files.end(), json_text(line, "file"));
         ASSERT_NE(at, files.end()) << line;
@@ -193,6 +209,17 @@ TEST_F(Info, RealProducts) {
         EXPECT_NEAR(json_number(line, "lon"), json_number(wanted, "lon"), 1e-3) << *at;
         const std::string time = json_text(wanted, "volume_time");
         EXPECT_EQ(json_text(line, "time"), time.substr(0, 10) + "T" + time.substr(11) + "Z") << *at;
+        const std::string head = wanted.substr(0, wanted.find("\"layers\""));
+        for (const char* key : {"min", "max"}) {
+            const double known = json_number(head, key);
+            const double told = json_number(line, key);
+            const bool small = known > 1000; // tops in feet, rates in thousandths of an inch
+            if (known != missing && told != missing) {
+                ++extremes;
+                EXPECT_NEAR(told, small ? known / 1000 : known, .011) << *at << key;
+            }
+        }
     }
+    EXPECT_GT(extremes, 150);
     EXPECT_GT(compared, 200);
 }
