@@ -42,8 +42,9 @@ struct Output {
     std::array<char, std::size_t{1} << 16> buffer{};
 };
 
+constinit std::array<Output, 4> outputs; // costs the start of the program nothing
+
 struct Module {
-    std::array<Output, 4> outputs;
     bool guarded = false; // by the signals and at exit
     std::string fault;    // the output that failed last and why; empty if that was said
     pid_t owner = 0;      // a process that was split off removes nothing
@@ -67,7 +68,7 @@ void remove_unfinished() {
     if (module.owner != getpid()) {
         return;
     }
-    for (Output& output : module.outputs) {
+    for (Output& output : outputs) {
         remove_unfinished_of(output);
     }
 }
@@ -262,9 +263,9 @@ std::FILE* open_any(Output& output, const char* name, bool append) {
 }
 
 Output* slot_of(const std::FILE* file) {
-    auto* const found = std::find_if(module.outputs.begin(), module.outputs.end(),
+    auto* const found = std::find_if(outputs.begin(), outputs.end(),
                                      [file](const Output& output) { return output.file == file; });
-    return found != module.outputs.end() ? found : nullptr;
+    return found != outputs.end() ? found : nullptr;
 }
 
 void store(char* name, std::size_t size, const char* text) {
@@ -394,7 +395,7 @@ void explain_output(const char* routine) {
 }
 
 void give_up_outputs() {
-    for (Output& output : module.outputs) {
+    for (Output& output : outputs) {
         output.given_up = output.file != nullptr;
     }
 }

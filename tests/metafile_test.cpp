@@ -213,6 +213,8 @@ TEST(Metafile, NamesFormsAndAreas) {
         gmeta_set_type(0);
         EXPECT_EQ(std::memcmp(read_text(named).data(), row.begin, 6), 0) << row.conn;
     }
+    RES_put("geometry", "");
+    unsetenv("zyrmeta_out");
     std::filesystem::remove(named);
 }
 
