@@ -417,9 +417,9 @@ int gdraw_put_image(IMG_report* image, long trans, int x, int y) {
     return draw.side != nullptr ? draw.side->put_image(image, trans, x, y) : 0;
 }
 
-int gdraw_take_image(IMG_report* image) {
+int gdraw_take_image(IMG_report* image, bool lent) {
     gflush_fill();
-    return draw.side != nullptr ? draw.side->take_image(image) : 0;
+    return draw.side != nullptr ? draw.side->take_image(image, lent) : 0;
 }
 
 bool gkeeps_frames() {

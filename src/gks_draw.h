@@ -93,8 +93,9 @@ void gdraw_copy_picture(Gpicture from, Gpicture to, const Grectangle& rect);
 // picture in force, without those of the pixel `trans`. Returns 1; 0 without memory.
 int gdraw_put_image(IMG_report* image, long trans, int x, int y);
 // The picture in force as a record, of the size of the window. Returns 1, or 0
-// after a report.
-int gdraw_take_image(IMG_report* image);
+// after a report. `lent`: the pixels may be the picture's, for one who only reads
+// them, before anything else is drawn.
+int gdraw_take_image(IMG_report* image, bool lent);
 // What the window shows goes, until something is shown again.
 void gdraw_blank();
 // A window may show its picture magnified (gzoom). The second shows a frame so, false
@@ -191,7 +192,7 @@ public:
     virtual void fill_picture(Gpicture picture, const Grectangle& rect, unsigned long pixel) = 0;
     virtual void copy_picture(Gpicture from, Gpicture to, const Grectangle& rect) = 0;
     virtual int put_image(IMG_report* image, long trans, int x, int y) = 0;
-    virtual int take_image(IMG_report* image) = 0;
+    virtual int take_image(IMG_report* image, bool lent) = 0;
     [[nodiscard]] virtual bool keeps_frames() const = 0;
 
     // What cannot magnify does none of it.

@@ -20,11 +20,15 @@ IMG_look look_now() {
     return {static_cast<std::uint32_t>(gget_color_ind(-1)), gget_win_title()};
 }
 
+int take_image(IMG_report* image, bool lent) {
+    IMG_init(image);
+    return gget_draw_window() != 0 ? gdraw_take_image(image, lent) : 0;
+}
+
 } // namespace
 
 int gget_image(IMG_report* image) {
-    IMG_init(image);
-    return gget_draw_window() != 0 ? gdraw_take_image(image) : 0;
+    return take_image(image, false);
 }
 
 // --- Files ----------------------------------------------------------------------
@@ -35,7 +39,7 @@ int gwrite_image(const IMG_kind& kind, const char* filename, const IMG_report& i
 
 int gdump_image(const IMG_kind& kind, const char* filename, void (*describe)(IMG_report* image)) {
     IMG_report image;
-    if (gget_image(&image) == 0) {
+    if (take_image(&image, true) == 0) {
         return 0;
     }
     if (describe != nullptr) {
@@ -46,7 +50,7 @@ int gdump_image(const IMG_kind& kind, const char* filename, void (*describe)(IMG
 
 int gadd_image(const char* filename, void (*describe)(IMG_report* image)) {
     IMG_report image;
-    if (gget_image(&image) == 0) {
+    if (take_image(&image, true) == 0) {
         return 0;
     }
     if (describe != nullptr) {

@@ -420,7 +420,7 @@ public:
     void fill_picture(Gpicture picture, const Grectangle& rect, unsigned long pixel) override;
     void copy_picture(Gpicture from, Gpicture to, const Grectangle& rect) override;
     int put_image(IMG_report* image, long trans, int x, int y) override;
-    int take_image(IMG_report* image) override;
+    int take_image(IMG_report* image, bool lent) override;
     [[nodiscard]] bool keeps_frames() const override { return false; }
 
     void show() override {}
@@ -530,7 +530,7 @@ int MemoryDisplay::put_image(IMG_report* image, long trans, int x, int y) {
     return 1;
 }
 
-int MemoryDisplay::take_image(IMG_report* image) {
+int MemoryDisplay::take_image(IMG_report* image, bool lent) {
     const Picture* from = picture_of(gget_draw_window());
     if (from == nullptr) {
         return 0;
@@ -554,6 +554,11 @@ int MemoryDisplay::take_image(IMG_report* image) {
         std::snprintf(name.data(), name.size(), "%s", gget_win_title());
     }
     copy_text(image->info, sizeof image->info, name.data());
+    if (lent && image->width == from->width) {
+        image->data =
+            IMG_pixels(reinterpret_cast<unsigned char*>(from->pixels.get()), IMG_pixels_free{true});
+        return 1;
+    }
     if (IMG_alloc_unset(image) == 0) {
         MESS_print(mess_warn, "gget_image: Unable to allocate data buffer.\n");
         return 0;

@@ -86,7 +86,7 @@ public:
     void fill_picture(Gpicture picture, const Grectangle& rect, unsigned long pixel) override;
     void copy_picture(Gpicture from, Gpicture to, const Grectangle& rect) override;
     int put_image(IMG_report* image, long trans, int x, int y) override;
-    int take_image(IMG_report* image) override;
+    int take_image(IMG_report* image, bool lent) override;
     [[nodiscard]] bool keeps_frames() const override;
     [[nodiscard]] bool is_magnified() const override;
     bool show_magnified(int frame) override;

@@ -319,7 +319,7 @@ void put_masked(XImage* ximage, long trans, int x, int y) {
 
 } // namespace
 
-int XDisplay::take_image(IMG_report* image) {
+int XDisplay::take_image(IMG_report* image, bool /*lent*/) {
     Display* display = gget_display();
     gtrap_errors(0);
     XWindowAttributes window{};

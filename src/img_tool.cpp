@@ -47,7 +47,7 @@ int IMG_alloc_unset(IMG_report* image) {
         return 0;
     }
     const ZYR_own_report report;
-    image->data.reset(new (std::nothrow) unsigned char[num_bytes(*image)]);
+    image->data = IMG_pixels(new (std::nothrow) unsigned char[num_bytes(*image)]);
     return image->data != nullptr ? 1 : 0;
 }
 

@@ -48,10 +48,21 @@ struct IMG_text {
     std::string text;
 };
 
+// Pixels are the record's own, or lent by who owns them for longer than the record lasts.
+struct IMG_pixels_free {
+    bool lent = false;
+    void operator()(unsigned char* pixels) const {
+        if (!lent) {
+            delete[] pixels;
+        }
+    }
+};
+using IMG_pixels = std::unique_ptr<unsigned char[], IMG_pixels_free>;
+
 struct IMG_report : IMG_fields {
     std::unique_ptr<IMG_color[]> colors;
-    std::unique_ptr<unsigned char[]> data; // height * bytes_line bytes
-    std::vector<IMG_text> texts;           // of a captured picture, for its file
+    IMG_pixels data;             // height * bytes_line bytes
+    std::vector<IMG_text> texts; // of a captured picture, for its file
 };
 
 // Most bytes of pixels, and pixels, that a file may ask for.

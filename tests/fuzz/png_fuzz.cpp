@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         image.width = image.height = 400;
         image.depth = image.bits_pixel = 8;
         image.bytes_line = image.width;
-        image.data.reset(new std::uint8_t[160000]);
+        image.data = IMG_pixels(new std::uint8_t[160000]);
         std::uint32_t noise = 1;
         for (std::size_t i = 0; i < 160000; ++i) {
             noise = noise * 1664525U + 1013904223U;
