@@ -141,12 +141,21 @@ void check_date(FileState& s, const char* name) {
     }
 }
 
+std::string_view without_path(std::string_view name) {
+    return name.substr(name.rfind('/') + 1);
+}
+
 // The newest file that fits an open template on a date, as a built name; one of
-// more than the least size comes first. None leaves the name with its "*".
-void look_up(const FileState& s, const NameSource& source, const Date& date, NameResult* result) {
+// more than the least size comes first. Its own name begins with `begin`. None leaves
+// the name with its "*".
+void look_up(const FileState& s, const NameSource& source, const Date& date, std::string_view begin,
+             NameResult* result) {
     const std::vector<FoundName> found = find_names(source, date);
     const FoundName* chosen = nullptr;
     for (const FoundName& one : found) {
+        if (!without_path(one.name).starts_with(begin)) {
+            continue;
+        }
         const bool large = FILE_size(one.name.c_str()) > s.min_size;
         if (large || chosen == nullptr) {
             chosen = &one;
@@ -483,6 +492,49 @@ int span_of(const char* text) {
     return clamp_int(hours * hour_sec + sign * minutes * minute_sec);
 }
 
+// FILE_set_date, of names that begin with `begin` where the template is open.
+int set_date(const Date* date, std::string_view begin, char* out_file) {
+    FileState& s = file_state();
+    if (*s.conv == '\0') {
+        const std::string name = *s.filename == '\0' ? "filename" : s.filename;
+        copy_text(out_file, file_name_size, name.c_str());
+        s.filename_type = 1;
+        return 1;
+    }
+    if (FILE_is_stdio(s.conv) != 0) {
+        copy_text(out_file, file_name_size, "-");
+        s.filename_type = 0;
+        return 1;
+    }
+    std::string path;
+    if (s.filename_type == 1 && FILE_fullpath(s.filename) != 0) {
+        path = path_of_name(s.conv, s.filename);
+        if (!path.empty()) {
+            MESS_print(trace_path, "Extracted path: %s\n", path.c_str());
+        }
+    }
+    s.late_off = missing;
+    const Date wanted = date == nullptr ? s.file_date : *date;
+    if (date != nullptr) {
+        unknown_date(&s.file_date);
+    }
+    if (!is_set(wanted.year) && *s.filename != '\0') {
+        copy_text(out_file, file_name_size, s.filename);
+        s.filename_type = 1;
+        return 1;
+    }
+    NameSource source = source_of(s);
+    source.path = path.c_str();
+    NameResult result = build_name(source, wanted, s.file_date);
+    if (name_is_open(s.conv)) {
+        look_up(s, source, wanted, begin, &result);
+    }
+    take_result(s, result, "FILE_set_date");
+    copy_text(s.filename, sizeof s.filename, result.name);
+    copy_text(out_file, file_name_size, result.name);
+    return 0;
+}
+
 } // namespace
 
 int FILE_get_file(const char* prompt, char* outfile) {
@@ -583,7 +635,23 @@ int FILE_set_file(const char* file, char* out_file) {
         const Date date = s.file_date;
         store_name("FILE_set_file", s.filename, chosen); // its path is kept
         s.filename_type = 1;
-        FILE_set_date(&date, out_file);
+        // Text in front of the date belongs to the name: another radar's file, or that
+        // of another second, is not the one that was typed.
+        const std::string_view begin = without_path(name);
+        const bool any = begin.empty() || is_digit(begin.front());
+        set_date(&date, any ? "" : begin, out_file);
+        if (any) {
+            return 0;
+        }
+        if (is_file(out_file)) {
+            check_date(s, out_file);
+        } else {
+            const bool open = std::strchr(chosen, '*') != nullptr;
+            copy_text(out_file, file_name_size, open ? name : chosen);
+            unknown_date(&s.file_date);
+        }
+        store_name("FILE_set_file", s.filename, out_file);
+        s.filename_type = 1;
         return 0;
     }
     if (is_file(chosen) || *s.ext_info != '\0') { // one that was cut is reported once
@@ -598,45 +666,7 @@ int FILE_set_file(const char* file, char* out_file) {
 }
 
 int FILE_set_date(const Date* date, char* out_file) {
-    FileState& s = file_state();
-    if (*s.conv == '\0') {
-        const std::string name = *s.filename == '\0' ? "filename" : s.filename;
-        copy_text(out_file, file_name_size, name.c_str());
-        s.filename_type = 1;
-        return 1;
-    }
-    if (FILE_is_stdio(s.conv) != 0) {
-        copy_text(out_file, file_name_size, "-");
-        s.filename_type = 0;
-        return 1;
-    }
-    std::string path;
-    if (s.filename_type == 1 && FILE_fullpath(s.filename) != 0) {
-        path = path_of_name(s.conv, s.filename);
-        if (!path.empty()) {
-            MESS_print(trace_path, "Extracted path: %s\n", path.c_str());
-        }
-    }
-    s.late_off = missing;
-    const Date wanted = date == nullptr ? s.file_date : *date;
-    if (date != nullptr) {
-        unknown_date(&s.file_date);
-    }
-    if (!is_set(wanted.year) && *s.filename != '\0') {
-        copy_text(out_file, file_name_size, s.filename);
-        s.filename_type = 1;
-        return 1;
-    }
-    NameSource source = source_of(s);
-    source.path = path.c_str();
-    NameResult result = build_name(source, wanted, s.file_date);
-    if (name_is_open(s.conv)) {
-        look_up(s, source, wanted, &result);
-    }
-    take_result(s, result, "FILE_set_date");
-    copy_text(s.filename, sizeof s.filename, result.name);
-    copy_text(out_file, file_name_size, result.name);
-    return 0;
+    return set_date(date, "", out_file);
 }
 
 int FILE_set_header_date(const Date* date, char* out_file) {

@@ -292,6 +292,13 @@ constexpr Mistake mistakes[] = {
     {"./list -inp nowrad -pd us", 10, "*", "!page.ps"},
     {"./list -inp rcmsite -id TLX", 10, "*", "!page.ps"},
     {"./list -inp mdr -pd us -va pr_tt", 10, "*", "!page.ps"},
+    {"KTLX20190520_223125_V06 -inp lev2", 10, // that of another second, or radar, is another
+     "LEV2_open_file: Unable to open file:./KTLX20190520_223125_V06\n"
+     "FILE_set_file: The nearest file is ./KTLX20190520_223124_V06\n", "!page.ps"},
+    {"./KFDR20190520_2231 -inp lev2", 10,
+     "LEV2_open_file: Unable to open file:./KFDR20190520_2231\n", "!page.ps"},
+    {"KTLX20190520_2231 -inp lev2", 10,
+     "LEV2_open_file: Unable to read file:./KTLX20190520_223124_V06\n*", "!page.ps"},
     {"radial -inp lev2", 10, "LEV2_open_file: Unable to read file:radial\n*", "!page.ps"},
     // Device and page.
     {"radial -de png,o.png", 0,
@@ -501,6 +508,7 @@ TEST(Mistakes, AreEachSaidOnce) {
         dir.write("zip", "PK\x03\x04" + std::string(18, '\0') + '\1' + std::string(200, '\0'));
         dir.write("bzip2", "BZh91AY&SY" + std::string(200, '\xFF'));
         dir.write("empty", "");
+        dir.write("KTLX20190520_223124_V06", "a text");
         dir.write("mosaic", mosaic);
         dir.write("obs.raw", "ZYRRAW\n1200Z 23 NOV 26\n!Obs\nid lat lon t:Temp:%1.0f\n$\n"
                              "OKC 35 -97 21\n");
