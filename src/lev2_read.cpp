@@ -619,8 +619,10 @@ void tell_site(State& s, const LEV2_info& info, bool radial) {
         std::snprintf(position.data(), position.size(), " (the volume says %.3f,%.3f)",
                       static_cast<double>(s.data.lat), static_cast<double>(s.data.lon));
     }
-    MESS_print(mess_warn, "LEV2_get_header: Unknown site:\"%s\"%s, plotted at %.2f,%.2f\n", info.id,
-               position.data(), static_cast<double>(info.lat), static_cast<double>(info.lon));
+    const char* const typed = info.id[0] == '\0' ? RES_get("identifier") : nullptr;
+    MESS_print(mess_warn, "LEV2_get_header: Unknown site:\"%s\"%s, plotted at %.2f,%.2f\n",
+               typed != nullptr ? typed : info.id, position.data(), static_cast<double>(info.lat),
+               static_cast<double>(info.lon));
     if (info.id[0] == '\0') {
         MESS_print(mess_warn,
                    "LEV2_get_header: A site in the file's name (KTLX...) is taken, or -id KTLX\n");

@@ -364,6 +364,7 @@ TEST_F(Lev2, SiteByNameOrIdentifier) {
         {"KFTG1999",            "KTLX", "TLX"},
         {"KFTG1999",            "INX",  "INX"},
         {"KFTG1999",            "QQQ",  "FTG"},
+        {"x.ar",                "QQQ",  ""   },
     };
     for (const auto& row : rows) {
         RES_put("identifier", row.identifier);
@@ -381,10 +382,11 @@ TEST_F(Lev2, SiteByNameOrIdentifier) {
         EXPECT_EQ(testing::internal::GetCapturedStderr(),
                   *row.site != '\0'
                       ? ""
-                      : "LEV2_get_header: Unknown site:\"\" (the volume says 35.333,-97.278), "
-                        "plotted at 38.98,-77.48\n"
-                        "LEV2_get_header: A site in the file's name (KTLX...) is taken, or -id "
-                        "KTLX\n")
+                      : std::string("LEV2_get_header: Unknown site:\"") + row.identifier +
+                            "\" (the volume says 35.333,-97.278), "
+                            "plotted at 38.98,-77.48\n"
+                            "LEV2_get_header: A site in the file's name (KTLX...) is taken, or -id "
+                            "KTLX\n")
             << row.name;
     }
 }
