@@ -361,7 +361,7 @@ TEST_F(CaptureTest, ZyrshotMakesPicturesWithoutADisplay) {
     std::filesystem::copy(ZYR_SOURCE_DIR "/scripts/zyrshot", script);
     std::filesystem::create_symlink(ZYR_PROGRAM, file("zyrrad"));
     const Picture seen = picture_of("disc -ge 403x301 -cof auto -pp full");
-    for (const char* copy : {"d/disc.nids.gz", "201905202230.nids"}) {
+    for (const char* copy : {"d/disc.nids.gz", "201905202230.nids", "radar.png"}) {
         dir.write(copy, read_text(file("disc")));
     }
     struct Row {
@@ -380,6 +380,7 @@ TEST_F(CaptureTest, ZyrshotMakesPicturesWithoutADisplay) {
         {"-s 403x301 la l.png -- -pp full",                     0,  "l.png",              ""                                },
         {"-s 403x301 -cu la#2 cu%f.gif -- -pp full",            0,  "cu201905202230.gif", ""                                },
         {"disc disc same%f.png",                                4,  "",                   "zyrshot: samedisc.png is that of"},
+        {"radar.png radar.png",                                 4,  "",                   "zyrshot: the picture is an input"},
         {"none a.png",                                          10, "",                   "NIDS_open_file: Unable to"       },
         {"disc a.jpg",                                          2,  "",                   "zyrshot: no .png or .gif"        },
         {"-s 403 disc a.png",                                   2,  "",                   "zyrshot: no size: 403\n"         },
@@ -408,6 +409,7 @@ TEST_F(CaptureTest, ZyrshotMakesPicturesWithoutADisplay) {
             EXPECT_EQ(read_picture(file(name), name.substr(name.size() - 3)), seen) << row.args;
         }
     }
+    EXPECT_EQ(read_text(file("radar.png")), read_text(file("disc")));
 }
 
 // More files than a loop holds, and a disk without room for the picture.
