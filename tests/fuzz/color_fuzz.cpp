@@ -39,14 +39,14 @@ void check_table() {
 
 void take(const std::string& line) {
     Gattribs attrib;
-    RES_put("color_line", line.c_str());
+    RES_put_again("color_line", line.c_str());
     ATTRIB_get("color_line", "red", &attrib);
     Gattribs all;
     ATTRIB_update(&all, &attrib);
     ATTRIB_print(&all);
     ATTR_is_marker(line.c_str());
     ATTR_parse_marker(line.c_str());
-    RES_put("background", line.c_str());
+    RES_put_again("background", line.c_str());
     CLR_check_settings();
 }
 
@@ -66,7 +66,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string all(reinterpret_cast<const char*>(data), size);
     const std::size_t cut = std::min(all.find("==\n"), all.size());
     dir.rewrite("zyr.clr", all.substr(0, cut));
-    RES_put("color_table", size % 2 == 0 ? "" : "none.clr,,zyr.clr,zyr.clr");
+    RES_put_again("color_table", size % 2 == 0 ? "" : "none.clr,,zyr.clr,zyr.clr");
     CLR_read_table(size % 3 == 0 ? "zyr.clr" : nullptr);
     check_table();
     std::istringstream lines(cut < all.size() ? all.substr(cut + 3) : "");

@@ -47,16 +47,16 @@ const StateKeeper& open_session() {
 }
 
 void take(char kind, const std::string& text) {
-    RES_put("color_fill", kind == 'u' ? text.c_str() : "miss");
-    RES_put("plot_param", kind == 'p' ? text.c_str() : "");
-    RES_put("con_base", kind == 'b' ? text.c_str() : "");
-    RES_put("con_interval", kind == 'b' ? text.c_str() : "");
+    RES_put_again("color_fill", kind == 'u' ? text.c_str() : "miss");
+    RES_put_again("plot_param", kind == 'p' ? text.c_str() : "");
+    RES_put_again("con_base", kind == 'b' ? text.c_str() : "");
+    RES_put_again("con_interval", kind == 'b' ? text.c_str() : "");
     CONT_set_quantity(kind == 'v' ? "velocity" : kind == 'm' ? "velocity_ms" : nullptr);
     CONT_param_decode();
     if (kind == 'f' || kind == 'v' || kind == 'm') {
         CONT_set_fill_colors(dir().rewrite("a.lev", text).c_str(), 1);
     } else if (kind == 't') {
-        RES_put("color_table", "zyr.clr");
+        RES_put_again("color_table", "zyr.clr");
         CLR_read_table(nullptr);
         CONT_set_fill_colors("", 1);
     } else if (kind == 'u') {

@@ -77,7 +77,7 @@ void take_first(const TempDir& dir) {
 // The domains of the region menu, which a text may fill, and of the setting. One that
 // nobody can plot would end the program where one is needed.
 void take_regions(const TempDir& dir, const std::string& text, const std::string& answers) {
-    RES_put("plot_domain", text.c_str());
+    RES_put_again("plot_domain", text.c_str());
     Domain domain;
     const int result = DOM_get_region(&domain, 1);
     if (!answers.empty() && answer(dir, answers)) {
@@ -120,7 +120,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::size_t answers = std::min(all.find("==\n", file), size);
     const std::string text = all.substr(0, end);
     dir.rewrite("zyr.reg", all.substr(file, answers - file));
-    RES_put("stat_prior", text.substr(0, 9).c_str());
+    RES_put_again("stat_prior", text.substr(0, 9).c_str());
     Domain domain;
     const int result = DOM_decode(text.c_str(), &domain);
     require(result == dom_by_value || result == dom_by_region || result == dom_invalid ||

@@ -60,8 +60,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     read_twice(file.name());
     for (const char* name : {files[1], "", files[0]}) {
-        RES_put("input", "auto");
-        RES_put("filename", name);
+        RES_put_again("input", "auto");
+        RES_put_again("filename", name);
         const bool found = RAD_find_input() == 0;
         if (found == (std::strcmp(RES_get("input"), "auto") == 0)) {
             std::abort();

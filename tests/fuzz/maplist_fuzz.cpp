@@ -64,7 +64,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     domain.nx = domain.ny = 5;
     domain.dx = domain.dy = 5;
     MAP_setup(&domain);
-    RES_put("map_file", text.c_str());
+    RES_put_again("map_file", text.c_str());
     MAP_file(data[0] < 128 ? nullptr : "fi:list");
     MAP_latlon(static_cast<float>(data[0] % 3 * 10), 15, 0, 0);
     MAP_fill_cont(data[0] / 8 % 2);

@@ -28,7 +28,7 @@ void plot(const char* name, const char* words) {
         return plotter;
     }();
     keeper.restore();
-    RES_put("plot_param", words);
+    RES_put_again("plot_param", words);
     NIDS_plot_param();
     if (NIDS_open_file(name) != 0) {
         Domain domain = mercator_domain();

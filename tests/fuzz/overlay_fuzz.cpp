@@ -82,7 +82,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     goverlay_image_file(file.name(), background, place, place / 2);
     const std::string entry = (data[0] < 128 ? "if:" : "im:") + std::string(file.name()) + ":" +
                               background + ":" + std::to_string(place) + ":9";
-    RES_put("map_file", (entry + ",im:none").c_str());
+    RES_put_again("map_file", (entry + ",im:none").c_str());
     MAP_draw(map_plain);
     return 0;
 }

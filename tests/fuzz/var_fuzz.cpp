@@ -87,8 +87,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     VAR_menu("", "", choice, 3);
     KnownWords words;
     VAR_add_names(&words);
-    check(*VAR_get_model_str() == 'm' && VAR_find_number(-1) == nullptr);
-    VAR_find_number(11);
+    check(*VAR_get_model_str() == 'm');
+    for (const int number : {-1, 11}) {
+        const VAR_desc* row = VAR_find_number(number);
+        check(row == nullptr || row->ind[0] == number);
+    }
     VAR_open_file("none.var");
     VAR_open_file(nullptr);
     VAR_menu_display(text.c_str());
