@@ -4,55 +4,18 @@
 //   lev2_walk_bench [FILE...]     by default a written volume of four cuts
 #include "lev2_walk.h"
 #include "lev2_writer.h"
+#include "walk_floor.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
-#include <ctime>
 #include <fstream>
 #include <iterator>
 #include <random>
-
-#include <bzlib.h>
 
 namespace {
 
 constexpr int rounds = 9;
 constexpr std::size_t header_size = 24;
-
-// Of the processor, so that other processes disturb little.
-double milliseconds() {
-    timespec now{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
-}
-
-template <typename Work> double milliseconds(Work work) {
-    const double start = milliseconds();
-    work();
-    return milliseconds() - start;
-}
-
-// Unpacks one unit into a fixed area; the bytes unpacked.
-long unpack_unit(const std::uint8_t* unit, std::size_t size) {
-    std::array<char, 200000> area{};
-    bz_stream bz{};
-    BZ2_bzDecompressInit(&bz, 0, 0);
-    bz.next_in = reinterpret_cast<char*>(const_cast<std::uint8_t*>(unit));
-    bz.avail_in = static_cast<unsigned>(size);
-    long total = 0;
-    for (int status = BZ_OK; status == BZ_OK;) {
-        bz.next_out = area.data();
-        bz.avail_out = area.size();
-        status = BZ2_bzDecompress(&bz);
-        total += static_cast<long>(area.size() - bz.avail_out);
-        if (bz.avail_out == area.size()) {
-            break;
-        }
-    }
-    BZ2_bzDecompressEnd(&bz);
-    return total;
-}
 
 long unpack(const Bytes& file) {
     long total = 0;
@@ -63,7 +26,8 @@ long unpack(const Bytes& file) {
         }
         const auto length = static_cast<std::size_t>(std::abs(static_cast<std::int32_t>(bits)));
         at += 4;
-        total += unpack_unit(file.data() + at, std::min(length, file.size() - at));
+        total +=
+            unpack_stream<200000>(std::span(file).subspan(at, std::min(length, file.size() - at)));
         at += length;
     }
     return total;

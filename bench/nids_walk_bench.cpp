@@ -3,52 +3,15 @@
 //   nids_walk_bench [FILE...]     by default a storm in super resolution
 #include "nids_storm.h"
 #include "nids_walk.h"
+#include "walk_floor.h"
 
 #include <algorithm>
-#include <array>
-#include <ctime>
 #include <fstream>
 #include <iterator>
-
-#include <bzlib.h>
 
 namespace {
 
 constexpr int rounds = 25;
-
-// Of the processor, so that other processes disturb little.
-double milliseconds() {
-    timespec now{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
-}
-
-template <typename Work> double milliseconds(Work work) {
-    const double start = milliseconds();
-    work();
-    return milliseconds() - start;
-}
-
-// Unpacks the bzip2 block of a product into a fixed area; the bytes unpacked.
-long unpack(const Bytes& file, std::size_t at) {
-    std::array<char, 10000> area{};
-    bz_stream bz{};
-    BZ2_bzDecompressInit(&bz, 0, 0);
-    bz.next_in = reinterpret_cast<char*>(const_cast<std::uint8_t*>(file.data() + at));
-    bz.avail_in = static_cast<unsigned>(file.size() - at);
-    long total = 0;
-    for (int status = BZ_OK; status == BZ_OK;) {
-        bz.next_out = area.data();
-        bz.avail_out = area.size();
-        status = BZ2_bzDecompress(&bz);
-        total += static_cast<long>(area.size() - bz.avail_out);
-        if (bz.avail_out == area.size()) {
-            break;
-        }
-    }
-    BZ2_bzDecompressEnd(&bz);
-    return total;
-}
 
 // Counts radials alone: what is done with a bin is the plotter's cost.
 struct Count : NidsSink {
@@ -69,7 +32,8 @@ void measure(const char* name, const Bytes& file) {
     std::vector<double> unpacking;
     std::vector<double> reading;
     for (int i = 0; i < rounds; ++i) {
-        unpacking.push_back(milliseconds([&] { bytes = unpack(file, at); }));
+        unpacking.push_back(
+            milliseconds([&] { bytes = unpack_stream<10000>(std::span(file).subspan(at)); }));
         reading.push_back(milliseconds([&] {
             count = {};
             NIDS_info info;
