@@ -13,6 +13,7 @@
 
 #include "gks_evnt.h"
 
+#include "gks_disp.h"
 #include "gks_plot.h"
 #include "gks_x11.h"
 #include "zyr.h"
@@ -226,7 +227,11 @@ void key_press(XKeyEvent* event) {
     constexpr int text_size = 60; // leaves room for the modifiers
     KeySym key = NoSymbol;
     event->state &= ~static_cast<unsigned>(LockMask); // a key means the same with Caps Lock on
-    const int length = XLookupString(event, name.data(), text_size, &key, nullptr);
+    int length = 0;
+    {
+        const Gdisplay_watch watch; // the first key asks the server what its keys mean
+        length = XLookupString(event, name.data(), text_size, &key, nullptr);
+    }
     name[static_cast<std::size_t>(std::clamp(length, 0, text_size))] = '\0';
     const bool modifier = IsModifierKey(key);
     if (!modifier && ghide_keys()) {

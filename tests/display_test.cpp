@@ -6,6 +6,7 @@
 #include "zyr.h"
 #include "zyrresrc.h"
 
+#include "gks_evnt.h"
 #include "gks_x11.h" // after gtest: Xlib's macros hide names of its
 #include "x_server.h"
 
@@ -298,6 +299,23 @@ TEST_F(AtDisplay, ThatFallsSilentEndsARunOfImages) {
         gset_display_patience(1);
         kill(server->pid(), SIGSTOP);
         std::exit(opened != 0 ? 1 : gsync());
+    };
+    EXPECT_EXIT(wait(), testing::ExitedWithCode(4), "gopen_ws: the display does not answer");
+    kill(server->pid(), SIGCONT);
+}
+
+// One that falls silent while a window is held, at its first key.
+TEST_F(AtDisplay, ThatFallsSilentAtAKeyEndsTheRun) {
+    const auto wait = [&] {
+        const int opened = open();
+        gset_display_patience(1);
+        ginput().input_mode = input_hold;
+        XEvent event{};
+        event.xkey.type = KeyPress;
+        event.xkey.display = gget_display();
+        event.xkey.keycode = 40;
+        kill(server->pid(), SIGSTOP);
+        std::exit(opened != 0 ? 1 : gprocess_x11_event(&event));
     };
     EXPECT_EXIT(wait(), testing::ExitedWithCode(4), "gopen_ws: the display does not answer");
     kill(server->pid(), SIGCONT);
