@@ -217,12 +217,10 @@ void put_color(OutText& out, int ind) {
     }
 }
 
-void put_fill_color(OutText& out, int ind) {
+// The colour of an area by its own index.
+void put_area_color(OutText& out, int ind) {
     if (ps.pr_color != 0) {
         put_color(out, ind);
-    } else if (gget_fill_print_solid() != 0) {
-        out.put("0 setgray\n");
-        ps.gray_level = 0.0F;
     } else if (gis_print_colr(ind)) {
         put_print_colr(out, ind);
     } else if (ind < 0) {
@@ -230,6 +228,15 @@ void put_fill_color(OutText& out, int ind) {
     } else {
         const PrintColor& color = print_color(ind);
         put_gray(out, color.gray, color.gray_text.data());
+    }
+}
+
+void put_fill_color(OutText& out, int ind) {
+    if (ps.pr_color == 0 && gget_fill_print_solid() != 0) {
+        out.put("0 setgray\n");
+        ps.gray_level = 0.0F;
+    } else {
+        put_area_color(out, ind);
     }
 }
 
@@ -283,11 +290,12 @@ void put_comment(OutText& out, std::string_view kind, int n) {
 
 void write_kept() {
     if (is_small()) {
-        gjoin_flush(ps.out_file, ps.clip, put_fill_color);
+        gjoin_flush(ps.out_file, ps.clip, put_area_color);
     }
 }
 
-// The colour index under which a fill prints now.
+// The colour index under which a fill prints now: what is kept of it is written later,
+// when other fills may print black or not.
 int print_index(int ind) {
     const bool black = ps.pr_color == 0 && gget_fill_print_solid() != 0;
     return black ? first_print_colr : ind;

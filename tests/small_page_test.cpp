@@ -204,6 +204,10 @@ TEST_F(SmallPage, FiguresOfAnyShape) {
             }
             fill(points, area.color);
         }
+        const std::vector<Gpt> line = {
+            {.1F, .8F },
+            {.9F, .85F}
+        };
         for (const float size : {.01F, .002F}) { // large and small ones over one another
             for (int i = 0; i < 2000; ++i) {
                 const float x = .3F + size * static_cast<float>(i % 50);
@@ -220,13 +224,19 @@ TEST_F(SmallPage, FiguresOfAnyShape) {
                 },
                     i * 7 % 5 % 4 + 1);
             }
+            gset_fill_print_solid(1); // from here on, not of what is there
+            gpolyline(2, line.data());
+            fill(
+                {
+                    line[0], {.1F,  .9F},
+                     {.15F, .9F},
+                     {.15F, .8F}
+            },
+                4);
+            gset_fill_print_solid(0);
             const Gcolr_rep rep = {.2F, .9F, .4F};
             gset_colr_rep(1, 2, &rep);
         }
-        const std::vector<Gpt> line = {
-            {.1F, .8F },
-            {.9F, .85F}
-        };
         gset_line_colr_ind(3);
         gset_linewidth(5.0F);
         gset_linetype(4);
