@@ -65,19 +65,26 @@ Grectangle panel_area(const Gpanel& panel, const Grectangle& page) {
 }
 
 Grectangle unit_area(const char* text, const Grectangle& page, float unit) {
-    Grectangle area = page;
     const char* cursor = text;
     int w = 0;
     int h = 0;
-    if (take_int(&cursor, &w) && take_char(&cursor, 'x') && take_int(&cursor, &h)) {
-        area.width = scaled(unit, w);
-        area.height = scaled(unit, h);
-    } else {
+    const bool sized = take_int(&cursor, &w) && take_char(&cursor, 'x') && take_int(&cursor, &h);
+    if (!sized) {
         cursor = text;
     }
     int x = 0;
     int y = 0;
-    if (take_int(&cursor, &x) && take_int(&cursor, &y)) {
+    const bool across = take_int(&cursor, &x);
+    const bool placed = across && take_int(&cursor, &y);
+    if (across && !placed) {
+        return page;
+    }
+    Grectangle area = page;
+    if (sized) {
+        area.width = scaled(unit, w);
+        area.height = scaled(unit, h);
+    }
+    if (placed) {
         area.x = page.x + scaled(unit, x);
         area.y = page.y + scaled(unit, y);
     }

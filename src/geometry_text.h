@@ -26,7 +26,7 @@ bool is_on_page(const Gpanel& panel);
 // of the sheet: the page's own offset is that of a plot without a panel.
 Grectangle panel_area(const Gpanel& panel, const Grectangle& page);
 // "wxh+x+y", "wxh" or "+x+y", each number times `unit`; an offset is from the
-// page's own. What is not given stays as in `page`.
+// page's own. What is not given stays as in `page`; half an offset says nothing at all.
 Grectangle unit_area(const char* text, const Grectangle& page, float unit);
 // Sets size and offset of the workstation from a text of either form, a panel
 // beginning with "P"; a null or empty one sets the page. An area in which
