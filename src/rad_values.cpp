@@ -333,9 +333,23 @@ bool take_offset(const char** text) {
     return take_number(text);
 }
 
-// "wxh", "+x+y" or both, with "=" in front for a window, "p" for a panel.
+// "wxh+x+y" from its beginning: what is not given keeps its default.
+bool is_panel(const char* at) {
+    if (!take_number(&at) || (take_char(&at, 'x') && !take_number(&at))) {
+        return false;
+    }
+    if (take_offset(&at)) {
+        take_offset(&at);
+    }
+    return *at == '\0';
+}
+
+// "wxh", "+x+y" or both, with "=" in front for a window; or a panel after "p".
 bool is_geometry(const char* text) {
-    const char* at = text + (*text == '=' || *text == 'p' || *text == 'P' ? 1 : 0);
+    if (*text == 'p' || *text == 'P') {
+        return is_panel(text + 1);
+    }
+    const char* at = text + (*text == '=' ? 1 : 0);
     bool given = false;
     if (take_number(&at)) {
         if (!take_char(&at, 'x') || !take_number(&at)) {

@@ -318,6 +318,7 @@ constexpr Mistake mistakes[] = {
      "!page.ps"},
     {"radial -ge big", 0, "geometry: No size: big, the device's own is taken; *", "page.ps"},
     {"radial -ge 5x4+1", 0, "geometry: No size: 5x4+1, *", "page.ps"},
+    {"radial -ge P2", 0, "", "page.ps"}, // the left half
     {"radial -ge P9x9+10+10", 0, "gopen_ws: geometry leaves no room: P9x9+10+10\n", "page.ps"},
     {"radial -ge 800,600", 0, "geometry: No size: 800,600, *", "page.ps"},
     {"radial -ge 400x300+5000+5000", 0,
