@@ -792,8 +792,7 @@ void FILE_first(const Date* date) {
     }
     run.first_date = *date;
     run.num_hour = FILE_num_hour();
-    if (run.numfile == 1 && !is_set(file_state().file_date.year) &&
-        FILE_exist(file_state().filename) != 0) {
+    if (run.numfile == 1 && !is_set(file_state().file_date.year)) {
         run.num_hour = 0; // a file without a date in its name is all of the run
     }
     run.skip = FILE_get_skip();

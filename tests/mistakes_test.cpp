@@ -425,6 +425,7 @@ constexpr Mistake mistakes[] = {
      "page.ps"},
     {"/dev/zero#1", 10, "NIDS_open_file: Unable to read file:/dev/zero\n*", "!page.ps"},
     {"./radial -nh 1,1", 0, "", "page.ps"}, // no date in the name: the file alone
+    {"./nofile -nh 3", 10, "NIDS_open_file: Unable to open file:./nofile\n", "!page.ps"},
     {"./201805202205 -nh 2", 10,
      "121 files of the hours asked for are missing, the first: ./201805202205.nids\n",
      "!page.ps"},
