@@ -14,6 +14,9 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
+#include <string>
+
+#include <unistd.h>
 
 namespace {
 
@@ -140,7 +143,9 @@ int close_source(void* cookie) {
 } // namespace
 
 std::FILE* FILE_open_data(const char* name) {
-    FILE_ptr file(FILE_open(name, "r"));
+    // A file of a command's name was met by a shell's "*".
+    const bool plain = *name == '|' && access(name, F_OK) == 0;
+    FILE_ptr file(FILE_open(plain ? (std::string("./") + name).c_str() : name, "r"));
     if (file == nullptr) {
         return nullptr;
     }

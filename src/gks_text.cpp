@@ -85,6 +85,16 @@ void add_font(std::string_view abbr, std::string_view name) {
     name.copy(entry.name.data(), entry.name.size() - 1);
 }
 
+// A command comes from the user alone. Returns whether a text from elsewhere is one.
+bool is_foreign_command(const char* place, std::string_view text) {
+    if (text.find('|') == std::string_view::npos) {
+        return false;
+    }
+    MESS_print(mess_warn, "gsetup_fonts: Command refused: %.*s in %s\n",
+               static_cast<int>(text.size()), text.data(), place);
+    return true;
+}
+
 std::string_view trimmed(std::string_view text) {
     constexpr std::string_view space = " \t\r\n";
     const std::size_t begin = text.find_first_not_of(space);
@@ -101,7 +111,9 @@ void read_given_list(std::FILE* file) {
     std::array<char, 200> name{};
     for (int i = 0; i < most && std::fscanf(file, "%199s %199s", abbr.data(), name.data()) == 2;
          ++i) {
-        add_font(abbr.data(), name.data());
+        if (!is_foreign_command("the font list", name.data())) {
+            add_font(abbr.data(), name.data());
+        }
     }
 }
 
@@ -117,7 +129,10 @@ void read_default_list(std::FILE* file) {
         if (split == std::string_view::npos) {
             continue;
         }
-        add_font(text.substr(0, split), trimmed(text.substr(split)));
+        const std::string_view name = trimmed(text.substr(split));
+        if (!is_foreign_command("zyr.fnl", name)) {
+            add_font(text.substr(0, split), name);
+        }
     }
 }
 
@@ -129,6 +144,9 @@ int setup_list() {
     font_state.num_fonts = 0;
     if (text == nullptr || *text == '\0') {
         text = gdraw_default("font_list");
+        if (text != nullptr && is_foreign_command("the X defaults", text)) {
+            text = nullptr;
+        }
     }
     if (text == nullptr || *text == '\0') {
         if (const FILE_ptr file = open_along_path("zyr.fnl")) {

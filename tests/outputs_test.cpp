@@ -350,6 +350,7 @@ TEST_F(Outputs, NothingButTheUserRunsACommand) {
     dir.write("list", "mf:|touch<ran\nmf:|touch${IFS}ran\n|touch${IFS}ran\n");
     dir.write("conv", "nids |touch${IFS}ran - 0\nlev2 radial - 0\n");
     dir.write("reg", "xx x 1 fi:|touch${IFS}ran:xx\n");
+    dir.write("fonts", "m |touch${IFS}ran\n");
     dir.write("|touch ran", text("radial"));
     struct Row {
         const char* args;
@@ -357,12 +358,13 @@ TEST_F(Outputs, NothingButTheUserRunsACommand) {
         const char* err; // part of it
     };
     const Row rows[] = {
-        {"-mf fi:./list -de p,page radial", 0,
-         "MAP_draw: Command refused: mf:|touch<ran in map list: ./list\n"          },
-        {"-nc ./conv -cu -de p,page",       10,
-         "FILE_set_name: A naming convention runs no command, refused: nids |touch"},
-        {"-pd ./reg:xx -de p,page radial",  0,
-         "DOM_search_file: A region runs no command, refused: fi:|touch"           },
+        {"-mf fi:./list -de p,page radial",  0,
+         "MAP_draw: Command refused: mf:|touch<ran in map list: ./list\n"               },
+        {"-nc ./conv -cu -de p,page",        10,
+         "FILE_set_name: A naming convention runs no command, refused: nids |touch"     },
+        {"-pd ./reg:xx -de p,page radial",   0,
+         "DOM_search_file: A region runs no command, refused: fi:|touch"                },
+        {"-fl fi:./fonts -de p,page radial", 0,  "gsetup_fonts: Command refused: |touch"},
     };
     for (const Row& row : rows) {
         const ProgramRun result = run(row.args);
@@ -370,10 +372,13 @@ TEST_F(Outputs, NothingButTheUserRunsACommand) {
         EXPECT_NE(result.err.find(row.err), std::string::npos) << row.args << result.err;
         EXPECT_FALSE(fs::exists(file("ran"))) << row.args;
     }
-    ProgramCall met = call("-de p,page"); // a shell's "*"
-    met.args.emplace_back("|touch ran");
-    EXPECT_EQ(run_program(ZYR_PROGRAM, met).code, 0);
-    EXPECT_FALSE(fs::exists(file("ran")));
+    ProgramCall met; // a shell's "*"
+    for (const char* args : {"--info", "-inp auto -de p,page", "-de p,page"}) {
+        met = call(args);
+        met.args.emplace_back("|touch ran");
+        EXPECT_EQ(run_program(ZYR_PROGRAM, met).code, 0) << args;
+        EXPECT_FALSE(fs::exists(file("ran"))) << args;
+    }
     met.args.back() = "|cat radial; touch ran"; // the user's own
     EXPECT_EQ(run_program(ZYR_PROGRAM, met).code, 0);
     EXPECT_TRUE(fs::exists(file("ran")));
