@@ -32,7 +32,6 @@
 
 namespace {
 
-constexpr auto to_degrees = static_cast<float>(rad_to_deg);
 constexpr float level_dbz = 5.0F;
 constexpr std::size_t title_size = 80;
 constexpr int most_cells = 65535; // of a row or column
@@ -161,6 +160,12 @@ void take_title(const std::string& title, NOWRad_info* info) {
 
 // --- Projection ---------------------------------------------------------------
 
+// In double precision: the whole degrees of a projection come out whole, and a picture
+// of the same projection is found to be one.
+float degrees(float radians) {
+    return static_cast<float>(static_cast<double>(radians) * rad_to_deg);
+}
+
 // Longitude and latitude of the centre of the top, a number, height and width of
 // a cell.
 bool take_latlon(Domain* domain) {
@@ -174,10 +179,10 @@ bool take_latlon(Domain* domain) {
         return false;
     }
     domain->proj = proj_latlon;
-    domain->dx = dx * to_degrees;
-    domain->dy = dy * to_degrees;
-    domain->clon = domain->plon = lon * to_degrees;
-    domain->clat = top * to_degrees - domain->dy * static_cast<float>(domain->ny - 1) / 2.0F;
+    domain->dx = degrees(dx);
+    domain->dy = degrees(dy);
+    domain->clon = domain->plon = degrees(lon);
+    domain->clat = degrees(top) - domain->dy * static_cast<float>(domain->ny - 1) / 2.0F;
     return true;
 }
 
@@ -196,10 +201,10 @@ bool take_lambert(Domain* domain) {
                static_cast<double>(raw[5]), static_cast<double>(raw[6]),
                static_cast<double>(raw[7]));
     domain->proj = proj_lambert;
-    domain->param[1] = raw[0] * to_degrees;
-    domain->param[0] = raw[1] * to_degrees;
-    domain->plat = raw[2] * to_degrees;
-    domain->plon = raw[3] * to_degrees;
+    domain->param[1] = degrees(raw[0]);
+    domain->param[0] = degrees(raw[1]);
+    domain->plat = degrees(raw[2]);
+    domain->plon = degrees(raw[3]);
     domain->param[2] = 1.0F;
     domain->clat = 38.69F;
     domain->clon = -96.03F;

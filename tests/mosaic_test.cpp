@@ -339,6 +339,11 @@ TEST_F(MosaicPlot, RunsAreDrawnInPieces) {
     EXPECT_EQ(figures(" ./run -pd ps,36,-97,41,31,.2,.2"), 25);
     EXPECT_EQ(figures(",run=7 ./run -pd ps,36,-97,41,31,.2,.2"), 4);
     EXPECT_EQ(figures(",run ./run -pd ll:0:-97,36,-97,61,41,.1,.1"), 25);
+    // The radians of a Lambert section come back as the degrees that a picture names.
+    NowradImage section = nowrad_lambert(1, 40);
+    section.projection = " 1.0471975512 0.5235987756 0.6806784083 -1.6929693744 -1.7 0.7 .001 .001";
+    write("section", nowrad_file(section, run));
+    EXPECT_EQ(figures(" ./section -pd lc:39:-97:30:60:1,38.69,-96.03,61,41,.1,.1"), 3);
     const NidsPage away =
         nids_page(dir, "-dr sum -pp nobar ./run -pd ps,36,-60,41,31,.2,.2", "nowrad");
     EXPECT_EQ(away.figures(), 0);
