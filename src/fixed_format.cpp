@@ -1,5 +1,5 @@
-// fixed_format.cpp: numbers of two and six decimals, byte for byte as "%3.2f" and
-// "%f". No state.
+// fixed_format.cpp: numbers of no, two and six decimals, byte for byte as "%.0f",
+// "%3.2f" and "%f". No state.
 
 #include "fixed_format.h"
 
@@ -64,6 +64,18 @@ std::uint64_t rounded(double value) {
 }
 
 } // namespace
+
+char* format_fixed0(char* out, float value) {
+    const double size = std::fabs(static_cast<double>(value));
+    // False for NaN too.
+    if (!(size < 1.0e9)) {
+        return out + std::snprintf(out, fixed0_size, "%.0f", static_cast<double>(value));
+    }
+    if (std::signbit(value)) {
+        *out++ = '-';
+    }
+    return put_whole(out, static_cast<std::uint32_t>(rounded(size)));
+}
 
 char* format_fixed2(char* out, float value) {
     // A float times 100 has at most 31 significant bits, so this is exact.

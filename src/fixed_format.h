@@ -1,6 +1,12 @@
-// fixed_format.h: the printf conversions "%3.2f" and "%f", which write every
+// fixed_format.h: the printf conversions "%.0f", "%3.2f" and "%f", which write every
 // coordinate of a picture, some ten times as fast.
 #pragma once
+
+// Room that any float needs: sign, 39 digits, zero.
+constexpr int fixed0_size = 48;
+
+// Writes `value` without decimals, as format_fixed2 does with two: "-0" is one of them.
+char* format_fixed0(char* out, float value);
 
 // Room that any float needs: sign, 39 digits, point, 2 decimals.
 constexpr int fixed2_size = 48;

@@ -6,6 +6,7 @@
 
 #include "gks.h"
 
+#include "fixed_format.h"
 #include "geometry_text.h"
 #include "gks_pipe.h"
 #include "gks_print.h"
@@ -18,6 +19,7 @@
 #include "state_keeper.h"
 #include "zyrresrc.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdarg>
 #include <cstdlib>
@@ -66,22 +68,30 @@ public:
     Commands() : OutText(hp.out_file) {}
     // "PU" or "PD" and a place in device units.
     void pen(std::string_view command, float x, float y) {
-        put(command);
-        place_at(x, y);
-        put(";");
+        make_room(command.size() + std::size_t{2} * fixed0_size + 2);
+        char* p = std::copy(command.begin(), command.end(), place());
+        p = put_place(p, x, y);
+        *p++ = ';';
+        advance(p);
     }
     void move(const Gpipe& pipe, const Gpt& pt) { pen(up, pipe_x(pipe, pt.x), pipe_y(pipe, pt.y)); }
     void line(const Gpipe& pipe, const Gpt& pt) {
         pen(down, pipe_x(pipe, pt.x), pipe_y(pipe, pt.y));
     }
     void place_at(float x, float y) {
-        number(hold_within(x * hp.pr_scale, print_limit), 0);
-        put(",");
-        number(hold_within(y * hp.pr_scale, print_limit), 0);
+        make_room(std::size_t{2} * fixed0_size + 1);
+        advance(put_place(place(), x, y));
     }
 
     static constexpr std::string_view up = "PU";
     static constexpr std::string_view down = "PD";
+
+private:
+    static char* put_place(char* out, float x, float y) {
+        out = format_fixed0(out, hold_within(x * hp.pr_scale, print_limit));
+        *out++ = ',';
+        return format_fixed0(out, hold_within(y * hp.pr_scale, print_limit));
+    }
 };
 
 // --- State commands -----------------------------------------------------------

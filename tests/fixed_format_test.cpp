@@ -12,18 +12,20 @@
 
 namespace {
 
-// Both formats of a value.
+// All formats of a value.
 std::string ours(float value) {
+    std::array<char, fixed0_size> none{};
     std::array<char, fixed2_size> two{};
     std::array<char, fixed6_size> six{};
     const std::string first(two.data(), format_fixed2(two.data(), value));
-    return first + " " + std::string(six.data(), format_fixed6(six.data(), value));
+    return std::string(none.data(), format_fixed0(none.data(), value)) + " " + first + " " +
+           std::string(six.data(), format_fixed6(six.data(), value));
 }
 
 std::string theirs(float value) {
-    std::array<char, fixed2_size + fixed6_size> text{};
-    std::snprintf(text.data(), text.size(), "%3.2f %f", static_cast<double>(value),
-                  static_cast<double>(value));
+    std::array<char, fixed0_size + fixed2_size + fixed6_size> text{};
+    const auto v = static_cast<double>(value);
+    std::snprintf(text.data(), text.size(), "%.0f %3.2f %f", v, v, v);
     return text.data();
 }
 
