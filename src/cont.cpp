@@ -277,7 +277,7 @@ FILE_ptr open_level_file(const std::string& name) {
 }
 
 // A level file by its name, or by its name without the extension. Returns 0; -1
-// when it does not open.
+// when it does not open or has no entry.
 int read_level_file(const char* name) {
     FILE_ptr file = open_level_file(name);
     if (!file) {
@@ -296,6 +296,9 @@ int read_level_file(const char* name) {
     }
     if (!lines.empty() && cont_is_pal(lines[0])) {
         lines = cont_pal_entries(lines, contours.quantity);
+    }
+    if (lines.empty()) {
+        return -1;
     }
     begin_steps();
     for (const std::string& entry : lines) {

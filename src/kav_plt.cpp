@@ -100,9 +100,16 @@ int KAVRAD_plot_summary() {
     RadMosaic mosaic(state.info.domain, MAP_current(), state.plot.run_len,
                      RadMosaic::Corners::from_bottom, 1);
     const int nx = state.info.domain.nx;
+    // A cell has its value and its run at most; runs of 0 would go on for ever.
+    long left = 2L * (nx + 1) * state.info.domain.ny;
     KAVRAD_packet packet;
     int column = 0;
     for (int line = 0; !mosaic.is_past(line) && KAVRAD_get_packet(state.ifile, &packet) != 0;) {
+        if (--left < 0) {
+            MESS_print(mess_warn,
+                       "KAVRAD_plot_summary: More packets than cells, the rest is left\n");
+            break;
+        }
         if (packet.run == -1) {
             if (column == 0) {
                 continue; // it closes the line that ended by itself

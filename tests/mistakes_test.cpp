@@ -173,6 +173,9 @@ constexpr Mistake mistakes[] = {
      "CONT_set_fill_colors: Unable to read contour level file: nofile\n"
      "CONT_set_fill_colors: The product's own colors are taken\n",
      "page.ps"},
+    {"radial -cof ./empty", 0,
+     "CONT_set_fill_colors: Unable to read contour level file: ./empty\n"
+     "CONT_set_fill_colors: The product's own colors are taken\n", "page.ps"},
     {"radial -fl nofont", 0, "read_font: unable to load font file: nofont\n", "page.ps"},
     {"radial -fl romn.fnt", 0, "read_font: unable to load font file: romn.fnt\nread_font: The "
      "nearest file is */roman.fnt\n", "page.ps"},
@@ -424,6 +427,8 @@ constexpr Mistake mistakes[] = {
      "FILE_open_text: Text ends, a line has 1 MB: /dev/zero\nDOM_decode: Invalid plot domain\n*",
      "page.ps"},
     {"/dev/zero#1", 10, "NIDS_open_file: Unable to read file:/dev/zero\n*", "!page.ps"},
+    {"/dev/zero -inp kavrad -pd us", 0,
+     "KAVRAD_plot_summary: More packets than cells, the rest is left\n", "page.ps"},
     {"./radial -nh 1,1", 0, "", "page.ps"}, // no date in the name: the file alone
     {"./nofile -nh 3", 10, "NIDS_open_file: Unable to open file:./nofile\n", "!page.ps"},
     {"./201805202205 -nh 2", 10,
