@@ -345,12 +345,17 @@ int GIF_add_frame(const char* filename, const IMG_report& image, const IMG_look&
     return std::ferror(loop.file) == 0 ? 1 : 0;
 }
 
+void GIF_lose_frame() {
+    loop.lacks = true;
+}
+
 bool GIF_has_frames() {
     return loop.output != nullptr;
 }
 
 int GIF_end_frames() {
     if (loop.output == nullptr) {
+        loop = {};
         return 0;
     }
     std::FILE* const file = loop.file;
@@ -383,6 +388,7 @@ void keep_gif_loop(StateKeeper& keeper) {
         if (loop.output != nullptr) { // of a run that ended early
             give_up();
         }
+        loop = {};
     });
     keeper.keep(pace);
 }

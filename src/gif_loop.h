@@ -12,6 +12,8 @@ bool GIF_set_plays(int plays);
 // Adds a picture; the first one opens the file. Returns 1; 0 with or without a
 // message, and the file is given up.
 int GIF_add_frame(const char* filename, const IMG_report& image, const IMG_look& look);
+// A picture of the run is lost: what lacks one is not whole, and is given up in the end.
+void GIF_lose_frame();
 // Whether a file is open that waits for further pictures.
 bool GIF_has_frames();
 // Completes the file: 1, or 0 if there is none or not all of it could be written.

@@ -283,6 +283,9 @@ void dump_image(const char* key, int frame) {
     } else {
         report_image(label, path, written);
     }
+    if (!written && kind != nullptr && kind->frames) {
+        GIF_lose_frame();
+    }
 }
 
 // All pictures are in the animation.

@@ -220,6 +220,21 @@ TEST_F(GifLoop, LeavesTheOldFileWhenItIsNotWhole) {
     EXPECT_TRUE(GIF_has_frames());
     EXPECT_EQ(GIF_end_frames(), 0);
     EXPECT_EQ(read_text(file("loop.gif")), "old");
+    for (const bool first :
+         {true, false}) { // a picture is lost before the file was opened, or after
+        if (first) {
+            GIF_lose_frame();
+        }
+        EXPECT_EQ(add(file("loop.gif"), given[0]), 1);
+        if (!first) {
+            GIF_lose_frame();
+        }
+        EXPECT_EQ(GIF_end_frames(), 0);
+        EXPECT_EQ(read_text(file("loop.gif")), "old");
+    }
+    EXPECT_EQ(GIF_end_frames(), 0); // and the next one is none the worse
+    EXPECT_EQ(add(file("next.gif"), given[0]), 1);
+    EXPECT_EQ(GIF_end_frames(), 1);
     for (const char* name : {"/dev/full", "|exit 3", "/proc/none.gif"}) {
         const bool opened = add(name, given[0]) == 1;
         EXPECT_EQ(GIF_end_frames(), 0) << name << opened;
