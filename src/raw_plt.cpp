@@ -829,13 +829,9 @@ void plot_rows(FilePlot& plot) {
 }
 
 void label_plot(const FilePlot& plot, const RAW_info& info) {
-    const std::string field =
-        RAW_get_field_info(plot.raw_fd, plot.field) != nullptr
-            ? RAW_get_field_info(plot.raw_fd, plot.field)
-        : is_set(RAW_get_field_ind(plot.raw_fd, plot.field)) || plot.field == RAW_selector(raw_each)
-            ? ""
-            : plot.field;
-    const std::string text = std::string(info.info) + (field.empty() ? "" : "-") + field;
+    const char* field = RAW_get_field_info(plot.raw_fd, plot.field);
+    field = field != nullptr ? field : RAW_get_field_name(plot.raw_fd, plot.field);
+    const std::string text = info.info + (field != nullptr ? std::string("-") + field : "");
     PLT_label_up_left(text.c_str());
     PLT_label_up_right(info.datim);
 }
@@ -980,6 +976,8 @@ int RAW_plot_file(const char* file, int label) {
             state.told = file;
             RAW_check_format("RAW_plot_file", format);
         }
+        // Once more: an alignment that it names is stronger than the side of an offset.
+        take_format(RES_get("plot_format"));
         take_format(format);
         RAW_info info;
         RAW_getinfo(raw_fd, &info);

@@ -505,20 +505,28 @@ int RAW_get_field_ind(int raw_fd, const char* field) {
     }
     const int number = selector_number(field);
     if (is_set(number)) {
-        return number - raw_first_value;
+        return number - raw_first_value + raw->field_off;
     }
     for (int i = 0; i < raw->num_field; ++i) {
         if (stricmp(raw->field[i], field) == 0) {
-            return i - raw->field_off;
+            return i;
         }
     }
     return missing;
 }
 
-const char* RAW_get_field_info(int raw_fd, const char* field) {
-    const int index = RAW_get_field_ind(raw_fd, field);
+const char* RAW_get_field_name(int raw_fd, const char* field) {
+    const int place = RAW_get_field_ind(raw_fd, field);
     const RAW_file* raw = get_file(raw_fd);
-    const int place = raw != nullptr && is_set(index) ? index + raw->field_off : -1;
+    if (raw != nullptr && place >= 0 && place < raw->num_field) {
+        return raw->field[place];
+    }
+    return is_set(selector_number(field)) ? nullptr : field;
+}
+
+const char* RAW_get_field_info(int raw_fd, const char* field) {
+    const int place = RAW_get_field_ind(raw_fd, field);
+    const RAW_file* raw = get_file(raw_fd);
     return raw != nullptr && place >= 0 && place < raw->num_field &&
                    raw->field_info[place][0] != '\0'
                ? raw->field_info[place]

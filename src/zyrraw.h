@@ -55,7 +55,7 @@ struct RAW_report {
 struct RAW_info {
     char datim[50] = {}; // date label
     char info[50] = {};  // description
-    char file[20] = {};  // name as opened, its end
+    char file[20] = {};  // not in the header: empty
     char* cmdline = nullptr;
     Date date;
     int num_stat = 0;
@@ -101,9 +101,11 @@ int RAW_chktype(const char* filename);
 int RAW_open(const char* filename, int f_access, int* f_type);
 // Reads the header; nothing of a type 99 file. Returns 0, -1 for no handle.
 int RAW_getinfo(int raw_fd, RAW_info* info);
-// Place of a field after the position columns, which themselves are below 0;
-// missing if there is none. `field`: a selector.
+// Place of a field in a row, the identifier's being 0; missing if there is none.
+// `field`: a selector.
 int RAW_get_field_ind(int raw_fd, const char* field);
+// Name of a field, in the list or as it was asked for; null for a number without one.
+const char* RAW_get_field_name(int raw_fd, const char* field);
 // Description of a field, or null.
 const char* RAW_get_field_info(int raw_fd, const char* field);
 // Reads from row *statnum, counted from 0; the caller moves on.

@@ -377,6 +377,17 @@ TEST(RawPlot, Files) {
     EXPECT_EQ(texts(name.c_str(), 1), "21;a b;22;c;");
     RES_put("identifier", "XYZ");
     EXPECT_EQ(texts(name.c_str(), 1), "22;c;");
+    // An offset in `plot_param` sets the side, and an alignment in `plot_format` its own.
+    RES_put("plot_param", "ul");
+    RES_put("plot_format", "ta=lt");
+    int hor = 0;
+    int vert = 0;
+    drawn([&] {
+        RAW_plot_file((name + "-t").c_str(), 0);
+        GPH_get_text_align(&hor, &vert);
+    });
+    EXPECT_EQ(hor, GLEFT_HOR);
+    EXPECT_EQ(vert, GTOP_VERT);
 }
 
 TEST(Symbols, FilesAndAlignment) {

@@ -121,8 +121,11 @@ TEST(Raw, RowsByNumber) {
     EXPECT_EQ(RAW_getinfo(fd, &info), 0);
     EXPECT_STREQ(info.info, "Some_data");
     EXPECT_EQ(info.date.day, 23);
-    EXPECT_EQ(RAW_get_field_ind(fd, "U"), 1);
-    EXPECT_EQ(RAW_get_field_ind(fd, "id"), -3);
+    EXPECT_EQ(RAW_get_field_ind(fd, "U"), 4);
+    EXPECT_EQ(RAW_get_field_ind(fd, "id"), 0);
+    EXPECT_EQ(RAW_get_field_ind(fd, RAW_selector(11)), 4);
+    EXPECT_STREQ(RAW_get_field_name(fd, RAW_selector(11)), "u");
+    EXPECT_EQ(RAW_get_field_name(fd, RAW_selector(raw_each)), nullptr);
     EXPECT_EQ(RAW_get_field_info(fd, "t"), nullptr);
     EXPECT_EQ(RAW_close(fd), 0);
     EXPECT_EQ(RAW_close(fd), -1);
