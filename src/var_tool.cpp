@@ -164,7 +164,7 @@ bool read_probability(const char* at, Ensemble* form) {
     const int code = float2int(limit);
     const auto place = static_cast<std::int64_t>(sign) * 1000;
     form->factor = 10000;
-    form->offset = (code < 0 ? 1910006000 : 1910001000) + place + code;
+    form->offset = code < 0 ? 1910006000 + place - code : 1910001000 + place + code;
     form->variable = at;
     return true;
 }

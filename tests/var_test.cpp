@@ -122,7 +122,7 @@ TEST_F(VarText, Numbers) {
         {"ens\\[-2]rh",        "ens[-2]rh 19322052 -9999 -9999"        },
         {"ens\\[+3]rh",        "ens[+3]rh 19343052 -9999 -9999"        },
         {"ensprob\\[>2.5]rh",  "ensprob[>2.5]rh 1910522025 -9999 -9999"},
-        {"ensprob\\[\\<-50]t", "ensprob[<-50]t 1910115850 1 -9999"     },
+        {"ensprob\\[\\<-50]t", "ensprob[<-50]t 1910116150 1 -9999"     },
         {"ensprob\\[^2]99999", "ensprob[^2]99999 -9999 -9999 -9999"    },
     };
     for (const Row& row : rows) {
