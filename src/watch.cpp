@@ -247,8 +247,8 @@ void read_aviation(Text text, Watch* watch) {
     if (!text.after("COORDS")) {
         return;
     }
-    text.word(); // the dots
-    text.word(); // the width
+    text.up_to(" \t\r\n"); // the dots, if any
+    text.word();           // the width
     if (text.word() == "EITHER") {
         text.word(); // "SIDE"
     }
@@ -535,6 +535,10 @@ bool take_looks(Looks* looks) {
     looks->tornado = looks->text;
     const TextList colors = RES_items("color_watch");
     if (colors.count() > 0) {
+        // Of the text they keep no more than a color that they do not name.
+        Gattribs plain;
+        plain.color = looks->text.color;
+        looks->severe = looks->tornado = plain;
         ATTRIB_parse(colors[0], &looks->severe);
         ATTRIB_parse(colors[colors.count() > 1 ? 1 : 0], &looks->tornado);
     }
@@ -612,6 +616,8 @@ void draw_watch(const Watch& watch, const Looks& looks, float scale) {
         !corners_of(watch, a, b, &corners)) {
         return;
     }
+    GPH_line_attr(nullptr); // those of the watch before it are not this one's
+    gset_text_width(0.0F);
     GPH_line_attr(&look);
     GPH_fill_attr(&look);
     GPH_text_attr(is_set(look.fill_pat) ? &looks.text : &look, scale * MAP_get_vert() * 0.018F);

@@ -172,6 +172,9 @@ TEST(Watch, BoxesLieAsTheirAxisSays) {
     c = box(east + "30N QQQ/OKLAHOMA CITY OK/ - 20S ADM/ARDMORE OK/\n"
                    "..AVIATION COORDS.. 52NM E/W /26N OKC - 17S ADM/\n");
     expect(c[0], okc, 26 * nmi, -60 * mile, "aviation");
+    c = box(east + "30N QQQ/OKLAHOMA CITY OK/ - 20S ADM/ARDMORE OK/\n"
+                   "..AVIATION COORDS 52NM E/W /26N OKC - 17S ADM/\n");
+    expect(c[0], okc, 26 * nmi, -60 * mile, "aviation without dots");
     c = box("AXIS..40 STATUTE MILES NORTH AND SOUTH OF LINE..\n"
             "OKC/OKLAHOMA CITY OK/ - 10E ADM/ARDMORE OK/\n");
     expect(c[0], okc, 40 * mile, 0, "north of the first end");
@@ -311,5 +314,17 @@ TEST_F(WatchPlot, OverAProductForItsTime) {
         const NidsPage page = nids_page(dir, args + "-va " + list + " ./radial ./digital");
         EXPECT_EQ(page.run.code, 0) << page.run.err;
         EXPECT_EQ(count_text(page.text, " T9\n"), 2) << list << page.run.err;
-    }
+    } // Neither the data's width nor that of the watch before counts for a box of its own look.
+    dir.write("watches.txt", bulletin("010000", "WW 8 SEVERE TSTM OK 202200Z - 202300Z") +
+                                 bulletin("010000", times));
+    const std::string page = nids_page(dir, "-nc " + dir.path() +
+                                                "/name_conv -wp . -dr data -pp pscolor,nobar -va "
+                                                "watch -cod white:wi=7 -cowa red:wi=3,yellow "
+                                                "./radial")
+                                 .text;
+    const std::size_t second = page.find(" to 23Z", page.find(" S8\n"));
+    EXPECT_NE(second, std::string::npos);
+    EXPECT_EQ(count_text(page, "\n3.0 dot lw"), 1);
+    EXPECT_LT(page.find("\n1.0 dot lw", second), page.find(" T9\n", second));
+    EXPECT_EQ(page.find("\n3.0 dot lw", second), std::string::npos);
 }
