@@ -13,12 +13,12 @@
 #include "geometry_text.h"
 #include "gks.h"
 #include "out_file.h"
+#include "out_text.h"
 #include "zyr.h"
 
 #include "state_keeper.h"
 #include "zyrresrc.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdarg>
 #include <utility>
@@ -62,19 +62,24 @@ void put_heading() {
     gmeta_printf("#CreationDate: %s", creation_date().c_str());
 }
 
-// "x,y ", with a line break after it.
-void put_point(const Gpt& pt, bool line_break) {
-    constexpr char indent[] = "\n   ";
-    std::array<char, 2 * fixed6_size + 8> text;
-    char* end = format_fixed6(text.data(), pt.x);
-    *end++ = ',';
-    end = format_fixed6(end, pt.y);
-    *end++ = ' ';
-    if (line_break) {
-        end = std::copy_n(indent, sizeof indent - 1, end);
+// The text of one record.
+class Record : public OutText {
+public:
+    Record() : OutText(meta.out_file) {}
+    void real(float value) {
+        make_room(fixed6_size);
+        advance(format_fixed6(place(), value));
     }
-    fwrite_unlocked(text.data(), 1, static_cast<std::size_t>(end - text.data()), meta.out_file);
-}
+    // "x,y ".
+    void point(const Gpt& pt) {
+        make_room(std::size_t{2} * fixed6_size + 2);
+        char* end = format_fixed6(place(), pt.x);
+        *end++ = ',';
+        end = format_fixed6(end, pt.y);
+        *end++ = ' ';
+        advance(end);
+    }
+};
 
 } // namespace
 
@@ -172,13 +177,20 @@ int gmeta_points(const char* keyword, int n, const Gpt* pts, int end) {
     if (!is_text_open()) {
         return 0;
     }
-    gmeta_printf("%s %d ", keyword, n);
+    Record out;
+    out.put(keyword);
+    out.put(" ");
+    out.number(n);
+    out.put(" ");
     for (int i = 0; i < n; ++i) {
+        out.point(pts[i]);
         const bool full = (i + 1) % points_per_line == 0;
-        put_point(pts[i], full && (end == 0 || i + 1 < n));
+        if (full && (end == 0 || i + 1 < n)) {
+            out.put("\n   ");
+        }
     }
     if (end != 0 || n % points_per_line != 0) {
-        gmeta_printf("\n");
+        out.put("\n");
     }
     return 0;
 }
@@ -216,14 +228,17 @@ void gmeta_attribute(const Gword& attribute, const Gvalues& values) {
     if (!is_text_open()) {
         return;
     }
-    gmeta_printf("%.*s", static_cast<int>(attribute.word.size()), attribute.word.data());
+    Record out;
+    out.put(attribute.word);
     for (int i = 0; i < attribute.counts.integers; ++i) {
-        gmeta_printf(" %d", values.n[i]);
+        out.put(" ");
+        out.number(values.n[i]);
     }
     for (int i = 0; i < attribute.counts.reals; ++i) {
-        gmeta_printf(attribute.is_point && i > 0 ? ",%f" : " %f", static_cast<double>(values.f[i]));
+        out.put(attribute.is_point && i > 0 ? "," : " ");
+        out.real(values.f[i]);
     }
-    gmeta_printf("\n");
+    out.put("\n");
 }
 
 int gmeta_is_output(std::FILE* file) {
