@@ -369,7 +369,7 @@ int XWD_read(const char* filename, IMG_report* image, int /*type*/) {
                    : fail(image->data == nullptr ? "Unable to allocate data buffer.\n"
                                                  : "Unable to read pixmap from dump file.\n");
     }
-    if (IMG_alloc(image) == 0) {
+    if (IMG_alloc_unset(image) == 0) {
         return fail("Unable to allocate data buffer.\n");
     }
     const std::size_t size = std::size_t(image->bytes_line) * image->height;
