@@ -150,9 +150,18 @@ void draw_radial(const std::array<std::uint8_t, record_size>& record, int azimut
     }
 }
 
+// Length of a bin on the plot. Bins go by the third parameter of a Lambert picture alone:
+// one that names none draws them at a scale of 1, whatever the scale of its cone.
+double bin_step() {
+    const Domain& site = state.rrwds_info.domain;
+    const Domain& plot = MAP_current().domain;
+    const bool no_scale = plot.proj == proj_lambert && !is_set(plot.param[2]);
+    const float factor = no_scale ? 1.0F : MAP_factor(site.clat, site.clon);
+    return factor * (bin_nmi() * km_per_nmi) / 100.0;
+}
+
 void draw_radials(Gpt site) {
-    const Domain& domain = state.rrwds_info.domain;
-    const double step = MAP_factor(domain.clat, domain.clon) * (bin_nmi() * km_per_nmi) / 100.0;
+    const double step = bin_step();
     if (!rad_is_place(site) || !std::isfinite(step)) {
         return;
     }

@@ -139,6 +139,17 @@ TEST_F(RrwdsPlot, LevelsHaveTheirColours) {
     }
 }
 
+// A Lambert picture's third parameter is the scale of the bins, 1 where it has none.
+TEST_F(RrwdsPlot, LambertScale) {
+    const auto ink = [&](const char* scale) {
+        return ps_ink(page(std::string("-pp nobar -dr sum -pd lamb:30:-97:30:60") + scale +
+                           ",35.3,-97.3,101,101,.1,.1 ./far")
+                          .text);
+    };
+    EXPECT_EQ(ink(""), ink(":1"));
+    EXPECT_NE(ink(""), ink(":1.1"));
+}
+
 TEST_F(RrwdsPlot, EndsOfARun) {
     EXPECT_EQ(page("./missing").run.code, 10);
     write("short", Bytes(11, 'T'));
