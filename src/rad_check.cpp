@@ -251,6 +251,9 @@ void check_label() {
         } else if (is_digit(item[2]) && item[2] - '0' >= plt_overlays) {
             MESS_print(mess_warn, "label: No line: %s, %d is taken; the lines are 0 to %d\n", item,
                        plt_overlays - 1, plt_overlays - 1);
+        } else if (std::strlen(std::strchr(item, ':') + 1) >= plt_label_size) {
+            MESS_print(mess_warn, "label: Too long: %s, its first %d letters are taken\n", item,
+                       static_cast<int>(plt_label_size) - 1);
         }
     });
 }

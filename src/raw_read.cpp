@@ -104,7 +104,7 @@ bool next_line(RAW_file* raw) {
     n -= n > 0 && raw->line[n - 1] == '\r' ? 1 : 0;
     raw->line[n] = '\0';
     if (raw->bytes > most_bytes) {
-        MESS_print(mess_warn, "RAW_read: File too large, the rest is left out\n");
+        MESS_print(mess_warn, "RAW_read: File too large, the rest is left out: %s\n", raw->name);
         raw->ended = true;
     } else if (n == 0) {
         raw->ended = true;
@@ -115,8 +115,10 @@ bool next_line(RAW_file* raw) {
                 next = std::getc(raw->file);
             }
             if (next != EOF) {
-                MESS_print(mess_warn,
-                           "RAW_read: The data end at an empty line, rows after it are left out\n");
+                MESS_print(
+                    mess_warn,
+                    "RAW_read: The data end at an empty line, rows after it are left out: %s\n",
+                    raw->name);
             }
         }
     }
@@ -475,6 +477,7 @@ int RAW_open(const char* filename, int f_access, int* f_type) {
     auto raw = std::make_unique<RAW_file>();
     raw->fd = fileno(stream.get());
     raw->file = stream.release();
+    copy_text(raw->name, sizeof raw->name, filename);
     raw->type = type;
     raw->access = f_access;
     raw->is_input = standard;

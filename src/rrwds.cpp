@@ -168,7 +168,8 @@ void draw_radials(Gpt site) {
     std::array<std::uint8_t, record_size> record{};
     for (int azimuth = 0; azimuth < azimuths; ++azimuth) {
         if (std::fread(record.data(), 1, record.size(), state.ifile) != record.size()) {
-            MESS_print(mess_warn, "RRWDS_plot_data: The file ends at azimuth %d\n", azimuth);
+            MESS_print(mess_warn, "RRWDS_plot_data: The file ends at azimuth %d: %s\n", azimuth,
+                       state.name);
             return;
         }
         draw_radial(record, azimuth, site, step);

@@ -64,6 +64,7 @@ struct RAW_info {
 // One open file.
 struct RAW_file {
     std::FILE* file = nullptr;
+    char name[file_name_size] = {};
     int fd = -1;
     int type = missing;
     int access = raw_read_access;

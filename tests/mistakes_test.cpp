@@ -89,6 +89,8 @@ constexpr Mistake mistakes[] = {
     {"radial -la xx:hello,UL1:x,lc:~y", 0,
      "label: No place: xx:hello, a label begins with ul:, uc:, ur:, ll:, lc: or lr:\n",
      "page.ps"},
+    {"radial -la uc:%D0123456789012345678901234567890123456789012345678901234567890123456789", 0,
+     "label: Too long: uc:%D0*9, its first 69 letters are taken\n", "page.ps"},
     {"radial -la ul:Norman,~OK", 0, "label: No place:  OK, a label begins with ul:*\n", "page.ps"},
     {"radial -la ul:%q,ll:%D", 0, "label: Unknown code: %q in ul:%q, it is left out; the codes *",
      "page.ps"},
@@ -251,6 +253,8 @@ constexpr Mistake mistakes[] = {
     {"radial -mf rf:obs.raw-nosuch", 0,
      "RAW_plot_file: No value of the field: obs.raw-nosuch\n", "page.ps"},
     {"radial -mf rf:obs.raw-t:ul", 0, "", "page.ps"},
+    {"radial -mf rf:gap.raw", 0,
+     "RAW_read: The data end at an empty line, rows after it are left out: *gap.raw\n", "page.ps"},
     {"./mosaic -inp nowrad -pd us -va wach", 0,
      "variable: Nothing of a mosaic: wach, its own data are drawn; the nearest is watch\n",
      "page.ps"},
@@ -519,6 +523,7 @@ TEST(Mistakes, AreEachSaidOnce) {
         dir.write("mosaic", mosaic);
         dir.write("obs.raw", "ZYRRAW\n1200Z 23 NOV 26\n!Obs\nid lat lon t:Temp:%1.0f\n$\n"
                              "OKC 35 -97 21\n");
+        dir.write("gap.raw", "OKC 35 -97 21\n\nTUL 36 -96 20\n");
         dir.write("my.cfg", "*.plot_parm nobar\n*.colour_text red\n*.own 1\n");
         ProgramCall call;
         call.env = {

@@ -8,7 +8,7 @@ _zyrrad() {
     -pd) words=$(zyrrad --list regions 2>/dev/null | awk '{print $1}') ;;
     *)
       if [[ $cur == -* ]]; then
-        words="--version --list --info --files-from --report --resume --stop $(zyrrad -h 2>/dev/null | grep -oE '^ *-[a-z_]+' | tr -d ' ')"
+        words="--version --list --info --json --files-from --report --resume --stop --keep-going $(zyrrad -h 2>/dev/null | grep -oE '^ *-[a-z_]+' | tr -d ' ')"
       else
         mapfile -t COMPREPLY < <(compgen -f -- "$cur")
         return
