@@ -153,6 +153,10 @@ void put_type(Commands& out, int type) {
 
 // --- Options ------------------------------------------------------------------
 
+bool is_turned() {
+    return hp.pr_rot == 90 || hp.pr_rot == 180 || hp.pr_rot == 270;
+}
+
 bool set_page(const Gpage& page) {
     if (page.x > longest_side || page.y > longest_side) {
         return false;
@@ -194,7 +198,8 @@ bool decode_switch(const char* option) {
 bool decode_option(const char* option) {
     float value = 0.0F;
     if (const char* angle = gprint_value(option, "rot")) {
-        return take_float(&angle, &value) && ghpgl_set_rotate(trunc_int(value)) == 0;
+        return take_float(&angle, &value) && ghpgl_set_rotate(trunc_int(value)) == 0 &&
+               (hp.pr_rot == 0 || is_turned()); // a plotter has no other
     }
     if (const char* scale = gprint_value(option, "scale")) {
         return take_float(&scale, &value) && ghpgl_set_scale(value) == 0;
@@ -271,7 +276,7 @@ int ghpgl_init_file() {
         if (hp.pcl == pcl_rotated) {
             out.put("RO90;\n");
         }
-        if (hp.pr_rot == 90 || hp.pr_rot == 180 || hp.pr_rot == 270) {
+        if (is_turned()) {
             out.put("RO");
             out.number(hp.pr_rot);
             out.put(";\n");

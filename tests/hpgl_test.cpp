@@ -304,7 +304,8 @@ TEST(Hpgl, OptionsHeadAndArea) {
 }
 
 TEST(Hpgl, WrongOptionsAreReported) {
-    for (const char* option : {"roll=36", "sz=0x8", "sz=120x8", "lwidth=-1", "rot", "eps"}) {
+    for (const char* option :
+         {"roll=36", "sz=0x8", "sz=120x8", "lwidth=-1", "rot", "rot=45", "eps"}) {
         testing::internal::CaptureStderr();
         EXPECT_EQ(HpglPage(option).drawn(), "") << option;
         EXPECT_EQ(testing::internal::GetCapturedStderr(),
