@@ -55,6 +55,7 @@ struct State {
         {missing_f, missing_f}
     };
     bool post_line = false;                      // a line to the next item is due
+    Gattribs worn;                               // look of the item drawn last
     std::array<Parsed, most_parsed> parsed = {}; // the oldest goes first
     std::size_t next_parsed = 0;
     std::string told; // the file that was warned of last
@@ -669,6 +670,31 @@ bool color_by_level(const RAW_data& data, RAW_attribs* cur) {
     return true;
 }
 
+// Puts back what the last item's own look set and the plot leaves open. Not before the
+// next one arrives: the line to it has the look of the one that it starts from.
+void drop_look() {
+    const Gattribs own = state.worn;
+    const Gattribs& base = state.base.attrib;
+    state.worn = {};
+    if (is_set(own.width) && !is_set(base.width)) {
+        GPH_mark_attr(nullptr, 1.0F);
+        gset_linewidth(0.0F);
+        gset_text_width(0.0F);
+    }
+    if (is_set(own.style) && !is_set(base.style)) {
+        gset_linetype(1);
+    }
+    if (is_set(own.fill_pat) && !is_set(base.fill_pat)) {
+        GPH_fill_attr(nullptr);
+    }
+    if (is_set(own.expan) && !is_set(base.expan)) {
+        gset_expan(1.0F);
+    }
+    if (is_set(own.font) && !is_set(base.font)) {
+        GPH_text_font(nullptr);
+    }
+}
+
 bool is_unset(const Gattribs& attr) {
     return !is_set(attr.color) && !is_set(attr.width) && !is_set(attr.height) &&
            !is_set(attr.expan) && !is_set(attr.style) && !is_set(attr.fill_pat) &&
@@ -934,9 +960,11 @@ int RAW_plot_data(const RAW_data* data) {
         named = parsed.type;
     }
     const int type = named > 0 ? named : data->type;
+    drop_look();
     if (is_cut(data->value[0], cur) || RAW_set_attribs(&cur) == -1) {
         return -1;
     }
+    state.worn = cur.attrib;
     const float vert = MAP_get_vert();
     const float size = cur.scale * vert;
     const Gpt at = {data->x + cur.x * size, data->y + cur.y * size};
@@ -985,6 +1013,7 @@ int RAW_plot_file(const char* file, int label) {
             label_plot(plot, info);
         }
         plot_rows(plot);
+        drop_look();
         gset_fill_print_solid(print_solid);
     }
     RAW_close(raw_fd);

@@ -36,6 +36,20 @@ TEST_F(RawPage, StationModel) {
     expect_golden(page, "raw_station");
 }
 
+// Width, expansion and font of one item are not those of the next.
+TEST_F(RawPage, AnItemsLookIsItsOwn) {
+    const auto second = [&](const std::string& first) {
+        dir.write("two.raw", "ZYRRAW\n1800Z 02 JAN 26\n!Items\nid lat lon a b\n$\nA 35.3 -97.3 " +
+                                 first + " LOW:xy=0,4\n");
+        const std::string page = nids_page(dir, rows + "-mf rf:./two.raw ./precip").text;
+        return page.substr(page.find(" LOW\n"));
+    };
+    std::string after = second("BIG:wi=6:te=2:fo=2");
+    const std::string width = "1.0 dot lw\n";
+    ASSERT_NE(after.find(width), std::string::npos);
+    EXPECT_EQ(after.erase(after.find(width), width.size()), second("BIG"));
+}
+
 // A metafile of the overlay plays to the figures of the page itself.
 TEST_F(RawPage, Metafile) {
     const std::string overlay = rows + "-mf rf:./items.raw ./precip";
