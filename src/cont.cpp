@@ -157,6 +157,20 @@ Gattribs parse_attribs(const char* text) {
     return attrib;
 }
 
+// An entry without the blanks beside its colons.
+void copy_entry(char (&out)[entry_size], const char* text) {
+    std::size_t n = 0;
+    for (; *text != '\0' && n + 1 < entry_size; ++text) {
+        while (*text == ':' && n > 0 && is_white(out[n - 1])) {
+            --n;
+        }
+        if (!is_white(*text) || (n > 0 && out[n - 1] != ':')) {
+            out[n++] = *text;
+        }
+    }
+    out[n] = '\0';
+}
+
 int full_or(int result) {
     return contours.color_num >= cont_max_steps ? -1 : result;
 }
@@ -840,11 +854,8 @@ int CONT_decode_fill_color(const char* str) {
     if (contours.color_num >= cont_max_steps) {
         return -1;
     }
-    while (*str == ' ') {
-        ++str;
-    }
-    char entry[entry_size] = "";
-    copy_text(entry, sizeof entry, str);
+    char entry[entry_size];
+    copy_entry(entry, str);
     const bool range = entry[0] != '-' && std::strchr(entry, '-') != nullptr;
     return range ? decode_range(entry) : decode_single(entry);
 }

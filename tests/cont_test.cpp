@@ -193,7 +193,7 @@ TEST(Cont, TheUsersOwnLists) {
 TEST(Cont, LevelFiles) {
     const TempDir dir;
     dir.write("rain.lev", "# comment\n@ comment\n\n  10:red:la=Heavy rain  \n20:blue:la=" +
-                              std::string(200, 'x') + "\n30:green");
+                              std::string(200, 'x') + "\n30 : green");
     start();
     RES_put("file_path", dir.path().c_str());
     EXPECT_EQ(CONT_set_fill_colors("rain.lev", 1), 0);
