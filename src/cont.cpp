@@ -43,6 +43,7 @@ constexpr const char* level_extension = ".lvl";
 State contours;
 std::set<std::string> misplaced_files; // level files among colors that were reported
 std::string unread_file;               // the level file last reported as one that cannot be read
+std::string falling_list;              // the list last reported as one whose levels fall
 
 // --- Levels -----------------------------------------------------------------
 
@@ -339,6 +340,16 @@ void report_level_file(const char* name, bool by_user) {
     }
     if (by_user) {
         MESS_print(mess_warn, "CONT_set_fill_colors: The product's own colors are taken\n");
+    }
+}
+
+// Says once that levels fall: what is above the first is of the last color.
+void report_falling(const char* list) {
+    if (is_set(contours.cont_value[0]) && !contours.ascending && falling_list != list) {
+        falling_list = list;
+        MESS_print(mess_warn,
+                   "CONT_set_fill_colors: The levels fall, a list begins with the lowest: %s\n",
+                   list);
     }
 }
 
@@ -836,6 +847,12 @@ int CONT_set_fill_colors(const char* string, int flag) {
     }
     if (!is_file) {
         set_list(entries.count(), entries.begin());
+    }
+    float first = 0.0F;
+    const char* end = nullptr;
+    // Colors alone keep the levels of the product.
+    if (!missing_file && user != nullptr && (is_file || leading_number(entries[0], &first, &end))) {
+        report_falling(user);
     }
     if (missing_file && user != nullptr) { // without any level no echo would be drawn
         contours.color_fill_set = 0;

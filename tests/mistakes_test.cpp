@@ -175,6 +175,11 @@ constexpr Mistake mistakes[] = {
      "CONT_set_fill_colors: Unable to read contour level file: nofile\n"
      "CONT_set_fill_colors: The product's own colors are taken\n",
      "page.ps"},
+    {"radial -cof 40:red,20:green,30:blue", 0,
+     "CONT_set_fill_colors: The levels fall, a list begins with the lowest: "
+     "40:red,20:green,30:blue\n",
+     "page.ps"},
+    {"radial -cof red,green", 0, "", "page.ps"},
     {"radial -cof ./empty", 0,
      "CONT_set_fill_colors: Unable to read contour level file: ./empty\n"
      "CONT_set_fill_colors: The product's own colors are taken\n", "page.ps"},
