@@ -120,7 +120,7 @@ void name_files(const char* typed) {
         FILE_set_type(type);
         FILE_set_file(typed, name);
         check_name(name);
-        FILE_explain(name);
+        FILE_explain((dir().path() + "/" + name).c_str()); // the directory at hand may be large
         require(std::strlen(FILE_get_ext_info()) < 40);
     }
     FILE_get_date(&date);

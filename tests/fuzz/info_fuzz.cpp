@@ -54,10 +54,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     RES_put("file_path", ZYR_SOURCE_DIR "/etc");
     const MemoryFile file({data, data + size});
     const std::array<const char*, 2> files = {file.name(), "/dev/null/none"};
-    const int known = RAD_print_files(1, files.data(), size % 2 == 0);
-    if (RAD_print_files(2, files.data(), size % 2 != 0) != known) {
-        std::abort();
-    }
+    const int count = size % 8 == 0 ? 2 : 1; // each of them reads the sites first
+    RAD_print_files(count, files.data(), size % 2 == 0);
     read_twice(file.name());
     for (const char* name : {files[1], "", files[0]}) {
         RES_put_again("input", "auto");
