@@ -55,6 +55,8 @@ void answer_questions() {
     char name[file_name_size] = "";
     FILE_set_name("@%D/%*%Y%m%d_%h%n.nids");
     require(FILE_get_file("", name) == 1);
+    FILE_set_name("@none*");
+    FILE_list_file();
     const std::string there = dir().path() + "/plain";
     require(FILE_overwrite(there.c_str(), 2) == 2 && FILE_overwrite(there.c_str(), 1) == 1 &&
             FILE_overwrite(there.c_str(), 2) == 3 && FILE_overwrite(there.c_str(), 0) == 0);
@@ -120,6 +122,7 @@ void name_files(const char* typed) {
         FILE_set_type(type);
         FILE_set_file(typed, name);
         check_name(name);
+        FILE_explain("-");
         FILE_explain((dir().path() + "/" + name).c_str()); // the directory at hand may be large
         require(std::strlen(FILE_get_ext_info()) < 40);
     }

@@ -1,5 +1,6 @@
-// A raw file, drawn as an overlay and as a plot of its own; its first line is
-// also the field and format after its name.
+// A raw file, drawn as an overlay and as a plot of its own; its first line is also the
+// field and format after its name. After a line "==" there are plot_param, plot_format,
+// con_base and con_interval.
 #include "zyrraw.h"
 
 #include "map.h"
@@ -7,22 +8,50 @@
 #include "run_program.h"
 #include "zyrresrc.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <sstream>
 #include <string>
 
 namespace {
 
+constexpr const char* stations =
+    "Oklahoma_City        OK US OKC   1    35.3931  -97.6007  390 72353\n";
+
+const TempDir& dir() {
+    static const TempDir own;
+    return own;
+}
+
 int open_output() {
     MESS_set(0, 0);
     RES_put("device", "p,/dev/null");
-    RES_put("file_path", "/nonexistent");
+    RES_put("file_path", ZYR_SOURCE_DIR "/etc"); // of the colours
     int id = 0;
     Gws_type type = ws_none;
     Glim offset{};
     GPH_setup(&id, &type, 1.5F, &offset);
     FLAG_resetplot(1);
+    dir().write("sao.cty", stations);
+    RES_put("file_path", dir().path().c_str());
+    RAW_attribs plain;
+    RAW_init_attrib(&plain);
+    RAW_set_attribs(&plain);
     return id;
+}
+
+// Returns the settings' place.
+std::size_t take_settings(const std::string& all) {
+    const std::size_t cut = std::min(all.find("==\n"), all.size());
+    std::istringstream lines(cut < all.size() ? all.substr(cut + 3) : "");
+    for (const char* name : {"plot_param", "plot_format", "con_base", "con_interval"}) {
+        std::string line;
+        std::getline(lines, line);
+        RES_put_again(name, line.substr(0, 199).c_str());
+    }
+    RAW_check_format("plot_format", RES_get("plot_format"));
+    return cut;
 }
 
 } // namespace
@@ -31,17 +60,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const int id = open_output();
-    static const TempDir dir;
     if (id < 0 || size == 0) {
         return 0;
     }
-    const std::string text(reinterpret_cast<const char*>(data), size);
+    const std::string all(reinterpret_cast<const char*>(data), size);
+    const std::string text = all.substr(0, take_settings(all));
     const std::string first = text.substr(0, text.find('\n'));
     // Resources and files of the machine are not for a fuzzer to name.
-    if (text.find("f=") != std::string::npos || text.find("F=") != std::string::npos) {
+    if (all.find("f=") != std::string::npos || all.find("F=") != std::string::npos) {
         return 0;
     }
-    const std::string name = dir.rewrite("a.raw", text);
+    const std::string name = dir().rewrite("a.raw", text);
     constexpr int codes[] = {proj_pstereo, proj_latlon,   proj_lambert,
                              proj_xlogp,   proj_category, proj_pixel};
     Domain domain;

@@ -142,6 +142,10 @@ void read_as_time(const char* value) {
         const bool leap_years_hold = date.year > 1900 && date.year < 2100;
         require(!leap_years_hold || DATE_num_sec(&again) == seconds);
     }
+    Date none;
+    require(DATE_make_label(&none, nullptr) == -1 && DATE_decode_seq(nullptr, &none) == -1);
+    require(DATE_make_label_valid_time(0, &none, nullptr) == -1);
+    require(DATE_fhour_label(nullptr, 0, 0) == nullptr && DATE_get_current_str(nullptr) == nullptr);
     DATE_decode_month(value);
     DATE_is_TZ(value);
 }
