@@ -17,6 +17,7 @@
 #include "files.h"
 #include "gks.h"
 #include "map.h"
+#include "map_wrap.h"
 #include "maptran.h"
 #include "state_keeper.h"
 #include "text_list.h"
@@ -607,13 +608,47 @@ void draw_label(const Watch& watch, float x, float y, float scale) {
     GPH_printf(x, y - 0.01F * unit, "to %dZ", watch.edate.hour);
 }
 
+// Brings a point to the side of the map's edge on which `from` is.
+Gpt beside(const MapEdge& edge, const Gpt& from, Gpt point) {
+    point.x += edge.slanted ? 0.0F : map_wrap_shift(edge, from, point, edge.gap);
+    return point;
+}
+
+// A box over the edge of the map is drawn on either side of it.
+void draw_box(const MapEdge& edge, std::array<Gpt, 5> box, bool fill) {
+    const auto draw = [&box, fill] {
+        if (fill) {
+            gfill_area(static_cast<int>(box.size()), box.data());
+        } else {
+            gpolyline(static_cast<int>(box.size()), box.data());
+        }
+    };
+    float over = 0.0F;
+    for (Gpt& corner : box) {
+        const Gpt moved = beside(edge, box[0], corner);
+        over = moved.x != corner.x ? moved.x - corner.x : over;
+        corner = moved;
+    }
+    draw();
+    if (over != 0.0F) {
+        for (Gpt& corner : box) {
+            corner.x -= std::copysign(map_wrap_width(edge, corner.y), over);
+        }
+        draw();
+    }
+}
+
 void draw_watch(const Watch& watch, const Looks& looks, float scale) {
     const Gattribs& look = watch.type[0] == 'S' ? looks.severe : looks.tornado;
     Gpt a{};
     Gpt b{};
     std::array<Gpt, 5> corners{};
-    if (look.color == -1 || !place_of(watch.ends[0], &a) || !place_of(watch.ends[1], &b) ||
-        !corners_of(watch, a, b, &corners)) {
+    if (look.color == -1 || !place_of(watch.ends[0], &a) || !place_of(watch.ends[1], &b)) {
+        return;
+    }
+    const MapEdge& edge = MAP_current().row->edge;
+    b = beside(edge, a, b);
+    if (!corners_of(watch, a, b, &corners)) {
         return;
     }
     GPH_line_attr(nullptr); // those of the watch before it are not this one's
@@ -621,12 +656,13 @@ void draw_watch(const Watch& watch, const Looks& looks, float scale) {
     GPH_line_attr(&look);
     GPH_fill_attr(&look);
     GPH_text_attr(is_set(look.fill_pat) ? &looks.text : &look, scale * MAP_get_vert() * 0.018F);
-    if (look.fill_pat >= 0) {
-        gfill_area(5, corners.data());
-    } else {
-        gpolyline(5, corners.data());
+    draw_box(edge, corners, look.fill_pat >= 0);
+    Gpt middle = {(a.x + b.x) / 2.0F, (a.y + b.y) / 2.0F};
+    const float width = map_wrap_width(edge, middle.y);
+    if (!edge.slanted && std::fabs(middle.x) > width / 2.0F) {
+        middle.x -= std::copysign(width, middle.x);
     }
-    draw_label(watch, (a.x + b.x) / 2.0F, (a.y + b.y) / 2.0F, scale);
+    draw_label(watch, middle.x, middle.y, scale);
 }
 
 } // namespace

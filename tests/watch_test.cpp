@@ -50,10 +50,11 @@ struct Drawn {
 };
 
 // What a file of bulletins, dated 20 May 2013 12Z unless told, draws at a time.
-Drawn drawn(const std::string& text, long cur_time, int month = 5, int day = 20) {
+Drawn drawn(const std::string& text, long cur_time, int month = 5, int day = 20,
+            const Domain& domain = degrees()) {
     const TempDir dir;
     dir.write("watches", text);
-    FigurePage page(degrees(), ZYR_SOURCE_DIR);
+    FigurePage page(domain, ZYR_SOURCE_DIR);
     const Date date = *DATE_to_struct(2013, month, day, 12, 0);
     Drawn all;
     WATCH_decode(&date); // of an empty directory: forgets what was
@@ -184,6 +185,25 @@ TEST(Watch, BoxesLieAsTheirAxisSays) {
             "OKC/OKLAHOMA CITY OK/ - 90S OKC/OKLAHOMA CITY OK/\n");
     expect(c[0], okc, 0, 50 * mile, "left, looking south");
     expect(c[2], okc, -90 * mile, -50 * mile, "right of the other end");
+}
+
+// A box about the edge of the map, here through its station, lies on both sides of it
+// and not across the map between them.
+TEST(Watch, OverTheEdgeOfTheMap) {
+    for (const char* axis :
+         {"AXIS..60 STATUTE MILES EAST AND WEST OF LINE..\n30N OKC/OKC OK/ - 20S OKC/OKC OK/\n",
+          "AXIS..60 STATUTE MILES EITHER SIDE OF LINE..\n60W OKC/OKC OK/ - 60E OKC/OKC OK/\n"}) {
+        for (const int clon : {-107, -87}) {
+            Domain domain;
+            DOM_decode(("ll:0:82.4,36," + std::to_string(clon) + ",61,41,.5,.5").c_str(), &domain);
+            const Drawn all = drawn(bulletin("201858", day_times, axis), during, 5, 20, domain);
+            ASSERT_EQ(all.boxes.size(), 1U) << axis << clon; // the other is out of the page
+            for (const Gpt& corner : all.boxes[0]) {
+                EXPECT_NEAR(corner.x, clon < -97 ? 180.0 : -180.0, 1.5) << axis << clon;
+                EXPECT_NEAR(corner.y, 35.4, 1.5) << axis << clon;
+            }
+        }
+    }
 }
 
 // The bulletins' own outline is the judge.
