@@ -55,9 +55,13 @@ bool in_reach(float v) {
     return is_set(v) && std::abs(v) <= farthest;
 }
 
-// A movement that would leave every map is none.
+bool too_far(float v) {
+    return is_set(v) && !in_reach(v);
+}
+
+// A movement that would leave every map is none. A direction without a speed counts.
 void check_movement(NIDS_report* storm) {
-    if (!in_reach(storm->dir) || !in_reach(storm->spd)) {
+    if (too_far(storm->dir) || too_far(storm->spd)) {
         storm->dir = storm->spd = missing_f;
     }
 }
@@ -89,10 +93,10 @@ void brief_line(const char* text, NIDS_report* storm) {
         return;
     }
     text += std::strspn(text, " >");
-    if (take_float(&text, &storm->tops) && take_float(&text, &storm->dir) &&
-        take_float(&text, &storm->spd)) {
-        check_movement(storm);
+    if (take_float(&text, &storm->tops) && take_float(&text, &storm->dir)) {
+        take_float(&text, &storm->spd);
     }
+    check_movement(storm);
 }
 
 int mesocyclone(std::string_view word) {
