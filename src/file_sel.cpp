@@ -24,9 +24,10 @@
 
 namespace {
 
-constexpr int attempts = 4;       // at the file prompt
-constexpr int latest_tries = 500; // steps of "la"
-constexpr int def_hours = 0;      // span when num_hour is not set
+constexpr int attempts = 4;        // at the file prompt
+constexpr int latest_tries = 500;  // steps of "la"
+constexpr int def_hours = 0;       // span when num_hour is not set
+constexpr int most_steps = 200000; // of a span: twenty weeks of minutes
 constexpr int longest_answer = 78;
 constexpr long day_sec = 86400;
 constexpr long hour_sec = 3600;
@@ -44,6 +45,7 @@ struct Run {
     long offset = 3600; // step used, a multiple of the template's
     long secs = 0;      // first frame from first_date
     long nsecs = 0;     // next frame from first_date
+    bool told = false;  // that the span is too long
 };
 Run run_state;
 
@@ -783,7 +785,9 @@ int FILE_get_skip() {
 void FILE_first(const Date* date) {
     Run& run = run_state;
     free_parsed_array(run.numfile, run.files);
+    const bool told = run.told;
     run = {};
+    run.told = told;
     RES_getvals("filename", &run.numfile, &run.files);
     if (run.numfile > 0 && is_request(run.files[0])) {
         free_parsed_array(run.numfile, run.files);
@@ -799,6 +803,15 @@ void FILE_first(const Date* date) {
     run.offset = FILE_get_offset();
     if (run.skip > 0 && run.skip / run.offset > 0) {
         run.offset *= run.skip / run.offset;
+    }
+    const long most = most_steps * run.offset;
+    if (std::abs(static_cast<long>(run.num_hour)) > most) {
+        if (!run.told) {
+            MESS_print(mess_warn, "num_hour: Too many steps, the nearest %d are taken\n",
+                       most_steps);
+        }
+        run.told = true;
+        run.num_hour = clamp_int(run.num_hour < 0 ? -most : most);
     }
     if (run.num_hour < 0) {
         run.secs = run.offset * ((run.num_hour - run.offset + 1) / run.offset);

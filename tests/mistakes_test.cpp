@@ -439,6 +439,9 @@ constexpr Mistake mistakes[] = {
     {"/dev/zero -inp kavrad -pd us", 0,
      "KAVRAD_plot_summary: More packets than cells, the rest is left\n", "page.ps"},
     {"./radial -nh 1,1", 0, "", "page.ps"}, // no date in the name: the file alone
+    {"./201805202205 -nh=99999999", 10,
+     "num_hour: Too many steps, the nearest 200000 are taken\n200001 files of the hours *",
+     "!page.ps"},
     {"./nofile -nh 3", 10, "NIDS_open_file: Unable to open file:./nofile\n", "!page.ps"},
     {"./201805202205 -nh 2", 10,
      "121 files of the hours asked for are missing, the first: ./201805202205.nids\n",
