@@ -1,6 +1,7 @@
 // mosaic_writer: the bytes of mosaics, and the invented weather of the samples.
 #include "mosaic_writer.h"
 
+#include "map_proj.h"
 #include "storm.h"
 
 #include <algorithm>
@@ -186,12 +187,27 @@ float mosaic_dbz(double lat, double lon) {
 
 Bytes nowrad_sample(char kind, int divisor) {
     if (kind == 'L') {
-        const int ny = 400 / divisor;
-        const int nx = 700 / divisor;
-        // Its cells are placed roughly: the picture is what counts.
-        return nowrad_file(nowrad_lambert(ny, nx), [=](int row, int column) {
-            return level(
-                mosaic_dbz(38.69 + (ny / 2.0 - row) * 0.077, -96.03 + (column - nx / 2.0) * 0.083));
+        // The grid that every file of the kind has.
+        Domain domain;
+        domain.proj = proj_lambert;
+        domain.plat = 39.0F;
+        domain.plon = -97.0F;
+        domain.param[0] = 30.0F;
+        domain.param[1] = 60.0F;
+        domain.param[2] = 1.0F;
+        domain.clat = 38.69F;
+        domain.clon = -96.03F;
+        domain.nx = 700 / divisor;
+        domain.ny = 400 / divisor;
+        domain.dx = 0.0722F;
+        domain.dy = 0.0859F;
+        const Map map = map_make(domain);
+        return nowrad_file(nowrad_lambert(domain.ny, domain.nx), [&](int row, int column) {
+            float lat = 0;
+            float lon = 0;
+            map.untran(map.limits.x_min + static_cast<float>(column) * domain.dx,
+                       map.limits.y_max - static_cast<float>(row) * domain.dy, &lat, &lon);
+            return level(mosaic_dbz(lat, lon));
         });
     }
     const int ny = 1837 / divisor;
