@@ -3,8 +3,10 @@
 
 #include "date.h"
 #include "files.h"
+#include "no_memory.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <memory>
 #include <tuple>
 #include <utility>
@@ -16,6 +18,11 @@ namespace {
 struct GlobCloser {
     void operator()(glob_t* paths) const { globfree(paths); }
 };
+
+// A directory that cannot be read has no file, unless memory has run out.
+extern "C" int is_fatal(const char* /*path*/, int error) {
+    return error == ENOMEM ? 1 : 0;
+}
 
 // A date typed by nobody: what the name says alone.
 Date date_of_name(const NameSource& source, const std::string& name) {
@@ -45,7 +52,12 @@ std::vector<FoundName> find_names(const NameSource& source, const Date& date) {
     const NameResult pattern = build_name(pattern_source, date, {});
     glob_t area{};
     std::vector<FoundName> found;
-    if (pattern.cut || glob(pattern.name, GLOB_NOSORT | GLOB_TILDE, nullptr, &area) != 0) {
+    const int status =
+        pattern.cut ? GLOB_NOMATCH : glob(pattern.name, GLOB_NOSORT | GLOB_TILDE, is_fatal, &area);
+    if (status == GLOB_NOSPACE || status == GLOB_ABORTED) {
+        ZYR_no_memory();
+    }
+    if (status != 0) {
         return found;
     }
     const std::unique_ptr<glob_t, GlobCloser> paths(&area);
