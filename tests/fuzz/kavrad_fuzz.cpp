@@ -1,10 +1,44 @@
-// A KAVRAD file: the header, and every packet of every line.
+// A KAVRAD file: the header, and every packet of every line, and its picture.
 #include "kavrad.h"
+
+#include "files.h"
+#include "map.h"
+#include "memory_file.h"
+#include "plot_session.h"
 
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
+#include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+
+namespace {
+
+// On a domain of another projection than the file's, then asked by the user.
+void draw(const std::vector<std::uint8_t>& bytes) {
+    static const bool opened = open_plot_session("p,/dev/null");
+    RES_put_again("plot_param", bytes.size() % 2 == 0 ? "" : "run=2,site");
+    if (!opened || KAVRAD_open_file("/dev/null/none") != 0) {
+        std::abort();
+    }
+    const MemoryFile file(bytes);
+    FILE_set_filename(file.name());
+    KAVRAD_set_date(nullptr);
+    Domain domain = mercator_domain();
+    KAVRAD_plot_param();
+    KAVRAD_plot(&domain); // with the session open: a redraw
+    if (KAVRAD_open_file(file.name()) == 1) {
+        MAP_setup(&domain);
+        KAVRAD_plot_summary();
+        KAVRAD_rewind_file();
+    }
+    KAVRAD_close_file();
+    KAVRAD_close_file(); // is closed
+    KAVRAD_callback(0, "", 0.5F, 0.5F);
+}
+
+} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     MESS_set(0, 0);
@@ -21,5 +55,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         KAVRAD_rewind(file);
     }
     (void)std::fclose(file);
+    draw({data, data + size});
     return 0;
 }

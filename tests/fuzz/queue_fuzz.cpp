@@ -79,11 +79,12 @@ extern "C" int msgsnd(int /*id*/, const void* /*message*/, std::size_t size, int
         return wait_in_vain();
     }
     ++queue.commands;
+    queue.looks = 0;
     return 0;
 }
 
 extern "C" ssize_t msgrcv(int /*id*/, void* message, std::size_t size, long type, int /*flags*/) {
-    constexpr int most_looks = 3; // more wait for an answer that nobody owes
+    constexpr int most_looks = 1; // more wait for an answer that nobody owes
     if (queue.commands == 0) {
         errno = ENOMSG;
         return ++queue.looks > most_looks ? wait_in_vain() : -1;
