@@ -53,6 +53,7 @@ struct Environment {
 
 void start(std::vector<std::string> words) {
     std::vector<char*> argv;
+    argv.reserve(words.size());
     for (std::string& word : words) {
         argv.push_back(word.data());
     }

@@ -35,7 +35,8 @@ void require(bool condition) {
 
 void project(const Domain& domain) {
     MAP_domain(&domain);
-    for (float lat = -90.0F; lat <= 90.0F; lat += 15.0F) {
+    for (int degrees = -90; degrees <= 90; degrees += 15) {
+        const auto lat = static_cast<float>(degrees);
         float x = 0.0F;
         float y = 0.0F;
         MAP_tran(lat, lat * 2.0F, &x, &y);
