@@ -104,7 +104,8 @@ int KAVRAD_plot_summary() {
     long left = 2L * (nx + 1) * state.info.domain.ny;
     KAVRAD_packet packet;
     int column = 0;
-    for (int line = 0; !mosaic.is_past(line) && KAVRAD_get_packet(state.ifile, &packet) != 0;) {
+    int line = 0;
+    for (; !mosaic.is_past(line) && KAVRAD_get_packet(state.ifile, &packet) != 0;) {
         if (--left < 0) {
             MESS_print(mess_warn,
                        "KAVRAD_plot_summary: More packets than cells, the rest is left\n");
@@ -122,6 +123,10 @@ int KAVRAD_plot_summary() {
             column = 0;
             ++line;
         }
+    }
+    if (left >= 0 && line < state.info.domain.ny && !mosaic.is_past(line) && !KAVRAD_has_ended()) {
+        MESS_print(mess_warn, "KAVRAD_plot_summary: The file is damaged or not whole:%s\n",
+                   state.plot.name);
     }
     return 0;
 }

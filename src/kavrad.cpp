@@ -34,6 +34,7 @@ struct Stream {
     int type = 0;
     float value = no_echo;
     bool whole = false; // the record was there
+    bool ended = false; // the mark of the image's end was met
 };
 Stream stream;
 
@@ -146,8 +147,10 @@ int KAVRAD_get_packet(std::FILE* ifile, KAVRAD_packet* packet) {
     }
     const int b = stream.bytes.get();
     switch (b) {
-    case ByteSource::end:
     case 0x21:
+        stream.ended = true;
+        return 0;
+    case ByteSource::end:
         return 0;
     case 0x22:
         return 1;
@@ -173,6 +176,10 @@ int KAVRAD_get_packet(std::FILE* ifile, KAVRAD_packet* packet) {
     }
     packet->value = stream.value;
     return 1;
+}
+
+bool KAVRAD_has_ended() {
+    return stream.ended;
 }
 
 void keep_kavrad(StateKeeper& keeper) {

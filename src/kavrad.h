@@ -29,6 +29,8 @@ int KAVRAD_rewind(std::FILE* ifile);
 // The next packet. One that repeats leaves `packet` as the caller left it.
 // Returns 1; 0 at the end of the image or of the file.
 int KAVRAD_get_packet(std::FILE* ifile, KAVRAD_packet* packet);
+// Whether the mark of the image's end was met, and not that of the file alone.
+bool KAVRAD_has_ended();
 
 // --- Plotter (kav_plt.cpp): as the partners in nowrad.h -----------------------
 

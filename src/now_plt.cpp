@@ -28,6 +28,11 @@ int plot_frame() {
     return rad_mosaic_frame(state.plot, state.info.date, NOWRad_plot_summary);
 }
 
+void tell_not_whole() {
+    MESS_print(mess_warn, "NOWRad_plot_summary: The file is damaged or not whole:%s\n",
+               state.plot.name);
+}
+
 int plot_nextfile();
 
 constexpr RadPlotter plotter = {
@@ -96,6 +101,9 @@ void NOWRad_callback(int, const char* str, float x, float y) {
 
 int NOWRad_plot_summary() {
     if (!rad_mosaic_begin(state.plot, state.info.label, state.info.domain)) {
+        if (!is_set(state.info.domain.proj)) {
+            tell_not_whole(); // the header breaks off, or is none
+        }
         return -1;
     }
     PLT_set_callback(NOWRad_callback);
@@ -103,12 +111,16 @@ int NOWRad_plot_summary() {
     RadMosaic mosaic(state.info.domain, MAP_current(), state.plot.run_len,
                      RadMosaic::Corners::from_top, 0);
     int number = 0;
-    for (int line = 0; !mosaic.is_past(line) && NOWRad_line(state.ifile, &number) != 0; ++line) {
+    int line = 0;
+    for (; !mosaic.is_past(line) && NOWRad_line(state.ifile, &number) != 0; ++line) {
         NOWRad_packet packet;
         for (int column = 0; NOWRad_get_packet(state.ifile, &packet) != 0;) {
             mosaic.draw(line, column, packet.run, packet.value);
             column = std::min(column + packet.run, state.info.domain.nx);
         }
+    }
+    if (line < state.info.domain.ny && !mosaic.is_past(line)) {
+        tell_not_whole();
     }
     return 0;
 }

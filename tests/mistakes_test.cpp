@@ -296,6 +296,12 @@ constexpr Mistake mistakes[] = {
      "!page.ps"},
     {"./zip -inp kavrad -pd us", 0, "KAVRAD_open_file: Not a KAVRAD file: ./zip\n*a zip archive*",
      "page.ps"}, // which has no mark
+    {"./half -inp nowrad -pd us", 0,
+     "NOWRad_plot_summary: The file is damaged or not whole:./half\n", "page.ps"},
+    {"./header -inp nowrad -pd us", 0,
+     "NOWRad_plot_summary: The file is damaged or not whole:./header\n", "page.ps"},
+    {"./short -inp kavrad -pd us", 0,
+     "KAVRAD_plot_summary: The file is damaged or not whole:./short\n", "page.ps"},
     {"./zip -inp rrwds", 11, "RRWDS_get_header: Station not found\n*a zip archive*", "!page.ps"},
     {"./empty -inp mdr -pd us -va pr_tt", 10, "Unable to open file:./empty\n*an empty file*",
      "!page.ps"},
@@ -529,6 +535,9 @@ TEST(Mistakes, AreEachSaidOnce) {
         dir.write("empty", "");
         dir.write("KTLX20190520_223124_V06", "a text");
         dir.write("mosaic", mosaic);
+        dir.write("half", mosaic.substr(0, mosaic.size() - 30));
+        dir.write("header", mosaic.substr(0, 20));
+        dir.write("short", "no mosaic");
         dir.write("obs.raw", "ZYRRAW\n1200Z 23 NOV 26\n!Obs\nid lat lon t:Temp:%1.0f\n$\n"
                              "OKC 35 -97 21\n");
         dir.write("gap.raw", "OKC 35 -97 21\n\nTUL 36 -96 20\n");
