@@ -231,6 +231,14 @@ std::FILE* open_plain(Output& output, const char* name) {
         copy_text(output.target.data(), output.target.size(), name);
         FILE_make_dir(name, 1);
     }
+    // The page and a text grid of one name: the second to be whole would take it.
+    for (const Output& other : outputs) {
+        if (other.pending != 0 && std::strcmp(other.target.data(), output.target.data()) == 0) {
+            MESS_print(mess_error, "open_output: Another output has this name: %s\n", name);
+            errno = 0;
+            return nullptr;
+        }
+    }
     std::FILE* const file = open_beside(output, exists ? &info : nullptr);
     const bool locked = file == nullptr && exists && (errno == EACCES || errno == EPERM);
     return locked ? FILE_open(name, "w") : file; // a file may be ours where its directory is not

@@ -219,6 +219,12 @@ TEST_F(Outputs, AnOutputIsNoInput) {
     fs::create_symlink("radial", file("link"));
     const std::string radial = text("radial");
     const std::string raster = text("raster");
+    const ProgramRun twice = run("-de p,twin -of zyr=@twin raster");
+    EXPECT_EQ(twice.code, 4);
+    EXPECT_NE(twice.err.find("open_output: Another output has this name: twin\n"),
+              std::string::npos)
+        << twice.err;
+    EXPECT_TRUE(text("twin").ends_with("%%EOF\n"));
     for (const char* args : {"-de p,radial radial", "-de p,+radial ./radial", "-de p,link radial",
                              "-de m,raster radial raster", "-de p,x -of zyr=@raster raster",
                              "-de p,radial -cu -nc ./conv"}) {
