@@ -2,7 +2,9 @@
 // radar file is asked for, gets the name of the first file and hands over to
 // the plotter of that kind, which does the rest of the run.
 #include "zyrrad.h"
+#include "data_file.h"
 #include "date.h"
+#include "file_kind.h"
 #include "files.h"
 #include "kavrad.h"
 #include "lev2.h"
@@ -27,6 +29,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <iterator>
@@ -179,6 +182,15 @@ void keep_freed_memory() {
     mallopt(M_TRIM_THRESHOLD, largest_rest);
 }
 
+// The log of messages takes no radar file's place.
+std::FILE* open_log(const char* name, const char* mode) {
+    std::array<std::uint8_t, 512> area{};
+    const FILE_ptr there(FILE_size(name) > 0 ? FILE_open_data(name) : nullptr);
+    const bool radar = there != nullptr && there.get() != stdin &&
+                       file_kind(FILE_head(there.get(), area)).input != nullptr;
+    return radar ? nullptr : FILE_open(name, mode);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -193,7 +205,7 @@ int main(int argc, char** argv) {
         argv, argv + argc, [](const char* word) { return std::strcmp(word, "--info") == 0; });
     const int num_args = static_cast<int>(info - argv);
     RES_set_actions({.hour = FILE_set_time, .domain = DOM_decode});
-    MESS_set_log_tools({.open = FILE_open, .close = FILE_close, .stamp = DATE_get_current_str});
+    MESS_set_log_tools({.open = open_log, .close = FILE_close, .stamp = DATE_get_current_str});
     RES_init(num_args, argv, res_key.data(), res_pos.data());
     if (FLAG_help() != 0) {
         std::array<char, file_name_size> name{};

@@ -235,6 +235,11 @@ TEST_F(Outputs, AnOutputIsNoInput) {
         EXPECT_TRUE(text("radial") == radial && text("raster") == raster) << args;
         EXPECT_EQ(unfinished(), 0);
     }
+    for (const char* log : {"fi=", "-fi=", "dfi="}) { // messages go nowhere then
+        const ProgramRun result = run("-me=" + std::string(log) + "radial -de p,x radial");
+        EXPECT_NE(result.err.find("Unable to open log file: radial\n"), std::string::npos) << log;
+        EXPECT_TRUE(text("radial") == radial) << log;
+    }
 }
 
 // The kind of a file stays: its mode, a link, a device.
