@@ -5,6 +5,7 @@
 #include "map.h"
 #include "maptran.h"
 #include "page_floor.h"
+#include "plot_session.h"
 #include "zyrraw.h"
 #include "zyrresrc.h"
 
@@ -72,13 +73,7 @@ double read_raw(const std::string& name) {
 }
 
 void plot(const std::string& rows, const std::string& page) {
-    RES_put("device", ("p," + page + ",color").c_str());
-    RES_put("file_path", ZYR_SOURCE_DIR "/etc");
-    int id = 0;
-    Gws_type type = ws_none;
-    Glim offset{};
-    GPH_setup(&id, &type, 1.5F, &offset);
-    FLAG_resetplot(1);
+    const int id = open_bare_page("p," + page + ",color");
     Domain domain;
     domain.proj = proj_lambert;
     domain.clat = 37;

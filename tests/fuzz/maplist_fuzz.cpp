@@ -2,6 +2,7 @@
 // list, a database, a raw file or a metafile. No other file can be found.
 #include "map.h"
 #include "maptran.h"
+#include "plot_session.h"
 #include "run_program.h"
 #include "zyrgks.h"
 #include "zyrresrc.h"
@@ -19,14 +20,7 @@ const TempDir& dir() {
 }
 
 int open_output() {
-    MESS_set(0, 0);
-    RES_put("device", "p,/dev/null");
-    RES_put("file_path", ZYR_SOURCE_DIR "/etc"); // of the colours
-    int id = 0;
-    Gws_type type = ws_none;
-    Glim offset{};
-    GPH_setup(&id, &type, 1.5F, &offset);
-    FLAG_resetplot(1);
+    const int id = open_bare_page("p,/dev/null");
     RES_put("file_path", dir().path().c_str());
     RES_put("raw_path", dir().path().c_str());
     return id;

@@ -5,6 +5,7 @@
 
 #include "map.h"
 #include "maptran.h"
+#include "plot_session.h"
 #include "run_program.h"
 #include "zyrresrc.h"
 
@@ -25,14 +26,7 @@ const TempDir& dir() {
 }
 
 int open_output() {
-    MESS_set(0, 0);
-    RES_put("device", "p,/dev/null");
-    RES_put("file_path", ZYR_SOURCE_DIR "/etc"); // of the colours
-    int id = 0;
-    Gws_type type = ws_none;
-    Glim offset{};
-    GPH_setup(&id, &type, 1.5F, &offset);
-    FLAG_resetplot(1);
+    const int id = open_bare_page("p,/dev/null");
     dir().write("sao.cty", stations);
     RES_put("file_path", dir().path().c_str());
     RAW_attribs plain;

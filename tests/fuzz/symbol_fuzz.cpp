@@ -3,6 +3,7 @@
 
 #include "map.h"
 #include "maptran.h"
+#include "plot_session.h"
 #include "run_program.h"
 #include "zyrgks.h"
 #include "zyrresrc.h"
@@ -14,14 +15,8 @@
 namespace {
 
 int open_output() {
-    MESS_set(0, 0);
-    RES_put("device", "p,/dev/null");
+    const int id = open_bare_page("p,/dev/null");
     RES_put("file_path", "/nonexistent");
-    int id = 0;
-    Gws_type type = ws_none;
-    Glim offset{};
-    GPH_setup(&id, &type, 1.5F, &offset);
-    FLAG_resetplot(1);
     return id;
 }
 

@@ -1,6 +1,7 @@
 // Watch bulletins: any bytes as a file of them, at a time of its own, drawn about Oklahoma.
 #include "map.h"
 #include "maptran.h"
+#include "plot_session.h"
 #include "region.h"
 #include "run_program.h"
 #include "watch.h"
@@ -17,16 +18,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 namespace {
 
 int open_output(const char* watch_path) {
-    MESS_set(0, 0);
-    RES_put("device", "p,/dev/null");
-    RES_put("file_path", ZYR_SOURCE_DIR "/etc");
     RES_put("watch_path", watch_path);
     RES_put("color_watch", "lblue:wi=2,red:fp=hat");
-    int id = 0;
-    Gws_type type = ws_none;
-    Glim offset{};
-    GPH_setup(&id, &type, 1.5F, &offset);
-    FLAG_resetplot(1);
+    const int id = open_bare_page("p,/dev/null");
     Domain domain;
     domain.proj = proj_pstereo;
     domain.clat = 35;
