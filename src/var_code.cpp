@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -341,8 +342,8 @@ int trunc_level(double value) {
     return static_cast<int>(value + 1e-6);
 }
 
-int pack_layer(const Unit& unit, double first, double second) {
-    const auto join = [](int high, int low) { return high * 1000 + low; };
+std::int64_t pack_layer(const Unit& unit, double first, double second) {
+    const auto join = [](int high, int low) { return std::int64_t{high} * 1000 + low; };
     switch (unit.packing) {
     case Packing::pressure:
         return join(trunc_level(std::min(first, second)) / 10,
@@ -376,9 +377,10 @@ bool decode_layer(const Term& first, const Term& second, char joint, Level* leve
     if (unit->packing == Packing::none) {
         return false;
     }
-    *level = {unit->layer,
-              pack_layer(*unit, end_value(first, *unit, joint), end_value(second, *unit, joint))};
-    return true;
+    const std::int64_t code =
+        pack_layer(*unit, end_value(first, *unit, joint), end_value(second, *unit, joint));
+    *level = {unit->layer, static_cast<int>(code)};
+    return code == level->level; // what no code holds is no layer
 }
 
 // Numbers with units, and layers of them.

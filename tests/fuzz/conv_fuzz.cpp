@@ -16,6 +16,8 @@
 #include <sstream>
 #include <string>
 
+#include <unistd.h>
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace {
@@ -44,6 +46,16 @@ void open_others() {
     require(bytes > 1000000 && bytes < 2000000 && FILE_close(nullptr) == -1);
     char path[file_name_size] = "";
     require(*FILE_add_user_path("~/x", path) == '/' && *FILE_add_user_path("~root", path) == '/');
+}
+
+// A directory that leads to itself.
+void find_nowhere() {
+    const std::string loop = dir().path() + "/loop";
+    require(symlink("loop", loop.c_str()) == 0);
+    NameSource source;
+    source.conv = "%D/loop/%*";
+    source.resource = [](const char*) { return dir().path().c_str(); };
+    require(find_names(source, Date()).empty());
 }
 
 // What is asked at a terminal: a file by its convention, and what to do about an output.
@@ -79,6 +91,7 @@ const StateKeeper& first_state() {
         keep_flag(first);
         answer_questions();
         open_others();
+        find_nowhere();
         FILE_keep_read();
         return first;
     }();

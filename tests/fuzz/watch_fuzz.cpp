@@ -20,15 +20,15 @@ namespace {
 int open_output(const char* watch_path) {
     RES_put("watch_path", watch_path);
     RES_put("color_watch", "lblue:wi=2,red:fp=hat");
-    const int id = open_bare_page("p,/dev/null");
+    return open_bare_page("p,/dev/null");
+}
+
+// Around Oklahoma, or with the edge of the map there.
+void plot_on(const char* text) {
     Domain domain;
-    domain.proj = proj_pstereo;
-    domain.clat = 35;
-    domain.clon = -97;
-    domain.nx = domain.ny = 25;
-    domain.dx = domain.dy = 1;
+    DOM_decode(text, &domain);
     MAP_setup(&domain);
-    return id;
+    WATCH_plot();
 }
 
 } // namespace
@@ -45,7 +45,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (id >= 0) {
         WATCH_decode(&date);
         WATCH_set_label(size % 2 == 0 ? 1 : 0);
-        WATCH_plot();
+        plot_on("ps,35,-97,25,25,1,1");
+        plot_on("ll:0:82.4,36,-87,61,41,.5,.5");
     }
     WATCH_decode_file(name.c_str(), &date, 1369087200L);
     return 0;
