@@ -339,7 +339,8 @@ bool read_term(const char** text, Term* term) {
 
 // Truncated, with room for what a decimal fraction lacks in binary.
 int trunc_level(double value) {
-    return static_cast<int>(value + 1e-6);
+    constexpr double most = 999999999; // a number of any unit is below it on earth
+    return static_cast<int>(std::clamp(value + 1e-6, -most, most));
 }
 
 std::int64_t pack_layer(const Unit& unit, double first, double second) {
